@@ -1,0 +1,131 @@
+// qdvhost: starts the host, loads the module, runs a script on a drawing, and writes what was asked for.
+#include "app/options.h"
+#include "app/startup.h"
+
+#include "host/ed/ed.h"
+#include "host/formats/formats.h"
+#include "host/plot/plot.h"
+#include "host/rx/text.h"
+
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+enum ExitCode { success = 0, failed = 1, usageError = 2 };
+
+void tell(const std::string& line) {
+    std::cerr << "qdvhost: " << line << '\n';
+}
+void tell(const std::wstring& line) {
+    tell(host::toUtf8(line));
+}
+
+/// False when one could not be loaded; the reason was told by the loader.
+bool loadModules(const app::Options& options) {
+    bool loaded = true;
+    if (options.loadsDefaultModule) {
+        loaded = host::loadModule(app::programFolder() / "QDVCommonTools.arx");
+    }
+    for (const std::filesystem::path& module : options.modules) {
+        loaded = host::loadModule(module) && loaded;
+    }
+    return loaded;
+}
+
+bool runScript(host::Session& session, const std::string& script) {
+    if (script == "-") {
+        return session.runScript(std::cin);
+    }
+    std::ifstream file(script, std::ios::binary);
+    if (!file) {
+        tell("无法打开脚本文件: " + script);
+        return false;
+    }
+    return session.runScript(file);
+}
+
+bool writeDump(AcDbDatabase& database, const std::filesystem::path& path) {
+    std::ofstream file(path, std::ios::binary);
+    file << host::dumpDrawing(database);
+    file.close();
+    if (!file) {
+        tell("无法写入文件: " + path.string());
+        return false;
+    }
+    return true;
+}
+
+/// Writes every file that was asked for, going on after one that fails.
+bool writeResults(const app::Options& options) {
+    AcApDocument* document = curDoc();
+    if (document == nullptr) {
+        tell("没有打开的图形");
+        return false;
+    }
+    AcDbDatabase& database = *document->database();
+    bool written = true;
+    for (const std::filesystem::path& path : options.saves) {
+        std::wstring message;
+        if (host::fileFormats().write(database, host::fromUtf8(path.string()), true, message) != Acad::eOk) {
+            tell(message);
+            written = false;
+        }
+    }
+    for (const std::filesystem::path& path : options.plots) {
+        if (const std::wstring message = host::plotExtents(&database, path); !message.empty()) {
+            tell(message);
+            written = false;
+        }
+    }
+    for (const std::filesystem::path& path : options.dumps) {
+        written = writeDump(database, path) && written;
+    }
+    return written;
+}
+
+int run(const app::Options& options) {
+    app::initializeHost(options.settings);
+    bool good = true;
+    {
+        host::Session session;
+        if (options.drawing) {
+            if (session.openDrawing(*options.drawing) == nullptr) {
+                return failed;
+            }
+        } else {
+            session.newDrawing();
+        }
+        good = loadModules(options);
+        good = runScript(session, *options.script) && good;
+        std::cout.flush();
+        good = writeResults(options) && good;
+        host::unloadAllModules();
+    }
+    return good ? success : failed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::string error;
+    const std::optional<app::Options> options = app::parseOptions({argv + 1, argv + argc}, error);
+    if (!options) {
+        tell(error);
+        std::cerr << app::helpText();
+        return usageError;
+    }
+    if (options->help) {
+        std::cout << app::helpText();
+        return success;
+    }
+    if (options->version) {
+        std::cout << "qdvhost " QDV_VERSION "\n";
+        return success;
+    }
+    if (!options->script) {
+        tell("这个版本没有窗口，请用 --script 运行脚本");
+        return usageError;
+    }
+    return run(*options);
+}

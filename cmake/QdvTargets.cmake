@@ -1,0 +1,65 @@
+# The project's own target kinds, so that flags and layering are said once.
+
+add_library(qdv_flags INTERFACE)
+target_compile_options(qdv_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
+  -fno-semantic-interposition)
+target_compile_definitions(qdv_flags INTERFACE UNICODE _UNICODE)
+target_include_directories(qdv_flags INTERFACE ${CMAKE_SOURCE_DIR}/support ${CMAKE_SOURCE_DIR})
+if(QDV_SANITIZE)
+  target_compile_options(qdv_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer -Wno-maybe-uninitialized) # GCC misjudges the library under sanitizers
+  target_link_options(qdv_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+# qdv_precompile(target): the standard headers that nearly every file needs, parsed once.
+add_library(qdv_pch OBJECT ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
+target_link_libraries(qdv_pch PUBLIC qdv_flags)
+target_precompile_headers(qdv_pch PRIVATE
+  <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <string>
+  <string_view> <unordered_map> <utility> <variant> <vector>)
+function(qdv_precompile target)
+  target_compile_options(${target} PRIVATE -fPIC) # executables too: the header was compiled so
+  target_precompile_headers(${target} REUSE_FROM qdv_pch)
+endfunction()
+
+# qdv_host_library(area [USES area...] [LINK library...]): host_<area> from every .cpp of the folder.
+function(qdv_host_library area)
+  cmake_parse_arguments(arg "" "" "USES;LINK" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources) # a folder that has only headers
+    set(sources ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
+  endif()
+  add_library(host_${area} STATIC ${sources})
+  target_link_libraries(host_${area} PUBLIC qdv_flags)
+  foreach(used ${arg_USES})
+    target_link_libraries(host_${area} PUBLIC host_${used})
+  endforeach()
+  target_link_libraries(host_${area} PUBLIC ${arg_LINK})
+  qdv_precompile(host_${area})
+  set_property(GLOBAL APPEND PROPERTY QDV_HOST_AREAS host_${area})
+endfunction()
+
+# qdv_unit_test(name LINK library...): test_<name> from every .cpp of the current folder.
+function(qdv_unit_test name)
+  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(test_${name} ${sources})
+  target_link_libraries(test_${name} PRIVATE qdv_flags ${arg_LINK} GTest::gtest_main)
+  qdv_precompile(test_${name})
+  gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST)
+endfunction()
+
+# qdv_module_part(name): the objects of one folder of the module, every .cpp of it.
+function(qdv_module_part name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_library(qdv_${name} OBJECT ${sources})
+  target_link_libraries(qdv_${name} PRIVATE qdv_flags)
+  # A library with unique symbols could never be unloaded.
+  target_compile_options(qdv_${name} PRIVATE -fno-gnu-unique)
+  qdv_precompile(qdv_${name})
+  set_property(GLOBAL APPEND PROPERTY QDV_MODULE_PARTS qdv_${name})
+endfunction()

@@ -1,0 +1,118 @@
+// The table of LISP functions, their definition in a document and their dispatch.
+#include "frame/lispfunctiontable.h"
+
+#include "frame/utilityfunctions.h"
+
+#include <string_view>
+
+namespace {
+
+using Handler = int (*)();
+constexpr Handler notProvided = nullptr;
+
+constexpr LispFunctionRow functions[] = {
+    {L"", nullptr, false},
+    {L"c:jqx", notProvided, false},
+    {L"c:dgx", notProvided, false},
+    {L"c:hdx", notProvided, false},
+    {L"c:hxx", notProvided, false},
+    {L"c:xpw", notProvided, false},
+    {L"c:xpj", notProvided, false},
+    {L"c:dpw", notProvided, false},
+    {L"c:dpj", notProvided, false},
+    {L"c:substation", notProvided, false},
+    {L"c:county", notProvided, false},
+    {L"c:country", notProvided, false},
+    {L"c:province", notProvided, false},
+    {L"c:city", notProvided, false},
+    {L"c:eline", notProvided, false},
+    {L"c:railroad", notProvided, false},
+    {L"c:drailroad", notProvided, false},
+    {L"c:hoverb", notProvided, false},
+    {L"c:voverb", notProvided, false},
+    {L"c:hnoverb", notProvided, false},
+    {L"c:hnoverb1", notProvided, false},
+    {L"c:mxd", GetEntityList, false},
+    {L"_fid", notProvided, false},
+    {L"_midp", notProvided, false},
+    {L"_getsp", notProvided, false},
+    {L"dhatch", notProvided, false},
+    {L"rad2ang", RadiansToDegrees, false},
+    {L"ang2rad", DegreesToRadians, false},
+    {L"_setsh", notProvided, false},
+    {L"dodrag", notProvided, false},
+    {L"_strchg", notProvided, false},
+    {L"_ubegin", BeginUndoGroup, false},
+    {L"_uend", EndUndoGroup, false},
+    {L"*error*", RestoreAfterError, false},
+    {L"_errdo", RestoreAfterError, false},
+    {L"mkngroup", notProvided, false},
+    {L"gcpoint", notProvided, false},
+    {L"_glpoint", notProvided, false},
+    {L"c:V7_HLGX", notProvided, false},
+    {L"ssgetex", notProvided, false},
+    {L"c:mpedit", notProvided, false},
+    {L"c:V7_SPline", notProvided, false},
+    {L"c:V7_DFreeWay", notProvided, false},
+    {L"c:V7_DrRoad", notProvided, false},
+    {L"c:V7_MarkBSign", notProvided, false},
+    {L"IMGCommand", notProvided, false},
+    {L"KRB_NetLoad", notProvided, false},
+};
+
+constexpr int firstCode = 1;
+constexpr int lastCode = static_cast<int>(std::size(functions)) - 1;
+static_assert(lastCode == 46);
+/// Codes up to this one are calls; the one beyond the table is a call that fails.
+constexpr int lastAcceptedCode = lastCode + 1;
+
+int tellNotProvided(std::wstring_view name) {
+    const bool isCommand = name.starts_with(L"c:");
+    acutPrintf(L"\n%s %s 尚未提供。", isCommand ? L"命令" : L"函数", name.data() + (isCommand ? 2 : 0));
+    return RTNORM;
+}
+
+} // namespace
+
+std::span<const LispFunctionRow> LispFunctionTable() {
+    return functions;
+}
+
+void DefineLispFunctions() {
+    for (int code = firstCode; code <= lastCode; ++code) {
+        const LispFunctionRow& row = functions[code];
+        if (acedDefun(row.name, code) == 0) {
+            return;
+        }
+        if (row.isRegistered) {
+            acedRegFunc(row.handler, code);
+        }
+    }
+}
+
+void UndefineLispFunctions() {
+    for (int code = firstCode; code <= lastCode; ++code) {
+        acedUndef(functions[code].name, code);
+    }
+}
+
+int DispatchLispFunction() {
+    acedRetVoid();
+    return InvokeLispFunction(acedGetFunCode());
+}
+
+int InvokeLispFunction(int code) {
+    if (code < firstCode || code > lastAcceptedCode) {
+        return RTERROR;
+    }
+    if (code > lastCode) {
+        return RSERR;
+    }
+    try {
+        const LispFunctionRow& row = functions[code];
+        return (row.handler != nullptr ? row.handler() : tellNotProvided(row.name)) == RTNORM ? RSRSLT
+                                                                                              : RSERR;
+    } catch (...) {
+        return RSERR;
+    }
+}

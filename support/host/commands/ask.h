@@ -1,0 +1,83 @@
+// Questions as commands put them: one call with prompt, keywords and what is allowed; one value back.
+#pragma once
+
+#include "host/ed/ed.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+/// What a question was answered with. `cancelled` is Escape, or an error of the input.
+struct Answer {
+    enum class Kind { value, keyword, none, cancelled };
+    Kind kind = Kind::cancelled;
+    std::wstring keyword;
+
+    bool isValue() const { return kind == Kind::value; }
+    bool isKeyword(std::wstring_view name) const { return kind == Kind::keyword && keyword == name; }
+    bool isNone() const { return kind == Kind::none; }
+    bool isCancelled() const { return kind == Kind::cancelled; }
+};
+
+struct PointAnswer : Answer {
+    AcGePoint3d ucs;   ///< as answered
+    AcGePoint3d world; ///< the same in world coordinates
+};
+struct RealAnswer : Answer {
+    double value = 0.0;
+};
+struct IntegerAnswer : Answer {
+    int value = 0;
+};
+struct TextAnswer : Answer {
+    std::wstring text;
+};
+
+/// `flags` are those of acedInitGet; `base` is in UCS coordinates.
+PointAnswer askPoint(const std::wstring& prompt, const wchar_t* keywords = nullptr,
+                     const AcGePoint3d* base = nullptr, int flags = 0);
+RealAnswer askDistance(const std::wstring& prompt, const wchar_t* keywords = nullptr,
+                       const AcGePoint3d* base = nullptr, int flags = 0);
+/// Radians against the X axis of the UCS.
+RealAnswer askAngle(const std::wstring& prompt, const wchar_t* keywords = nullptr,
+                    const AcGePoint3d* base = nullptr, int flags = 0);
+RealAnswer askReal(const std::wstring& prompt, const wchar_t* keywords = nullptr, int flags = 0);
+IntegerAnswer askInteger(const std::wstring& prompt, const wchar_t* keywords = nullptr, int flags = 0);
+/// Enter is `none`.
+Answer askKeyword(const std::wstring& prompt, const wchar_t* keywords, int flags = 0);
+/// With `blanks` the text ends with the line only. Enter is `none`.
+TextAnswer askText(const std::wstring& prompt, bool blanks = false);
+
+/// A selection made by the user, or what was picked before the command; freed at the end of the scope.
+class Selection {
+public:
+    /// Asks when nothing is picked. `prompt` replaces the usual one.
+    static Selection ask();
+    ~Selection();
+    Selection(Selection&& other) noexcept;
+    Selection(const Selection&) = delete;
+    Selection& operator=(const Selection&) = delete;
+    bool empty() const { return mIds.isEmpty(); }
+    const AcDbObjectIdArray& ids() const { return mIds; }
+
+private:
+    Selection() = default;
+    ads_name mSet{0, 0};
+    AcDbObjectIdArray mIds;
+};
+
+AcDbDatabase& currentDatabase();
+/// A number in the drawing's units and precision, for defaults in prompts.
+std::wstring shown(double value);
+std::wstring shownAngle(double radians);
+
+/// Appends an entity to the current space with the current properties and closes it.
+AcDbObjectId appendToCurrentSpace(AcDbEntity* entity);
+/// Calls for each record name of a comma-separated list of wildcard patterns; patterns without a match are
+/// handed to `unmatched`.
+void forEachMatch(AcDbSymbolTable& table, const std::wstring& patterns,
+                  const std::function<void(AcDbObjectId)>& matched,
+                  const std::function<void(const std::wstring&)>& unmatched);
+
+} // namespace host

@@ -1,0 +1,96 @@
+// NEW, OPEN, SAVE, SAVEAS and QUIT. A drawing is read whole before the current one is touched.
+#include "host/commands/ask.h"
+#include "host/commands/registry.h"
+#include "host/ed/documentstate.h"
+#include "host/win/win.h"
+
+namespace host {
+namespace {
+
+/// A file name as typed: quotes taken off, the extension added when there is none.
+std::wstring fileNameOf(std::wstring text) {
+    if (text.size() >= 2 && text.front() == L'"' && text.back() == L'"') {
+        text = text.substr(1, text.size() - 2);
+    }
+    const std::size_t name = text.find_last_of(L"/\\");
+    const std::size_t dot = text.rfind(L'.');
+    if (dot == std::wstring::npos || (name != std::wstring::npos && dot < name)) {
+        text += L".dxf";
+    }
+    return text;
+}
+
+void runNew() {
+    const TextAnswer answer = askText(L"\n输入样板文件名或 [. (表示无)] <无>: ", true);
+    if (answer.isCancelled()) {
+        return;
+    }
+    const bool none = answer.isNone() || answer.text == L".";
+    acDocManager->appContextNewDocument(none ? nullptr : fileNameOf(answer.text).c_str());
+}
+
+void runOpen() {
+    const TextAnswer answer = askText(L"\n输入要打开的图形文件名: ", true);
+    if (answer.isValue()) {
+        acDocManager->appContextOpenDocument(fileNameOf(answer.text).c_str());
+    }
+}
+
+bool fileIsThere(const std::wstring& name) {
+    std::error_code error;
+    return std::filesystem::exists(toNativePath(name), error);
+}
+
+/// Writes the drawing; the document goes by the new name afterwards.
+void saveTo(const std::wstring& name) {
+    AcApDocument* document = curDoc();
+    std::wstring message;
+    if (fileFormats().write(*document->database(), name, true, message) != Acad::eOk) {
+        reportFailure(message);
+        return;
+    }
+    document->setFile(toWindowsPath(std::filesystem::absolute(toNativePath(name))));
+    document->state().savedChangeCount = document->database()->undoLog().changeCount();
+}
+
+void runSaveAs() {
+    const TextAnswer answer = askText(L"\n图形另存为: ", true);
+    if (!answer.isValue()) {
+        return;
+    }
+    const std::wstring name = fileNameOf(answer.text);
+    if (fileIsThere(name) && systemVariableInteger(L"EXPERT") < 2) {
+        const Answer replace =
+            askKeyword(L"\n该名称的图形已存在，是否替换它? [是(Y)/否(N)] <N>: ", L"Yes No");
+        if (!replace.isKeyword(L"Yes")) {
+            return;
+        }
+    }
+    saveTo(name);
+}
+
+void runSave() {
+    if (!curDoc()->isNamedDrawing()) {
+        runSaveAs();
+        return;
+    }
+    saveTo(curDoc()->fileName());
+}
+
+void runQuit() {
+    Session::requestQuit();
+}
+
+constexpr Adesk::Int32 flags = ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER;
+constexpr CommandRow rows[] = {
+    {L"NEW", L"新建", flags, runNew},         {L"OPEN", L"打开", flags, runOpen},
+    {L"SAVE", L"保存", flags, runSaveAs},     {L"QSAVE", L"快速保存", flags, runSave},
+    {L"SAVEAS", L"另存为", flags, runSaveAs}, {L"QUIT", L"退出", flags, runQuit}};
+
+} // namespace
+
+std::span<const CommandRow> fileCommands() {
+    return rows;
+}
+
+} // namespace host

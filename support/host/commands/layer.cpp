@@ -1,0 +1,323 @@
+// -LAYER: layers by name, one option after the other.
+#include "host/commands/ask.h"
+#include "host/commands/registry.h"
+#include "host/rx/text.h"
+
+#include <cmath>
+
+namespace host {
+namespace {
+
+AcDbLayerTable& layers() {
+    return *peek<AcDbLayerTable>(currentDatabase().layerTableId());
+}
+
+std::wstring nameOf(AcDbObjectId layer) {
+    return peek<AcDbLayerTableRecord>(layer)->name().kwszPtr();
+}
+
+/// The layer of that name, made when there is none; null with a line told when it can't be.
+AcDbObjectId layerNamed(const std::wstring& name, bool& created) {
+    AcDbObjectId id;
+    created = false;
+    if (layers().getAt(name.c_str(), id) == Acad::eOk) {
+        return id;
+    }
+    auto layer = std::make_unique<AcDbLayerTableRecord>();
+    const Opened<AcDbLayerTable> table(currentDatabase().layerTableId(), AcDb::kForWrite);
+    layer->setLinetypeObjectId(currentDatabase().continuousLinetype());
+    if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
+        acutPrintf(L"\n图层名 \"%s\" 无效。", name.c_str());
+        return {};
+    }
+    layer.release()->close();
+    created = true;
+    return id;
+}
+
+/// Applies a change to every layer of a comma-separated list; Enter means the current layer.
+void change(const TextAnswer& names, const std::function<void(AcDbLayerTableRecord&)>& apply) {
+    if (names.isCancelled()) {
+        return;
+    }
+    const std::wstring patterns = names.isNone() ? nameOf(currentDatabase().clayer()) : names.text;
+    forEachMatch(
+        layers(), patterns,
+        [&](AcDbObjectId id) {
+            if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
+                apply(*layer.get());
+            }
+        },
+        [](const std::wstring& pattern) { acutPrintf(L"\n找不到匹配的图层名 \"%s\"。", pattern.c_str()); });
+}
+
+void make() {
+    const std::wstring current = nameOf(currentDatabase().clayer());
+    const TextAnswer answer = askText(L"\n输入新图层的名称（将成为当前图层）<" + current + L">: ", true);
+    if (!answer.isValue()) {
+        return;
+    }
+    bool created = false;
+    if (const AcDbObjectId id = layerNamed(answer.text, created); !id.isNull()) {
+        currentDatabase().setClayer(id);
+    }
+}
+
+void set() {
+    const std::wstring current = nameOf(currentDatabase().clayer());
+    const TextAnswer answer = askText(L"\n输入要置为当前的图层名 <" + current + L">: ", true);
+    AcDbObjectId id;
+    if (!answer.isValue()) {
+        return;
+    }
+    if (layers().getAt(answer.text.c_str(), id) != Acad::eOk) {
+        acutPrintf(L"\n找不到图层 \"%s\"。", answer.text.c_str());
+    } else if (peek<AcDbLayerTableRecord>(id)->isFrozen()) {
+        acutPrintf(L"\n不能将冻结的图层置为当前。");
+    } else {
+        currentDatabase().setClayer(id);
+    }
+}
+
+void create() {
+    const TextAnswer answer = askText(L"\n输入新图层名列表: ", true);
+    std::size_t begin = 0;
+    while (answer.isValue() && begin < answer.text.size()) {
+        const std::size_t end = std::min(answer.text.find(L',', begin), answer.text.size());
+        bool created = false;
+        const std::wstring name = answer.text.substr(begin, end - begin);
+        if (!layerNamed(name, created).isNull() && !created) {
+            acutPrintf(L"\n图层 \"%s\" 已经存在。", name.c_str());
+        }
+        begin = end + 1;
+    }
+}
+
+void rename() {
+    const TextAnswer from = askText(L"\n输入旧图层名: ", true);
+    const TextAnswer to = from.isValue() ? askText(L"\n输入新图层名: ", true) : TextAnswer();
+    if (!to.isValue()) {
+        return;
+    }
+    AcDbObjectId id;
+    if (layers().getAt(from.text.c_str(), id) != Acad::eOk || id == currentDatabase().layerZero()) {
+        acutPrintf(L"\n不能重命名图层 \"%s\"。", from.text.c_str());
+        return;
+    }
+    const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite);
+    if (!layer || layer->setName(to.text.c_str()) != Acad::eOk) {
+        acutPrintf(L"\n图层名 \"%s\" 无效或已经存在。", to.text.c_str());
+    }
+}
+
+/// A colour by number, by the name of one of the first seven, or as red,green,blue.
+std::optional<AcCmEntityColor> colorFrom(const std::wstring& text) {
+    constexpr std::pair<const wchar_t*, Adesk::Int16> names[] = {
+        {L"RED", 1},     {L"YELLOW", 2}, {L"GREEN", 3}, {L"CYAN", 4}, {L"BLUE", 5},
+        {L"MAGENTA", 6}, {L"WHITE", 7},  {L"红", 1},    {L"黄", 2},   {L"绿", 3},
+        {L"青", 4},      {L"蓝", 5},     {L"洋红", 6},  {L"白", 7}};
+    AcCmEntityColor color;
+    for (const auto& [name, index] : names) {
+        if (text.size() >= 1 && equalNoCase(text, name)) {
+            color.setColorIndex(index);
+            return color;
+        }
+    }
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+    if (std::swscanf(text.c_str(), L"%d,%d,%d", &red, &green, &blue) == 3) {
+        const auto byte = [](int value) { return value >= 0 && value <= 255; };
+        if (byte(red) && byte(green) && byte(blue)) {
+            color.setRGB(static_cast<Adesk::UInt8>(red), static_cast<Adesk::UInt8>(green),
+                         static_cast<Adesk::UInt8>(blue));
+            return color;
+        }
+        return std::nullopt;
+    }
+    wchar_t* end = nullptr;
+    const long index = std::wcstol(text.c_str(), &end, 10);
+    if (end == text.c_str() || *end != L'\0' || index < 1 || index > 255) {
+        return std::nullopt;
+    }
+    color.setColorIndex(static_cast<Adesk::Int16>(index));
+    return color;
+}
+
+TextAnswer askNames(const std::wstring& what) {
+    return askText(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ", true);
+}
+
+void setColor() {
+    TextAnswer answer = askText(L"\n新颜色 [真彩色(T)/配色系统(CO)]: ");
+    if (answer.isValue() && equalNoCase(answer.text, L"T")) {
+        answer = askText(L"\n红,绿,蓝: ");
+    }
+    if (!answer.isValue()) {
+        return;
+    }
+    bool off = false;
+    std::wstring text = answer.text;
+    if (text.front() == L'-') { // a negative colour turns the layer off
+        off = true;
+        text.erase(0, 1);
+    }
+    const std::optional<AcCmEntityColor> color = colorFrom(text);
+    if (!color) {
+        acutPrintf(L"\n需要 1 到 255 的颜色号、颜色名或 红,绿,蓝。");
+        return;
+    }
+    change(askNames(L"图层名列表，这些图层使用颜色 " + text), [&](AcDbLayerTableRecord& layer) {
+        layer.setColor(AcCmColor(*color));
+        layer.setIsOff(off);
+    });
+}
+
+void setLinetype() {
+    const TextAnswer answer = askText(L"\n输入已加载的线型名或 [?] <Continuous>: ", true);
+    if (answer.isCancelled()) {
+        return;
+    }
+    const std::wstring name = answer.isNone() ? L"Continuous" : answer.text;
+    AcDbObjectId linetype;
+    AcDbDatabase& database = currentDatabase();
+    const auto* table = peek<AcDbLinetypeTable>(database.linetypeTableId());
+    if (table->getAt(name.c_str(), linetype) != Acad::eOk) {
+        const bool loaded = acdbLoadLineTypeFile(name.c_str(), L"acadiso.lin", &database) == Acad::eOk ||
+                            acdbLoadLineTypeFile(name.c_str(), L"acad.lin", &database) == Acad::eOk;
+        if (!loaded || table->getAt(name.c_str(), linetype) != Acad::eOk) {
+            acutPrintf(L"\n找不到线型 \"%s\"。", name.c_str());
+            return;
+        }
+    }
+    change(askNames(L"图层名列表，这些图层使用线型 \"" + name + L"\""),
+           [&](AcDbLayerTableRecord& layer) { layer.setLinetypeObjectId(linetype); });
+}
+
+void setLineWeight() {
+    const RealAnswer answer = askReal(L"\n输入线宽 (0.0mm - 2.11mm): ", nullptr, 4);
+    if (!answer.isValue()) {
+        return;
+    }
+    if (answer.value > 2.11) {
+        acutPrintf(L"\n线宽必须在 0.0 和 2.11 毫米之间。");
+        return;
+    }
+    const auto weight = nearestLineWeight(static_cast<int>(std::lround(answer.value * 100.0)));
+    change(askNames(L"图层名列表，这些图层使用该线宽"),
+           [&](AcDbLayerTableRecord& layer) { layer.setLineWeight(weight); });
+}
+
+void setPlottable() {
+    const Answer answer = askKeyword(L"\n输入打印首选项 [打印(P)/不打印(N)] <打印>: ", L"Plot No");
+    if (!answer.isCancelled()) {
+        const bool plots = !answer.isKeyword(L"No");
+        change(askNames(L"图层名列表"), [&](AcDbLayerTableRecord& layer) { layer.setIsPlottable(plots); });
+    }
+}
+
+void turnOff() {
+    change(askText(L"\n输入要关闭的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+        if (layer.objectId() == currentDatabase().clayer()) {
+            const Answer sure = askKeyword(L"\n真的要关闭当前图层吗? [是(Y)/否(N)] <N>: ", L"Yes No");
+            if (!sure.isKeyword(L"Yes")) {
+                return;
+            }
+        }
+        layer.setIsOff(true);
+    });
+}
+
+void freeze() {
+    change(askText(L"\n输入要冻结的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+        if (layer.setIsFrozen(true) != Acad::eOk) {
+            acutPrintf(L"\n不能冻结当前图层 \"%s\"。", layer.name().kwszPtr());
+        }
+    });
+}
+
+void list() {
+    const TextAnswer answer = askText(L"\n输入要列出的图层名 <*>: ", true);
+    if (answer.isCancelled()) {
+        return;
+    }
+    acutPrintf(L"\n%-24s %-10s %-8s %s", L"图层名", L"状态", L"颜色", L"线型");
+    forEachMatch(
+        layers(), answer.isNone() ? L"*" : answer.text,
+        [](AcDbObjectId id) {
+            const auto* layer = peek<AcDbLayerTableRecord>(id);
+            std::wstring state = layer->isOff() ? L"关" : L"开";
+            state += layer->isFrozen() ? L" 冻结" : L"";
+            state += layer->isLocked() ? L" 锁定" : L"";
+            const auto* linetype = peek<AcDbLinetypeTableRecord>(layer->linetypeObjectId());
+            acutPrintf(L"\n%-24s %-10s %-8d %s", layer->name().kwszPtr(), state.c_str(),
+                       static_cast<int>(layer->entityColor().colorIndex()),
+                       linetype != nullptr ? linetype->name().kwszPtr() : L"Continuous");
+        },
+        [](const std::wstring& pattern) { acutPrintf(L"\n找不到匹配的图层名 \"%s\"。", pattern.c_str()); });
+    acutPrintf(L"\n当前图层: \"%s\"", nameOf(currentDatabase().clayer()).c_str());
+}
+
+struct Option {
+    const wchar_t* keyword;
+    void (*run)();
+};
+
+constexpr Option options[] = {{L"?", list},
+                              {L"Make", make},
+                              {L"Set", set},
+                              {L"New", create},
+                              {L"Rename", rename},
+                              {L"ON",
+                               [] {
+                                   change(askText(L"\n输入要打开的图层名列表: ", true),
+                                          [](AcDbLayerTableRecord& layer) { layer.setIsOff(false); });
+                               }},
+                              {L"OFF", turnOff},
+                              {L"Color", setColor},
+                              {L"Ltype", setLinetype},
+                              {L"LWeight", setLineWeight},
+                              {L"Plot", setPlottable},
+                              {L"Freeze", freeze},
+                              {L"Thaw",
+                               [] {
+                                   change(askText(L"\n输入要解冻的图层名列表: ", true),
+                                          [](AcDbLayerTableRecord& layer) { layer.setIsFrozen(false); });
+                               }},
+                              {L"LOck",
+                               [] {
+                                   change(askText(L"\n输入要锁定的图层名列表: ", true),
+                                          [](AcDbLayerTableRecord& layer) { layer.setIsLocked(true); });
+                               }},
+                              {L"Unlock", [] {
+                                   change(askText(L"\n输入要解锁的图层名列表: ", true),
+                                          [](AcDbLayerTableRecord& layer) { layer.setIsLocked(false); });
+                               }}};
+
+void runLayer() {
+    acutPrintf(L"\n当前图层:  \"%s\"", nameOf(currentDatabase().clayer()).c_str());
+    for (;;) {
+        const Answer answer =
+            askKeyword(L"\n输入选项\n[?/生成(M)/设置(S)/新建(N)/重命名(R)/开(ON)/关(OFF)/颜色(C)/线型(L)/"
+                       L"线宽(LW)/打印(P)/"
+                       L"冻结(F)/解冻(T)/锁定(LO)/解锁(U)]: ",
+                       L"? Make Set New Rename ON OFF Color Ltype LWeight Plot Freeze Thaw LOck Unlock");
+        const auto* option = std::find_if(std::begin(options), std::end(options),
+                                          [&](const Option& o) { return answer.isKeyword(o.keyword); });
+        if (option == std::end(options)) {
+            return;
+        }
+        option->run();
+    }
+}
+
+constexpr CommandRow rows[] = {{L"-LAYER", L"-图层", ACRX_CMD_TRANSPARENT, runLayer},
+                               {L"LAYER", L"图层", ACRX_CMD_TRANSPARENT, runLayer}};
+
+} // namespace
+
+std::span<const CommandRow> layerCommands() {
+    return rows;
+}
+
+} // namespace host

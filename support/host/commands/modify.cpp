@@ -1,0 +1,134 @@
+// ERASE, MOVE, COPY and OOPS.
+#include "host/commands/ask.h"
+#include "host/commands/registry.h"
+
+namespace host {
+namespace {
+
+/// Entities erased last in each drawing, for OOPS.
+std::map<AcDbDatabase*, AcDbObjectIdArray>& lastErased() {
+    static std::map<AcDbDatabase*, AcDbObjectIdArray> erased;
+    return erased;
+}
+
+void runErase() {
+    const Selection selection = Selection::ask();
+    if (selection.empty()) {
+        return;
+    }
+    AcDbObjectIdArray erased;
+    for (const AcDbObjectId id : selection.ids()) {
+        const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (entity && entity->erase() == Acad::eOk) {
+            erased.append(id);
+        }
+    }
+    lastErased()[&currentDatabase()] = erased;
+}
+
+void runOops() {
+    for (const AcDbObjectId id : lastErased()[&currentDatabase()]) {
+        const Opened<AcDbEntity> entity(id, AcDb::kForWrite, true);
+        if (entity && entity->isErased()) {
+            entity->erase(false);
+        }
+    }
+}
+
+/// A displacement in the world, asked for as base point and second point or as one vector.
+std::optional<AcGeVector3d> askDisplacement(std::optional<AcGePoint3d>* base = nullptr) {
+    const PointAnswer first = askPoint(L"\n指定基点或 [位移(D)] <位移>: ", L"Displacement");
+    if (first.isCancelled()) {
+        return std::nullopt;
+    }
+    if (!first.isValue()) {
+        const PointAnswer vector = askPoint(L"\n指定位移 <0.0000, 0.0000, 0.0000>: ");
+        return vector.isValue() ? std::optional(ucsMatrix() * vector.ucs.asVector()) : std::nullopt;
+    }
+    const PointAnswer second = askPoint(L"\n指定第二个点或 <使用第一个点作为位移>: ", nullptr, &first.ucs);
+    if (second.isCancelled()) {
+        return std::nullopt;
+    }
+    if (second.isNone()) {
+        return ucsMatrix() * first.ucs.asVector();
+    }
+    if (base != nullptr) {
+        *base = first.ucs;
+    }
+    return second.world - first.world;
+}
+
+void runMove() {
+    const Selection selection = Selection::ask();
+    if (selection.empty()) {
+        return;
+    }
+    const std::optional<AcGeVector3d> displacement = askDisplacement();
+    if (!displacement) {
+        return;
+    }
+    const AcGeMatrix3d matrix = AcGeMatrix3d::translation(*displacement);
+    int refused = 0;
+    for (const AcDbObjectId id : selection.ids()) {
+        const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
+        if (!entity || entity->transformBy(matrix) != Acad::eOk) {
+            ++refused;
+        }
+    }
+    if (refused > 0) {
+        acutPrintf(L"\n%d 个对象无法移动。", refused);
+    }
+}
+
+void copyBy(const AcDbObjectIdArray& ids, const AcGeVector3d& displacement) {
+    AcDbDatabase& database = currentDatabase();
+    AcDbIdMapping mapping;
+    database.deepCloneObjects(ids, database.currentSpaceId(), mapping);
+    const AcGeMatrix3d matrix = AcGeMatrix3d::translation(displacement);
+    for (const AcDbIdPair& pair : mapping.pairs()) {
+        if (!pair.isPrimary()) {
+            continue;
+        }
+        const Opened<AcDbEntity> entity(pair.value(), AcDb::kForWrite);
+        if (entity && entity->transformBy(matrix) != Acad::eOk) {
+            entity->erase(); // a copy that can't go to its place is none
+            acutPrintf(L"\n有对象无法复制。");
+        }
+    }
+}
+
+void runCopy() {
+    const Selection selection = Selection::ask();
+    if (selection.empty()) {
+        return;
+    }
+    std::optional<AcGePoint3d> base;
+    const std::optional<AcGeVector3d> first = askDisplacement(&base);
+    if (!first) {
+        return;
+    }
+    copyBy(selection.ids(), *first);
+    // Base and second point given: further copies until Enter, unless COPYMODE asks for one only.
+    while (base && systemVariableInteger(L"COPYMODE") == 0) {
+        const PointAnswer next =
+            askPoint(L"\n指定第二个点或 [退出(E)/放弃(U)] <退出>: ", L"Exit Undo", &*base);
+        if (!next.isValue()) {
+            return;
+        }
+        copyBy(selection.ids(), next.world - ucsToWorld(*base));
+    }
+}
+
+constexpr Adesk::Int32 flags = ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW;
+constexpr CommandRow rows[] = {{L"ERASE", L"删除", flags, runErase},
+                               {L"OOPS", L"恢复", ACRX_CMD_MODAL, runOops},
+                               {L"MOVE", L"移动", flags, runMove},
+                               {L"COPY", L"复制", flags, runCopy}};
+
+} // namespace
+
+std::span<const CommandRow> modifyCommands() {
+    return rows;
+}
+
+} // namespace host

@@ -1,0 +1,21 @@
+// Walks the tables of all families.
+#include "host/commands/registry.h"
+
+#include "host/commands/commands.h"
+
+namespace host {
+
+void initializeCommands() {
+    const std::span<const CommandRow> families[] = {fileCommands(), drawCommands(),    polylineCommands(),
+                                                    textCommands(), insertCommands(),  modifyCommands(),
+                                                    undoCommands(), layerCommands(),   linetypeCommands(),
+                                                    viewCommands(), variableCommands()};
+    for (const std::span<const CommandRow> family : families) {
+        for (const CommandRow& row : family) {
+            acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,
+                                           row.handler);
+        }
+    }
+}
+
+} // namespace host

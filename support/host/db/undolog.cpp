@@ -1,0 +1,307 @@
+// Recording and applying states. Applying swaps: the record ends up holding what it replaced, so the same
+// record serves undo and redo.
+#include "host/db/undolog.h"
+
+#include "host/db/dbdatabase.h"
+
+#include <algorithm>
+
+namespace host {
+namespace {
+
+template <class Flag>
+class ScopedFlag {
+public:
+    ScopedFlag(Flag& flag, Flag value) : mFlag(flag), mBefore(flag) { flag = value; }
+    ~ScopedFlag() { mFlag = mBefore; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+
+private:
+    Flag& mFlag;
+    Flag mBefore;
+};
+
+std::string imageOf(const AcDbObject& object) {
+    MemoryDwgFiler filer(AcDb::kUndoFiler, object.database());
+    object.dwgOutFields(&filer);
+    return filer.takeBytes();
+}
+
+} // namespace
+
+UndoLog::UndoLog(AcDbDatabase& database) : mDatabase(database) {}
+UndoLog::~UndoLog() = default;
+
+void UndoLog::setRecording(bool on) {
+    if (mRecording != on) {
+        clear();
+        mRecording = on;
+    }
+}
+
+void UndoLog::add(Record record) {
+    ++mChangeCount;
+    if (!mRedoSteps.empty()) {
+        dropRedo();
+    }
+    mRecords.push_back(std::move(record));
+}
+
+void UndoLog::recordImage(AcDbObject& object) {
+    object.mImageEpoch = mEpoch;
+    if (mApplying) {
+        return;
+    }
+    if (!isRecording()) {
+        ++mChangeCount;
+        return;
+    }
+    add({Kind::image, object.mStub, imageOf(object), {}, 0, {}});
+}
+
+void UndoLog::recordCreated(AcDbStub& stub) {
+    stub.object->mImageEpoch = mEpoch;
+    if (isRecording() && !mApplying) {
+        add({Kind::created, &stub, {}, {}, 0, {}});
+    }
+}
+
+void UndoLog::recordErase(AcDbStub& stub) {
+    if (isRecording() && !mApplying) {
+        add({Kind::erased, &stub, {}, {}, 0, {}});
+    }
+}
+
+void UndoLog::recordHeader(HeaderIndex index, const HeaderValue& old) {
+    if (isRecording() && !mApplying) {
+        add({Kind::header, nullptr, {}, {}, index, old});
+    }
+}
+
+void UndoLog::recordReplaced(AcDbStub& stub, const AcDbObject& old) {
+    if (isRecording() && !mApplying) {
+        add({Kind::replaced, &stub, imageOf(old), old.isA()->name(), 0, {}});
+    }
+}
+
+void UndoLog::restoreLatestImage(AcDbObject& object) {
+    for (std::size_t at = mRecords.size(); at > mStepBegin; --at) {
+        Record& record = mRecords[at - 1];
+        if (record.stub == object.mStub && record.kind == Kind::image) {
+            const ScopedFlag applying(mApplying, true);
+            MemoryDwgFiler filer(AcDb::kUndoFiler, &mDatabase, record.image);
+            object.dwgInFields(&filer);
+            return;
+        }
+    }
+}
+
+void UndoLog::apply(Record& record) {
+    switch (record.kind) {
+    case Kind::image: {
+        AcDbObject& object = *record.stub->object;
+        std::string now = imageOf(object);
+        MemoryDwgFiler filer(AcDb::kUndoFiler, &mDatabase, record.image);
+        object.dwgInFields(&filer);
+        record.image = std::move(now);
+        mDatabase.impl().notifyModified(object);
+        break;
+    }
+    case Kind::created:
+    case Kind::erased:
+        record.stub->erased = !record.stub->erased;
+        mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
+        break;
+    case Kind::header:
+        std::swap(record.value, mDatabase.impl().header[record.index]);
+        break;
+    case Kind::replaced: {
+        AcRxClass* descriptor = acrxFindAcRxClass(record.className.c_str());
+        AcDbObject* back = descriptor != nullptr ? AcDbObject::cast(descriptor->create()) : nullptr;
+        if (back == nullptr) {
+            break; // its module was unloaded: the object stays what it is now
+        }
+        AcDbObject& object = *record.stub->object;
+        std::string now = imageOf(object);
+        std::wstring name = object.isA()->name();
+        delete mDatabase.impl().replaceObject(record.stub, back, false);
+        MemoryDwgFiler filer(AcDb::kUndoFiler, &mDatabase, record.image);
+        back->dwgInFields(&filer);
+        record.image = std::move(now);
+        record.className = std::move(name);
+        mDatabase.impl().notifyModified(*back);
+        break;
+    }
+    }
+}
+
+void UndoLog::beginCommand(const std::wstring& name) {
+    if (mCommandDepth++ == 0) {
+        if (mGroupDepth == 0) {
+            closeStep(mCommand); // what was changed outside of commands is no part of this one
+        }
+        mCommand = name;
+        mStepBegin = mRecords.size();
+        ++mEpoch;
+    }
+}
+
+void UndoLog::endCommand() {
+    if (mCommandDepth == 0 || --mCommandDepth > 0) {
+        return;
+    }
+    if (mGroupDepth == 0) {
+        closeStep(mCommand);
+    }
+    ++mEpoch;
+}
+
+void UndoLog::closeStep(const std::wstring& name) {
+    if (mRecords.size() > mOpenBegin) {
+        mSteps.push_back({mOpenBegin, name, false});
+    }
+    mOpenBegin = mRecords.size();
+}
+
+void UndoLog::beginGroup() {
+    if (mGroupDepth > 0) {
+        endGroup();
+    }
+    // What the running command did so far belongs to the step before the group.
+    closeStep(mCommand);
+    mGroupDepth = 1;
+    ++mEpoch;
+}
+
+void UndoLog::endGroup() {
+    if (mGroupDepth > 0) {
+        mGroupDepth = 0;
+        closeStep(L"GROUP");
+        ++mEpoch;
+    }
+}
+
+void UndoLog::setMark() {
+    if (mGroupDepth == 0) {
+        closeStep(mCommand);
+    }
+    mSteps.push_back({mRecords.size(), L"MARK", true});
+    ++mEpoch;
+}
+
+bool UndoLog::changedInStep() const {
+    return mRecords.size() > mStepBegin;
+}
+
+void UndoLog::undoStep(std::vector<std::wstring>* names) {
+    const ScopedFlag applying(mApplying, true);
+    RedoStep redo{{}, mSteps.back()};
+    mSteps.pop_back();
+    while (mRecords.size() > redo.step.begin) {
+        apply(mRecords.back());
+        redo.records.push_back(std::move(mRecords.back()));
+        mRecords.pop_back();
+    }
+    mOpenBegin = mStepBegin = mRecords.size();
+    if (names != nullptr) {
+        names->push_back(redo.step.name);
+    }
+    mRedoSteps.push_back(std::move(redo));
+    ++mEpoch;
+    ++mChangeCount;
+}
+
+int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
+    closeStep(mCommand);
+    mGroupDepth = 0;
+    int done = 0;
+    while (done < steps && !mSteps.empty()) {
+        const bool mark = mSteps.back().mark;
+        undoStep(mark ? nullptr : names);
+        if (!mark) {
+            ++done;
+        }
+    }
+    return done;
+}
+
+bool UndoLog::undoBack(std::vector<std::wstring>* names) {
+    closeStep(mCommand);
+    mGroupDepth = 0;
+    while (!mSteps.empty()) {
+        const bool mark = mSteps.back().mark;
+        undoStep(mark ? nullptr : names);
+        if (mark) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
+    int done = 0;
+    const ScopedFlag applying(mApplying, true);
+    while (done < steps && !mRedoSteps.empty()) {
+        RedoStep redo = std::move(mRedoSteps.back());
+        mRedoSteps.pop_back();
+        redo.step.begin = mRecords.size();
+        while (!redo.records.empty()) {
+            apply(redo.records.back());
+            mRecords.push_back(std::move(redo.records.back()));
+            redo.records.pop_back();
+        }
+        mSteps.push_back(redo.step);
+        if (!redo.step.mark) {
+            ++done;
+            if (names != nullptr) {
+                names->push_back(redo.step.name);
+            }
+        }
+    }
+    mOpenBegin = mStepBegin = mRecords.size();
+    ++mEpoch;
+    ++mChangeCount;
+    return done;
+}
+
+bool UndoLog::hasMark() const {
+    return std::any_of(mSteps.begin(), mSteps.end(), [](const Step& step) { return step.mark; });
+}
+
+int UndoLog::undoableSteps() const {
+    const auto closed =
+        std::count_if(mSteps.begin(), mSteps.end(), [](const Step& step) { return !step.mark; });
+    return static_cast<int>(closed) + (mRecords.size() > mOpenBegin ? 1 : 0);
+}
+
+void UndoLog::clear() {
+    dropRedo();
+    mRecords.clear();
+    mSteps.clear();
+    mOpenBegin = mStepBegin = 0;
+    mGroupDepth = 0;
+    ++mEpoch;
+}
+
+void UndoLog::dropRedo() {
+    mRedoSteps.clear();
+}
+
+std::size_t UndoLog::openTransaction() {
+    ++mEpoch;
+    return mRecords.size();
+}
+
+void UndoLog::abortTransaction(std::size_t position) {
+    const ScopedFlag applying(mApplying, true);
+    while (mRecords.size() > position) {
+        apply(mRecords.back());
+        mRecords.pop_back();
+    }
+    mOpenBegin = std::min(mOpenBegin, mRecords.size());
+    mStepBegin = std::min(mStepBegin, mRecords.size());
+    ++mEpoch;
+}
+
+} // namespace host

@@ -1,0 +1,82 @@
+// What the editor keeps for a document.
+#pragma once
+
+#include "host/ed/acedinpt.h"
+#include "host/ed/externalfunctions.h"
+#include "host/ed/selection.h"
+#include "host/rx/text.h"
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace host {
+
+class Drive;
+
+/// A command as CMDNAMES lists it.
+struct ActiveCommand {
+    std::wstring name;
+    bool transparent = false;
+    bool fromModule = false;
+    bool lisp = false;
+};
+
+/// The steps of the undo log around commands and LISP: while LISP runs outside of a command, what it changes
+/// itself is a step and every command it drives another.
+class UndoSteps {
+public:
+    void beginCommand(AcDbDatabase& database, const std::wstring& name);
+    void endCommand(AcDbDatabase& database);
+    /// Around a command that changes the log itself.
+    void beginUnrecorded(AcDbDatabase& database);
+    void endUnrecorded(AcDbDatabase& database);
+    void beginLisp(AcDbDatabase& database);
+    void endLisp(AcDbDatabase& database);
+
+private:
+    void openLispStep(AcDbDatabase& database);
+    void closeLispStep(AcDbDatabase& database);
+    int mCommands = 0;
+    int mLisp = 0;
+    bool mLispStepOpen = false;
+};
+
+using VariableValue = std::variant<int, double, std::wstring, AcGePoint3d>;
+
+/// A complex entity under construction by acdbEntMake, whose parts follow in further calls.
+struct PendingEntity {
+    AcDbObjectId owner; ///< block that the finished thing goes to; null when nothing is pending
+    enum class Kind { none, polyline, insert, block } kind = Kind::none;
+    std::vector<ResbufList> parts;
+};
+
+struct DocumentState {
+    std::list<ActiveCommand> active;
+    std::vector<std::shared_ptr<Drive>> waiting; ///< innermost last
+    UndoSteps undo;
+    std::wstring lastCommand; ///< what Enter at the command prompt repeats
+    std::wstring postedText;  ///< while the document is not current
+    int scriptDepth = 0;
+    int dialogDepth = 0;
+    int lockCount = 0;
+
+    PickSet implied;
+    PickSet previous;
+    std::vector<AcEdSSGetFilter*> selectionFilters;
+    AcEdInputPointManager points;
+
+    std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
+    std::map<std::wstring, VariableValue> variables; ///< session variables kept by document
+    PendingEntity pending;
+    std::map<std::wstring, std::size_t> tableCursors; ///< of acdbTblNext
+    std::map<AcDbStub*, std::size_t> dictionaryCursors;
+
+    Adesk::UInt64 savedChangeCount = 0;
+    std::vector<Adesk::UInt64> pushedDbmod;
+};
+
+} // namespace host

@@ -1,0 +1,549 @@
+// Making and changing objects from lists.
+#include "host/db/dbents.h"
+#include "host/ed/acdocman.h"
+#include "host/ed/aced.h"
+#include "host/ed/documentstate.h"
+#include "host/ed/entitylist.h"
+#include "host/ed/question.h"
+#include "host/rx/text.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace host {
+namespace {
+
+constexpr short xdataMark = -3;
+constexpr short applicationCode = 1001;
+
+const resbuf* findGroup(const resbuf* list, int code) {
+    for (; list != nullptr; list = list->rbnext) {
+        if (list->restype == code) {
+            return list;
+        }
+    }
+    return nullptr;
+}
+
+std::wstring textOf(const resbuf* list, int code) {
+    const resbuf* found = findGroup(list, code);
+    if (found == nullptr && code == 0) {
+        found = findGroup(list, RTDXF0);
+    }
+    return found != nullptr && found->resval.rstring != nullptr ? found->resval.rstring : L"";
+}
+
+int integerOf(const resbuf* list, int code, int otherwise = 0) {
+    const resbuf* found = findGroup(list, code);
+    return found != nullptr ? found->resval.rint : otherwise;
+}
+
+/// Groups of a list that an object reads from it: names, handles, owners and extended data are not among
+/// them, and angles are in degrees.
+class ReadableGroups {
+public:
+    explicit ReadableGroups(const resbuf* list) {
+        bool inReactors = false;
+        mAngles = !equalNoCase(textOf(list, 0), L"XRECORD");
+        for (; list != nullptr && list->restype != xdataMark; list = list->rbnext) {
+            const short code = list->restype;
+            if (code == 102 && list->resval.rstring != nullptr) {
+                const std::wstring_view text = list->resval.rstring;
+                inReactors =
+                    text == L"{ACAD_REACTORS" || text == L"{ACAD_XDICTIONARY" || (inReactors && text != L"}");
+                if (inReactors || text == L"}") {
+                    continue;
+                }
+            }
+            const bool identity =
+                code == -1 || code == -2 || code == 0 || code == RTDXF0 || code == 5 || code == 105;
+            if (inReactors || identity || (code == 330 && mOwnerPending)) {
+                mOwnerPending = mOwnerPending && code != 330;
+                continue;
+            }
+            mOwnerPending = mOwnerPending && code != 100;
+            mBuilder.take(copyResbuf(*list).release());
+        }
+    }
+
+    void addMissing(int code, const resbuf* list, const std::function<void(ResbufBuilder&)>& add) {
+        if (findGroup(list, code) == nullptr) {
+            add(mBefore);
+        }
+    }
+
+    ResbufList release() {
+        mBefore.take(mBuilder.release().release());
+        ResbufList list = mBefore.release();
+        for (resbuf* at = list.get(); at != nullptr; at = at->rbnext) {
+            if (mAngles && at->restype >= 50 && at->restype <= 58) {
+                at->resval.rreal *= 180.0 / pi;
+            }
+        }
+        return list;
+    }
+
+private:
+    ResbufBuilder mBefore;
+    ResbufBuilder mBuilder;
+    bool mAngles = true;
+    bool mOwnerPending = true; ///< the first 330 in front of a subclass names the owner
+};
+
+/// A layer that an entity's list names is made when the drawing lacks it.
+void addMissingLayer(const resbuf* list, AcDbDatabase& database) {
+    const std::wstring name = textOf(list, 8);
+    AcDbLayerTable* table = nullptr;
+    if (name.empty() || acdbSNValid(name.c_str(), 0) != RTNORM ||
+        database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
+        return;
+    }
+    if (!table->has(name.c_str()) && table->upgradeOpen() == Acad::eOk) {
+        auto layer = std::make_unique<AcDbLayerTableRecord>();
+        layer->setName(name.c_str());
+        layer->setLinetypeObjectId(database.continuousLinetype());
+        if (table->add(layer.get()) == Acad::eOk) {
+            layer.release()->close();
+        }
+    }
+    table->close();
+}
+
+/// What an entity takes from the drawing's current settings when its list does not say.
+ResbufList withCurrentProperties(const resbuf* list, AcDbDatabase& database) {
+    addMissingLayer(list, database);
+    ReadableGroups groups(list);
+    const auto name = [](AcDbObjectId id) {
+        const auto* record = peek<AcDbSymbolTableRecord>(id);
+        return record != nullptr ? std::wstring(record->name().kwszPtr()) : std::wstring(L"0");
+    };
+    groups.addMissing(8, list, [&](ResbufBuilder& b) { b.string(8, name(database.clayer())); });
+    groups.addMissing(6, list, [&](ResbufBuilder& b) { b.string(6, name(database.celtype())); });
+    groups.addMissing(
+        62, list, [&](ResbufBuilder& b) { b.integer(62, database.cecolor().entityColor().colorIndex()); });
+    groups.addMissing(370, list, [&](ResbufBuilder& b) { b.integer(370, database.celweight()); });
+    groups.addMissing(48, list, [&](ResbufBuilder& b) { b.real(48, database.celtscale()); });
+    return groups.release();
+}
+
+/// Puts the extended data of a list behind -3 in the place of that of the same applications; an application
+/// without data loses what it had.
+Acad::ErrorStatus applyExtendedData(AcDbObject& object, const resbuf* list) {
+    const resbuf* mark = findGroup(list, xdataMark);
+    if (mark == nullptr) {
+        return Acad::eOk;
+    }
+    ResbufBuilder builder;
+    for (const resbuf* at = mark->rbnext; at != nullptr; at = at->rbnext) {
+        if (at->restype >= 1000 && at->restype <= 1071) {
+            builder.take(copyResbuf(*at).release());
+        }
+    }
+    const ResbufList data = builder.release();
+    return data != nullptr ? object.setXData(data.get()) : Acad::eOk;
+}
+
+Acad::ErrorStatus readInto(AcDbObject& object, const resbuf* groups, AcDbDatabase& database) {
+    ResbufDxfReader reader(&database, groups);
+    return object.dxfIn(&reader);
+}
+
+AcRxClass* partClass(const std::wstring& name, const AcDbEntity& whole) {
+    if (equalNoCase(name, L"ATTRIB")) {
+        return acrxFindAcRxClass(L"AcDbAttribute");
+    }
+    static const std::map<std::wstring_view, const wchar_t*> vertexClasses = {
+        {L"AcDb2dPolyline", L"AcDb2dVertex"},
+        {L"AcDb3dPolyline", L"AcDb3dPolylineVertex"},
+        {L"AcDbPolygonMesh", L"AcDbPolygonMeshVertex"},
+        {L"AcDbPolyFaceMesh", L"AcDbPolyFaceMeshVertex"},
+    };
+    const auto found = vertexClasses.find(whole.isA()->name());
+    return found != vertexClasses.end() ? acrxFindAcRxClass(found->second) : nullptr;
+}
+
+AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
+    if (equalNoCase(name, L"POLYLINE")) {
+        const int flags = integerOf(list, 70);
+        const wchar_t* className = (flags & 8) != 0    ? L"AcDb3dPolyline"
+                                   : (flags & 16) != 0 ? L"AcDbPolygonMesh"
+                                   : (flags & 64) != 0 ? L"AcDbPolyFaceMesh"
+                                                       : L"AcDb2dPolyline";
+        return acrxFindAcRxClass(className);
+    }
+    AcRxClass* found = classOfDxfName(name);
+    return found != nullptr && found->isDerivedFrom(AcDbObject::desc()) ? found : nullptr;
+}
+
+template <class T>
+std::unique_ptr<T> createFrom(AcRxClass* descriptor) {
+    AcRxObject* made = descriptor != nullptr ? descriptor->create() : nullptr;
+    T* object = T::cast(made);
+    if (object == nullptr) {
+        delete made;
+    }
+    return std::unique_ptr<T>(object);
+}
+
+/// Makes a new entity in a block. Null when the list does not describe one.
+AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& database) {
+    std::unique_ptr<AcDbEntity> entity = createFrom<AcDbEntity>(classFor(textOf(list, 0), list));
+    if (entity == nullptr) {
+        return nullptr;
+    }
+    const ResbufList groups = withCurrentProperties(list, database);
+    if (readInto(*entity, groups.get(), database) != Acad::eOk) {
+        return nullptr;
+    }
+    const Opened<AcDbBlockTableRecord> block(owner, AcDb::kForWrite);
+    AcDbObjectId id;
+    if (!block || block->appendAcDbEntity(id, entity.get()) != Acad::eOk) {
+        return nullptr;
+    }
+    AcDbEntity* resident = entity.release();
+    applyExtendedData(*resident, list);
+    return resident;
+}
+
+bool appendPart(AcDbEntity& whole, const resbuf* list, AcDbDatabase& database) {
+    std::unique_ptr<AcDbEntity> part = createFrom<AcDbEntity>(partClass(textOf(list, 0), whole));
+    SubentityList* parts = whole.needSubentities();
+    if (part == nullptr || parts == nullptr) {
+        return false;
+    }
+    const ResbufList groups = withCurrentProperties(list, database);
+    if (readInto(*part, groups.get(), database) != Acad::eOk) {
+        return false;
+    }
+    AcDbObjectId id;
+    AcDbEntity* resident = part.get();
+    if (parts->append(whole, id, resident) != Acad::eOk) {
+        return false;
+    }
+    part.release();
+    applyExtendedData(*resident, list);
+    resident->close();
+    return true;
+}
+
+bool makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbDatabase& database) {
+    AcDbEntity* whole = makeEntity(parts.front().get(), owner, database);
+    if (whole == nullptr) {
+        return false;
+    }
+    bool good = true;
+    for (std::size_t i = 1; i < parts.size() && good; ++i) {
+        good = appendPart(*whole, parts[i].get(), database);
+    }
+    if (!good) {
+        whole->erase();
+    }
+    whole->close();
+    return good;
+}
+
+/// Records of symbol tables.
+template <class Table, class Record>
+bool makeRecordIn(const resbuf* list, AcDbDatabase& database) {
+    Table* table = nullptr;
+    const std::wstring name = textOf(list, 2);
+    if (name.empty() || database.getSymbolTable(table, AcDb::kForWrite) != Acad::eOk) {
+        return false;
+    }
+    bool added = false;
+    if (!table->has(name.c_str())) {
+        auto record = std::make_unique<Record>();
+        const ResbufList groups = ReadableGroups(list).release();
+        if (readInto(*record, groups.get(), database) == Acad::eOk && table->add(record.get()) == Acad::eOk) {
+            record.release()->close();
+            added = true;
+        }
+    }
+    table->close();
+    return added;
+}
+
+using RecordMaker = bool (*)(const resbuf*, AcDbDatabase&);
+const std::map<std::wstring_view, RecordMaker>& recordMakers() {
+    static const std::map<std::wstring_view, RecordMaker> makers = {
+        {L"LAYER", makeRecordIn<AcDbLayerTable, AcDbLayerTableRecord>},
+        {L"LTYPE", makeRecordIn<AcDbLinetypeTable, AcDbLinetypeTableRecord>},
+        {L"STYLE", makeRecordIn<AcDbTextStyleTable, AcDbTextStyleTableRecord>},
+        {L"APPID", makeRecordIn<AcDbRegAppTable, AcDbRegAppTableRecord>},
+        {L"DIMSTYLE", makeRecordIn<AcDbDimStyleTable, AcDbDimStyleTableRecord>},
+        {L"VIEW", makeRecordIn<AcDbViewTable, AcDbViewTableRecord>},
+        {L"UCS", makeRecordIn<AcDbUCSTable, AcDbUCSTableRecord>},
+    };
+    return makers;
+}
+
+// Blocks.
+
+std::wstring freeAnonymousName(const AcDbBlockTable& table, const std::wstring& prefix) {
+    for (int number = 0;; ++number) {
+        std::wstring name = prefix + std::to_wstring(number);
+        if (!table.has(name.c_str())) {
+            return name;
+        }
+    }
+}
+
+/// The record that a definition fills: a new one, or the one of that name emptied.
+AcDbObjectId blockFor(const resbuf* list, AcDbDatabase& database, std::wstring& name) {
+    name = textOf(list, 2);
+    AcDbBlockTable* table = nullptr;
+    if (name.empty() || database.getSymbolTable(table, AcDb::kForWrite) != Acad::eOk) {
+        return {};
+    }
+    const bool anonymous = (integerOf(list, 70) & 1) != 0 || (name.size() <= 2 && name.front() == L'*');
+    if (anonymous) {
+        name = freeAnonymousName(*table, name.front() == L'*' ? name : L"*" + name);
+    }
+    AcDbObjectId id;
+    if (table->getAt(name.c_str(), id) != Acad::eOk) {
+        auto record = std::make_unique<AcDbBlockTableRecord>();
+        record->setName(name.c_str());
+        if (table->add(id, record.get()) == Acad::eOk) {
+            record.release()->close();
+        }
+    } else if (const auto* record = peek<AcDbBlockTableRecord>(id)) {
+        for (AcDbStub* stub : std::vector(record->entities())) {
+            if (Opened<AcDbEntity> entity(AcDbObjectId(stub), AcDb::kForWrite); entity) {
+                entity->erase();
+            }
+        }
+    }
+    table->close();
+    const Opened<AcDbBlockTableRecord> record(id, AcDb::kForWrite);
+    if (record) {
+        if (const resbuf* origin = findGroup(list, 10)) {
+            record->setOrigin(asPoint3d(origin->resval.rpoint));
+        }
+    }
+    return id;
+}
+
+/// Whether the list begins something that further lists complete.
+bool opensComplex(const std::wstring& name, const resbuf* list) {
+    return equalNoCase(name, L"POLYLINE") || (equalNoCase(name, L"INSERT") && integerOf(list, 66) != 0);
+}
+
+bool makeAll(std::vector<ResbufList>& lists, AcDbObjectId owner, AcDbDatabase& database) {
+    for (std::size_t i = 0; i < lists.size();) {
+        if (!opensComplex(textOf(lists[i].get(), 0), lists[i].get())) {
+            AcDbEntity* entity = makeEntity(lists[i++].get(), owner, database);
+            if (entity == nullptr) {
+                return false;
+            }
+            entity->close();
+            continue;
+        }
+        std::vector<ResbufList> parts;
+        for (; i < lists.size() && !equalNoCase(textOf(lists[i].get(), 0), L"SEQEND"); ++i) {
+            parts.push_back(std::move(lists[i]));
+        }
+        ++i;
+        if (!makeComplex(parts, owner, database)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int finishBlock(PendingEntity pending, AcDbDatabase& database) {
+    std::wstring name;
+    const AcDbObjectId block = blockFor(pending.parts.front().get(), database, name);
+    if (block.isNull()) {
+        return RTERROR;
+    }
+    pending.parts.erase(pending.parts.begin());
+    if (!makeAll(pending.parts, block, database)) {
+        return RTERROR;
+    }
+    lastInput() = name;
+    return RTKWORD;
+}
+
+AcDbObjectId spaceOf(const resbuf* list, const AcDbDatabase& database) {
+    const resbuf* paper = findGroup(list, 67);
+    if (paper != nullptr) {
+        return paper->resval.rint != 0 ? database.paperSpaceId() : database.modelSpaceId();
+    }
+    return database.currentSpaceId();
+}
+
+/// A further list of a complex entity or a block under construction.
+int continuePending(PendingEntity& pending, const std::wstring& name, const resbuf* list,
+                    AcDbDatabase& database) {
+    const bool inBlock = pending.kind == PendingEntity::Kind::block;
+    if (equalNoCase(name, inBlock ? L"ENDBLK" : L"SEQEND")) {
+        PendingEntity complete = std::exchange(pending, {});
+        if (inBlock) {
+            return finishBlock(std::move(complete), database);
+        }
+        return makeComplex(complete.parts, complete.owner, database) ? RTNORM : RTERROR;
+    }
+    if (!inBlock && !equalNoCase(name, L"VERTEX") && !equalNoCase(name, L"ATTRIB")) {
+        pending = {};
+        return RTERROR;
+    }
+    pending.parts.push_back(copyResbufList(list));
+    return RTNORM;
+}
+
+int make(const resbuf* list) {
+    AcApDocument* document = curDoc();
+    const std::wstring name = textOf(list, 0);
+    if (document == nullptr || name.empty()) {
+        return RTERROR;
+    }
+    AcDbDatabase& database = *document->database();
+    PendingEntity& pending = document->state().pending;
+    if (pending.kind != PendingEntity::Kind::none) {
+        return continuePending(pending, name, list, database);
+    }
+    if (equalNoCase(name, L"BLOCK") || opensComplex(name, list)) {
+        pending.kind = equalNoCase(name, L"BLOCK")      ? PendingEntity::Kind::block
+                       : equalNoCase(name, L"POLYLINE") ? PendingEntity::Kind::polyline
+                                                        : PendingEntity::Kind::insert;
+        pending.owner = spaceOf(list, database);
+        pending.parts.push_back(copyResbufList(list));
+        return RTNORM;
+    }
+    if (const auto maker = recordMakers().find(toUpper(name)); maker != recordMakers().end()) {
+        return maker->second(list, database) ? RTNORM : RTERROR;
+    }
+    AcDbEntity* entity = makeEntity(list, spaceOf(list, database), database);
+    if (entity == nullptr) {
+        return RTERROR;
+    }
+    entity->close();
+    return RTNORM;
+}
+
+// Changing.
+
+bool isComplete(const resbuf* list) {
+    return findGroup(list, 100) != nullptr;
+}
+
+/// The present list with the values of the new one: the n-th group of a code takes the n-th new value, what
+/// is left of the new ones comes behind.
+ResbufList merged(ResbufList present, const resbuf* changes) {
+    std::map<int, const resbuf*> next;
+    const auto find = [](const resbuf* from, int code) {
+        while (from != nullptr && from->restype != code) {
+            from = from->rbnext;
+        }
+        return from;
+    };
+    ResbufBuilder builder;
+    std::set<int> replaced;
+    for (const resbuf* at = present.get(); at != nullptr; at = at->rbnext) {
+        const int code = at->restype;
+        if (!next.contains(code)) {
+            next[code] = find(changes, code);
+        }
+        const resbuf*& with = next[code];
+        builder.take(copyResbuf(with != nullptr ? *with : *at).release());
+        with = with != nullptr ? find(with->rbnext, code) : nullptr;
+        replaced.insert(code);
+    }
+    for (const resbuf* at = changes; at != nullptr && at->restype != xdataMark; at = at->rbnext) {
+        const bool left =
+            !replaced.contains(at->restype) || (next[at->restype] != nullptr && next[at->restype] == at);
+        if (left) {
+            builder.take(copyResbuf(*at).release());
+            if (replaced.contains(at->restype)) {
+                next[at->restype] = find(at->rbnext, at->restype);
+            }
+        }
+    }
+    return builder.release();
+}
+
+void forgetKeptGroups(AcDbObject& object) {
+    if (object.extras() == nullptr) {
+        return;
+    }
+    std::vector<std::string> subclasses;
+    for (const ObjectExtras::Kept& kept : object.extras()->kept) {
+        if (kept.subclass != "102") {
+            subclasses.push_back(kept.subclass);
+        }
+    }
+    for (const std::string& subclass : subclasses) {
+        object.replaceKeptGroups(subclass, {});
+    }
+}
+
+int modify(const resbuf* list) {
+    const resbuf* named = findGroup(list, -1);
+    AcDbObjectId id;
+    if (named == nullptr || acdbGetObjectId(id, named->resval.rlname) != Acad::eOk) {
+        return RTERROR;
+    }
+    ResbufList whole = isComplete(list) ? copyResbufList(list) : merged(objectList(id), list);
+    const ResbufList groups = ReadableGroups(whole.get()).release();
+    AcDbObject* object = nullptr;
+    if (acdbOpenAcDbObject(object, id, AcDb::kForWrite) != Acad::eOk) {
+        return RTERROR;
+    }
+    object->assertWriteEnabled();
+    if (object->isKindOf(AcDbEntity::desc())) {
+        addMissingLayer(groups.get(), *object->database());
+    }
+    forgetKeptGroups(*object);
+    if (readInto(*object, groups.get(), *object->database()) != Acad::eOk ||
+        applyExtendedData(*object, list) != Acad::eOk) {
+        object->cancel();
+        return RTERROR;
+    }
+    object->close();
+    return RTNORM;
+}
+
+int makeUnowned(const resbuf* list, ads_name result) {
+    AcDbDatabase* database = acdbCurDwg();
+    std::unique_ptr<AcDbObject> object = createFrom<AcDbObject>(classFor(textOf(list, 0), list));
+    if (database == nullptr || object == nullptr) {
+        return RTERROR;
+    }
+    AcDbObjectId id;
+    if (object->isKindOf(AcDbEntity::desc())) {
+        AcDbEntity* entity = makeEntity(list, spaceOf(list, *database), *database);
+        if (entity == nullptr) {
+            return RTERROR;
+        }
+        id = entity->objectId();
+        entity->close();
+    } else {
+        const ResbufList groups = ReadableGroups(list).release();
+        if (readInto(*object, groups.get(), *database) != Acad::eOk ||
+            database->addAcDbObject(id, object.get()) != Acad::eOk) {
+            return RTERROR;
+        }
+        applyExtendedData(*object, list);
+        object.release()->close();
+    }
+    ads_name name;
+    acdbGetAdsName(name, id);
+    ads_name_set(name, result);
+    return RTNORM;
+}
+
+} // namespace
+} // namespace host
+
+int acdbEntMake(const resbuf* list) {
+    return list != nullptr ? host::make(list) : RTERROR;
+}
+
+int acdbEntMakeX(const resbuf* list, ads_name object) {
+    return list != nullptr ? host::makeUnowned(list, object) : RTERROR;
+}
+
+int acdbEntMod(const resbuf* list) {
+    return list != nullptr ? host::modify(list) : RTERROR;
+}

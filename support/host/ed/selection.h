@@ -1,0 +1,161 @@
+// Selection: sets of entities behind ads_names, filters, what lies at a point or in a window, and the
+// dialogue "选择对象".
+#pragma once
+
+#include "host/db/db.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+class AcApDocument;
+
+namespace host {
+
+/// Entities in the order they were selected, each once.
+struct PickSet {
+    std::vector<AcDbObjectId> ids;
+
+    bool add(AcDbObjectId id);
+    bool remove(AcDbObjectId id);
+    /// In time of both sizes together.
+    void removeAll(const std::vector<AcDbObjectId>& gone);
+    bool contains(AcDbObjectId id) const { return mMembers.count(id.stub()) > 0; }
+    std::size_t size() const { return ids.size(); }
+    bool empty() const { return ids.empty(); }
+    void clear();
+
+private:
+    std::unordered_set<AcDbStub*> mMembers;
+};
+
+/// A name for a copy of the set; freed with acedSSFree.
+void makePickSetName(PickSet set, ads_name name);
+/// The set of a name; null when the name is none.
+PickSet* pickSetOf(const ads_name name);
+bool freePickSet(const ads_name name);
+/// How many names are in use.
+std::size_t pickSetCount();
+
+/// An axis-aligned box in the plan of the world.
+struct PlanBox {
+    double minX = 0.0, minY = 0.0, maxX = 0.0, maxY = 0.0;
+
+    bool overlaps(const PlanBox& other) const {
+        return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
+    }
+    bool contains(const PlanBox& other) const {
+        return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;
+    }
+    static PlanBox of(std::span<const AcGePoint2d> points);
+};
+
+/// Finds entities by place. The default walks over the block; an index hangs itself in here.
+class SpatialQuery {
+public:
+    virtual ~SpatialQuery() = default;
+    /// Calls for each entity of the block that is not erased and whose box may touch the given one, in
+    /// drawing order; until `visit` returns false.
+    virtual void overlapping(AcDbObjectId block, const PlanBox& box,
+                             const std::function<bool(AcDbEntity&)>& visit) = 0;
+};
+SpatialQuery& spatialQuery();
+/// Null gives back the default.
+void setSpatialQuery(std::unique_ptr<SpatialQuery> query);
+
+/// A result-buffer list as a condition on entities: group values with wildcards in names, -4 operators,
+/// extended data by application.
+class SelectionFilter {
+public:
+    /// Null or empty: accepts everything. `isValid` is false for operators that do not pair.
+    explicit SelectionFilter(const resbuf* list);
+    ~SelectionFilter();
+    SelectionFilter(SelectionFilter&&) noexcept;
+    bool isValid() const;
+    bool accepts(AcDbEntity& entity) const;
+
+    struct Node;
+
+private:
+    std::unique_ptr<Node> mRoot;
+    bool mValid = true;
+};
+
+/// The polygon's inside, or a line.
+struct SelectionShape {
+    enum class Kind { window, crossing, fence };
+    Kind kind = Kind::crossing;
+    std::vector<AcGePoint2d> points; ///< world; a polygon is closed by itself
+};
+
+/// What may be picked: not erased, on a layer that is on and thawed, visible.
+bool isSelectable(const AcDbEntity& entity);
+
+/// Entities of the current space in a shape, in drawing order.
+std::vector<AcDbObjectId> entitiesIn(const SelectionShape& shape);
+/// The entity nearest to a point within the aperture, the topmost of equals; null when there is none. World
+/// coordinates.
+AcDbObjectId entityAt(const AcGePoint3d& point, double aperture);
+/// Everything within the aperture, nearest first.
+std::vector<AcDbObjectId> entitiesAt(const AcGePoint3d& point, double aperture);
+/// What a reference holds at the point: the innermost entity, the references on the way from the outermost
+/// one, and the transform from the entity's coordinates to the world.
+struct NestedPick {
+    AcDbObjectId entity;
+    std::vector<AcDbObjectId> containers; ///< innermost first
+    AcGeMatrix3d toWorld;
+};
+std::optional<NestedPick> nestedEntityAt(const AcGePoint3d& point, double aperture);
+/// Half the pick box in drawing units.
+double pickAperture();
+
+struct SelectOptions {
+    std::wstring addPrompt = L"\n选择对象: ";
+    std::wstring removePrompt = L"\n删除对象: ";
+    bool single = false;          ///< one answer ends it, whatever it finds
+    bool everythingInBox = false; ///< a pick takes all in the aperture
+    bool rejectLocked = false;    ///< entities on locked layers are left out, and told
+    bool silent = false;
+    bool useImplied = false; ///< a pick-first set is the answer
+};
+/// The dialogue. RTNORM with a set that is not empty, RTNONE with an empty one, RTCAN, or RTKWORD.
+int selectEntities(const SelectOptions& options, const SelectionFilter& filter, PickSet& result);
+
+/// The pick-first set and the set selected last, of the current document.
+PickSet& impliedSelection();
+PickSet& previousSelection();
+
+} // namespace host
+
+/// Told of what is being selected; may take entities out again.
+class AcEdSelectionSetService {
+public:
+    explicit AcEdSelectionSetService(const AcDbObjectIdArray& ids) : mIds(ids) {}
+    Acad::ErrorStatus ssNameX(resbuf**, int = 0) const { return Acad::eNotApplicable; }
+    Acad::ErrorStatus remove(int index);
+    Acad::ErrorStatus highlight(int, const AcDbFullSubentPath&) { return Acad::eOk; }
+    bool isRemoved(int index) const { return mRemoved.count(index) > 0; }
+
+private:
+    const AcDbObjectIdArray& mIds;
+    std::unordered_set<int> mRemoved;
+};
+
+class AcEdSSGetFilter : public AcRxObject {
+    ACRX_DECLARE_MEMBERS(AcEdSSGetFilter);
+
+public:
+    virtual void ssgetAddFilter(int /*flags*/, AcEdSelectionSetService&, const AcDbObjectIdArray& /*set*/,
+                                const AcDbObjectIdArray& /*subSet*/) {}
+    virtual void ssgetRemoveFilter(int, AcEdSelectionSetService&, const AcDbObjectIdArray&,
+                                   const AcDbObjectIdArray&, AcDbObjectIdArray&) {}
+    virtual void ssgetAddFailed(int, int, AcEdSelectionSetService&, resbuf*) {}
+    virtual void ssgetRemoveFailed(int, int, AcEdSelectionSetService&, resbuf*, AcDbObjectIdArray&) {}
+};
+
+Acad::ErrorStatus addSSgetFilterInputContextReactor(AcApDocument* document, AcEdSSGetFilter* filter);
+Acad::ErrorStatus removeSSgetFilterInputContextReactor(AcApDocument* document, AcEdSSGetFilter* filter);

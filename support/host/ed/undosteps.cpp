@@ -1,0 +1,54 @@
+// Where a step of the undo log begins and ends around commands and LISP.
+#include "host/ed/documentstate.h"
+
+namespace host {
+
+void UndoSteps::openLispStep(AcDbDatabase& database) {
+    if (mLisp > 0 && mCommands == 0 && !mLispStepOpen) {
+        database.undoLog().beginCommand(L"LISP");
+        mLispStepOpen = true;
+    }
+}
+
+void UndoSteps::closeLispStep(AcDbDatabase& database) {
+    if (mLispStepOpen) {
+        database.undoLog().endCommand();
+        mLispStepOpen = false;
+    }
+}
+
+void UndoSteps::beginCommand(AcDbDatabase& database, const std::wstring& name) {
+    if (mCommands++ == 0) {
+        closeLispStep(database);
+    }
+    database.undoLog().beginCommand(name);
+}
+
+void UndoSteps::endCommand(AcDbDatabase& database) {
+    database.undoLog().endCommand();
+    --mCommands;
+    openLispStep(database);
+}
+
+void UndoSteps::beginUnrecorded(AcDbDatabase& database) {
+    if (mCommands == 0) {
+        closeLispStep(database);
+    }
+}
+
+void UndoSteps::endUnrecorded(AcDbDatabase& database) {
+    openLispStep(database);
+}
+
+void UndoSteps::beginLisp(AcDbDatabase& database) {
+    ++mLisp;
+    openLispStep(database);
+}
+
+void UndoSteps::endLisp(AcDbDatabase& database) {
+    if (--mLisp == 0) {
+        closeLispStep(database);
+    }
+}
+
+} // namespace host

@@ -1,0 +1,37 @@
+// A font: characters to glyphs. Faces keep their glyphs as long as they live; a face is used by one thread at
+// a time (the engine holds its lock meanwhile).
+#pragma once
+
+#include "host/font/glyph.h"
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+namespace host {
+
+class FontFace {
+public:
+    FontFace();
+    virtual ~FontFace() = default;
+    FontFace(const FontFace&) = delete;
+    FontFace& operator=(const FontFace&) = delete;
+
+    // The glyph of a character, or null when the font has none; a blank is a glyph without contours.
+    const Glyph* glyph(char32_t character);
+
+    virtual bool isStroke() const = 0;
+    virtual double ascent() const { return 1.0; }
+    virtual double descent() const { return 1.0 / 3; }
+    std::uint32_t id() const { return m_id; }
+
+protected:
+    // Makes the glyph of a character; null when there is none. Called once a character.
+    virtual std::unique_ptr<Glyph> makeGlyph(char32_t character) = 0;
+
+private:
+    std::unordered_map<char32_t, std::unique_ptr<Glyph>> m_glyphs;
+    std::uint32_t m_id;
+};
+
+} // namespace host

@@ -1,0 +1,91 @@
+// Drawing files: readers and writers over the database, and linetype files. Every reader fills an empty
+// database and says in a report what it had to repair or leave out; the caller throws a half-filled
+// database away when reading failed.
+#pragma once
+
+#include "host/db/db.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// One thing of a file that did not come over as it stood.
+struct ReadEntry {
+    enum class Done { kept, repaired, leftOut };
+
+    std::size_t line = 0;       ///< 1 for the first line of a text file; 0: not at one place
+    Adesk::UInt64 handle = 0;   ///< of the object concerned; 0: none
+    std::wstring what;          ///< in the user's language, without place and consequence
+    Done done = Done::repaired; ///< `kept`: not understood, but goes back into a file as it came
+
+    /// One line: place, what, and what was done.
+    std::wstring text() const;
+};
+
+class ReadReport {
+public:
+    /// Entries beyond this many are only counted, so that a hostile file cannot fill the memory.
+    static constexpr std::size_t maximumEntries = 1000;
+
+    void add(ReadEntry entry);
+    const std::vector<ReadEntry>& entries() const { return mEntries; }
+    std::size_t count() const { return mCount; }
+    bool empty() const { return mCount == 0; }
+    /// All entries, a line each.
+    std::wstring text() const;
+
+private:
+    std::vector<ReadEntry> mEntries;
+    std::size_t mCount = 0;
+};
+
+struct ReadResult {
+    Acad::ErrorStatus status = Acad::eOk;
+    std::wstring message; ///< one line on why reading failed; empty when it did not
+    ReadReport report;
+};
+
+struct WriteResult {
+    Acad::ErrorStatus status = Acad::eOk;
+    std::wstring message;
+};
+
+/// Reads a DXF file, text or binary, of release 9 (AC1004) to 2018 (AC1032), into a database made without a
+/// default drawing. Afterwards the database has everything a complete drawing needs. Nothing is recorded for
+/// undo.
+ReadResult readDxf(AcDbDatabase& database, const std::filesystem::path& file);
+/// The same from bytes in memory.
+ReadResult readDxfText(AcDbDatabase& database, std::string_view bytes);
+
+struct DxfWriteOptions {
+    AcDb::AcDbDwgVersion version = AcDb::kDHL_1032;
+    bool backup = true; ///< the old file stays as NAME.bak
+};
+
+/// Writes the whole drawing as text: all or nothing under the given name.
+WriteResult writeDxf(AcDbDatabase& database, const std::filesystem::path& file,
+                     const DxfWriteOptions& options = {});
+/// The same into memory.
+std::string writeDxfText(AcDbDatabase& database, const DxfWriteOptions& options = {});
+
+struct DumpOptions {
+    bool volatileToo = false;   ///< time stamps, handle seed, fingerprint and the like
+    bool digitsRounded = false; ///< reals to 9 significant digits, for comparing across conversions
+};
+
+/// The drawing as text for comparing: header variables by name, then every object that is not erased, by
+/// handle, in its DXF groups, a group a line. Equal drawings give equal texts.
+std::string dumpDrawing(AcDbDatabase& database, const DumpOptions& options = {});
+
+/// Loads linetypes of a definition file; `name` may hold * and ?. eFileNotFound, eUndefinedLineType when the
+/// file has none of that name, eDuplicateRecordName when one is there already (the others are loaded),
+/// eInvalidLineType for a faulty definition; `message` then says what and where.
+Acad::ErrorStatus loadLinetypes(const std::wstring& name, const std::wstring& file, AcDbDatabase& database,
+                                std::wstring* message = nullptr);
+
+/// Hangs the readers and writers into fileFormats() and linetypeLoader().
+void initializeFormats();
+
+} // namespace host

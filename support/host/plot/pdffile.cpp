@@ -1,0 +1,88 @@
+#include "host/plot/pdffile.h"
+
+#include "host/plot/textbuffer.h"
+
+#include <cstdio>
+#include <string>
+#include <zlib.h>
+
+namespace host {
+
+namespace {
+
+std::string pack(const std::string& data) {
+    constexpr int fast = 1; // higher levels take several times as long for a tenth of the size
+    uLongf size = compressBound(data.size());
+    std::string packed(size, '\0');
+    compress2(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(data.data()),
+              data.size(), fast);
+    packed.resize(size);
+    return packed;
+}
+
+} // namespace
+
+PdfFile::PdfFile(const std::filesystem::path& path) : m_file(path, AtomicFile::Backup::none) {
+    write("%PDF-1.5\n%\xE2\xE3\xCF\xD3\n");
+}
+
+int PdfFile::reserve() {
+    m_offsets.push_back(0);
+    return static_cast<int>(m_offsets.size());
+}
+
+void PdfFile::begin(int number) {
+    m_offsets[static_cast<std::size_t>(number - 1)] = m_file.position();
+    TextBuffer head;
+    head << number << " 0 obj\n";
+    write(head.text());
+}
+
+void PdfFile::writeObject(int number, std::string_view body) {
+    begin(number);
+    write(body);
+    write("\nendobj\n");
+}
+
+int PdfFile::writeStream(std::string data) {
+    constexpr std::size_t longStream = 64 * 1024, mostPending = 2;
+    const int number = reserve();
+    if (data.size() < longStream) {
+        writePacked(number, pack(data));
+        return number;
+    }
+    m_pending.push_back({number, std::async(std::launch::async, pack, std::move(data))});
+    finishPending(mostPending);
+    return number;
+}
+
+void PdfFile::finishPending(std::size_t most) {
+    for (; m_pending.size() > most; m_pending.pop_front())
+        writePacked(m_pending.front().number, m_pending.front().packed.get());
+}
+
+void PdfFile::writePacked(int number, const std::string& packed) {
+    begin(number);
+    TextBuffer head;
+    head << "<</Filter/FlateDecode/Length " << packed.size() << ">>stream\n";
+    write(head.text());
+    write(packed);
+    write("\nendstream\nendobj\n");
+}
+
+bool PdfFile::commit(int catalog) {
+    finishPending(0);
+    const std::uint64_t table = m_file.position();
+    std::string text = "xref\n0 " + std::to_string(m_offsets.size() + 1) + "\n0000000000 65535 f \n";
+    for (const std::uint64_t offset : m_offsets) {
+        char row[32];
+        std::snprintf(row, sizeof row, "%010llu 00000 n \n", static_cast<unsigned long long>(offset));
+        text += row;
+    }
+    text += "trailer\n<</Size " + std::to_string(m_offsets.size() + 1) + "/Root " + std::to_string(catalog) +
+            " 0 R>>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
+    write(text);
+    return m_file.commit();
+}
+
+} // namespace host

@@ -1,0 +1,45 @@
+// The objects of a PDF file, written one after the other, with the cross-reference table at the end.
+#pragma once
+
+#include "host/win/fileio.h"
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <future>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+class PdfFile {
+public:
+    explicit PdfFile(const std::filesystem::path& path);
+
+    // A number for an object written later.
+    int reserve();
+    void writeObject(int number, std::string_view body);
+    // A stream, compressed (a long one on another thread meanwhile). Returns the object's number.
+    int writeStream(std::string data);
+    // Ends the file with this catalog and gives it its name.
+    bool commit(int catalog);
+    std::wstring errorText() const { return m_file.errorText(); }
+
+private:
+    void begin(int number);
+    void writePacked(int number, const std::string& packed);
+    void finishPending(std::size_t most); // writes waiting streams until at most so many are left
+
+    struct PendingStream {
+        int number;
+        std::future<std::string> packed;
+    };
+    void write(std::string_view text) { m_file.write(text); }
+
+    AtomicFile m_file;
+    std::vector<std::uint64_t> m_offsets; // of object i + 1
+    std::deque<PendingStream> m_pending;
+};
+
+} // namespace host

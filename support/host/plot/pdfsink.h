@@ -1,0 +1,52 @@
+// Draws primitives into a one-page PDF file: lines and areas as paths, filled glyphs as characters of fonts
+// made of their outlines, so that each outline is stored once and texts can be searched.
+#pragma once
+
+#include "host/plot/pdffile.h"
+#include "host/plot/pdffonts.h"
+#include "host/plot/sheet.h"
+#include "host/plot/textbuffer.h"
+
+#include <optional>
+
+namespace host {
+
+class PdfSink final : public PrimitiveSink {
+public:
+    PdfSink(const std::filesystem::path& path, const Sheet& sheet, bool hasLineWeights);
+
+    void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override;
+    void area(const Area& area, const Pen& pen) override;
+    void glyphs(const GlyphRun& run, const Pen& pen) override;
+    bool wantsCurves() const override { return true; }
+    void path(const WorldPath& path, const Pen& pen) override;
+    void pushClip(std::span<const AcGePoint3d> polygon) override;
+    void popClip() override;
+
+    // Writes the rest of the file; false on a write error, told by errorText.
+    bool finish();
+    std::wstring errorText() const { return m_file.errorText(); }
+
+private:
+    void setStroke(const Pen& pen);
+    void setFill(const Pen& pen);
+    void color(std::uint32_t rgb, std::string_view operation);
+    void strokePath(); // strokes what has been collected
+    void spill();      // writes the content so far as a stream when it is long
+    void point(const SheetPoint& point, char operation);
+    void filledGlyphs(const GlyphRun& run);
+    void strokedGlyph(const GlyphRun& run, const PlacedGlyph& placed);
+
+    Sheet m_sheet;
+    SheetMap m_map;
+    bool m_hasLineWeights;
+    PdfFile m_file;
+    PdfFonts m_fonts;
+    TextBuffer m_content;
+    std::vector<int> m_contents;  // streams written
+    std::size_t m_pathPoints = 0; // collected and not yet stroked
+    std::optional<std::uint32_t> m_strokeColor, m_fillColor;
+    std::optional<std::int64_t> m_strokeWidth;
+};
+
+} // namespace host

@@ -1,0 +1,140 @@
+#include "host/plot/plot.h"
+
+#include "host/gi/extentssink.h"
+#include "host/plot/imagesink.h"
+#include "host/plot/pdfsink.h"
+#include "host/plot/pngfile.h"
+#include "host/plot/svgsink.h"
+#include "host/rx/text.h"
+#include "host/win/fileio.h"
+
+#include <QBuffer>
+#include <QImageWriter>
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+using Draw = std::function<void(Flattener&)>;
+
+// What is drawn of an endless or empty drawing.
+constexpr PlotWindow emptyWindow{0, 0, 420, 297};
+
+// Finds what a picture has to hold: the extents and how tall its texts are.
+class SurveySink final : public PrimitiveSink {
+public:
+    void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override {
+        m_extents.polyline(points, pen);
+    }
+    void area(const Area& area, const Pen& pen) override { m_extents.area(area, pen); }
+    bool wantsCurves() const override { return true; }
+    void path(const WorldPath& path, const Pen& pen) override { m_extents.path(path, pen); }
+    void glyphs(const GlyphRun& run, const Pen& pen) override {
+        m_extents.glyphs(run, pen);
+        m_textHeights.push_back(static_cast<float>(run.yAxis.length() * std::abs(run.text.yy)));
+    }
+
+    PlotWindow window() const {
+        if (m_extents.isEmpty())
+            return emptyWindow;
+        return {m_extents.min().x, m_extents.min().y, m_extents.max().x, m_extents.max().y};
+    }
+    double medianTextHeight() {
+        if (m_textHeights.empty())
+            return 0;
+        const auto middle = m_textHeights.begin() + static_cast<std::ptrdiff_t>(m_textHeights.size() / 2);
+        std::nth_element(m_textHeights.begin(), middle, m_textHeights.end());
+        return *middle;
+    }
+
+private:
+    ExtentsSink m_extents;
+    std::vector<float> m_textHeights;
+};
+
+struct Survey {
+    PlotWindow window;
+    double longSide; // of the sheet, millimetres
+    bool isWhole;    // not stopped for too much to draw
+};
+
+Survey survey(DrawingSource& source, const Draw& draw, const PlotOptions& options) {
+    SurveySink sink;
+    FlattenOptions flattening;
+    flattening.isPlot = true;
+    flattening.dashResolution = HUGE_VAL; // linetypes do not change the extents
+    Flattener flattener(source, sink, flattening);
+    draw(flattener);
+    const PlotWindow window = options.window ? *options.window : sink.window();
+    return {window, readableLongSide(window, options.margin, sink.medianTextHeight()),
+            !flattener.isAborted()};
+}
+
+FlattenOptions optionsFor(const Sheet& sheet, const PlotWindow& window) {
+    constexpr double deviation = 0.01, shortestPattern = 0.3; // millimetres on the sheet
+    FlattenOptions options;
+    options.isPlot = true;
+    options.deviation = deviation / sheet.scale;
+    options.dashResolution = shortestPattern / sheet.scale;
+    options.view = {{window.left, window.bottom, 0}, {window.right, window.top, 0}};
+    return options;
+}
+
+// The drawing of one sheet; false when there was too much to draw.
+bool drawSheet(DrawingSource& source, const Draw& draw, PrimitiveSink& sink, const Sheet& sheet,
+               const PlotWindow& window) {
+    Flattener flattener(source, sink, optionsFor(sheet, window));
+    draw(flattener);
+    return !flattener.isAborted();
+}
+
+constexpr wchar_t tooMuch[] = L"图形过于复杂，未能全部绘出：";
+
+std::wstring plotImage(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
+                       const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
+    ImageSink sink(sheet, std::clamp(options.longSide, 16, 20000), options.hasLineWeights);
+    const std::wstring noMemory = L"内存不足，无法生成图像：" + fromUtf8(path.string());
+    if (sink.image().isNull())
+        return noMemory;
+    if (!drawSheet(source, draw, sink, sheet, window))
+        return tooMuch + fromUtf8(path.string());
+    const std::string data = pngData(sink.image(), sink.pixelsPerMillimetre());
+    if (data.empty())
+        return noMemory;
+    AtomicFile file(path, AtomicFile::Backup::none);
+    file.write(std::string_view(data));
+    return file.commit() ? std::wstring() : file.errorText();
+}
+
+template <class Sink>
+std::wstring plotVectors(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
+                         const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
+    Sink sink(path, sheet, options.hasLineWeights);
+    if (!drawSheet(source, draw, sink, sheet, window))
+        return tooMuch + fromUtf8(path.string());
+    return sink.finish() ? std::wstring() : sink.errorText();
+}
+
+} // namespace
+
+std::wstring plotDrawing(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
+                         const PlotOptions& options) {
+    const std::wstring extension = fold(fromUtf8(path.extension().string()));
+    if (extension != L".pdf" && extension != L".png" && extension != L".svg")
+        return L"不支持的图形文件类型（可用 .pdf、.png、.svg）：" + fromUtf8(path.string());
+    const auto [window, longSide, isWhole] = survey(source, draw, options);
+    if (!isWhole)
+        return tooMuch + fromUtf8(path.string());
+    if (extension == L".pdf")
+        return plotVectors<PdfSink>(source, draw, path, window,
+                                    Sheet::standard(window, options.margin, longSide), options);
+    const Sheet sheet = Sheet::fitted(window, options.margin, longSide);
+    if (extension == L".svg")
+        return plotVectors<SvgSink>(source, draw, path, window, sheet, options);
+    return plotImage(source, draw, path, window, sheet, options);
+}
+
+} // namespace host

@@ -1,0 +1,34 @@
+// Pictures of drawings: PDF, SVG and PNG files, and devices' sheets.
+#pragma once
+
+#include "host/gi/flatten.h"
+#include "host/plot/sheet.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+class AcDbDatabase;
+
+namespace host {
+
+struct PlotOptions {
+    std::optional<PlotWindow> window; // the part to draw; without it everything that is drawn
+    double margin = 10;               // of white paper around it, millimetres
+    int longSide = 2520;              // pixels of an image's longer side
+    bool hasLineWeights = true;       // else all lines are equally thin
+};
+
+// Draws the model space of a drawing, seen from above, as its extension says: .pdf (one A3 sheet), .svg or
+// .png. Layers that are off, frozen or not to be plotted are left out. The result is empty, or one line that
+// says what went wrong; an existing file is replaced only when the new one is whole.
+std::wstring plotExtents(AcDbDatabase* database, const std::filesystem::path& path,
+                         const PlotOptions& options = {});
+
+// The same for anything that can be drawn: draw is called once for the extents and once for the
+// picture.
+std::wstring plotDrawing(DrawingSource& source, const std::function<void(Flattener&)>& draw,
+                         const std::filesystem::path& path, const PlotOptions& options = {});
+
+} // namespace host

@@ -1,0 +1,251 @@
+// LISP inside the editor: typed at the prompt, as answers, as commands, over the drawing, with modules'
+// functions.
+#include "lispsession.h"
+
+namespace host {
+namespace {
+
+// A command that takes two points and a text, and draws a line for each pair.
+void drawTestLine() {
+    ads_point from{};
+    ads_point to{};
+    while (acedGetPoint(nullptr, L"\n起点: ", from) == RTNORM) {
+        if (acedGetPoint(from, L"\n终点: ", to) != RTNORM) {
+            return;
+        }
+        resbuf* list = acutBuildList(RTDXF0, L"LINE", 10, from, 11, to, RTNONE);
+        acdbEntMake(list);
+        acutRelRb(list);
+    }
+}
+
+resbuf* seenArguments = nullptr;
+
+int returnArguments() {
+    acutRelRb(seenArguments);
+    seenArguments = copyResbufList(acedGetArgs()).release();
+    acedRetList(seenArguments);
+    return RTNORM;
+}
+
+int returnEntity() {
+    resbuf* const arguments = acedGetArgs();
+    resbuf* const list = arguments != nullptr ? acdbEntGet(arguments->resval.rlname) : nullptr;
+    acedRetList(list);
+    acutRelRb(list);
+    return RTNORM;
+}
+
+int refuse() {
+    return RTERROR;
+}
+
+class LispDrawing : public LispSession {
+protected:
+    LispDrawing() {
+        acedRegCmds->addCommand(L"LISPTEST", L"TESTLINE", L"TESTLINE", ACRX_CMD_MODAL, drawTestLine);
+        acedDefun(L"modargs", 1);
+        acedRegFunc(returnArguments, 1);
+        acedDefun(L"modent", 2);
+        acedRegFunc(returnEntity, 2);
+        acedDefun(L"c:modbad", 3);
+        acedRegFunc(refuse, 3);
+    }
+    ~LispDrawing() override {
+        acedRegCmds->removeGroup(L"LISPTEST");
+        acutRelRb(std::exchange(seenArguments, nullptr));
+    }
+};
+
+TEST_F(LispDrawing, IsTypedAtThePrompt) {
+    const std::string shown = script("(+ 1\n 2)\n(setq a '(1.0 2))\n!a\n(princ)\n(princ \"x\")\n");
+    EXPECT_NE(shown.find("\n3"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("\n(1.0 2)"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("x\n\"x\""), std::string::npos) << shown;
+    EXPECT_TRUE(lastScriptOk);
+    EXPECT_NE(script("(+ 1 nil)\n").find("; 错误: 参数类型错误: numberp: nil"), std::string::npos);
+    EXPECT_FALSE(lastScriptOk);
+}
+
+TEST_F(LispDrawing, FunctionsAreCommands) {
+    script("(defun c:twice (/ p) (setq p (getpoint \"\\n点: \")) (command \"TESTLINE\" p (polar p 0 2) \"\") "
+           "(princ))\n"
+           "twice\n1,2\n");
+    EXPECT_TRUE(lastScriptOk) << caught.diagnostics;
+    EXPECT_EQ(run("(mapcar '(lambda (c) (cdr (assoc c (entget (entlast))))) '(0 10 11))"),
+              "(\"LINE\" (1.0 2.0 0.0) (3.0 2.0 0.0))");
+}
+
+TEST_F(LispDrawing, IsAnAnswerToAQuestion) {
+    script("TESTLINE\n(list 1 2)\n(polar '(0 0) 0 5)\n\n");
+    EXPECT_EQ(run("(cdr (assoc 11 (entget (entlast))))"), "(5.0 0.0 0.0)") << caught.shown;
+}
+
+TEST_F(LispDrawing, CommandsGoOnOverSeveralCalls) {
+    check({
+        {"(command \"TESTLINE\") (foreach p '((0 0) (1 0) (0 1) (1 1)) (command p)) (command \"\")", "nil"},
+        {"(sslength (ssget \"X\" '((0 . \"LINE\"))))", "2"},
+        {"(command \"TESTLINE\" '(0 0)) (getvar \"CMDNAMES\")", "\"TESTLINE\""},
+        {"(command) (getvar \"CMDNAMES\")", "\"\""},
+        {"(command \"TESTLINE\" '(0 0)) (car 1)", "; 错误: 参数类型错误: consp 1"},
+        {"(getvar \"CMDNAMES\")", "\"\""},
+        {"(vl-cmdf \"TESTLINE\" '(5 5) '(6 6) \"\")", "T"},
+        {"(command-s \"TESTLINE\" '(5 5) '(6 6) \"\")", "nil"},
+    });
+}
+
+TEST_F(LispDrawing, PauseLetsTheUserAnswer) {
+    script("(command \"TESTLINE\" \"0,0\" pause \"\")\n7,8\n");
+    EXPECT_EQ(run("(cdr (assoc 11 (entget (entlast))))"), "(7.0 8.0 0.0)") << caught.shown;
+}
+
+TEST_F(LispDrawing, ProgramsInsideWaitingCommandsKeepTheirPlace) {
+    // The inner program stands still in its question while the outer one goes on.
+    check({
+        {"(defun c:inner (/ a b) (setq a 11) (setq b (getpoint \"p\")) (setq seen (list a b)))"
+         "(defun outer (x y) (command \"INNER\") (list x y (mapcar '1+ (list 1 2))))"
+         "(setq first (outer 1 2)) (command '(3 4)) (list first seen)",
+         "((1 2 (2 3)) (11 (3.0 4.0 0.0)))"},
+        {"(list a b x y)", "(nil nil nil nil)"},
+    });
+}
+
+TEST_F(LispDrawing, EntitiesAreLists) {
+    check({
+        {"(entmake '((0 . \"CIRCLE\") (10 1 2 0) (40 . 3)))", "((0 . \"CIRCLE\") (10 1 2 0) (40 . 3))"},
+        {"(setq e (entlast) l (entget e)) (list (cdr (assoc 0 l)) (cdr (assoc 10 l)) (assoc 40 l) (eq e "
+         "(cdar l)))",
+         "(\"CIRCLE\" (1.0 2.0 0.0) (40 . 3.0) T)"},
+        {"(entmod (subst '(40 . 5.5) (assoc 40 l) l)) (cdr (assoc 40 (entget e)))", "5.5"},
+        {"(eq e (handent (cdr (assoc 5 l))))", "T"},
+        {"(regapp \"QTEST\") (entmod (append (entget e) '((-3 (\"QTEST\" (1000 . \"塔\") (1071 . 70000))))))"
+         "(assoc -3 (entget e '(\"QTEST\")))",
+         "(-3 (\"QTEST\" (1000 . \"塔\") (1071 . 70000)))"},
+        {"(assoc -3 (entget e))", "nil"},
+        {"(entdel e) (entget e)", "nil"},
+        {"(entdel e) (cdr (assoc 0 (entget e)))", "\"CIRCLE\""},
+        {"(entmake '((0 . \"LWPOLYLINE\") (100 . \"AcDbEntity\") (100 . \"AcDbPolyline\") (90 . 2) (70 . 0) "
+         "(10 0 0) "
+         "(10 4 3)))"
+         "(vl-remove-if-not '(lambda (p) (= (car p) 10)) (entget (entlast)))",
+         "((10 0.0 0.0) (10 4.0 3.0))"},
+        {"(list (vlax-curve-getdistatparam (entlast) 1) (vlax-curve-getpointatdist (entlast) 2.5))",
+         "(5.0 (2.0 1.5 0.0))"},
+        {"(entmake '((0 . \"LINE\") (10 . 5)))", "; 错误: 错误的 DXF 组: (10 . 5)"},
+        {"(entget 5)", "; 错误: 参数类型错误: lentityp 5"},
+        {"(null (entnext))", "nil"},
+    });
+}
+
+TEST_F(LispDrawing, SelectionSetsAreValues) {
+    const std::size_t before = pickSetCount();
+    check({
+        {"(foreach x '(0 10 20) (entmake (list '(0 . \"CIRCLE\") (list 10 x 0 0) '(40 . 1.0))))",
+         "((0 . \"CIRCLE\") (10 20 0 0) (40 . 1.0))"},
+        {"(entmake '((0 . \"LINE\") (8 . \"L1\") (10 0 50 0) (11 10 50 0)))",
+         "((0 . \"LINE\") (8 . \"L1\") (10 0 50 0) (11 10 50 0))"},
+        {"(sslength (setq s (ssget \"X\" '((0 . \"CIRCLE\")))))", "3"},
+        {"(sslength (ssget \"X\" '((-4 . \"<OR\") (8 . \"L1\") (0 . \"CIRCLE\") (-4 . \"OR>\"))))", "4"},
+        {"(sslength (ssget \"W\" '(-2 -2) '(12 2)))", "2"},
+        {"(sslength (ssget \"WP\" '((-2 -2) (30 -2) (30 2) (-2 2))))", "3"},
+        {"(sslength (ssget \"C\" '(10 -5) '(30 60) '((0 . \"LINE\"))))", "1"},
+        {"(ssget \"X\" '((0 . \"TEXT\")))", "nil"},
+        {"(setq e (ssname s 0)) (list (type e) (ssname s 9) (eq e (ssmemb e s)))", "(ENAME nil T)"},
+        {"(sslength (ssdel e s))", "2"},
+        {"(sslength (ssadd e s))", "3"},
+        {"(sslength (ssadd))", "0"},
+        {"(type (ssadd e))", "PICKSET"},
+        {"(sssetfirst nil s) (sslength (cadr (ssgetfirst)))", "3"},
+        {"(setq s nil e nil)", "nil"},
+        {"(sslength 1)", "; 错误: 参数类型错误: lselsetp 1"},
+    });
+    EXPECT_EQ(pickSetCount(), before); // the last reference frees the set
+}
+
+TEST_F(LispDrawing, TablesVariablesAndUnits) {
+    check({
+        {"(cdr (assoc 2 (tblsearch \"LAYER\" \"0\")))", "\"0\""},
+        {"(tblsearch \"LAYER\" \"无此层\")", "nil"},
+        {"(cdr (assoc 2 (tblnext \"LAYER\" t)))", "\"0\""},
+        {"(type (tblobjname \"LAYER\" \"0\"))", "ENAME"},
+        {"(type (namedobjdict))", "ENAME"},
+        {"(cdr (assoc 0 (dictsearch (namedobjdict) \"ACAD_GROUP\")))", "\"DICTIONARY\""},
+        {"(setvar \"OSMODE\" 33) (getvar \"OSMODE\")", "33"},
+        {"(getvar \"NO-SUCH\")", "nil"},
+        {"(setvar \"CLAYER\" \"无此层\")", "; 错误: 变量设置被拒绝: \"CLAYER\" \"无此层\""},
+        {"(list (rtos 2.5 2 3) (rtos 1234.5678 2 2) (angtos pi 0 1) (distof \"2.5\") (angtof \"90\"))",
+         "(\"2.5\" \"1234.57\" \"180\" 2.5 1.5708)"},
+        {"(list (wcmatch \"W12\" \"W#*\") (wcmatch \"w1\" \"W*\") (wcmatch \"ab\" \"~a*\"))", "(T nil nil)"},
+        {"(trans '(1 2 3) 0 1)", "(1.0 2.0 3.0)"},
+    });
+}
+
+TEST_F(LispDrawing, ModulesFunctionsGetAndGiveValues) {
+    check({
+        {"(modargs 1 70000 1.5 \"a\" nil t '(1.0 2.0) '(1.0 2.0 3.0) '(1 \"b\" (2 . 3)))",
+         "(1 70000 1.5 \"a\" nil T (1.0 2.0) (1.0 2.0 3.0) (1 \"b\" (2 . 3)))"},
+        {"(mapcar 'modargs '(1 2))", "((1) (2))"},
+        {"(type modargs)", "EXRXSUBR"},
+        {"(entmake '((0 . \"LINE\") (10 0 0 0) (11 10 5 0))) (equal (modent (entlast)) (entget (entlast)))",
+         "T"},
+        {"(c:modbad)", "; 错误: 外部函数请求错误: C:MODBAD"},
+        {"(defun modargs (x) 'mine) (modargs 1)", "MINE"},
+    });
+    ASSERT_EQ(acedUndef(L"modent", 2), RTNORM);
+    EXPECT_EQ(run("(modent 1)"), "; 错误: 没有函数定义: MODENT");
+    run("(modargs 1)");
+}
+
+TEST_F(LispDrawing, ArgumentsOfModulesAreTyped) {
+    run("(modargs 5 70000 '(1.0 2.0) '(1 2) '(\"k\" . 1.5))");
+    std::vector<int> types;
+    for (const resbuf* at = seenArguments; at != nullptr; at = at->rbnext) {
+        types.push_back(at->restype);
+    }
+    EXPECT_EQ(types, (std::vector<int>{RTSHORT, RTLONG, RTPOINT, RTLB, RTSHORT, RTSHORT, RTLE, RTLB, RTSTR,
+                                       RTREAL, RTDOTE}));
+}
+
+TEST_F(LispDrawing, QuestionsTakeAnswers) {
+    script("(setq r (list (getint \"\\n数: \") (getreal) (getstring t \"\\n文字: \") (getdist '(0 0)) "
+           "(getangle)))\n"
+           "12\n2.5\n杆 塔\n3,4\n90\n");
+    EXPECT_EQ(run("r"), "(12 2.5 \"杆 塔\" 5.0 1.5708)") << caught.shown;
+    script("(initget \"Yes No\")\n(setq k (getkword \"\\n[是(Y)/否(N)]: \"))\ny\n");
+    EXPECT_EQ(run("k"), "\"Yes\"");
+    script("(initget 0 \"Undo\")\n(setq k (getpoint))\nu\n(setq n (getpoint))\n\n");
+    EXPECT_EQ(run("(list k n)"), "(\"Undo\" nil)");
+    EXPECT_NE(script("(setq z 1)\n(progn (setq z 2) (getpoint) (setq z 3))\n^C\n").find("函数被取消"),
+              std::string::npos);
+    EXPECT_EQ(run("z"), "2");
+    EXPECT_TRUE(lastScriptOk) << caught.shown << caught.diagnostics;
+}
+
+TEST_F(LispDrawing, EachDrawingHasItsOwnSymbols) {
+    run("(setq only-here 1)");
+    AcApDocument* const first = curDoc();
+    session.newDrawing();
+    EXPECT_EQ(run("only-here"), "nil");
+    acDocManagerPtr()->activateDocument(first);
+    EXPECT_EQ(run("only-here"), "1");
+}
+
+TEST_F(LispDrawing, SymbolsAreReachableForModules) {
+    run("(setq shared '(1 2.5 \"x\"))");
+    resbuf* value = nullptr;
+    ASSERT_EQ(acedGetSym(L"shared", &value), RTNORM);
+    ASSERT_EQ(acedPutSym(L"copy", value), RTNORM);
+    acutRelRb(value);
+    EXPECT_EQ(run("copy"), "(1 2.5 \"x\")");
+    run("(defun addup (a b) (+ a b))");
+    resbuf* call = acutBuildList(RTSTR, L"addup", RTSHORT, 2, RTREAL, 0.5, RTNONE);
+    resbuf* result = nullptr;
+    ASSERT_EQ(acedInvoke(call, &result), RTNORM);
+    ASSERT_NE(result, nullptr);
+    EXPECT_EQ(result->resval.rreal, 2.5);
+    acutRelRb(call);
+    acutRelRb(result);
+}
+
+} // namespace
+} // namespace host
