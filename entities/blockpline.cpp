@@ -76,11 +76,12 @@ void replaceCurve(CArxEntity& entity, const Curve& curve, AcDbBlockTableRecord& 
 /// The new entity takes the 2D polyline's place, id and handle.
 void replacePolyline(CArxEntity& entity) {
     std::unique_ptr<CQDVBlockPline> polyline = newFrom(*entity);
-    AcDbEntity* replaced = entity.Get();
-    if (polyline->convertFrom(replaced, true) == Acad::eOk) {
-        entity.Release();
-        polyline.release()->close();
+    AcDbEntity* replaced = entity.Release();
+    if (polyline->convertFrom(replaced, true) != Acad::eOk) {
+        entity.Attach(replaced);
+        return;
     }
+    polyline.release()->close();
 }
 
 } // namespace
