@@ -187,12 +187,14 @@ void QDVB_ConvertOneEnt(CArxEntity& entity, CArxObjTemplateBase<CArxObject, AcDb
         replaceCurve(entity, *line, *space);
     } else if (entity.As<AcDb2dPolyline>() != nullptr) {
         replacePolyline(entity);
-    } else if (const auto* light = entity.As<AcDbPolyline>()) {
+    } else if (entity.As<AcDbPolyline>() != nullptr) {
+        AcDbPolyline* light = AcDbPolyline::cast(entity.Release());
         AcDb2dPolyline* heavy = nullptr;
         if (light->convertTo(heavy, true) == Acad::eOk) {
-            entity.Release();
             entity.Attach(heavy);
             replacePolyline(entity);
+        } else {
+            entity.Attach(light);
         }
     } else if (const auto* circle = entity.As<AcDbCircle>()) {
         replaceCurve(entity, *circle, *space);

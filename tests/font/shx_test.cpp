@@ -200,7 +200,7 @@ TEST_F(ShapeFiles, DamagedOnesEndQuietly) {
     entries['R'] = bytes({7, 'R', 7, 'R'});                               // calls itself
     entries['M'] = bytes({4, 255, 4, 255, 4, 255, 4, 255, 4, 255, 0xF0}); // grows without bound
     entries['N'] = std::string(3000, '\x0E');                             // skips that skip
-    entries['B'] = std::string(3000, '\x05') + "\x06\x06\x09";
+    entries['B'] = std::string(3000, '\x05').append("\x06\x06\x09");
     const std::string good = shapeFile(entries);
     std::mt19937 random(3);
     const auto useAll = [&](const std::string& content) {
