@@ -1,10 +1,10 @@
 // Compiled shape files: fonts, Unicode fonts, big fonts and plain shapes, built here byte by byte.
+#include "tests/win/temporaryfolder.h"
+
 #include "host/font/font.h"
 #include "host/font/shxfile.h"
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
@@ -78,17 +78,10 @@ const Entries letters = {
 
 class ShapeFiles : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::path(testing::TempDir()) / "shx-test";
-        std::filesystem::create_directories(m_folder);
-    }
-    void TearDown() override {
-        FontEngine::instance().setSearchFolders({});
-        std::filesystem::remove_all(m_folder);
-    }
+    void TearDown() override { FontEngine::instance().setSearchFolders({}); }
     void write(const char* name, const std::string& content) {
-        std::ofstream(m_folder / name, std::ios::binary) << content;
-        FontEngine::instance().setSearchFolders({m_folder});
+        writeFile(mFolder.path() / name, content);
+        FontEngine::instance().setSearchFolders({mFolder.path()});
     }
     static ShapedText shape(std::wstring_view text, const wchar_t* file, const wchar_t* bigFontFile = L"") {
         TextFormat format;
@@ -97,7 +90,8 @@ protected:
         return FontEngine::instance().shape(text, format);
     }
 
-    std::filesystem::path m_folder;
+private:
+    TemporaryFolder mFolder;
 };
 
 Entries withInfo() {
