@@ -1,11 +1,12 @@
 // Fonts: control codes, layout, substitution and what damaged or odd input does.
+#include "tests/win/temporaryfolder.h"
+
 #include "host/font/catalog.h"
 #include "host/font/font.h"
 #include "host/font/plainstrokes.h"
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -253,23 +254,17 @@ TEST(Substitution, MissingFacesAreToldAndStillDraw) {
 
 class SearchFolder : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = std::filesystem::path(testing::TempDir()) / "font-search";
-        std::filesystem::create_directories(m_folder);
-        FontEngine::instance().setSearchFolders({m_folder});
-    }
-    void TearDown() override {
-        FontEngine::instance().setSearchFolders({});
-        std::filesystem::remove_all(m_folder);
-    }
-    std::filesystem::path m_folder;
+    void SetUp() override { FontEngine::instance().setSearchFolders({mFolder.path()}); }
+    void TearDown() override { FontEngine::instance().setSearchFolders({}); }
+
+    TemporaryFolder mFolder;
 };
 
 TEST_F(SearchFolder, ABrokenFontFileGivesWayToASubstitute) {
     for (const std::string& content : {std::string(), std::string("not a font at all"),
                                        std::string(4096, '\0'), std::string("\0\1\0\0\0\x10", 6)}) {
-        std::ofstream(m_folder / "Broken.TTF", std::ios::binary) << content;
-        FontEngine::instance().setSearchFolders({m_folder});
+        writeFile(mFolder.path() / "Broken.TTF", content);
+        FontEngine::instance().setSearchFolders({mFolder.path()});
         TextFormat format;
         format.font.file = L"broken.ttf";
         EXPECT_FALSE(shape(L"Ab1", format).ink.empty);
@@ -281,8 +276,8 @@ TEST_F(SearchFolder, AFileInItIsFoundWhateverItsCase) {
     const auto installed = findTypeface(L"Liberation Mono", false, false);
     if (!installed || installed->isSubstitute)
         GTEST_SKIP() << "Liberation Mono is not installed";
-    std::filesystem::copy_file(installed->path, m_folder / "House-Font.ttf");
-    FontEngine::instance().setSearchFolders({m_folder});
+    std::filesystem::copy_file(installed->path, mFolder.path() / "House-Font.ttf");
+    FontEngine::instance().setSearchFolders({mFolder.path()});
     TextFormat format;
     format.font.file = L"D:\\anywhere\\HOUSE-FONT.TTF";
     EXPECT_TRUE(FontEngine::instance().isAvailable(format.font));

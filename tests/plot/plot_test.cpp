@@ -1,4 +1,6 @@
 // Plots of drawings: sheets, and PDF, SVG and PNG files looked into from outside.
+#include "tests/win/temporaryfolder.h"
+
 #include "host/db/db.h"
 #include "host/db/dbents.h"
 #include "host/plot/plot.h"
@@ -9,7 +11,6 @@
 #include <QImage>
 #include <QXmlStreamReader>
 #include <cmath>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <set>
@@ -17,11 +18,6 @@
 
 namespace host {
 namespace {
-
-std::string fileText(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::string unpacked(const std::string& packed) {
     std::string data(packed.size() * 100 + 1000, '\0');
@@ -77,11 +73,6 @@ protected:
         initializeRuntime();
         initializeDatabaseClasses();
     }
-    void SetUp() override {
-        m_folder = std::filesystem::path(testing::TempDir()) / "plot-test";
-        std::filesystem::create_directories(m_folder);
-    }
-    void TearDown() override { std::filesystem::remove_all(m_folder); }
 
     template <class Entity>
     AcDbObjectId add(Entity* entity, int color = 7, const wchar_t* layer = L"0") {
@@ -107,7 +98,7 @@ protected:
     }
 
     std::filesystem::path plot(const char* name, const PlotOptions& options = {}) {
-        const std::filesystem::path path = m_folder / name;
+        const std::filesystem::path path = mFolder.path() / name;
         EXPECT_EQ(toUtf8(plotExtents(&m_database, path, options)), "");
         return path;
     }
@@ -118,7 +109,7 @@ protected:
     }
 
     AcDbDatabase m_database;
-    std::filesystem::path m_folder;
+    TemporaryFolder mFolder;
 };
 
 // The sheet of a picture of the window 0,0 to 100,50 with this long side.
@@ -236,7 +227,7 @@ TEST_F(PlotTest, PdfIsSoundAndItsTextCanBeSearched) {
     text->setTextString(L"线路 A线");
     text->setTextStyle(m_database.textstyle());
     add(text);
-    const PdfParts parts(fileText(plot("picture.pdf")));
+    const PdfParts parts(readFile(plot("picture.pdf")));
     EXPECT_EQ(countOf(parts.all, "/Type/Page/"), 1u);
     EXPECT_NE(parts.all.find("/MediaBox[0 0 1190.55"), std::string::npos);
     EXPECT_NE(parts.all.find("<7EBF>"), std::string::npos); // the map back to Unicode
@@ -249,7 +240,7 @@ TEST_F(PlotTest, PdfIsSoundAndItsTextCanBeSearched) {
 TEST_F(PlotTest, PdfSplitsLongContentAtWholeOperators) {
     for (int i = 0; i < 60000; ++i)
         line(i % 300, i / 300, i % 300 + 0.7, i / 300 + 0.3, 1 + i % 3);
-    const std::string file = fileText(plot("long.pdf"));
+    const std::string file = readFile(plot("long.pdf"));
     const PdfParts parts(file);
     const std::size_t contents = parts.all.find("/Contents[");
     EXPECT_GT(countOf(parts.all.substr(contents, parts.all.find(']', contents) - contents), " 0 R"), 2u);
@@ -267,7 +258,7 @@ TEST_F(PlotTest, SvgIsWellFormedAndDefinesWhatItUses) {
     text->setTextString(L"线路<&>线");
     text->setTextStyle(m_database.textstyle());
     add(text);
-    const std::string content = fileText(plot("picture.svg"));
+    const std::string content = readFile(plot("picture.svg"));
     QXmlStreamReader reader(QByteArray::fromStdString(content));
     std::set<QString> defined, used;
     while (!reader.atEnd()) {
@@ -285,7 +276,7 @@ TEST_F(PlotTest, SvgIsWellFormedAndDefinesWhatItUses) {
 
 TEST_F(PlotTest, EmptyAndHostileDrawingsGiveAWholeFile) {
     for (const char* name : {"empty.pdf", "empty.svg", "empty.png"})
-        EXPECT_GT(fileText(plot(name)).size(), 100u);
+        EXPECT_GT(readFile(plot(name)).size(), 100u);
     const double infinite = std::numeric_limits<double>::infinity(),
                  none = std::numeric_limits<double>::quiet_NaN();
     line(0, 0, infinite, 1);
@@ -294,8 +285,8 @@ TEST_F(PlotTest, EmptyAndHostileDrawingsGiveAWholeFile) {
     line(0, 0, 1, 1);
     add(new AcDbCircle(AcGePoint3d(0, 0, 0), AcGeVector3d::kZAxis, 1e200));
     for (const char* name : {"hostile.pdf", "hostile.svg", "hostile.png"}) {
-        EXPECT_GT(fileText(plot(name)).size(), 100u);
-        EXPECT_GT(fileText(plot(name, window100x50(300))).size(), 100u);
+        EXPECT_GT(readFile(plot(name)).size(), 100u);
+        EXPECT_GT(readFile(plot(name, window100x50(300))).size(), 100u);
     }
 }
 
@@ -303,10 +294,10 @@ TEST_F(PlotTest, FailuresAreToldInOneLineAndLeaveNoFile) {
     line(0, 0, 1, 1);
     for (const char* name :
          {"picture.bmp", "picture", "nowhere/picture.pdf", "nowhere/picture.svg", "nowhere/picture.png"}) {
-        const std::wstring message = plotExtents(&m_database, m_folder / name);
+        const std::wstring message = plotExtents(&m_database, mFolder.path() / name);
         EXPECT_FALSE(message.empty()) << name;
         EXPECT_EQ(message.find(L'\n'), std::wstring::npos);
-        EXPECT_FALSE(std::filesystem::exists(m_folder / name));
+        EXPECT_FALSE(std::filesystem::exists(mFolder.path() / name));
     }
 }
 
