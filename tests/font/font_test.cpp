@@ -48,6 +48,13 @@ TEST(ControlCodes, AreReadAsDrawingTextsUseThem) {
         {L"\\U+4E2D\\u+6587", L"\x4E2D\x6587"},
         {L"\\U+4E", L"\\U+4E"},
         {L"\\U+XYZW", L"\\U+XYZW"},
+        {L"\\U+D83D\\U+DE00x", L"\x1F600x"},
+        {L"\\M+5D6D0\\M+5CEC4", L"中文"}, // by their bytes in page 936
+        {L"\\M+1889F", L"\x4E9C"},        // in page 932
+        {L"\\M+9D6D0", L"\\M+9D6D0"},
+        {L"%%214%%208A", L"中A"}, // the two bytes of one character
+        {L"%%130%%176C", L"\x82\xB0"
+                         L"C"}, // places in the font
         {L"50%", L"50%"},
         {L"%%", L"%%"},
         {L"%%007A", L"A"},
@@ -109,6 +116,27 @@ TEST(Layout, MirroringStaysAtTheStartOfTheText) {
     EXPECT_NEAR(upsideDown.ink.bottom, -plain.ink.top, 1e-9);
     EXPECT_NEAR(upsideDown.ink.top, -plain.ink.bottom, 1e-9);
     EXPECT_NEAR(FontEngine::instance().extents(L"Fg", format).width, plain.ink.right, 1e-9);
+}
+
+// What is measured is what is drawn, whatever the style.
+TEST(Layout, ExtentsAreThoseOfTheGlyphs) {
+    FontEngine& engine = FontEngine::instance();
+    for (const wchar_t* file : {L"txt", L"gbeitc.shx", L"romans", L"arial.ttf"})
+        for (const wchar_t* text : {L"A", L"N12 gy", L"%%uX%%u", L"线路No.3", L"45%%d"})
+            for (const double oblique : {0.0, 0.26, -0.3})
+                for (const double width : {1.0, 0.7}) {
+                    TextFormat format = strokeFormat(3.5);
+                    format.font.file = file;
+                    format.oblique = oblique;
+                    format.widthFactor = width;
+                    const GlyphBox ink = shape(text, format).ink;
+                    const auto measured = engine.extents(text, format);
+                    EXPECT_NEAR(measured.width, std::max(ink.right, -ink.left), 1e-12);
+                    EXPECT_NEAR(measured.height, ink.top, 1e-12);
+                    format.backward = format.upsideDown = true;
+                    EXPECT_NEAR(engine.extents(text, format).width, measured.width, 1e-12);
+                    EXPECT_NEAR(engine.extents(text, format).height, measured.height, 1e-12);
+                }
 }
 
 TEST(Layout, VerticalTextGoesDown) {
@@ -208,6 +236,39 @@ TEST(Glyphs, TheSameCharacterIsTheSameObject) {
     EXPECT_NE(first.glyphs[0].glyph, first.glyphs[1].glyph);
 }
 
+// Figures of the engineering fonts are half as wide as tall and stand 0.7 text heights apart; the italic one
+// leans by 15 degrees.
+TEST(Glyphs, EngineeringFontsAreNarrow) {
+    TextFormat format = strokeFormat();
+    const auto box = [&](const wchar_t* file, const wchar_t* text) {
+        format.font.file = file;
+        return shape(text, format);
+    };
+    for (const wchar_t* file : {L"gbenor", L"isocp.shx"}) {
+        EXPECT_NEAR(box(file, L"0").ink.right - box(file, L"0").ink.left, 0.5, 0.03) << file;
+        EXPECT_NEAR(box(file, L"0000").advanceX, 2.8, 0.15) << file;
+        EXPECT_NEAR(box(file, L"H").ink.top, 1, 0.01) << file;
+    }
+    const GlyphBox upright = box(L"gbenor", L"l").ink, leaning = box(L"gbeitc", L"l").ink;
+    EXPECT_NEAR(leaning.right - upright.right, std::tan(15 * std::acos(-1.0) / 180), 0.02);
+}
+
+TEST(Glyphs, PlacesAfterAsciiAreTheSignsOfShapeFonts) {
+    const auto glyphOf = [](const wchar_t* text, const wchar_t* typeface) {
+        TextFormat format = strokeFormat();
+        format.font.typeface = typeface;
+        return shape(text, format).glyphs.at(0).glyph;
+    };
+    for (const wchar_t* typeface : {L"", L"Arial"}) {
+        EXPECT_EQ(glyphOf(L"%%127", typeface), glyphOf(L"%%d", typeface));
+        EXPECT_EQ(glyphOf(L"%%128", typeface), glyphOf(L"%%p", typeface));
+        EXPECT_EQ(glyphOf(L"%%129", typeface), glyphOf(L"%%c", typeface));
+        for (const wchar_t* bar : {L"%%130", L"%%131", L"%%132", L"%%133"})
+            EXPECT_FALSE(glyphOf(bar, typeface)->filled);
+    }
+    EXPECT_TRUE(shape(L"\xFEFF\x200B", strokeFormat()).ink.empty); // marks that only tell how to set
+}
+
 TEST(Glyphs, UnknownCharactersDrawABox) {
     const ShapedText text = shape(std::wstring(1, static_cast<wchar_t>(0x10FFFE)), strokeFormat());
     ASSERT_EQ(text.glyphs.size(), 1u);
@@ -250,6 +311,25 @@ TEST(Substitution, MissingFacesAreToldAndStillDraw) {
         format.font = font;
         EXPECT_FALSE(shape(L"Ab1", format).ink.empty);
     }
+}
+
+TEST(Substitution, IsToldOnce) {
+    FontEngine& engine = FontEngine::instance();
+    engine.takeSubstitutions();
+    TextFormat format;
+    format.font = {L"", L"romans.shx", L"gbcbig.shx", false, false};
+    shape(L"A中", format);
+    EXPECT_TRUE(engine.takeSubstitutions().empty()); // both have a face that stands for them
+    format.font = {L"", L"C:\\Fonts\\House1.shx", L"house2.shx", false, false};
+    shape(L"A中", format);
+    format.font.bold = true;
+    shape(L"A", format);
+    const auto told = engine.takeSubstitutions();
+    ASSERT_EQ(told.size(), 2u);
+    EXPECT_EQ(told[0].wanted, L"House1.shx");
+    EXPECT_EQ(told[0].used, L"txt.shx");
+    EXPECT_EQ(told[1].wanted, L"house2.shx");
+    EXPECT_TRUE(engine.takeSubstitutions().empty());
 }
 
 class SearchFolder : public testing::Test {

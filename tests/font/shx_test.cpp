@@ -149,6 +149,59 @@ TEST_F(ShapeFiles, ArcsOfFractionsOfOctants) {
                 0.02);
 }
 
+// The sign is the top bit of the byte; compilers that store a complement instead are understood as well.
+TEST_F(ShapeFiles, OctantArcsTurnBothWays) {
+    const struct {
+        int byte;
+        double x, y; // of the end, in radii from the start
+    } cases[] = {
+        {0x02, -1, 1},                        // from 0 a quarter counterclockwise
+        {0x82, -1, -1},                       // clockwise
+        {0xC2, 1, 1},                         // from 180 degrees a quarter clockwise
+        {0x100 - 0x42, 1, 1}, {0x22, -1, -1}, // from 90 degrees
+        {0x04, -2, 0},        {0x60, 0, 0},   // all eight
+    };
+    for (const auto& row : cases) {
+        write("octants.shx", shapeFile({{0, fontInfo}, {'A', bytes({10, 10, row.byte})}}));
+        const auto points = shape(L"A", L"octants").glyphs[0].glyph->polylinePoints();
+        EXPECT_NEAR(points.back().x - points.front().x, row.x, 1e-5) << row.byte;
+        EXPECT_NEAR(points.back().y - points.front().y, row.y, 1e-5) << row.byte;
+    }
+}
+
+TEST_F(ShapeFiles, DualFontsHaveTheirOwnVerticalText) {
+    // Vertical: from the top centre to the lower left corner, the stroke, then below the character.
+    const Entries glyphs = {{0, bytes({10, 3, 2})},
+                            {'I', bytes({2, 14, 8, -2, -10, 1, 0xA4, 2, 8, 4, -10, 14, 8, -2, -4})}};
+    write("dual.shx", shapeFile(glyphs));
+    TextFormat format;
+    format.font.file = L"dual";
+    format.height = 10;
+    const ShapedText across = FontEngine::instance().shape(L"II", format);
+    EXPECT_NEAR(across.glyphs[1].x, 4, 1e-5);
+    EXPECT_NEAR(across.ink.bottom, 0, 1e-5);
+    format.vertical = true;
+    const ShapedText down = FontEngine::instance().shape(L"II", format);
+    EXPECT_NEAR(down.ink.left, -2, 1e-5);
+    EXPECT_NEAR(down.ink.top, 0, 1e-5);
+    EXPECT_NEAR(down.glyphs[1].y, -14, 1e-5);
+    EXPECT_NEAR(down.ink.bottom, -24, 1e-5);
+    EXPECT_NEAR(down.advanceY, -28, 1e-5);
+    EXPECT_NEAR(down.advanceX, 0, 1e-9);
+}
+
+TEST_F(ShapeFiles, OldFontsHaveTheirSignsInEitherPlace) {
+    for (const int place : {127, 256}) {
+        write("signs.shx", shapeFile({{0, fontInfo},
+                                      {place, bytes({0x14})},
+                                      {place + 1, bytes({0x24})},
+                                      {place + 2, bytes({0x34})}}));
+        const std::pair<const wchar_t*, double> cases[] = {{L"%%d", 0.1}, {L"%%p", 0.2}, {L"%%c", 0.3}};
+        for (const auto& [text, top] : cases)
+            EXPECT_NEAR(shape(text, L"signs").ink.top, top, 1e-6) << place;
+    }
+}
+
 TEST_F(ShapeFiles, UnicodeFontsCallTheirPartsByTwoBytes) {
     write("uni.shx",
           unicodeFont(bytes({10, 3, 0, 0, 0}),
@@ -176,6 +229,15 @@ TEST_F(ShapeFiles, BigFontsAreAskedByTheirCodePage) {
     EXPECT_NEAR(middle.box().top, 1, 1e-6);
     EXPECT_NEAR(middle.advance, 1.2, 1e-6);
     EXPECT_EQ(text.glyphs[0].glyph, text.glyphs[2].glyph);
+
+    // The older kind has one size for a part; the double byte may be stored the other way round.
+    write("gbold.shx", bigFont({{0, bytes({10, 2, 0})},
+                                {0xD0D6, bytes({7, 0, 0x01, 0x20, 5, 5, 5, 2, 8, 12, 0})},
+                                {0x0120, bytes({0xA0, 0xA4})}}));
+    const Glyph& old = *shape(L"中", L"latin", L"gbold").glyphs.at(0).glyph;
+    EXPECT_NEAR(old.box().left, 0.5, 1e-6);
+    EXPECT_NEAR(old.box().top, 1, 1e-6);
+    EXPECT_NEAR(old.advance, 1.2, 1e-6);
 }
 
 TEST_F(ShapeFiles, ShapesKeepTheirUnits) {

@@ -31,6 +31,8 @@ public:
     std::vector<std::unique_ptr<LinetypeLook>> linetypes;
     double scale = 1;
     bool fills = true;
+    int marks = 0;
+    double markSize = 0;
 
     TestSource() {
         addLayer(7).isZero = true;
@@ -73,20 +75,22 @@ public:
     }
     double linetypeScale() const override { return scale; }
     bool fillMode() const override { return fills; }
+    int pointMode() const override { return marks; }
+    double pointSize() const override { return markSize; }
 
 private:
     class Traits final : public DrawTraits {
     public:
-        explicit Traits(TestSource& source) : m_source(source) {}
-        void setLayer(const AcDbObjectId id) override { state().layer = &m_source.layerAt(id.number); }
+        explicit Traits(TestSource& source) : mSource(source) {}
+        void setLayer(const AcDbObjectId id) override { state().layer = &mSource.layerAt(id.number); }
         void setLineType(const AcDbObjectId id) override {
-            state().linetype = &m_source.linetypeAt(id.number);
+            state().linetype = &mSource.linetypeAt(id.number);
         }
         AcDbObjectId layerId() const override { return {state().layer->tableIndex}; }
         AcDbObjectId lineTypeId() const override { return {state().linetype->tableIndex}; }
 
     private:
-        TestSource& m_source;
+        TestSource& mSource;
     };
 };
 

@@ -259,16 +259,16 @@ TEST(Looks, OfADrawableEndWithIt) {
 TEST(Linetypes, SetTextsAndShapesIntoTheLine) {
     TestSource source;
     LinetypeLook& gas = source.addLinetype({10, -4, 2});
-    LinetypeLook::Element& text = gas.elements[2];
+    LinetypeLook::Element& text = gas.elements[1]; // stands where the gap ends
     text.inset = LinetypeLook::Element::Inset::text;
     text.text = L"GAS";
     text.format.height = 1;
     text.offsetX = -3;
     text.offsetY = -0.5;
     LinetypeLook& fence = source.addLinetype({10, -4, 2});
-    fence.elements[2].inset = LinetypeLook::Element::Inset::shape;
-    fence.elements[2].shapeNumber = 132;
-    fence.elements[2].format.font.file = L"ltypeshp.shx";
+    fence.elements[1].inset = LinetypeLook::Element::Inset::shape;
+    fence.elements[1].shapeNumber = 132;
+    fence.elements[1].format.font.file = L"ltypeshp.shx";
     for (const int linetype : {1, 2}) {
         source.scale = 2;
         const KeepingSink sink = flattened(source, [&](AcGiWorldDraw& draw) {
@@ -281,6 +281,57 @@ TEST(Linetypes, SetTextsAndShapesIntoTheLine) {
         EXPECT_LT(sink.textOrigins[0].distanceTo(expected), 1e-9);
         EXPECT_EQ(sink.textAxes[0], AcGeVector3d::kYAxis);
         EXPECT_LT((sink.textOrigins[1] - sink.textOrigins[0] - AcGeVector3d(0, 32, 0)).length(), 1e-9);
+    }
+}
+
+TEST(Linetypes, TurnTextsAsTheirRotationSays) {
+    TestSource source;
+    LinetypeLook::Element& text = source.addLinetype({4, -3, -3}).elements[1];
+    text.inset = LinetypeLook::Element::Inset::text;
+    text.text = L"HH";
+    text.format.height = 1;
+    text.offsetX = -1;
+    text.offsetY = -0.5;
+    const auto drawn = [&](AcGePoint3d end) {
+        const KeepingSink sink = flattened(source, [&](AcGiWorldDraw& draw) {
+            draw.subEntityTraits().setLineType({1});
+            line(draw, {0, 0, 0}, end);
+        });
+        EXPECT_EQ(sink.texts.size(), 1u);
+        return std::pair(sink.textOrigins.at(0), sink.textAxes.at(0));
+    };
+    // To the left a text stands on its head: two half dashes of 2, a gap to 5, from it one back.
+    EXPECT_LT(drawn({-10, 0, 0}).first.distanceTo({-4, 0.5, 0}), 1e-9);
+    EXPECT_EQ(drawn({-10, 0, 0}).second, -AcGeVector3d::kXAxis);
+    // Upright it is turned about its middle; H is 2/3 wide and stands 1 apart.
+    text.isUpright = true;
+    EXPECT_LT(drawn({-10, 0, 0}).first.distanceTo({-4 - 5.0 / 3, -0.5, 0}), 1e-6);
+    EXPECT_EQ(drawn({-10, 0, 0}).second, AcGeVector3d::kXAxis);
+    EXPECT_LT(drawn({10, 0, 0}).first.distanceTo({4, -0.5, 0}), 1e-9);
+    text.isUpright = false;
+    text.isAbsolute = true;
+    text.rotation = pi / 2;
+    EXPECT_TRUE(drawn({10, 0, 0}).second.isEqualTo(AcGeVector3d::kYAxis, AcGeTol()));
+    EXPECT_TRUE(drawn({0, 10, 0}).second.isEqualTo(AcGeVector3d::kYAxis, AcGeTol()));
+    text.isAbsolute = false;
+    EXPECT_TRUE(drawn({0, 10, 0}).second.isEqualTo(-AcGeVector3d::kXAxis, AcGeTol()));
+}
+
+// On arcs the pattern follows the curve: a quarter of radius 8 has 12.566 units, two patterns of 5 fit.
+TEST(Linetypes, FollowArcs) {
+    TestSource source;
+    source.addLinetype({3, -2});
+    const KeepingSink sink = flattened(source, [](AcGiWorldDraw& draw) {
+        draw.subEntityTraits().setLineType({1});
+        draw.geometry().circularArc({0, 0, 0}, 8, AcGeVector3d::kZAxis, AcGeVector3d::kXAxis, pi / 2);
+    });
+    const double end = (4 * pi - 10 + 3) / 2;
+    const std::pair<double, double> expected[] = {{0, end}, {end + 2, end + 5}, {4 * pi - end, 4 * pi}};
+    ASSERT_EQ(sink.lines.size(), std::size(expected));
+    const auto distance = [](const AcGePoint3d& point) { return 8 * std::atan2(point.y, point.x); };
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        EXPECT_NEAR(distance(sink.lines[i].points.front()), expected[i].first, 0.02) << i;
+        EXPECT_NEAR(distance(sink.lines[i].points.back()), expected[i].second, 0.02) << i;
     }
 }
 
@@ -464,6 +515,58 @@ TEST(Shapes, FacesShowEdgesOrFill) {
     ASSERT_EQ(sink.areas.size(), 3u);
     EXPECT_NEAR(enclosed(sink.areas[2]), 80, 1e-9);
     EXPECT_EQ(sink.areas[2].rule, FillRule::evenOdd);
+}
+
+TEST(Shapes, PointsAreMarkedAsTheDrawingSays) {
+    const struct {
+        int mode;
+        double size;
+        std::size_t dots, lines;
+        double width; // of all that is drawn
+    } cases[] = {
+        {0, 4, 1, 0, 0},  {1, 4, 0, 0, 0},  {2, 4, 0, 2, 8},  {3, 4, 0, 2, 8},  {4, 4, 0, 1, 0},
+        {33, 4, 0, 1, 4}, {66, 4, 0, 3, 8}, {96, 4, 1, 2, 4}, {2, 0, 0, 2, 10}, {2, -10, 0, 2, 20},
+    };
+    for (const auto& row : cases) {
+        TestSource source;
+        source.marks = row.mode;
+        source.markSize = row.size;
+        FlattenOptions options;
+        options.view = {{0, 0, 0}, {50, 100, 0}};
+        const auto draw = [](AcGiWorldDraw& world) {
+            const AcGePoint3d point{3, 4, 0};
+            world.geometry().pushModelTransform(AcGeMatrix3d::scaling(5)); // moves points, not their marks
+            world.geometry().polypoint(1, &point);
+        };
+        const KeepingSink sink = flattened(source, draw, options);
+        EXPECT_EQ(sink.dots.size(), row.dots) << row.mode;
+        EXPECT_EQ(sink.lines.size(), row.lines) << row.mode;
+        double left = 15, right = 15;
+        for (const auto& drawn : sink.lines)
+            for (const AcGePoint3d& point : drawn.points) {
+                left = std::min(left, point.x);
+                right = std::max(right, point.x);
+            }
+        EXPECT_NEAR(right - left, row.width, 1e-6) << row.mode;
+        EXPECT_NEAR(right + left, 30, 1e-6) << row.mode;
+    }
+}
+
+TEST(Shapes, AreasHaveHolesAndAreLeftOutWhereFillingIsOff) {
+    const auto draw = [](AcGiWorldDraw& world) {
+        world.subEntityTraits().setFillType(kAcGiFillAlways);
+        const AcGePoint3d points[] = {{0, 0, 0}, {9, 0, 0}, {9, 9, 0}, {0, 9, 0},
+                                      {2, 2, 0}, {2, 5, 0}, {5, 2, 0}};
+        const Adesk::UInt32 counts[] = {4, 3};
+        world.geometry().polyPolygon(2, counts, points);
+    };
+    TestSource source;
+    KeepingSink sink = flattened(source, draw);
+    ASSERT_EQ(sink.areas.size(), 1u);
+    EXPECT_EQ(sink.areas[0].rule, FillRule::evenOdd);
+    EXPECT_EQ(sink.areas[0].ends, (std::vector<std::uint32_t>{4, 7}));
+    source.fills = false;
+    EXPECT_TRUE(flattened(source, draw).isEmpty());
 }
 
 TEST(Shapes, InfiniteLinesReachTheBordersOfTheView) {

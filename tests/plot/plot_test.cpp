@@ -3,6 +3,8 @@
 
 #include "host/db/db.h"
 #include "host/db/dbents.h"
+#include "host/db/drawingsource.h"
+#include "host/plot/lineraster.h"
 #include "host/plot/plot.h"
 #include "host/plot/textbuffer.h"
 #include "host/rx/text.h"
@@ -77,7 +79,7 @@ protected:
     template <class Entity>
     AcDbObjectId add(Entity* entity, int color = 7, const wchar_t* layer = L"0") {
         AcDbObjectId id;
-        const Opened<AcDbBlockTableRecord> space(m_database.modelSpaceId(), AcDb::kForWrite);
+        const Opened<AcDbBlockTableRecord> space(mDatabase.modelSpaceId(), AcDb::kForWrite);
         space->appendAcDbEntity(id, entity);
         entity->setColorIndex(static_cast<Adesk::UInt16>(color));
         entity->setLayer(layer);
@@ -92,14 +94,14 @@ protected:
         auto* record = new AcDbLayerTableRecord;
         record->setName(name);
         change(*record);
-        const Opened<AcDbLayerTable> layers(m_database.layerTableId(), AcDb::kForWrite);
+        const Opened<AcDbLayerTable> layers(mDatabase.layerTableId(), AcDb::kForWrite);
         layers->add(record);
         record->close();
     }
 
     std::filesystem::path plot(const char* name, const PlotOptions& options = {}) {
         const std::filesystem::path path = mFolder.path() / name;
-        EXPECT_EQ(toUtf8(plotExtents(&m_database, path, options)), "");
+        EXPECT_EQ(toUtf8(plotExtents(&mDatabase, path, options)), "");
         return path;
     }
     QImage image(const PlotOptions& options = {}) {
@@ -108,7 +110,7 @@ protected:
         return result;
     }
 
-    AcDbDatabase m_database;
+    AcDbDatabase mDatabase;
     TemporaryFolder mFolder;
 };
 
@@ -151,6 +153,34 @@ TEST(Sheets, AreLargeEnoughToReadTheTexts) {
                                                {3.2, 594}, {3, 841},  {1, 1189}};
     for (const auto& [textHeight, longSide] : cases)
         EXPECT_EQ(readableLongSide(window, 10, textHeight), longSide) << textHeight;
+}
+
+TEST(Lines, CoverAsMuchAsTheyAreWide) {
+    constexpr int side = 60;
+    std::vector<std::uint32_t> pixels;
+    const auto ink = [&](double x0, double y0, double x1, double y1, double width) {
+        pixels.assign(side * side, 0xFFFFFFFF);
+        LineRaster raster(pixels.data(), side, {5, 5, 55, 55});
+        raster.setPen(0x000000, width);
+        raster.line(x0, y0, x1, y1);
+        double sum = 0;
+        for (const std::uint32_t pixel : pixels)
+            sum += 1 - (pixel & 0xFF) / 255.0;
+        return sum;
+    };
+    const double pi = std::acos(-1.0);
+    for (const double width : {1.0, 2.5, 6.0})
+        for (const double angle : {0.0, 0.3, pi / 4, 1.2, pi / 2, 2.5, 4.0}) {
+            const double dx = 15 * std::cos(angle), dy = 15 * std::sin(angle);
+            const double area = 30 * width + pi * width * width / 4; // with its round ends
+            EXPECT_NEAR(ink(30 - dx, 30 - dy, 30 + dx, 30 + dy, width), area, 0.06 * area + 0.3) << angle;
+        }
+    EXPECT_NEAR(ink(30, 30, 30, 30, 8), pi * 16, 2); // a dot
+    // Lines that come from far away keep their direction, and nothing leaves the bounds.
+    EXPECT_NEAR(ink(-1e9, -1e9, 1e9, 1e9, 1), 50 * std::sqrt(2), 3);
+    EXPECT_EQ(ink(0, 2, 60, 2, 1), 0);
+    EXPECT_NEAR(ink(0, 30, 60, 30, 1), 50, 1e-9 + 1);
+    EXPECT_EQ(pixels[30 * side + 4], 0xFFFFFFFF);
 }
 
 TEST(Numbers, AreShortAndExact) {
@@ -205,6 +235,28 @@ TEST_F(PlotTest, WideLinesAndAreasAreFilled) {
     EXPECT_EQ(colorAt(picture, 30, 35), QColor(0, 0, 255));
 }
 
+TEST_F(PlotTest, PaperAndScaleAreAsAsked) {
+    line(0, 0, 100, 50, 1);
+    line(-500, 25, 500, 25, 5); // is cut at the window
+    PlotOptions options = window100x50(1000);
+    options.paper = {500, 300};
+    options.scale = 2;
+    options.look.isMonochrome = true;
+    const QImage picture = image(options); // two pixels a millimetre
+    EXPECT_EQ(picture.size(), QSize(1000, 600));
+    const auto isDrawn = [&](double x, double y) { // of the paper
+        return picture.pixelColor(static_cast<int>(x * 2), static_cast<int>((300 - y) * 2)).lightness() < 200;
+    };
+    EXPECT_TRUE(isDrawn(250, 150)); // the window's middle is the paper's
+    EXPECT_TRUE(isDrawn(152, 150));
+    EXPECT_FALSE(isDrawn(148, 150));
+    EXPECT_TRUE(isDrawn(348, 199));
+    for (int x = 0; x < picture.width(); ++x)
+        EXPECT_EQ(picture.pixelColor(x, 300).saturation(), 0);
+    options.scale = 0;
+    EXPECT_EQ(image(options).size(), QSize(1000, 600));
+}
+
 TEST_F(PlotTest, ExtentsAreThoseOfWhatIsDrawn) {
     addLayer(L"off", [](AcDbLayerTableRecord& layer) { layer.setIsOff(true); });
     line(0, 0, 100, 50, 1);
@@ -219,13 +271,13 @@ TEST_F(PlotTest, ExtentsAreThoseOfWhatIsDrawn) {
 TEST_F(PlotTest, PdfIsSoundAndItsTextCanBeSearched) {
     line(0, 0, 100, 50, 1);
     add(new AcDbCircle(AcGePoint3d(50, 25, 0), AcGeVector3d::kZAxis, 10), 2);
-    Opened<AcDbTextStyleTableRecord>(m_database.textstyle(), AcDb::kForWrite)
+    Opened<AcDbTextStyleTableRecord>(mDatabase.textstyle(), AcDb::kForWrite)
         ->setFont(L"宋体", false, false, 134, 2);
     auto* text = new AcDbText;
     text->setPosition(AcGePoint3d(10, 10, 0));
     text->setHeight(5);
     text->setTextString(L"线路 A线");
-    text->setTextStyle(m_database.textstyle());
+    text->setTextStyle(mDatabase.textstyle());
     add(text);
     const PdfParts parts(readFile(plot("picture.pdf")));
     EXPECT_EQ(countOf(parts.all, "/Type/Page/"), 1u);
@@ -235,6 +287,73 @@ TEST_F(PlotTest, PdfIsSoundAndItsTextCanBeSearched) {
     EXPECT_EQ(countOf(parts.all, "/Subtype/Type3"), 1u);
     EXPECT_EQ(countOf(parts.all, " d1\n"), 3u); // each outline once
     EXPECT_NE(parts.all.find("1 0 0 RG"), std::string::npos);
+}
+
+// Widths in the content are 200 steps a millimetre.
+TEST_F(PlotTest, PdfHasTheLineweightsInMillimetres) {
+    addLayer(L"wide", [](AcDbLayerTableRecord& layer) { layer.setLineWeight(AcDb::kLnWt070); });
+    line(0, 0, 100, 0, 1);
+    line(0, 10, 100, 10, 2, L"wide");
+    for (const auto& [y, weight] : {std::pair(20, AcDb::kLnWt200), {30, AcDb::kLnWt000}}) {
+        auto* const made = new AcDbLine(AcGePoint3d(0, y, 0), AcGePoint3d(100, y, 0));
+        made->setLineWeight(weight);
+        add(made, 3);
+    }
+    PlotOptions options = window100x50(100);
+    std::string content = PdfParts(fileText(plot("weights.pdf", options))).all;
+    std::size_t last = 0;
+    for (const char* width : {"\n50 w\n", "\n140 w\n", "\n400 w\n", "\n10 w\n"}) { // zero is the thinnest
+        EXPECT_GT(content.find(width), last) << width;
+        last = content.find(width);
+    }
+    options.look.hasLineWeights = false;
+    content = PdfParts(fileText(plot("weights.pdf", options))).all;
+    EXPECT_EQ(countOf(content, " w\n"), 1u);
+}
+
+TEST_F(PlotTest, PdfLayersCanBeSwitched) {
+    addLayer(L"线路", [](AcDbLayerTableRecord&) {});
+    addLayer(L"hidden", [](AcDbLayerTableRecord& layer) { layer.setIsOff(true); });
+    line(0, 0, 100, 0, 1);
+    line(0, 10, 100, 10, 1, L"线路");
+    line(0, 20, 100, 20, 1, L"线路");
+    line(0, 30, 100, 30, 1, L"hidden");
+    const std::string all = PdfParts(fileText(plot("layers.pdf"))).all;
+    EXPECT_EQ(countOf(all, "/Type/OCG"), 2u);
+    EXPECT_EQ(countOf(all, "/Name<FEFF7EBF8DEF>"), 1u);
+    EXPECT_EQ(countOf(all, "/Name<FEFF0030>"), 1u);
+    EXPECT_EQ(countOf(all, " BDC\n"), 2u); // neighbours on one layer stay together
+    EXPECT_EQ(countOf(all, "EMC\n"), 2u);
+    EXPECT_EQ(countOf(all, "/OCProperties<</OCGs["), 1u);
+}
+
+// What a text says of its box is where its ink is.
+TEST_F(PlotTest, TextsAreMeasuredAsTheyAreDrawn) {
+    for (const wchar_t* font : {L"txt.shx", L"gbeitc.shx", L"arial.ttf"}) {
+        Opened<AcDbTextStyleTableRecord>(mDatabase.textstyle(), AcDb::kForWrite)->setFileName(font);
+        for (const double rotation : {0.0, 0.5, 3.0})
+            for (const int mirrored : {0, 1, 2}) {
+                auto* text = new AcDbText;
+                text->setTextString(L"N12线路 gy%%d");
+                text->setHeight(3);
+                text->setWidthFactor(0.8);
+                text->setOblique(0.2);
+                text->setRotation(rotation);
+                text->mirrorInX(mirrored == 1);
+                text->mirrorInY(mirrored == 2);
+                text->setHorizontalMode(AcDb::kTextRight);
+                text->setVerticalMode(AcDb::kTextTop);
+                text->setAlignmentPoint(AcGePoint3d(50, 20, 0));
+                text->setTextStyle(mDatabase.textstyle());
+                const AcDbObjectId id = add(text);
+                auto* const opened = peek<AcDbText>(id);
+                AcDbExtents told, drawn;
+                EXPECT_EQ(opened->getGeomExtents(told), Acad::eOk);
+                EXPECT_EQ(drawnExtents(*opened, drawn), Acad::eOk);
+                EXPECT_TRUE(told.minPoint().isEqualTo(drawn.minPoint(), AcGeTol())) << rotation << mirrored;
+                EXPECT_TRUE(told.maxPoint().isEqualTo(drawn.maxPoint(), AcGeTol())) << rotation << mirrored;
+            }
+    }
 }
 
 TEST_F(PlotTest, PdfSplitsLongContentAtWholeOperators) {
@@ -250,13 +369,13 @@ TEST_F(PlotTest, PdfSplitsLongContentAtWholeOperators) {
 
 TEST_F(PlotTest, SvgIsWellFormedAndDefinesWhatItUses) {
     line(0, 0, 100, 50, 1);
-    Opened<AcDbTextStyleTableRecord>(m_database.textstyle(), AcDb::kForWrite)
+    Opened<AcDbTextStyleTableRecord>(mDatabase.textstyle(), AcDb::kForWrite)
         ->setFont(L"宋体", false, false, 134, 2);
     auto* text = new AcDbText;
     text->setPosition(AcGePoint3d(10, 10, 0));
     text->setHeight(5);
     text->setTextString(L"线路<&>线");
-    text->setTextStyle(m_database.textstyle());
+    text->setTextStyle(mDatabase.textstyle());
     add(text);
     const std::string content = readFile(plot("picture.svg"));
     QXmlStreamReader reader(QByteArray::fromStdString(content));
@@ -294,7 +413,7 @@ TEST_F(PlotTest, FailuresAreToldInOneLineAndLeaveNoFile) {
     line(0, 0, 1, 1);
     for (const char* name :
          {"picture.bmp", "picture", "nowhere/picture.pdf", "nowhere/picture.svg", "nowhere/picture.png"}) {
-        const std::wstring message = plotExtents(&m_database, mFolder.path() / name);
+        const std::wstring message = plotExtents(&mDatabase, mFolder.path() / name);
         EXPECT_FALSE(message.empty()) << name;
         EXPECT_EQ(message.find(L'\n'), std::wstring::npos);
         EXPECT_FALSE(std::filesystem::exists(mFolder.path() / name));

@@ -57,6 +57,7 @@ Acad::ErrorStatus AcDbLinetypeTableRecord::dwgOutFields(AcDbDwgFiler* filer) con
         filer->writeBool(dash.hasText);
         filer->writeBool(dash.hasShape);
         filer->writeBool(dash.absoluteRotation);
+        filer->writeBool(dash.uprightRotation);
         filer->writeDouble(dash.scale);
         filer->writeDouble(dash.rotation);
         filer->writeVector2d(dash.offset);
@@ -83,6 +84,7 @@ Acad::ErrorStatus AcDbLinetypeTableRecord::dwgInFields(AcDbDwgFiler* filer) {
         filer->readBool(&dash.hasText);
         filer->readBool(&dash.hasShape);
         filer->readBool(&dash.absoluteRotation);
+        filer->readBool(&dash.uprightRotation);
         filer->readDouble(&dash.scale);
         filer->readDouble(&dash.rotation);
         filer->readVector2d(&dash.offset);
@@ -97,7 +99,7 @@ namespace {
 
 constexpr double degree = 3.14159265358979323846 / 180.0;
 
-enum ElementFlags : Adesk::Int16 { absoluteElement = 1, textElement = 2, shapeElement = 4 };
+enum ElementFlags : Adesk::Int16 { absoluteElement = 1, textElement = 2, shapeElement = 4, uprightElement = 8 };
 
 } // namespace
 
@@ -125,6 +127,7 @@ bool AcDbLinetypeTableRecord::takeRecordGroup(AcDbDxfFiler*, const host::DxfGrou
     switch (group.code) {
     case 74:
         dash.absoluteRotation = (group.integer & absoluteElement) != 0;
+        dash.uprightRotation = (group.integer & uprightElement) != 0;
         dash.hasText = (group.integer & textElement) != 0;
         dash.hasShape = (group.integer & shapeElement) != 0;
         return true;
@@ -162,7 +165,7 @@ void AcDbLinetypeTableRecord::writeRecordGroups(AcDbDxfFiler* filer) const {
     for (const Dash& dash : mDashes) {
         filer->writeDouble(49, dash.length);
         const int flags = (dash.absoluteRotation ? absoluteElement : 0) | (dash.hasText ? textElement : 0) |
-                          (dash.hasShape ? shapeElement : 0);
+                          (dash.hasShape ? shapeElement : 0) | (dash.uprightRotation ? uprightElement : 0);
         filer->writeInt16(74, static_cast<Adesk::Int16>(flags));
         if (!dash.hasText && !dash.hasShape) {
             continue;

@@ -175,6 +175,7 @@ public:
         bool hasText = false;
         bool hasShape = false;
         bool absoluteRotation = false;
+        bool uprightRotation = false; ///< turned where it would stand on its head
         double scale = 1.0;
         double rotation = 0.0; ///< radians
         AcGeVector2d offset;

@@ -30,6 +30,8 @@ public:
     explicit Source(AcDbDatabase& database) : mDatabase(database) {
         mLinetypeScale = database.ltscale();
         mFill = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("FILLMODE"))) != 0;
+        mPointMode = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("PDMODE")));
+        mPointSize = std::get<double>(database.variable(*findHeaderVariable("PDSIZE")));
         const auto* layers = peek<AcDbLayerTable>(database.layerTableId());
         for (std::size_t index = 0; index < layers->records().size(); ++index) {
             mLayerIndex.emplace(layers->records()[index], static_cast<int>(index));
@@ -51,6 +53,8 @@ public:
     }
     double linetypeScale() const override { return mLinetypeScale; }
     bool fillMode() const override { return mFill; }
+    int pointMode() const override { return mPointMode; }
+    double pointSize() const override { return mPointSize; }
 
     const LayerLook& layer(AcDbObjectId id);
     const LinetypeLook& linetype(AcDbObjectId id);
@@ -74,6 +78,8 @@ private:
     AcDbDatabase& mDatabase;
     double mLinetypeScale = 1.0;
     bool mFill = true;
+    int mPointMode = 0;
+    double mPointSize = 0.0;
     // Nodes of these maps stay where they are: looks given out are pointed to.
     std::unordered_map<AcDbObjectId, LayerLook> mLayers;
     std::unordered_map<AcDbObjectId, LinetypeLook> mLinetypes;
@@ -90,6 +96,7 @@ const LayerLook& Source::layer(AcDbObjectId id) {
     const auto [found, added] = mLayers.try_emplace(id);
     LayerLook& look = found->second;
     if (added && record != nullptr) {
+        look.name = record->name().kwszPtr();
         look.color = record->entityColor();
         look.lineWeight = record->lineWeight();
         look.isOff = record->isOff();
@@ -135,6 +142,7 @@ LinetypeLook Source::makeLinetype(AcDbObjectId id) const {
         element.shapeNumber = dash.shapeNumber;
         element.rotation = dash.rotation;
         element.isAbsolute = dash.absoluteRotation;
+        element.isUpright = dash.uprightRotation;
         element.offsetX = dash.offset.x;
         element.offsetY = dash.offset.y;
         if (const auto* style = peek<AcDbTextStyleTableRecord>(dash.style)) {

@@ -4,6 +4,7 @@
 #include "host/ed/acedreactor.h"
 #include "host/ed/commandrunner.h"
 #include "host/ed/console.h"
+#include "host/ed/documentfonts.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/input.h"
 #include "host/ed/lisphook.h"
@@ -246,6 +247,7 @@ Acad::ErrorStatus AcApDocManager::appContextNewDocument(const ACHAR* templateNam
             return status;
         }
     }
+    host::useFontsBeside({});
     adopt(std::move(database), {});
     return Acad::eOk;
 }
@@ -257,12 +259,14 @@ Acad::ErrorStatus AcApDocManager::appContextOpenDocument(const ACHAR* drawingNam
     std::wstring name = drawingName;
     acedEditor->notify([&](AcEditorReactor& reactor) { reactor.beginDwgOpen(name.data()); });
     const std::filesystem::path file = drawingFile(name);
+    host::useFontsBeside(file.parent_path());
     Acad::ErrorStatus status = Acad::eOk;
     std::unique_ptr<AcDbDatabase> database = readDrawing(file, status);
     if (database == nullptr) {
         return status;
     }
     AcApDocument* document = adopt(std::move(database), host::toWindowsPath(file));
+    host::tellMissingFonts(*document->database());
     acedEditor->notify(
         [&](AcEditorReactor& reactor) { reactor.endDwgOpen(name.data(), document->database()); });
     return Acad::eOk;

@@ -142,6 +142,7 @@ FontFile fontFile(const FcPattern* pattern, bool bold, bool italic, bool isSubst
     file.embolden = bold && number(pattern, FC_WEIGHT, FC_WEIGHT_REGULAR) < FC_WEIGHT_DEMIBOLD;
     file.slant = italic && number(pattern, FC_SLANT, FC_SLANT_ROMAN) == FC_SLANT_ROMAN;
     file.isSubstitute = isSubstitute;
+    file.family = fromUtf8(text(pattern, FC_FAMILY));
     return file;
 }
 
@@ -178,7 +179,8 @@ std::wstring_view baseName(std::wstring_view path) {
 // The installed file of that name, compared without regard to case.
 std::optional<FontFile> installedFile(std::wstring_view fileName) {
     const Pattern all(FcPatternCreate());
-    FcObjectSet* const properties = FcObjectSetBuild(FC_FILE, FC_INDEX, FC_WEIGHT, FC_SLANT, nullptr);
+    FcObjectSet* const properties =
+        FcObjectSetBuild(FC_FAMILY, FC_FILE, FC_INDEX, FC_WEIGHT, FC_SLANT, nullptr);
     FcFontSet* const fonts = FcFontList(nullptr, all.get(), properties);
     FcObjectSetDestroy(properties);
     std::optional<FontFile> found;
@@ -224,8 +226,12 @@ std::optional<FontFile> findFontFile(std::wstring_view fileName) {
     return found;
 }
 
-std::optional<FontFile> findFontWith(char32_t character) {
+std::optional<FontFile> findFontWith(char32_t character, bool isLight) {
     const Pattern wanted = request(character >= 0x2E80 ? sansChinese : "", false, false);
+    if (isLight) {
+        FcPatternDel(wanted.get(), FC_WEIGHT);
+        FcPatternAddInteger(wanted.get(), FC_WEIGHT, FC_WEIGHT_LIGHT);
+    }
     FcCharSet* const characters = FcCharSetCreate();
     FcCharSetAddChar(characters, character);
     FcPatternAddCharSet(wanted.get(), FC_CHARSET, characters);

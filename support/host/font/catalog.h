@@ -15,7 +15,8 @@ std::optional<FontFile> findTypeface(std::wstring_view typeface, bool bold, bool
 // By a font file's name; folders, if the name has any, do not matter.
 std::optional<FontFile> findFontFile(std::wstring_view fileName);
 
-// An installed font that has the character; nothing when there is none.
-std::optional<FontFile> findFontWith(char32_t character);
+// An installed font that has the character, where there is a choice a light one (to stand beside strokes);
+// nothing when there is none.
+std::optional<FontFile> findFontWith(char32_t character, bool isLight = false);
 
 } // namespace host

@@ -1,7 +1,6 @@
-// The control codes of drawing texts.
-#include "host/font/font.h"
+#include "host/font/controlcodes.h"
 
-#include <optional>
+#include "host/rx/codepage.h"
 
 namespace host {
 
@@ -9,123 +8,109 @@ namespace {
 
 constexpr char32_t diameterSign = 0x2205;
 
-std::optional<char32_t> readNumber(std::wstring_view digits, int base) {
-    char32_t value = 0;
-    for (const wchar_t digit : digits) {
-        int number = 0;
-        if (digit >= L'0' && digit <= L'9')
-            number = digit - L'0';
-        else if (digit >= L'a' && digit <= L'f')
-            number = digit - L'a' + 10;
-        else if (digit >= L'A' && digit <= L'F')
-            number = digit - L'A' + 10;
-        else
+// The number of a %%nnn at the start of the text.
+std::optional<char32_t> percentNumber(std::wstring_view text) {
+    if (text.size() < 5 || !text.starts_with(L"%%"))
+        return std::nullopt;
+    char32_t number = 0;
+    for (const wchar_t digit : text.substr(2, 3)) {
+        if (digit < L'0' || digit > L'9')
             return std::nullopt;
-        if (number >= base)
-            return std::nullopt;
-        value = value * static_cast<char32_t>(base) + static_cast<char32_t>(number);
+        number = number * 10 + static_cast<char32_t>(digit - L'0');
     }
-    return value;
+    return number < 256 ? std::optional(number) : std::nullopt;
 }
 
-class Decoder {
-public:
-    explicit Decoder(std::wstring_view text) : m_text(text) {}
-
-    std::vector<DecodedCharacter> run() {
-        m_result.reserve(m_text.size());
-        while (m_position < m_text.size()) {
-            if (!readPercentCode() && !readBackslashCode())
-                put(static_cast<char32_t>(m_text[m_position++]));
-        }
-        return std::move(m_result);
-    }
-
-private:
-    std::wstring_view rest() const { return m_text.substr(m_position); }
-
-    void put(char32_t character) {
-        m_result.push_back({character, m_underlined, m_overlined, m_struckThrough});
-    }
-
-    bool readPercentCode() {
-        const std::wstring_view code = rest();
-        if (code.size() < 3 || !code.starts_with(L"%%"))
-            return false;
-        if (code.size() >= 5) {
-            const auto number = readNumber(code.substr(2, 3), 10);
-            if (number && *number < 256) {
-                if (*number >= 32) // control characters draw nothing
-                    put(*number);
-                m_position += 5;
-                return true;
-            }
-        }
-        switch (code[2]) {
-        case L'd':
-        case L'D':
-            put(0xB0);
-            break;
-        case L'p':
-        case L'P':
-            put(0xB1);
-            break;
-        case L'c':
-        case L'C':
-            put(diameterSign);
-            break;
-        case L'u':
-        case L'U':
-            m_underlined = !m_underlined;
-            break;
-        case L'o':
-        case L'O':
-            m_overlined = !m_overlined;
-            break;
-        case L'k':
-        case L'K':
-            m_struckThrough = !m_struckThrough;
-            break;
-        case L'%':
-            put(U'%');
-            break;
-        default: // an unknown code draws its character
-            put(static_cast<char32_t>(code[2]));
-            break;
-        }
-        m_position += 3;
-        return true;
-    }
-
-    // \U+XXXX is a code point; \M+nXXXX a character of one of the East Asian code pages, which readers of
-    // files have translated already: what remains is drawn as it stands.
-    bool readBackslashCode() {
-        const std::wstring_view code = rest();
-        if (code.size() < 7 || !(code.starts_with(L"\\U+") || code.starts_with(L"\\u+")))
-            return false;
-        const auto number = readNumber(code.substr(3, 4), 16);
-        if (!number)
-            return false;
-        put(*number);
-        m_position += 7;
-        return true;
-    }
-
-    std::wstring_view m_text;
-    std::size_t m_position = 0;
-    bool m_underlined = false, m_overlined = false, m_struckThrough = false;
-    std::vector<DecodedCharacter> m_result;
-};
+std::optional<char32_t> chineseCharacter(char32_t high, char32_t low) {
+    const char bytes[] = {static_cast<char>(high), static_cast<char>(low)};
+    const std::wstring text = decode({bytes, 2}, CodePage::ansi936);
+    if (text.size() != 1 || text[0] == 0xFFFD)
+        return std::nullopt;
+    return static_cast<char32_t>(text[0]);
+}
 
 } // namespace
 
+std::optional<DecodedCharacter> ControlCodeReader::nextMaybeCode() {
+    const std::wstring_view rest = mText.substr(mPosition);
+    if (rest.size() >= 3 && rest.starts_with(L"%%"))
+        return percentCode();
+    if (const auto character = backslashCode())
+        return made(*character);
+    return made(static_cast<char32_t>(mText[mPosition++]));
+}
+
+std::optional<DecodedCharacter> ControlCodeReader::percentCode() {
+    if (const auto number = percentNumber(mText.substr(mPosition))) {
+        mPosition += 5;
+        return numberCode(*number);
+    }
+    const wchar_t code = mText[mPosition + 2];
+    mPosition += 3;
+    switch (code) {
+    case L'd':
+    case L'D':
+        return made(0xB0);
+    case L'p':
+    case L'P':
+        return made(0xB1);
+    case L'c':
+    case L'C':
+        return made(diameterSign);
+    case L'u':
+    case L'U':
+        mUnderlined = !mUnderlined;
+        return std::nullopt;
+    case L'o':
+    case L'O':
+        mOverlined = !mOverlined;
+        return std::nullopt;
+    case L'k':
+    case L'K':
+        mStruckThrough = !mStruckThrough;
+        return std::nullopt;
+    default: // an unknown code draws its character, %%% a percent sign
+        return made(static_cast<char32_t>(code));
+    }
+}
+
+// A number is a place in the font. Two that follow each other can be the two bytes of a Chinese character,
+// as programs that know bytes only write it.
+std::optional<DecodedCharacter> ControlCodeReader::numberCode(char32_t number) {
+    constexpr char32_t firstChineseByte = 0xA1;
+    if (number < 32) // control characters draw nothing
+        return std::nullopt;
+    if (number >= firstChineseByte)
+        if (const auto low = percentNumber(mText.substr(mPosition)); low && *low >= firstChineseByte)
+            if (const auto character = chineseCharacter(number, *low)) {
+                mPosition += 5;
+                return made(*character);
+            }
+    return made(number);
+}
+
+// \U+XXXX is a UTF-16 unit, \M+nXXXX a double byte of one of the East Asian code pages.
+std::optional<char32_t> ControlCodeReader::backslashCode() {
+    constexpr std::size_t lengths[] = {7, 8, 14}; // of a unit, a double byte, a pair of units
+    const std::wstring_view rest = mText.substr(mPosition);
+    for (const std::size_t length : lengths) {
+        if (rest.size() < length)
+            break;
+        const std::wstring resolved = resolveEscapes(rest.substr(0, length));
+        if (resolved.size() == 1) {
+            mPosition += length;
+            return static_cast<char32_t>(resolved[0]);
+        }
+    }
+    return std::nullopt;
+}
+
 std::vector<DecodedCharacter> decodeControlCodes(std::wstring_view text, bool raw) {
-    if (!raw)
-        return Decoder(text).run();
     std::vector<DecodedCharacter> result;
     result.reserve(text.size());
-    for (const wchar_t character : text)
-        result.push_back({static_cast<char32_t>(character), false, false, false});
+    for (ControlCodeReader reader(text, raw); !reader.isAtEnd();)
+        if (const auto character = reader.next())
+            result.push_back(*character);
     return result;
 }
 

@@ -8,17 +8,25 @@ namespace {
 std::atomic<std::uint32_t> nextFaceId{1};
 }
 
-FontFace::FontFace() : m_id(nextFaceId++) {}
+FontFace::FontFace() : mId(nextFaceId++) {}
 
 const Glyph* FontFace::glyph(char32_t character) {
-    const auto [entry, isNew] = m_glyphs.try_emplace(character);
+    return kept(mGlyphs, character, false);
+}
+
+const Glyph* FontFace::verticalGlyph(char32_t character) {
+    return kept(mVerticalGlyphs, character, true);
+}
+
+const Glyph* FontFace::kept(Glyphs& glyphs, char32_t character, bool isVertical) {
+    const auto [entry, isNew] = glyphs.try_emplace(character);
     if (isNew) {
-        entry->second = makeGlyph(character);
+        entry->second = isVertical ? makeVerticalGlyph(character) : makeGlyph(character);
         if (Glyph* glyph = entry->second.get()) {
             glyph->finish();
             glyph->character = character;
-            glyph->fontId = m_id;
-            glyph->glyphId = static_cast<std::uint32_t>(m_glyphs.size() - 1);
+            glyph->fontId = mId;
+            glyph->glyphId = mGlyphCount++;
         }
     }
     return entry->second.get();

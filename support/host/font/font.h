@@ -60,6 +60,11 @@ struct ShapedText {
     static ShapedText single(const Glyph& glyph, double scale);
 };
 
+// A font that is not there and what is drawn instead (empty: nothing is).
+struct FontSubstitution {
+    std::wstring wanted, used;
+};
+
 // Turns texts into glyphs and keeps faces and glyphs. Safe to use from several threads.
 //
 // Sizes: a TrueType face is scaled so that its capital H is one text height tall, a stroke font so that its
@@ -97,15 +102,19 @@ public:
     // A shape of a shape file, in the file's units; null when there is none. It lives as long as the process.
     const Glyph* shapeGlyph(std::wstring_view file, int number);
 
+    // What had to be substituted since the last call: every name once as long as the process lives.
+    std::vector<FontSubstitution> takeSubstitutions();
+
     // Folders in which font files (.shx, .ttf, .ttc, .otf) are looked for before the system's.
     void setSearchFolders(std::vector<std::filesystem::path> folders);
+    std::vector<std::filesystem::path> searchFolders();
 
 private:
     struct Implementation;
-    std::unique_ptr<Implementation> m_implementation;
+    std::unique_ptr<Implementation> mImplementation;
 };
 
-// Text with its control codes read: %%d %%p %%c %%% %%nnn \U+XXXX, and %%u %%o %%k, which switch
+// Text with its control codes read: %%d %%p %%c %%% %%nnn \U+XXXX \M+nXXXX, and %%u %%o %%k, which switch
 // underscore, overscore and strike-through on and off.
 struct DecodedCharacter {
     char32_t character;

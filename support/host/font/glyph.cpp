@@ -63,49 +63,49 @@ void GlyphBox::add(const GlyphBox& other) noexcept {
 }
 
 void Glyph::add(Verb verb, std::initializer_list<GlyphPoint> points) {
-    m_verbs.push_back(verb);
-    m_points.insert(m_points.end(), points);
+    mVerbs.push_back(verb);
+    mPoints.insert(mPoints.end(), points);
 }
 
 void Glyph::append(const Glyph& other, double scale, double dx, double dy) {
-    m_verbs.insert(m_verbs.end(), other.m_verbs.begin(), other.m_verbs.end());
-    for (const GlyphPoint& point : other.m_points)
-        m_points.push_back(
+    mVerbs.insert(mVerbs.end(), other.mVerbs.begin(), other.mVerbs.end());
+    for (const GlyphPoint& point : other.mPoints)
+        mPoints.push_back(
             {static_cast<float>(scale * point.x + dx), static_cast<float>(scale * point.y + dy)});
 }
 
 void Glyph::finish() {
-    m_polyline.clear();
-    m_contourEnds.clear();
-    const GlyphPoint* next = m_points.data();
-    for (const Verb verb : m_verbs) {
-        const GlyphPoint from = m_polyline.empty() ? GlyphPoint{} : m_polyline.back();
+    mPolyline.clear();
+    mContourEnds.clear();
+    const GlyphPoint* next = mPoints.data();
+    for (const Verb verb : mVerbs) {
+        const GlyphPoint from = mPolyline.empty() ? GlyphPoint{} : mPolyline.back();
         switch (verb) {
         case Verb::Move:
-            if (!m_polyline.empty())
-                m_contourEnds.push_back(static_cast<std::uint32_t>(m_polyline.size()));
-            m_polyline.push_back(next[0]);
+            if (!mPolyline.empty())
+                mContourEnds.push_back(static_cast<std::uint32_t>(mPolyline.size()));
+            mPolyline.push_back(next[0]);
             next += 1;
             break;
         case Verb::Line:
-            m_polyline.push_back(next[0]);
+            mPolyline.push_back(next[0]);
             next += 1;
             break;
         case Verb::Quadratic:
-            flattenQuadratic(from, next[0], next[1], m_polyline);
+            flattenQuadratic(from, next[0], next[1], mPolyline);
             next += 2;
             break;
         case Verb::Cubic:
-            flattenCubic(from, next[0], next[1], next[2], m_polyline);
+            flattenCubic(from, next[0], next[1], next[2], mPolyline);
             next += 3;
             break;
         }
     }
-    if (!m_polyline.empty())
-        m_contourEnds.push_back(static_cast<std::uint32_t>(m_polyline.size()));
-    m_box = {};
-    for (const GlyphPoint& point : m_polyline)
-        m_box.add(point.x, point.y);
+    if (!mPolyline.empty())
+        mContourEnds.push_back(static_cast<std::uint32_t>(mPolyline.size()));
+    mBox = {};
+    for (const GlyphPoint& point : mPolyline)
+        mBox.add(point.x, point.y);
 }
 
 } // namespace host

@@ -38,13 +38,13 @@ public:
     // Computes box and polylines; to be called once when all contours are there.
     void finish();
 
-    std::span<const Verb> verbs() const { return m_verbs; }
-    std::span<const GlyphPoint> points() const { return m_points; }
-    const GlyphBox& box() const { return m_box; } // of the ink
+    std::span<const Verb> verbs() const { return mVerbs; }
+    std::span<const GlyphPoint> points() const { return mPoints; }
+    const GlyphBox& box() const { return mBox; } // of the ink
 
     // The contours as polylines within 0.004 of the curves; contour i ends before contourEnds()[i].
-    std::span<const GlyphPoint> polylinePoints() const { return m_polyline; }
-    std::span<const std::uint32_t> contourEnds() const { return m_contourEnds; }
+    std::span<const GlyphPoint> polylinePoints() const { return mPolyline; }
+    std::span<const std::uint32_t> contourEnds() const { return mContourEnds; }
 
     double advance = 0;                    // to the next character's start
     char32_t character = 0;                // the character it was looked up for
@@ -54,11 +54,11 @@ public:
 private:
     void add(Verb verb, std::initializer_list<GlyphPoint> points);
 
-    std::vector<Verb> m_verbs;
-    std::vector<GlyphPoint> m_points;
-    std::vector<GlyphPoint> m_polyline;
-    std::vector<std::uint32_t> m_contourEnds;
-    GlyphBox m_box;
+    std::vector<Verb> mVerbs;
+    std::vector<GlyphPoint> mPoints;
+    std::vector<GlyphPoint> mPolyline;
+    std::vector<std::uint32_t> mContourEnds;
+    GlyphBox mBox;
 };
 
 } // namespace host

@@ -65,29 +65,29 @@ constexpr FT_Int32 loadFlags = FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP | FT_LOAD_NO
 class OutlineFace final : public FontFace {
 public:
     OutlineFace(FacePointer face, const FontFile& file, OutlineScale scale)
-        : m_face(std::move(face)), m_file(file) {
-        const double em = m_face->units_per_EM;
+        : mFace(std::move(face)), mFile(file) {
+        const double em = mFace->units_per_EM;
         if (scale == OutlineScale::ideographs) {
             constexpr double inkShare = 0.92,
                              inkBottom = 0.08; // of an ideograph's em box, below the base line
-            m_placement = {1 / (inkShare * em), inkBottom / inkShare};
+            mPlacement = {1 / (inkShare * em), inkBottom / inkShare};
         } else {
-            m_placement = {1 / capitalHeight(), 0};
+            mPlacement = {1 / capitalHeight(), 0};
         }
     }
 
     bool isStroke() const override { return false; }
-    double ascent() const override { return m_face->ascender * m_placement.scale; }
-    double descent() const override { return -m_face->descender * m_placement.scale; }
+    double ascent() const override { return mFace->ascender * mPlacement.scale; }
+    double descent() const override { return -mFace->descender * mPlacement.scale; }
 
 private:
     double capitalHeight() const {
-        const double em = m_face->units_per_EM;
-        const FT_UInt index = FT_Get_Char_Index(m_face.get(), 'H');
-        if (index != 0 && FT_Load_Glyph(m_face.get(), index, loadFlags) == 0 &&
-            m_face->glyph->format == FT_GLYPH_FORMAT_OUTLINE) {
+        const double em = mFace->units_per_EM;
+        const FT_UInt index = FT_Get_Char_Index(mFace.get(), 'H');
+        if (index != 0 && FT_Load_Glyph(mFace.get(), index, loadFlags) == 0 &&
+            mFace->glyph->format == FT_GLYPH_FORMAT_OUTLINE) {
             FT_BBox box;
-            FT_Outline_Get_CBox(&m_face->glyph->outline, &box);
+            FT_Outline_Get_CBox(&mFace->glyph->outline, &box);
             if (const auto height = static_cast<double>(box.yMax); height > 0.2 * em && height < 2 * em)
                 return height;
         }
@@ -96,43 +96,43 @@ private:
 
     std::unique_ptr<Glyph> makeGlyph(char32_t character) override {
         const FT_UInt index = glyphIndex(character);
-        if (index == 0 || FT_Load_Glyph(m_face.get(), index, loadFlags) != 0)
+        if (index == 0 || FT_Load_Glyph(mFace.get(), index, loadFlags) != 0)
             return nullptr;
-        const FT_GlyphSlot slot = m_face->glyph;
+        const FT_GlyphSlot slot = mFace->glyph;
         auto glyph = std::make_unique<Glyph>();
         glyph->filled = true;
-        glyph->advance = static_cast<double>(slot->metrics.horiAdvance) * m_placement.scale;
+        glyph->advance = static_cast<double>(slot->metrics.horiAdvance) * mPlacement.scale;
         if (slot->format != FT_GLYPH_FORMAT_OUTLINE)
             return glyph;
         FT_Outline& outline = slot->outline;
-        if (m_file.embolden)
-            FT_Outline_Embolden(&outline, m_face->units_per_EM / 28);
-        if (m_file.slant) {
+        if (mFile.embolden)
+            FT_Outline_Embolden(&outline, mFace->units_per_EM / 28);
+        if (mFile.slant) {
             const FT_Matrix shear{0x10000, 0x3800, 0, 0x10000}; // tan 12.3 degrees
             FT_Outline_Transform(&outline, &shear);
         }
-        Decomposition target{*glyph, m_placement};
+        Decomposition target{*glyph, mPlacement};
         const FT_Outline_Funcs functions{moveTo, lineTo, conicTo, cubicTo, 0, 0};
         FT_Outline_Decompose(&outline, &functions, &target);
         return glyph;
     }
 
     FT_UInt glyphIndex(char32_t character) const {
-        FT_UInt index = FT_Get_Char_Index(m_face.get(), character);
+        FT_UInt index = FT_Get_Char_Index(mFace.get(), character);
         if (index == 0 && character == 0x2205) { // the diameter sign has several code points
-            index = FT_Get_Char_Index(m_face.get(), 0x2300);
+            index = FT_Get_Char_Index(mFace.get(), 0x2300);
             if (index == 0)
-                index = FT_Get_Char_Index(m_face.get(), 0xD8);
+                index = FT_Get_Char_Index(mFace.get(), 0xD8);
         }
-        if (index == 0 && m_face->charmap && m_face->charmap->encoding == FT_ENCODING_MS_SYMBOL &&
+        if (index == 0 && mFace->charmap && mFace->charmap->encoding == FT_ENCODING_MS_SYMBOL &&
             character < 0x100)
-            index = FT_Get_Char_Index(m_face.get(), 0xF000 + character);
+            index = FT_Get_Char_Index(mFace.get(), 0xF000 + character);
         return index;
     }
 
-    FacePointer m_face;
-    FontFile m_file;
-    Placement m_placement{1, 0};
+    FacePointer mFace;
+    FontFile mFile;
+    Placement mPlacement{1, 0};
 };
 
 } // namespace

@@ -14,6 +14,7 @@ struct FontFile {
     bool embolden = false;     // the face is lighter than asked for
     bool slant = false;        // the face is upright where an italic was asked for
     bool isSubstitute = false; // not the font asked for
+    std::wstring family;       // its typeface, where the system knows it
 
     bool operator==(const FontFile&) const = default;
 };

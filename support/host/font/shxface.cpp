@@ -5,6 +5,7 @@
 #include "host/rx/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <numbers>
@@ -21,10 +22,12 @@ constexpr double pi = std::numbers::pi;
 // Draws by the bytes of a shape definition. Bounded: hostile definitions end at a limit of steps.
 class ShapePen {
 public:
-    ShapePen(const ShxFile& file, Glyph& glyph, double scale) : m_file(file), m_glyph(glyph), m_unit(scale) {}
+    ShapePen(const ShxFile& file, Glyph& glyph, double scale, bool isVertical)
+        : mFile(file), mGlyph(glyph), mUnit(scale), mIsVertical(isVertical) {}
 
     void draw(std::string_view drawing) { run(drawing, 0); }
-    double x() const { return m_x; }
+    double x() const { return mX; }
+    double y() const { return mY; }
 
 private:
     static constexpr int deepestCalls = 8, mostSteps = 50000;
@@ -46,7 +49,7 @@ private:
         if (depth > deepestCalls)
             return;
         Reader reader{drawing};
-        while (!reader.isAtEnd() && ++m_steps < mostSteps) {
+        while (!reader.isAtEnd() && ++mSteps < mostSteps) {
             const int code = reader.byte();
             if (code == 0)
                 return;
@@ -58,28 +61,28 @@ private:
         switch (code) {
         case 1:
         case 2:
-            if (!m_isSkipping) {
-                m_isDown = code == 1;
-                m_isDrawing = false;
+            if (!mIsSkipping) {
+                mIsDown = code == 1;
+                mIsDrawing = false;
             }
             break;
         case 3:
-            if (const int divisor = reader.byte(); divisor != 0 && !m_isSkipping)
-                m_unit /= divisor;
+            if (const int divisor = reader.byte(); divisor != 0 && !mIsSkipping)
+                mUnit /= divisor;
             break;
         case 4:
-            if (const int factor = reader.byte(); factor != 0 && !m_isSkipping)
-                m_unit *= factor;
+            if (const int factor = reader.byte(); factor != 0 && !mIsSkipping)
+                mUnit *= factor;
             break;
         case 5:
-            if (m_stack.size() < 16 && !m_isSkipping)
-                m_stack.emplace_back(m_x, m_y);
+            if (mStack.size() < 16 && !mIsSkipping)
+                mStack.emplace_back(mX, mY);
             break;
         case 6:
-            if (!m_stack.empty() && !m_isSkipping) {
-                std::tie(m_x, m_y) = m_stack.back();
-                m_stack.pop_back();
-                m_isDrawing = false;
+            if (!mStack.empty() && !mIsSkipping) {
+                std::tie(mX, mY) = mStack.back();
+                mStack.pop_back();
+                mIsDrawing = false;
             }
             break;
         case 7:
@@ -120,82 +123,98 @@ private:
         int code = reader.byte();
         while (code == 14)
             code = reader.byte();
-        m_isSkipping = true;
+        mIsSkipping = !mIsVertical;
         step(code, reader, depth);
-        m_isSkipping = false;
+        mIsSkipping = false;
     }
 
     void call(Reader& reader, int depth) {
         std::uint32_t code = static_cast<std::uint32_t>(reader.byte());
-        if (m_file.kind() == ShxFile::Kind::unicodeFont)
+        if (mFile.kind() == ShxFile::Kind::unicodeFont)
             code = code << 8 | static_cast<std::uint32_t>(reader.byte());
-        if (m_file.kind() == ShxFile::Kind::bigFont && code == 0) {
+        if (mFile.kind() == ShxFile::Kind::bigFont && code == 0) {
             placedCall(reader, depth);
             return;
         }
-        if (!m_isSkipping)
-            run(m_file.drawing(code), depth + 1);
+        if (!mIsSkipping)
+            run(mFile.drawing(code), depth + 1);
     }
 
-    // A part of a big font's character: its code, its place, and the width and height it is drawn with.
+    // A part of a big font's character: its code, its place, and the height it is drawn with, in a font of
+    // the extended kind after its width.
     void placedCall(Reader& reader, int depth) {
         const auto code =
             static_cast<std::uint32_t>(reader.byte() << 8) | static_cast<std::uint32_t>(reader.byte());
         const int x = reader.signedByte(), y = reader.signedByte();
-        const int width = reader.byte(), height = reader.byte();
-        if (m_isSkipping)
+        const int width = reader.byte();
+        const int height = mFile.isExtended() ? reader.byte() : width;
+        if (mIsSkipping)
             return;
-        const double unit = m_unit, stretchX = m_stretchX, stretchY = m_stretchY, startX = m_x, startY = m_y;
-        const int fontHeight = std::max(m_file.above(), 1);
-        m_x += x * m_unit * m_stretchX;
-        m_y += y * m_unit * m_stretchY;
-        m_stretchX *= static_cast<double>(width) / fontHeight;
-        m_stretchY *= static_cast<double>(height) / fontHeight;
-        m_isDrawing = false;
-        run(m_file.drawing(code), depth + 1);
-        m_unit = unit;
-        m_stretchX = stretchX;
-        m_stretchY = stretchY;
-        m_x = startX;
-        m_y = startY;
-        m_isDrawing = false;
+        const double unit = mUnit, stretchX = mStretchX, stretchY = mStretchY, startX = mX, startY = mY;
+        const int fontHeight = std::max(mFile.above(), 1);
+        mX += x * mUnit * mStretchX;
+        mY += y * mUnit * mStretchY;
+        mStretchX *= static_cast<double>(width) / fontHeight;
+        mStretchY *= static_cast<double>(height) / fontHeight;
+        mIsDrawing = false;
+        run(mFile.drawing(code), depth + 1);
+        mUnit = unit;
+        mStretchX = stretchX;
+        mStretchY = stretchY;
+        mX = startX;
+        mY = startY;
+        mIsDrawing = false;
     }
 
     bool move(Reader& reader) {
         const int dx = reader.signedByte(), dy = reader.signedByte();
         if (dx == 0 && dy == 0)
             return false;
-        go(dx * m_unit, dy * m_unit);
+        go(dx * mUnit, dy * mUnit);
         return mayGoOn(reader);
     }
 
     // Sixteen directions; every second one is half as steep as its neighbour on one axis.
     void vector(int length, int direction) {
         static constexpr double steps[16] = {1, 1, 1, 0.5, 0, -0.5, -1, -1, -1, -1, -1, -0.5, 0, 0.5, 1, 1};
-        go(length * m_unit * steps[direction], length * m_unit * steps[(direction + 12) % 16]);
+        go(length * mUnit * steps[direction], length * mUnit * steps[(direction + 12) % 16]);
+    }
+
+    // The byte that says which octants an arc runs through: the sign, the first octant (three bits), a free
+    // bit and the count, 0 for all eight. Compilers that store a negative number as a complement set the free
+    // bit.
+    struct Octants {
+        int first, count, direction;
+    };
+    static Octants readOctants(Reader& reader) {
+        int code = reader.byte();
+        const bool isNegative = code > 127;
+        if (isNegative && (code & 8) != 0)
+            code = 256 - code;
+        const int count = code & 7;
+        return {code >> 4 & 7, count == 0 ? 8 : count, isNegative ? -1 : 1};
     }
 
     void octantArc(Reader& reader) {
-        const int radius = reader.byte(), octants = reader.signedByte();
-        const int code = std::abs(octants), count = (code & 7) == 0 ? 8 : code & 7;
-        const double start = (code >> 4 & 7) * pi / 4;
-        arc(radius * m_unit, start, (octants < 0 ? -1 : 1) * count * pi / 4);
+        const int radius = reader.byte();
+        const Octants octants = readOctants(reader);
+        arc(radius * mUnit, octants.first * pi / 4, octants.direction * octants.count * pi / 4);
     }
 
     void fractionalArc(Reader& reader) {
         const int startOffset = reader.byte(), endOffset = reader.byte();
-        const int high = reader.byte(), low = reader.byte(), octants = reader.signedByte();
-        const int code = std::abs(octants), count = (code & 7) == 0 ? 8 : code & 7;
-        const double direction = octants < 0 ? -1 : 1;
+        const int high = reader.byte(), low = reader.byte();
+        const Octants octants = readOctants(reader);
         // Offsets are 256ths of an octant from the start of the first and of the last octant.
-        const double first = startOffset / 256.0, last = count - (endOffset != 0 ? 1 : 0) + endOffset / 256.0;
-        const double start = ((code >> 4 & 7) + direction * first) * pi / 4;
-        arc((high * 256 + low) * m_unit, start, direction * (last - first) * pi / 4);
+        const double first = startOffset / 256.0,
+                     last = octants.count - (endOffset != 0 ? 1 : 0) + endOffset / 256.0;
+        const double start = (octants.first + octants.direction * first) * pi / 4;
+        arc((high * 256 + low) * mUnit, start, octants.direction * (last - first) * pi / 4);
     }
 
     // From the current point, which lies at the start angle of the circle.
     void arc(double radius, double start, double sweep) {
-        if (m_isSkipping)
+        if (mIsSkipping)
             return;
         const double centerX = -radius * std::cos(start), centerY = -radius * std::sin(start);
         const int count = std::max(1, static_cast<int>(std::ceil(std::abs(sweep) / (pi / 12))));
@@ -215,99 +234,108 @@ private:
             return false;
         const double bulge = reader.signedByte() / 127.0;
         if (bulge == 0) {
-            go(dx * m_unit, dy * m_unit);
+            go(dx * mUnit, dy * mUnit);
             return mayGoOn(reader);
         }
         const double lift = (1 - bulge * bulge) / (4 * bulge);
         const double centerX = dx / 2.0 - dy * lift, centerY = dy / 2.0 + dx * lift;
-        arc(std::hypot(centerX, centerY) * m_unit, std::atan2(-centerY, -centerX), 4 * std::atan(bulge));
+        arc(std::hypot(centerX, centerY) * mUnit, std::atan2(-centerY, -centerX), 4 * std::atan(bulge));
         return mayGoOn(reader);
     }
 
-    bool mayGoOn(const Reader& reader) const { return !reader.isAtEnd() && m_steps < mostSteps; }
+    bool mayGoOn(const Reader& reader) const { return !reader.isAtEnd() && mSteps < mostSteps; }
 
     void go(double dx, double dy) {
-        ++m_steps;
-        if (m_isSkipping)
+        ++mSteps;
+        if (mIsSkipping)
             return;
-        if (m_isDown && !m_isDrawing) {
-            m_glyph.moveTo({static_cast<float>(m_x), static_cast<float>(m_y)});
-            m_isDrawing = true;
+        if (mIsDown && !mIsDrawing) {
+            mGlyph.moveTo({static_cast<float>(mX), static_cast<float>(mY)});
+            mIsDrawing = true;
         }
-        m_x += dx * m_stretchX;
-        m_y += dy * m_stretchY;
-        if (m_isDown)
-            m_glyph.lineTo({static_cast<float>(m_x), static_cast<float>(m_y)});
-        m_isDrawing = m_isDown;
+        mX += dx * mStretchX;
+        mY += dy * mStretchY;
+        if (mIsDown)
+            mGlyph.lineTo({static_cast<float>(mX), static_cast<float>(mY)});
+        mIsDrawing = mIsDown;
     }
 
-    const ShxFile& m_file;
-    Glyph& m_glyph;
-    double m_unit;
-    double m_stretchX = 1, m_stretchY = 1;
-    double m_x = 0, m_y = 0;
-    bool m_isDown = true, m_isDrawing = false, m_isSkipping = false;
-    int m_steps = 0;
-    std::vector<std::pair<double, double>> m_stack;
+    const ShxFile& mFile;
+    Glyph& mGlyph;
+    double mUnit;
+    double mStretchX = 1, mStretchY = 1;
+    double mX = 0, mY = 0;
+    bool mIsVertical;
+    bool mIsDown = true, mIsDrawing = false, mIsSkipping = false;
+    int mSteps = 0;
+    std::vector<std::pair<double, double>> mStack;
 };
 
 class ShxFace final : public FontFace {
 public:
-    ShxFace(ShxFile file, CodePage page) : m_file(std::move(file)), m_page(page) {}
+    ShxFace(ShxFile file, CodePage page) : mFile(std::move(file)), mPage(page) {}
     bool isStroke() const override { return true; }
     double descent() const override {
-        return m_file.isFont() ? static_cast<double>(m_file.below()) / m_file.above() : 0;
+        return mFile.isFont() ? static_cast<double>(mFile.below()) / mFile.above() : 0;
     }
 
 private:
-    std::unique_ptr<Glyph> makeGlyph(char32_t character) override {
+    std::unique_ptr<Glyph> makeGlyph(char32_t character) override { return draw(character, false); }
+    std::unique_ptr<Glyph> makeVerticalGlyph(char32_t character) override {
+        return mFile.isDual() ? draw(character, true) : nullptr;
+    }
+
+    std::unique_ptr<Glyph> draw(char32_t character, bool isVertical) const {
         const std::uint32_t code = codeOf(character);
-        if (!m_file.has(code) || (code == 0 && m_file.isFont()))
+        if (!mFile.has(code) || (code == 0 && mFile.isFont()))
             return nullptr;
         auto glyph = std::make_unique<Glyph>();
-        const double scale = m_file.isFont() ? 1.0 / m_file.above() : 1.0;
-        ShapePen pen(m_file, *glyph, scale);
-        pen.draw(m_file.drawing(code));
-        glyph->advance = pen.x();
+        const double scale = mFile.isFont() ? 1.0 / mFile.above() : 1.0;
+        ShapePen pen(mFile, *glyph, scale, isVertical);
+        pen.draw(mFile.drawing(code));
+        glyph->advance = isVertical ? -pen.y() : pen.x();
+        if (mFile.isExtended() && glyph->advance == 0 && !isVertical)
+            glyph->advance = 1; // the parts leave the pen where it was: the next character stands one cell on
         constexpr double farthest = 1e6; // text heights: a damaged definition
         const auto isNear = [](const GlyphPoint& point) {
             return std::abs(point.x) < farthest && std::abs(point.y) < farthest;
         };
-        return std::abs(pen.x()) < farthest && std::ranges::all_of(glyph->points(), isNear) ? std::move(glyph)
-                                                                                            : nullptr;
+        const bool isGood =
+            std::abs(glyph->advance) < farthest && std::ranges::all_of(glyph->points(), isNear);
+        return isGood ? std::move(glyph) : nullptr;
     }
+
+    static constexpr std::uint32_t none = 0xFFFFFFFF;
 
     // The entry's number: a big font's is the double byte of its code page; shape fonts of old have the
-    // degree, plus-minus and diameter signs at 127 to 129.
+    // degree, plus-minus and diameter signs at 127 to 129 or at 256 to 258.
     std::uint32_t codeOf(char32_t character) const {
-        constexpr std::uint32_t none = 0xFFFFFFFF;
-        if (m_file.kind() == ShxFile::Kind::unicodeFont || character < 0x80)
+        if (mFile.kind() == ShxFile::Kind::unicodeFont || character < 0x80)
             return character;
-        if (m_file.kind() == ShxFile::Kind::bigFont) {
-            const std::wstring text(1, static_cast<wchar_t>(character));
-            const std::string bytes = canEncode(text, m_page) ? encode(text, m_page) : std::string();
-            if (bytes.size() != 2)
-                return none;
-            const auto high = static_cast<unsigned char>(bytes[0]),
-                       low = static_cast<unsigned char>(bytes[1]);
-            // Files hold the double byte in either order.
-            const std::uint32_t code = static_cast<std::uint32_t>(high << 8 | low);
-            return m_file.has(code) ? code : static_cast<std::uint32_t>(low << 8 | high);
+        if (mFile.kind() == ShxFile::Kind::bigFont)
+            return doubleByteOf(character);
+        constexpr std::array<char32_t, 3> signs{0xB0, 0xB1, 0x2205};
+        const auto* sign = std::ranges::find(signs, character);
+        if (sign != signs.end() && mFile.isFont()) {
+            const auto place = static_cast<std::uint32_t>(sign - signs.begin());
+            return mFile.has(256 + place) ? 256 + place : 127 + place;
         }
-        switch (character) {
-        case 0xB0:
-            return 127;
-        case 0xB1:
-            return 128;
-        case 0x2205:
-            return 129;
-        default:
-            return character < 0x100 || !m_file.isFont() ? character : none;
-        }
+        return character < 0x100 || !mFile.isFont() ? character : none;
     }
 
-    ShxFile m_file;
-    CodePage m_page;
+    std::uint32_t doubleByteOf(char32_t character) const {
+        const std::wstring text(1, static_cast<wchar_t>(character));
+        const std::string bytes = canEncode(text, mPage) ? encode(text, mPage) : std::string();
+        if (bytes.size() != 2)
+            return none;
+        const auto high = static_cast<unsigned char>(bytes[0]), low = static_cast<unsigned char>(bytes[1]);
+        // Files hold the double byte in either order.
+        const std::uint32_t code = static_cast<std::uint32_t>(high << 8 | low);
+        return mFile.has(code) ? code : static_cast<std::uint32_t>(low << 8 | high);
+    }
+
+    ShxFile mFile;
+    CodePage mPage;
 };
 
 // Big fonts do not say which code page they are for; the usual ones of Taiwan, Japan and Korea are known by

@@ -18,14 +18,15 @@ namespace {
 // Common to all stroke faces: composes accented letters, superscripts, and slants.
 class StrokeFace : public FontFace {
 public:
-    explicit StrokeFace(double slant) : m_slant(slant) {}
+    // slant: of the letters to the right; width: factor of letters and advances.
+    StrokeFace(double slant, double width) : mSlant(slant), mWidth(width) {}
     bool isStroke() const override { return true; }
 
 protected:
     std::unique_ptr<Glyph> makeGlyph(char32_t character) final {
         std::unique_ptr<Glyph> glyph = assemble(character);
-        if (glyph && m_slant != 0)
-            glyph = slanted(*glyph);
+        if (glyph && (mSlant != 0 || mWidth != 1))
+            glyph = reshaped(*glyph);
         return glyph;
     }
 
@@ -86,31 +87,32 @@ private:
         return glyph;
     }
 
-    std::unique_ptr<Glyph> slanted(const Glyph& upright) const {
+    std::unique_ptr<Glyph> reshaped(const Glyph& plain) const {
         auto glyph = std::make_unique<Glyph>();
-        glyph->advance = upright.advance;
-        const auto slant = static_cast<float>(m_slant);
-        const auto points = upright.points();
+        glyph->advance = plain.advance * mWidth;
+        const auto slant = static_cast<float>(mSlant), width = static_cast<float>(mWidth);
+        const auto points = plain.points();
         std::size_t next = 0;
-        for (const Glyph::Verb verb : upright.verbs()) { // strokes have only straight pieces
-            const GlyphPoint point{points[next].x + slant * points[next].y, points[next].y};
+        for (const Glyph::Verb verb : plain.verbs()) { // strokes have only straight pieces
+            const GlyphPoint point{width * points[next].x + slant * points[next].y, points[next].y};
             verb == Glyph::Verb::Move ? glyph->moveTo(point) : glyph->lineTo(point);
             ++next;
         }
         return glyph;
     }
 
-    double m_slant;
+    double mSlant, mWidth;
 };
 
 class PlainFace final : public StrokeFace {
 public:
-    explicit PlainFace(bool monospaced, double slant = 0) : StrokeFace(slant), m_monospaced(monospaced) {}
+    explicit PlainFace(bool monospaced, double slant = 0, double width = 1)
+        : StrokeFace(slant, width), mMonospaced(monospaced) {}
 
 private:
     std::unique_ptr<Glyph> drawing(char32_t character) override {
         std::unique_ptr<Glyph> glyph = plainStrokeGlyph(character);
-        if (!glyph || !m_monospaced || glyph->advance >= 1)
+        if (!glyph || !mMonospaced || glyph->advance >= 1)
             return glyph;
         auto centred = std::make_unique<Glyph>();
         centred->append(*glyph, 1, (1 - glyph->advance) / 2, 0);
@@ -118,7 +120,7 @@ private:
         return centred;
     }
 
-    bool m_monospaced;
+    bool mMonospaced;
 };
 
 // The Hershey collection's .jhf text format: for each character its number (5 columns), the count of pairs (3
@@ -128,20 +130,20 @@ class HersheyReader {
 public:
     explicit HersheyReader(const std::filesystem::path& path) {
         std::ifstream file(path, std::ios::binary);
-        m_text.assign(std::istreambuf_iterator<char>(file), {});
+        mText.assign(std::istreambuf_iterator<char>(file), {});
     }
 
     std::vector<std::string> read() {
         std::vector<std::string> records;
-        while (m_position + 8 <= m_text.size()) {
-            if (isLineEnd(m_text[m_position])) {
-                ++m_position;
+        while (mPosition + 8 <= mText.size()) {
+            if (isLineEnd(mText[mPosition])) {
+                ++mPosition;
                 continue;
             }
             const int count = pairCount();
             if (count < 1)
                 break;
-            m_position += 8;
+            mPosition += 8;
             records.push_back(pairs(static_cast<std::size_t>(count) * 2));
         }
         return records;
@@ -151,7 +153,7 @@ private:
     static bool isLineEnd(char character) { return character == '\n' || character == '\r'; }
 
     int pairCount() const {
-        std::string_view field = std::string_view(m_text).substr(m_position + 5, 3);
+        std::string_view field = std::string_view(mText).substr(mPosition + 5, 3);
         field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
         int value = 0;
         std::from_chars(field.data(), field.data() + field.size(), value);
@@ -161,27 +163,28 @@ private:
     std::string pairs(std::size_t length) // long records go on over line ends
     {
         std::string result;
-        for (; m_position < m_text.size() && result.size() < length; ++m_position)
-            if (!isLineEnd(m_text[m_position]))
-                result += m_text[m_position];
+        for (; mPosition < mText.size() && result.size() < length; ++mPosition)
+            if (!isLineEnd(mText[mPosition]))
+                result += mText[mPosition];
         result.resize(length, ' ');
         return result;
     }
 
-    std::string m_text;
-    std::size_t m_position = 0;
+    std::string mText;
+    std::size_t mPosition = 0;
 };
 
 class HersheyFace final : public StrokeFace {
 public:
     // Both files lie in folder; the second one has the Greek alphabet in the places of A to X and may be
     // null.
-    HersheyFace(const std::filesystem::path& folder, const char* file, const char* greekFile, double slant)
-        : StrokeFace(slant), m_records(HersheyReader(folder / file).read()) {
+    HersheyFace(const std::filesystem::path& folder, const char* file, const char* greekFile, double slant,
+                double width)
+        : StrokeFace(slant, width), mRecords(HersheyReader(folder / file).read()) {
         if (greekFile)
-            m_greekPath = folder / greekFile;
+            mGreekPath = folder / greekFile;
     }
-    bool isEmpty() const { return m_records.empty(); }
+    bool isEmpty() const { return mRecords.empty(); }
 
 private:
     static constexpr double baseLine = 9, capitalHeight = 21; // the same throughout the collection
@@ -190,11 +193,11 @@ private:
         if (character == 0xA0)
             character = U' ';
         if (character >= U' ' && character < 0x7F)
-            return draw(m_records, character);
-        if (const char32_t letter = greekPlace(character); letter != 0 && !m_greekPath.empty()) {
-            if (m_greekRecords.empty())
-                m_greekRecords = HersheyReader(m_greekPath).read();
-            if (auto glyph = draw(m_greekRecords, letter))
+            return draw(mRecords, character);
+        if (const char32_t letter = greekPlace(character); letter != 0 && !mGreekPath.empty()) {
+            if (mGreekRecords.empty())
+                mGreekRecords = HersheyReader(mGreekPath).read();
+            if (auto glyph = draw(mGreekRecords, letter))
                 return glyph;
         }
         return ownSign(character);
@@ -246,23 +249,27 @@ private:
         return glyph;
     }
 
-    std::vector<std::string> m_records, m_greekRecords;
-    std::filesystem::path m_greekPath;
+    std::vector<std::string> mRecords, mGreekRecords;
+    std::filesystem::path mGreekPath;
 };
 
 constexpr double isoSlant = 0.2679; // tan 15 degrees
+// Of lettering after ISO 3098 (type B), whose figures are half as wide as tall and stand 0.7 heights apart.
+constexpr double isoWidth = 0.74;
 
 struct StandardFont {
     std::wstring_view name;
     const char* hersheyFile = nullptr; // null: the plain font
     const char* greekFile = nullptr;
     double slant = 0;
+    double width = 1;
     bool monospaced = false;
+    bool isBigFont = false;
 };
 
 constexpr StandardFont standardFonts[] = {
     {L"txt"},
-    {L"monotxt", nullptr, nullptr, 0, true},
+    {L"monotxt", nullptr, nullptr, 0, 1, true},
     {L"simplex", "rowmans.jhf", "greeks.jhf"},
     {L"romans", "rowmans.jhf", "greeks.jhf"},
     {L"romand", "rowmand.jhf", "greeks.jhf"},
@@ -286,36 +293,56 @@ constexpr StandardFont standardFonts[] = {
     {L"symath", "mathupp.jhf"},
     {L"symeteo", "meteorology.jhf"},
     {L"symusic", "music.jhf"},
-    {L"isocp", "rowmans.jhf", "greeks.jhf"},
-    {L"isocp2", "rowmans.jhf", "greeks.jhf"},
-    {L"isocp3", "rowmans.jhf", "greeks.jhf"},
-    {L"isoct", "rowmans.jhf", "greeks.jhf"},
-    {L"isoct2", "rowmans.jhf", "greeks.jhf"},
-    {L"isoct3", "rowmans.jhf", "greeks.jhf"},
-    {L"gbenor", "rowmans.jhf", "greeks.jhf"},
-    {L"gbeitc", "rowmans.jhf", "greeks.jhf", isoSlant},
+    {L"isocp", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"isocp2", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"isocp3", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"isoct", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"isoct2", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"isoct3", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"gbenor", "rowmans.jhf", "greeks.jhf", 0, isoWidth},
+    {L"gbeitc", "rowmans.jhf", "greeks.jhf", isoSlant, isoWidth},
+    // Big fonts named as a style's own font: their Latin letters are plain.
+    {L"gbcbig", "rowmans.jhf", "greeks.jhf", 0, isoWidth, false, true},
+    {L"bigfont", nullptr, nullptr, 0, 1, false, true},
+    {L"chineset", nullptr, nullptr, 0, 1, false, true},
+    {L"extfont", nullptr, nullptr, 0, 1, false, true},
+    {L"extfont2", nullptr, nullptr, 0, 1, false, true},
+    {L"whgtxt", nullptr, nullptr, 0, 1, false, true},
+    {L"whgdtxt", nullptr, nullptr, 0, 1, false, true},
+    {L"whtgtxt", nullptr, nullptr, 0, 1, false, true},
+    {L"whtmtxt", nullptr, nullptr, 0, 1, false, true},
 };
 
+const StandardFont* standardFont(std::wstring_view name) {
+    std::wstring stem = fold(name);
+    if (stem.ends_with(L".shx"))
+        stem.resize(stem.size() - 4);
+    const auto* const font = std::ranges::find(standardFonts, stem, &StandardFont::name);
+    return font == std::end(standardFonts) ? nullptr : font;
+}
+
 } // namespace
+
+bool isStandardBigFont(std::wstring_view name) {
+    const StandardFont* const font = standardFont(name);
+    return font && font->isBigFont;
+}
 
 std::unique_ptr<FontFace> makePlainStrokeFace() {
     return std::make_unique<PlainFace>(false);
 }
 
 std::unique_ptr<FontFace> makeStandardStrokeFace(std::wstring_view name) {
-    std::wstring stem = fold(name);
-    if (stem.ends_with(L".shx"))
-        stem.resize(stem.size() - 4);
-    const auto font = std::ranges::find(standardFonts, stem, &StandardFont::name);
-    if (font == std::end(standardFonts))
+    const StandardFont* const font = standardFont(name);
+    if (!font)
         return nullptr;
     if (font->hersheyFile) {
         auto face = std::make_unique<HersheyFace>("/usr/share/hershey-fonts", font->hersheyFile,
-                                                  font->greekFile, font->slant);
+                                                  font->greekFile, font->slant, font->width);
         if (!face->isEmpty())
             return face;
     }
-    return std::make_unique<PlainFace>(font->monospaced, font->slant);
+    return std::make_unique<PlainFace>(font->monospaced, font->slant, font->width);
 }
 
 } // namespace host

@@ -13,6 +13,10 @@ namespace host {
 // none of the standard ones.
 std::unique_ptr<FontFace> makeStandardStrokeFace(std::wstring_view name);
 
+// Whether a shape font's name is that of a usual big font. What makeStandardStrokeFace gives for it has only
+// the Latin letters such a font has besides its own.
+bool isStandardBigFont(std::wstring_view name);
+
 // The plain font, for every name.
 std::unique_ptr<FontFace> makePlainStrokeFace();
 

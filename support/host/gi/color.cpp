@@ -75,9 +75,9 @@ Adesk::UInt8 AcCmEntityColor::lookUpACI(Adesk::UInt8 red, Adesk::UInt8 green, Ad
 Adesk::UInt32 AcCmEntityColor::trueColor() const {
     switch (colorMethod()) {
     case kByColor:
-        return m_packed & 0xFFFFFF;
+        return mPacked & 0xFFFFFF;
     case kByACI:
-        return lookUpRGB(static_cast<Adesk::UInt8>(m_packed));
+        return lookUpRGB(static_cast<Adesk::UInt8>(mPacked));
     case kForeground:
         return lookUpRGB(kACIforeground);
     default:
@@ -98,12 +98,12 @@ Adesk::Int16 AcCmEntityColor::colorIndex() const {
     case kNone:
         return kACInone;
     default:
-        return static_cast<Adesk::Int16>(m_packed & 0x1FF);
+        return static_cast<Adesk::Int16>(mPacked & 0x1FF);
     }
 }
 
 AcCmColor::AcCmColor(const AcCmColor& other)
-    : m_color(other.m_color), m_names(other.m_names ? std::make_unique<Names>(*other.m_names) : nullptr) {}
+    : mColor(other.mColor), mNames(other.mNames ? std::make_unique<Names>(*other.mNames) : nullptr) {}
 
 AcCmColor& AcCmColor::operator=(const AcCmColor& other) {
     return *this = AcCmColor(other);
@@ -111,62 +111,62 @@ AcCmColor& AcCmColor::operator=(const AcCmColor& other) {
 
 bool AcCmColor::operator==(const AcCmColor& other) const {
     const Names none;
-    return m_color == other.m_color && (m_names ? *m_names : none) == (other.m_names ? *other.m_names : none);
+    return mColor == other.mColor && (mNames ? *mNames : none) == (other.mNames ? *other.mNames : none);
 }
 
 Acad::ErrorStatus AcCmColor::setColorMethod(AcCmEntityColor::ColorMethod method) {
-    m_color.setColorMethod(method);
-    m_names.reset();
+    mColor.setColorMethod(method);
+    mNames.reset();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcCmColor::setColor(Adesk::UInt32 packed) {
-    m_color.setColor(packed);
-    m_names.reset();
+    mColor.setColor(packed);
+    mNames.reset();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcCmColor::setRGB(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) {
-    m_color.setRGB(red, green, blue);
-    m_names.reset();
+    mColor.setRGB(red, green, blue);
+    mNames.reset();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcCmColor::setColorIndex(Adesk::UInt16 index) {
     if (index > AcCmEntityColor::kACInone)
         return Acad::eInvalidInput;
-    m_color.setColorIndex(static_cast<Adesk::Int16>(index));
-    m_names.reset();
+    mColor.setColorIndex(static_cast<Adesk::Int16>(index));
+    mNames.reset();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcCmColor::setPenIndex(Adesk::UInt16 index) {
-    m_color.setColor(static_cast<Adesk::UInt32>(AcCmEntityColor::kByPen) << 24 | index);
-    m_names.reset();
+    mColor.setColor(static_cast<Adesk::UInt32>(AcCmEntityColor::kByPen) << 24 | index);
+    mNames.reset();
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcCmColor::setNames(const ACHAR* colorName, const ACHAR* bookName) {
     Names names{colorName ? colorName : L"", bookName ? bookName : L""};
     if (names == Names())
-        m_names.reset();
+        mNames.reset();
     else
-        m_names = std::make_unique<Names>(std::move(names));
+        mNames = std::make_unique<Names>(std::move(names));
     return Acad::eOk;
 }
 
 const ACHAR* AcCmColor::colorName() const {
-    return m_names ? m_names->color.c_str() : L"";
+    return mNames ? mNames->color.c_str() : L"";
 }
 const ACHAR* AcCmColor::bookName() const {
-    return m_names ? m_names->book.c_str() : L"";
+    return mNames ? mNames->book.c_str() : L"";
 }
 
 std::wstring AcCmColor::displayName() const {
     static constexpr std::array standardNames{L"红", L"黄", L"绿", L"青", L"蓝", L"洋红", L"白"};
     if (hasColorName())
-        return hasBookName() ? m_names->book + L"$" + m_names->color : m_names->color;
-    switch (m_color.colorMethod()) {
+        return hasBookName() ? mNames->book + L"$" + mNames->color : mNames->color;
+    switch (mColor.colorMethod()) {
     case AcCmEntityColor::kByLayer:
         return L"ByLayer";
     case AcCmEntityColor::kByBlock:
@@ -178,6 +178,6 @@ std::wstring AcCmColor::displayName() const {
     default:
         break;
     }
-    const auto index = static_cast<std::size_t>(m_color.colorIndex());
+    const auto index = static_cast<std::size_t>(mColor.colorIndex());
     return index >= 1 && index <= standardNames.size() ? standardNames[index - 1] : std::to_wstring(index);
 }

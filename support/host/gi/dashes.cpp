@@ -11,7 +11,7 @@ DashLayout::DashLayout(const LinetypeLook& linetype, double scale, double length
     if (linetype.elements.size() < 2 || !(pattern > resolution) || !(length >= pattern) ||
         length / pattern > mostPatterns)
         return;
-    m_isContinuous = false;
+    mIsContinuous = false;
     if (linetype.elements.front().length >= 0)
         layAligned(linetype, scale, length, pattern);
     else
@@ -30,16 +30,16 @@ void DashLayout::layAligned(const LinetypeLook& linetype, double scale, double l
     double position = startsWithDot ? 0 : end - first;               // where the first pattern would begin
     for (long i = 0; i < count; ++i) {
         for (const LinetypeLook::Element& element : linetype.elements) {
-            if (element.inset != LinetypeLook::Element::Inset::none)
-                m_insets.push_back({position, &element});
             const double next = position + std::abs(element.length) * stretched;
+            if (element.inset != LinetypeLook::Element::Inset::none)
+                mInsets.push_back({next, &element});
             if (element.length >= 0)
                 addPiece(std::max(position, 0.0), next);
             position = next;
         }
     }
     if (!startsWithDot)
-        m_pieces.front().start = 0;
+        mPieces.front().start = 0;
     addPiece(startsWithDot ? length : position, length);
 }
 
@@ -47,9 +47,9 @@ void DashLayout::layFromStart(const LinetypeLook& linetype, double scale, double
     double position = 0;
     while (position < length)
         for (const LinetypeLook::Element& element : linetype.elements) {
-            if (element.inset != LinetypeLook::Element::Inset::none && position <= length)
-                m_insets.push_back({position, &element});
             const double next = position + std::abs(element.length) * scale;
+            if (element.inset != LinetypeLook::Element::Inset::none && next <= length)
+                mInsets.push_back({next, &element});
             if (element.length > 0 ? position < length : element.length == 0 && position <= length)
                 addPiece(position, std::min(next, length));
             position = next;
@@ -57,47 +57,47 @@ void DashLayout::layFromStart(const LinetypeLook& linetype, double scale, double
 }
 
 void DashLayout::addPiece(double start, double end) {
-    if (!m_pieces.empty() && m_pieces.back().end >= start && end > start) // two dashes in a row
-        m_pieces.back().end = end;
+    if (!mPieces.empty() && mPieces.back().end >= start && end > start) // two dashes in a row
+        mPieces.back().end = end;
     else
-        m_pieces.push_back({start, end});
+        mPieces.push_back({start, end});
 }
 
-RunCutter::RunCutter(std::span<const RunPoint> run) : m_run(run) {
-    m_distances.reserve(run.size());
+RunCutter::RunCutter(std::span<const RunPoint> run) : mRun(run) {
+    mDistances.reserve(run.size());
     double distance = 0;
     for (std::size_t i = 0; i < run.size(); ++i) {
         if (i > 0)
             distance += run[i].point.distanceTo(run[i - 1].point);
-        m_distances.push_back(distance);
+        mDistances.push_back(distance);
     }
 }
 
 RunPoint RunCutter::at(std::size_t segment, double distance) const {
-    const RunPoint &from = m_run[segment], &to = m_run[segment + 1];
-    const double length = m_distances[segment + 1] - m_distances[segment];
-    const double share = length > 0 ? std::clamp((distance - m_distances[segment]) / length, 0.0, 1.0) : 0;
+    const RunPoint &from = mRun[segment], &to = mRun[segment + 1];
+    const double length = mDistances[segment + 1] - mDistances[segment];
+    const double share = length > 0 ? std::clamp((distance - mDistances[segment]) / length, 0.0, 1.0) : 0;
     const double width = from.widthOut + (to.widthIn - from.widthOut) * share;
     return {from.point + (to.point - from.point) * share, width, width};
 }
 
 void RunCutter::cut(double start, double end, std::vector<RunPoint>& result) {
     result.clear();
-    while (m_segment + 2 < m_run.size() && m_distances[m_segment + 1] <= start)
-        ++m_segment;
-    result.push_back(at(m_segment, start));
-    std::size_t segment = m_segment;
-    for (; segment + 2 < m_run.size() && m_distances[segment + 1] < end; ++segment)
-        result.push_back(m_run[segment + 1]);
+    while (mSegment + 2 < mRun.size() && mDistances[mSegment + 1] <= start)
+        ++mSegment;
+    result.push_back(at(mSegment, start));
+    std::size_t segment = mSegment;
+    for (; segment + 2 < mRun.size() && mDistances[segment + 1] < end; ++segment)
+        result.push_back(mRun[segment + 1]);
     result.push_back(at(segment, end));
 }
 
 void RunCutter::locate(double distance, AcGePoint3d& point, AcGeVector3d& direction) const {
-    const auto above = std::ranges::upper_bound(m_distances, distance);
-    const auto index = static_cast<std::size_t>(above - m_distances.begin());
-    const std::size_t segment = std::clamp<std::size_t>(index, 1, m_run.size() - 1) - 1;
+    const auto above = std::ranges::upper_bound(mDistances, distance);
+    const auto index = static_cast<std::size_t>(above - mDistances.begin());
+    const std::size_t segment = std::clamp<std::size_t>(index, 1, mRun.size() - 1) - 1;
     point = at(segment, distance).point;
-    direction = (m_run[segment + 1].point - m_run[segment].point).normal();
+    direction = (mRun[segment + 1].point - mRun[segment].point).normal();
 }
 
 } // namespace host

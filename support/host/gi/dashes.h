@@ -15,7 +15,7 @@ public:
     // are drawn continuous, as are lines that would need more than a hundred thousand patterns.
     DashLayout(const LinetypeLook& linetype, double scale, double length, double resolution);
 
-    bool isContinuous() const { return m_isContinuous; }
+    bool isContinuous() const { return mIsContinuous; }
 
     struct Piece { // distances along the line; equal for a dot
         double start, end;
@@ -25,17 +25,17 @@ public:
         const LinetypeLook::Element* element;
     };
     // Both in order along the line.
-    const std::vector<Piece>& pieces() const { return m_pieces; }
-    const std::vector<InsetPlace>& insets() const { return m_insets; }
+    const std::vector<Piece>& pieces() const { return mPieces; }
+    const std::vector<InsetPlace>& insets() const { return mInsets; }
 
 private:
     void layAligned(const LinetypeLook& linetype, double scale, double length, double pattern);
     void layFromStart(const LinetypeLook& linetype, double scale, double length);
     void addPiece(double start, double end);
 
-    std::vector<Piece> m_pieces;
-    std::vector<InsetPlace> m_insets;
-    bool m_isContinuous = true;
+    std::vector<Piece> mPieces;
+    std::vector<InsetPlace> mInsets;
+    bool mIsContinuous = true;
 };
 
 // A line as points with the widths it has arriving at and leaving each of them.
@@ -49,7 +49,7 @@ class RunCutter {
 public:
     explicit RunCutter(std::span<const RunPoint> run);
 
-    double length() const { return m_distances.empty() ? 0 : m_distances.back(); }
+    double length() const { return mDistances.empty() ? 0 : mDistances.back(); }
     // Replaces result by the part between two distances; two equal points for a dot.
     void cut(double start, double end, std::vector<RunPoint>& result);
     // Point and direction (a unit vector) at a distance.
@@ -58,9 +58,9 @@ public:
 private:
     RunPoint at(std::size_t segment, double distance) const;
 
-    std::span<const RunPoint> m_run;
-    std::vector<double> m_distances; // of each point from the start
-    std::size_t m_segment = 0;
+    std::span<const RunPoint> mRun;
+    std::vector<double> mDistances; // of each point from the start
+    std::size_t mSegment = 0;
 };
 
 } // namespace host

@@ -6,8 +6,8 @@
 namespace host {
 
 void ExtentsSink::add(const AcGePoint3d& point) {
-    m_min.set(std::min(m_min.x, point.x), std::min(m_min.y, point.y), std::min(m_min.z, point.z));
-    m_max.set(std::max(m_max.x, point.x), std::max(m_max.y, point.y), std::max(m_max.z, point.z));
+    mMin.set(std::min(mMin.x, point.x), std::min(mMin.y, point.y), std::min(mMin.z, point.z));
+    mMax.set(std::max(mMax.x, point.x), std::max(mMax.y, point.y), std::max(mMax.z, point.z));
 }
 
 void ExtentsSink::polyline(std::span<const AcGePoint3d> points, const Pen&) {

@@ -7,9 +7,9 @@ namespace host {
 
 class ExtentsSink final : public PrimitiveSink {
 public:
-    bool isEmpty() const { return m_min.x > m_max.x; }
-    const AcGePoint3d& min() const { return m_min; }
-    const AcGePoint3d& max() const { return m_max; }
+    bool isEmpty() const { return mMin.x > mMax.x; }
+    const AcGePoint3d& min() const { return mMin; }
+    const AcGePoint3d& max() const { return mMax; }
 
     void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override;
     void area(const Area& area, const Pen& pen) override;
@@ -21,8 +21,8 @@ private:
     void add(const AcGePoint3d& point);
     void addCurve(const AcGePoint3d& start, const AcGePoint3d* controls);
 
-    AcGePoint3d m_min{HUGE_VAL, HUGE_VAL, HUGE_VAL};
-    AcGePoint3d m_max{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
+    AcGePoint3d mMin{HUGE_VAL, HUGE_VAL, HUGE_VAL};
+    AcGePoint3d mMax{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
 };
 
 } // namespace host

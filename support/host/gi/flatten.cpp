@@ -6,27 +6,27 @@
 namespace host {
 
 Flattener::Flattener(DrawingSource& source, PrimitiveSink& sink, const FlattenOptions& options)
-    : m_core(std::make_unique<FlattenCore>(source, sink, options)) {}
+    : mCore(std::make_unique<FlattenCore>(source, sink, options)) {}
 Flattener::~Flattener() = default;
 
 void Flattener::draw(AcGiDrawable& drawable) {
-    m_core->drawChild(drawable);
+    mCore->drawChild(drawable);
 }
 
 void Flattener::setTransform(const AcGeMatrix3d& transform) {
-    while (m_core->popTransform()) {
+    while (mCore->popTransform()) {
     }
-    m_core->pushTransform(transform);
+    mCore->pushTransform(transform);
 }
 
 AcGiWorldDraw& Flattener::worldDraw() {
-    return m_core->worldDraw();
+    return mCore->worldDraw();
 }
 DrawTraits& Flattener::traits() {
-    return m_core->traits();
+    return mCore->traits();
 }
 bool Flattener::isAborted() const {
-    return m_core->isAborted();
+    return mCore->isAborted();
 }
 
 } // namespace host

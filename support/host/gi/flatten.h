@@ -51,7 +51,7 @@ public:
     bool isAborted() const;
 
 private:
-    std::unique_ptr<FlattenCore> m_core;
+    std::unique_ptr<FlattenCore> mCore;
 };
 
 } // namespace host

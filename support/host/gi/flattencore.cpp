@@ -12,36 +12,36 @@ constexpr int deepestNesting = 64; // of drawables in drawables; a drawing's blo
 }
 
 FlattenCore::FlattenCore(DrawingSource& source, PrimitiveSink& sink, const FlattenOptions& options)
-    : m_source(source), m_sink(sink), m_options(options), m_traits(source.makeTraits()), m_transforms(1) {
-    m_traits->setRegenType(options.regenType);
-    m_worldDraw = std::make_unique<FlattenWorldDraw>(*this);
-    m_viewportDraw = std::make_unique<FlattenViewportDraw>(*this);
+    : mSource(source), mSink(sink), mOptions(options), mTraits(source.makeTraits()), mTransforms(1) {
+    mTraits->setRegenType(options.regenType);
+    mWorldDraw = std::make_unique<FlattenWorldDraw>(*this);
+    mViewportDraw = std::make_unique<FlattenViewportDraw>(*this);
 }
 
 FlattenCore::~FlattenCore() = default;
 
 AcGiWorldDraw& FlattenCore::worldDraw() {
-    return *m_worldDraw;
+    return *mWorldDraw;
 }
 
 void FlattenCore::pushTransform(const AcGeMatrix3d& matrix) {
-    const Transform& outer = m_transforms.back();
+    const Transform& outer = mTransforms.back();
     Transform inner;
     inner.matrix = outer.isIdentity ? matrix : outer.matrix * matrix;
     inner.isIdentity = inner.matrix.isEqualTo(AcGeMatrix3d::kIdentity);
     inner.scale = inner.isIdentity ? 1 : inner.matrix.scale();
-    m_transforms.push_back(inner);
+    mTransforms.push_back(inner);
 }
 
 bool FlattenCore::popTransform() {
-    if (m_transforms.size() < 2)
+    if (mTransforms.size() < 2)
         return false;
-    m_transforms.pop_back();
+    mTransforms.pop_back();
     return true;
 }
 
 const LayerLook& FlattenCore::layerOf(const TraitsState& state) const {
-    return state.layer->isZero && m_block.layer ? *m_block.layer : *state.layer;
+    return state.layer->isZero && mBlock.layer ? *mBlock.layer : *state.layer;
 }
 
 AcCmEntityColor FlattenCore::colorOf(const TraitsState& state) const {
@@ -49,7 +49,7 @@ AcCmEntityColor FlattenCore::colorOf(const TraitsState& state) const {
     case AcCmEntityColor::kByLayer:
         return layerOf(state).color;
     case AcCmEntityColor::kByBlock:
-        return m_block.color;
+        return mBlock.color;
     case AcCmEntityColor::kByACI:
     case AcCmEntityColor::kByColor:
         return state.color;
@@ -63,7 +63,7 @@ const LinetypeLook& FlattenCore::linetypeOf(const TraitsState& state) const {
     if (look->kind == LinetypeLook::Kind::byLayer)
         look = layerOf(state).linetype;
     else if (look->kind == LinetypeLook::Kind::byBlock)
-        look = m_block.linetype;
+        look = mBlock.linetype;
     return look->kind == LinetypeLook::Kind::pattern ? *look : LinetypeLook::continuous();
 }
 
@@ -72,89 +72,90 @@ AcDb::LineWeight FlattenCore::lineWeightOf(const TraitsState& state) const {
     case AcDb::kLnWtByLayer:
         return layerOf(state).lineWeight;
     case AcDb::kLnWtByBlock:
-        return m_block.lineWeight;
+        return mBlock.lineWeight;
     default:
         return state.lineWeight;
     }
 }
 
 FlattenCore::BlockLook FlattenCore::resolved(const TraitsState& state) const {
-    return {colorOf(state), &linetypeOf(state), lineWeightOf(state), m_block.layer};
+    return {colorOf(state), &linetypeOf(state), lineWeightOf(state), mBlock.layer};
 }
 
 bool FlattenCore::isShown(const LayerLook& layer) const {
-    return !layer.isOff && !layer.isFrozen && (layer.isPlottable || !m_options.isPlot);
+    return !layer.isOff && !layer.isFrozen && (layer.isPlottable || !mOptions.isPlot);
 }
 
 bool FlattenCore::prepare() {
-    if (m_isAborted)
+    if (mIsAborted)
         return false;
-    if (++m_primitiveCount > m_options.primitiveLimit) {
-        m_isAborted = true;
+    if (++mPrimitiveCount > mOptions.primitiveLimit) {
+        mIsAborted = true;
         return false;
     }
-    const TraitsState& state = m_traits->state();
+    const TraitsState& state = mTraits->state();
     const LayerLook& layer = layerOf(state);
     if (!isShown(layer))
         return false;
-    m_pen.color = colorOf(state);
+    mPen.color = colorOf(state);
     const AcDb::LineWeight weight = lineWeightOf(state);
-    m_pen.lineWeight = weight < 0 ? m_source.defaultLineWeight() : weight;
-    m_pen.isPlottable = layer.isPlottable;
-    m_pen.marker = state.marker;
-    m_linetype = &linetypeOf(state);
-    m_linetypeScale = m_source.linetypeScale() * state.linetypeScale;
+    mPen.lineWeight = weight < 0 ? mSource.defaultLineWeight() : weight;
+    mPen.isPlottable = layer.isPlottable;
+    mPen.layer = &layer;
+    mPen.marker = state.marker;
+    mLinetype = &linetypeOf(state);
+    mLinetypeScale = mSource.linetypeScale() * state.linetypeScale;
     return true;
 }
 
 // A drawable starts with its parent's layer, else with the defaults, and leaves its parent's traits
 // untouched.
 void FlattenCore::drawChild(AcGiDrawable& drawable) {
-    if (m_depth == 0 && m_options.isAborted && m_options.isAborted())
-        m_isAborted = true;
-    if (m_isAborted || m_depth >= deepestNesting)
+    if (mDepth == 0 && mOptions.isAborted && mOptions.isAborted())
+        mIsAborted = true;
+    if (mIsAborted || mDepth >= deepestNesting)
         return;
-    const TraitsState outerState = m_traits->state();
-    const BlockLook outerBlock = m_block;
-    const std::size_t outerTransforms = m_transforms.size();
+    const TraitsState outerState = mTraits->state();
+    const BlockLook outerBlock = mBlock;
+    const std::size_t outerTransforms = mTransforms.size();
     TraitsState start;
     start.layer = outerState.layer;
-    m_traits->state() = start;
+    mTraits->state() = start;
 
-    const Adesk::UInt32 flags = drawable.setAttributes(m_traits.get());
+    const Adesk::UInt32 flags = drawable.setAttributes(mTraits.get());
     if ((flags & AcGiDrawable::kDrawableIsInvisible) == 0) {
         if ((flags & AcGiDrawable::kDrawableIsBlockDefinition) != 0) {
-            if (m_depth > 0) {
+            if (mDepth > 0) {
                 const LayerLook& referenceLayer = layerOf(outerState);
-                m_block = resolved(outerState);
-                m_block.layer = &referenceLayer;
+                mBlock = resolved(outerState);
+                mBlock.layer = &referenceLayer;
             }
         } else if ((flags & AcGiDrawable::kDrawableIsCompoundObject) != 0) {
-            m_block = resolved(m_traits->state());
+            mBlock = resolved(mTraits->state());
         }
         drawWith(drawable, flags);
     }
 
-    m_transforms.resize(std::max<std::size_t>(outerTransforms, 1)); // a drawable may forget to pop
-    m_block = outerBlock;
-    m_traits->state() = outerState;
+    mTransforms.resize(std::max<std::size_t>(outerTransforms, 1)); // a drawable may forget to pop
+    mBlock = outerBlock;
+    mTraits->state() = outerState;
 }
 
 void FlattenCore::drawWith(AcGiDrawable& drawable, Adesk::UInt32 flags) {
     constexpr Adesk::UInt32 nesting = AcGiDrawable::kDrawableUsesNesting |
                                       AcGiDrawable::kDrawableIsCompoundObject |
                                       AcGiDrawable::kDrawableIsBlockDefinition;
-    const LayerLook& layer = layerOf(m_traits->state());
+    const LayerLook& layer = layerOf(mTraits->state());
     if (layer.isFrozen || ((flags & nesting) == 0 && !isShown(layer)))
         return;
-    if (m_depth == 0)
-        m_sink.beginDrawable(drawable);
-    ++m_depth;
-    if (!drawable.worldDraw(m_worldDraw.get()))
-        drawable.viewportDraw(m_viewportDraw.get());
-    --m_depth;
-    if (m_depth == 0)
-        m_sink.endDrawable();
+    if (mDepth == 0)
+        mSink.beginDrawable(drawable);
+    ++mDepth;
+    if (!drawable.worldDraw(mWorldDraw.get()))
+        drawable.viewportDraw(mViewportDraw.get());
+    --mDepth;
+    if (mDepth == 0)
+        mSink.endDrawable();
 }
 
 void FlattenCore::pushClip(const AcGiClipBoundary& boundary) {
@@ -174,11 +175,11 @@ void FlattenCore::pushClip(const AcGiClipBoundary& boundary) {
         for (const AcGePoint2d& point : given)
             add(point.x, point.y);
     }
-    m_sink.pushClip(corners);
+    mSink.pushClip(corners);
 }
 
 void FlattenCore::popClip() {
-    m_sink.popClip();
+    mSink.popClip();
 }
 
 } // namespace host

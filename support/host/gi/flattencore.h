@@ -15,7 +15,7 @@ public:
     ~FlattenCore();
 
     // The Core of GeometryAdapter. Points are in the coordinates of the innermost transform.
-    const AcGeMatrix3d& transform() const { return m_transforms.back().matrix; }
+    const AcGeMatrix3d& transform() const { return mTransforms.back().matrix; }
     void pushTransform(const AcGeMatrix3d& matrix);
     bool popTransform();
     void arc(const Arc& arc, AcGiArcType type, bool isWhole);
@@ -39,12 +39,12 @@ public:
     void pushClip(const AcGiClipBoundary& boundary);
     void popClip();
     void worldLine(std::span<const AcGePoint3d> points);
-    bool isAborted() const { return m_isAborted; }
+    bool isAborted() const { return mIsAborted; }
 
     AcGiWorldDraw& worldDraw();
-    DrawTraits& traits() const { return *m_traits; }
-    const FlattenOptions& options() const { return m_options; }
-    DrawingSource& source() const { return m_source; }
+    DrawTraits& traits() const { return *mTraits; }
+    const FlattenOptions& options() const { return mOptions; }
+    DrawingSource& source() const { return mSource; }
 
 private:
     friend class FlattenWorldDraw;
@@ -73,7 +73,7 @@ private:
 
     // Sets the pen and the linetype for a primitive; false when nothing is to be drawn.
     bool prepare();
-    bool toWorld(std::span<const AcGePoint3d> points); // into m_world; false when a point is not finite
+    bool toWorld(std::span<const AcGePoint3d> points); // into mWorld; false when a point is not finite
     double localDeviation() const;
 
     void stroke(std::span<const AcGePoint3d> points);
@@ -82,6 +82,8 @@ private:
     void strokeArc(const Arc& arc);
     void fill(std::span<const AcGePoint3d> points, std::span<const std::uint32_t> contourEnds, FillRule rule);
     void inset(const RunCutter& run, const DashLayout::InsetPlace& place);
+    double pointSize() const;
+    void pointMark(const AcGePoint3d& place);
     void extrude(std::span<const AcGePoint3d> points, const AcGeVector3d& normal, double thickness);
     void face(std::span<const AcGePoint3d> points, const AcCmEntityColor* color,
               const std::function<bool(std::size_t)>& isEdgeShown);
@@ -97,29 +99,29 @@ private:
     void strip(std::span<const RunPoint> run, bool isClosed);
     const LightPolyline::Vertex& vertexAfter(std::size_t index) const;
 
-    DrawingSource& m_source;
-    PrimitiveSink& m_sink;
-    FlattenOptions m_options;
-    std::unique_ptr<DrawTraits> m_traits;
-    std::vector<Transform> m_transforms;
-    BlockLook m_block;
-    int m_depth = 0;
-    std::size_t m_primitiveCount = 0;
-    bool m_isAborted = false;
+    DrawingSource& mSource;
+    PrimitiveSink& mSink;
+    FlattenOptions mOptions;
+    std::unique_ptr<DrawTraits> mTraits;
+    std::vector<Transform> mTransforms;
+    BlockLook mBlock;
+    int mDepth = 0;
+    std::size_t mPrimitiveCount = 0;
+    bool mIsAborted = false;
 
-    Pen m_pen;
-    const LinetypeLook* m_linetype = &LinetypeLook::continuous();
-    double m_linetypeScale = 1;
+    Pen mPen;
+    const LinetypeLook* mLinetype = &LinetypeLook::continuous();
+    double mLinetypeScale = 1;
 
     // Kept to spare allocations.
-    std::vector<AcGePoint3d> m_world, m_chords;
-    std::vector<RunPoint> m_run, m_piece;
-    std::vector<std::uint32_t> m_contourEnds;
-    WorldPath m_path;
-    LightPolyline m_lightPolyline;
+    std::vector<AcGePoint3d> mWorld, mChords;
+    std::vector<RunPoint> mRun, mPiece;
+    std::vector<std::uint32_t> mContourEnds;
+    WorldPath mPath;
+    LightPolyline mLightPolyline;
 
-    std::unique_ptr<class FlattenWorldDraw> m_worldDraw;
-    std::unique_ptr<class FlattenViewportDraw> m_viewportDraw;
+    std::unique_ptr<class FlattenWorldDraw> mWorldDraw;
+    std::unique_ptr<class FlattenViewportDraw> mViewportDraw;
 };
 
 } // namespace host

@@ -21,54 +21,54 @@ bool isBulge(double bulge) {
 } // namespace
 
 double FlattenCore::localDeviation() const {
-    return m_options.deviation / std::max(m_transforms.back().scale, 1e-12);
+    return mOptions.deviation / std::max(mTransforms.back().scale, 1e-12);
 }
 
 bool FlattenCore::toWorld(std::span<const AcGePoint3d> points) {
-    const Transform& transform = m_transforms.back();
-    m_world.resize(points.size());
+    const Transform& transform = mTransforms.back();
+    mWorld.resize(points.size());
     if (transform.isIdentity)
-        std::ranges::copy(points, m_world.begin());
+        std::ranges::copy(points, mWorld.begin());
     else
-        std::ranges::transform(points, m_world.begin(),
+        std::ranges::transform(points, mWorld.begin(),
                                [&](const AcGePoint3d& point) { return transform.matrix * point; });
-    return std::ranges::all_of(m_world, isFinite);
+    return std::ranges::all_of(mWorld, isFinite);
 }
 
 void FlattenCore::strokeContinuous(std::span<const AcGePoint3d> points) {
     if (points.size() > 1 && toWorld(points))
-        m_sink.polyline(m_world, m_pen);
+        mSink.polyline(mWorld, mPen);
 }
 
 void FlattenCore::stroke(std::span<const AcGePoint3d> points) {
-    if (m_linetype->isContinuous())
+    if (mLinetype->isContinuous())
         strokeContinuous(points);
     else
         strokeDashed(points);
 }
 
 void FlattenCore::strokeDashed(std::span<const AcGePoint3d> points) {
-    m_run.clear();
+    mRun.clear();
     for (const AcGePoint3d& point : points)
-        m_run.push_back({point, 0, 0});
-    RunCutter run(m_run);
-    const double resolution = m_options.dashResolution / std::max(m_transforms.back().scale, 1e-12);
-    const DashLayout layout(*m_linetype, m_linetypeScale, run.length(), resolution);
+        mRun.push_back({point, 0, 0});
+    RunCutter run(mRun);
+    const double resolution = mOptions.dashResolution / std::max(mTransforms.back().scale, 1e-12);
+    const DashLayout layout(*mLinetype, mLinetypeScale, run.length(), resolution);
     if (layout.isContinuous()) {
         strokeContinuous(points);
         return;
     }
-    m_primitiveCount += layout.pieces().size();
+    mPrimitiveCount += layout.pieces().size();
     std::vector<AcGePoint3d> piecePoints;
     for (const DashLayout::Piece& piece : layout.pieces()) {
-        run.cut(piece.start, piece.end, m_piece);
+        run.cut(piece.start, piece.end, mPiece);
         if (piece.start == piece.end) {
-            if (toWorld(std::array{m_piece.front().point}))
-                m_sink.dot(m_world.front(), m_pen);
+            if (toWorld(std::array{mPiece.front().point}))
+                mSink.dot(mWorld.front(), mPen);
             continue;
         }
         piecePoints.clear();
-        for (const RunPoint& point : m_piece)
+        for (const RunPoint& point : mPiece)
             piecePoints.push_back(point.point);
         strokeContinuous(piecePoints);
     }
@@ -83,54 +83,60 @@ void FlattenCore::inset(const RunCutter& run, const DashLayout::InsetPlace& plac
     AcGeVector3d along;
     run.locate(place.distance, point, along);
     const AcGeVector3d across{-along.y, along.x, 0};
-    const AcGePoint3d origin = point + (along * element.offsetX + across * element.offsetY) * m_linetypeScale;
+    AcGePoint3d origin = point + (along * element.offsetX + across * element.offsetY) * mLinetypeScale;
     const AcGeVector3d start = element.isAbsolute ? AcGeVector3d::kXAxis : along;
-    const AcGeVector3d direction = AcGeVector3d(start).rotateBy(element.rotation, AcGeVector3d::kZAxis);
+    AcGeVector3d direction = AcGeVector3d(start).rotateBy(element.rotation, AcGeVector3d::kZAxis);
     TextFormat format = element.format;
-    format.height *= m_linetypeScale;
-    if (element.inset == LinetypeLook::Element::Inset::text) {
-        glyphs(origin, AcGeVector3d::kZAxis, direction, FontEngine::instance().shape(element.text, format));
-        return;
+    format.height *= mLinetypeScale;
+    ShapedText shaped;
+    if (element.inset == LinetypeLook::Element::Inset::text)
+        shaped = FontEngine::instance().shape(element.text, format);
+    else if (const Glyph* shape = FontEngine::instance().shapeGlyph(format.font.file, element.shapeNumber))
+        shaped = ShapedText::single(*shape, format.height);
+    if (element.isUpright && (transform() * direction).x < -1e-9) {
+        const AcGeVector3d up{-direction.y, direction.x, 0};
+        origin +=
+            direction * (shaped.ink.left + shaped.ink.right) + up * (shaped.ink.bottom + shaped.ink.top);
+        direction.negate();
     }
-    if (const Glyph* shape = FontEngine::instance().shapeGlyph(format.font.file, element.shapeNumber))
-        glyphs(origin, AcGeVector3d::kZAxis, direction, ShapedText::single(*shape, format.height));
+    glyphs(origin, AcGeVector3d::kZAxis, direction, shaped);
 }
 
 void FlattenCore::strokeArc(const Arc& arc) {
-    if (m_sink.wantsCurves() && m_linetype->isContinuous()) {
-        const Transform& transform = m_transforms.back();
-        m_path.clear();
+    if (mSink.wantsCurves() && mLinetype->isContinuous()) {
+        const Transform& transform = mTransforms.back();
+        mPath.clear();
         const Arc world = transform.isIdentity ? arc : arc.transformed(transform.matrix);
-        m_path.move(world.startPoint());
-        appendCurves(world, m_path);
-        if (std::ranges::all_of(m_path.points, isFinite))
-            m_sink.path(m_path, m_pen);
+        mPath.move(world.startPoint());
+        appendCurves(world, mPath);
+        if (std::ranges::all_of(mPath.points, isFinite))
+            mSink.path(mPath, mPen);
         return;
     }
-    m_chords.assign(1, arc.startPoint());
-    appendChords(arc, localDeviation(), m_chords);
-    stroke(m_chords);
+    mChords.assign(1, arc.startPoint());
+    appendChords(arc, localDeviation(), mChords);
+    stroke(mChords);
 }
 
 void FlattenCore::arc(const Arc& arc, AcGiArcType type, bool isWhole) {
     if (!prepare())
         return;
-    const bool isArea = m_traits->state().fillType == kAcGiFillAlways && (isWhole || type != kAcGiArcSimple);
+    const bool isArea = mTraits->state().fillType == kAcGiFillAlways && (isWhole || type != kAcGiArcSimple);
     if (type == kAcGiArcSimple && !isArea) {
         strokeArc(arc);
         return;
     }
-    m_chords.assign(1, arc.startPoint());
-    appendChords(arc, localDeviation(), m_chords);
+    mChords.assign(1, arc.startPoint());
+    appendChords(arc, localDeviation(), mChords);
     if (!isWhole) {
         if (type == kAcGiArcSector)
-            m_chords.push_back(arc.center);
-        m_chords.push_back(arc.startPoint());
+            mChords.push_back(arc.center);
+        mChords.push_back(arc.startPoint());
     }
     if (isArea)
-        fill(m_chords, std::array{static_cast<std::uint32_t>(m_chords.size())}, FillRule::nonZero);
+        fill(mChords, std::array{static_cast<std::uint32_t>(mChords.size())}, FillRule::nonZero);
     else
-        stroke(m_chords);
+        stroke(mChords);
 }
 
 void FlattenCore::polyline(std::span<const AcGePoint3d> points, Adesk::LongPtr marker,
@@ -138,15 +144,15 @@ void FlattenCore::polyline(std::span<const AcGePoint3d> points, Adesk::LongPtr m
     if (!prepare())
         return;
     if (marker != -1)
-        m_pen.marker = marker;
+        mPen.marker = marker;
     if (points.size() == 1) {
         if (toWorld(points))
-            m_sink.dot(m_world.front(), m_pen);
+            mSink.dot(mWorld.front(), mPen);
         return;
     }
     stroke(points);
-    const double thickness = m_traits->state().thickness;
-    if (thickness != 0 && m_options.drawsThickness)
+    const double thickness = mTraits->state().thickness;
+    if (thickness != 0 && mOptions.drawsThickness)
         extrude(points, normal ? *normal : AcGeVector3d::kZAxis, thickness);
 }
 
@@ -161,13 +167,13 @@ void FlattenCore::extrude(std::span<const AcGePoint3d> points, const AcGeVector3
 }
 
 void FlattenCore::worldLine(std::span<const AcGePoint3d> points) {
-    m_transforms.emplace_back();
+    mTransforms.emplace_back();
     polyline(points, -1);
-    m_transforms.pop_back();
+    mTransforms.pop_back();
 }
 
 const LightPolyline::Vertex& FlattenCore::vertexAfter(std::size_t index) const {
-    const auto& vertices = m_lightPolyline.vertices;
+    const auto& vertices = mLightPolyline.vertices;
     return vertices[index + 1 < vertices.size() ? index + 1 : 0];
 }
 
@@ -175,17 +181,17 @@ void FlattenCore::lightPolyline(const AcDbPolyline& polyline, Adesk::UInt32 from
                                 Adesk::UInt32 segmentCount) {
     if (!prepare())
         return;
-    m_source.readLightPolyline(polyline, m_lightPolyline);
-    const auto& vertices = m_lightPolyline.vertices;
+    mSource.readLightPolyline(polyline, mLightPolyline);
+    const auto& vertices = mLightPolyline.vertices;
     if (vertices.empty())
         return;
-    const std::size_t all = m_lightPolyline.isClosed ? vertices.size() : vertices.size() - 1;
+    const std::size_t all = mLightPolyline.isClosed ? vertices.size() : vertices.size() - 1;
     const std::size_t from = std::min<std::size_t>(fromIndex, all);
     const std::size_t count =
         segmentCount == 0 ? all - from : std::min<std::size_t>(segmentCount, all - from);
-    const bool isTurned = !(m_lightPolyline.normal == AcGeVector3d::kZAxis);
+    const bool isTurned = !(mLightPolyline.normal == AcGeVector3d::kZAxis);
     if (isTurned)
-        pushTransform(arbitraryAxes(m_lightPolyline.normal));
+        pushTransform(arbitraryAxes(mLightPolyline.normal));
     const double narrow = localDeviation();
     const auto isWide = [&](std::size_t index) {
         const LightPolyline::Vertex& vertex = vertices[index];
@@ -206,14 +212,14 @@ void FlattenCore::lightPolyline(const AcDbPolyline& polyline, Adesk::UInt32 from
 
 // Appends a segment's points without its first; widths run evenly along it.
 void FlattenCore::appendSegment(std::size_t index, std::vector<RunPoint>& run) const {
-    const LightPolyline::Vertex &from = m_lightPolyline.vertices[index], &to = vertexAfter(index);
+    const LightPolyline::Vertex &from = mLightPolyline.vertices[index], &to = vertexAfter(index);
     run.back().widthOut = from.startWidth;
     if (!isBulge(from.bulge)) {
-        run.push_back({{to.x, to.y, m_lightPolyline.elevation}, from.endWidth, from.endWidth});
+        run.push_back({{to.x, to.y, mLightPolyline.elevation}, from.endWidth, from.endWidth});
         return;
     }
     std::vector<AcGePoint3d> chords;
-    appendChords(arcOfBulge(from.x, from.y, to.x, to.y, m_lightPolyline.elevation, from.bulge),
+    appendChords(arcOfBulge(from.x, from.y, to.x, to.y, mLightPolyline.elevation, from.bulge),
                  localDeviation(), chords);
     for (std::size_t i = 0; i < chords.size(); ++i) {
         const double share = static_cast<double>(i + 1) / static_cast<double>(chords.size());
@@ -223,7 +229,7 @@ void FlattenCore::appendSegment(std::size_t index, std::vector<RunPoint>& run) c
 }
 
 void FlattenCore::narrowPolyline(std::size_t from, std::size_t count) {
-    if (m_linetype->isContinuous() || m_lightPolyline.generatesLinetype) {
+    if (mLinetype->isContinuous() || mLightPolyline.generatesLinetype) {
         plainPolyline(from, count);
         return;
     }
@@ -232,71 +238,73 @@ void FlattenCore::narrowPolyline(std::size_t from, std::size_t count) {
 }
 
 void FlattenCore::plainPolyline(std::size_t from, std::size_t count) {
-    const auto& vertices = m_lightPolyline.vertices;
-    const double z = m_lightPolyline.elevation;
+    const auto& vertices = mLightPolyline.vertices;
+    const double z = mLightPolyline.elevation;
     const auto first = vertices.begin() + static_cast<std::ptrdiff_t>(from);
     const bool hasArcs =
         std::any_of(first, first + static_cast<std::ptrdiff_t>(count),
                     [](const LightPolyline::Vertex& vertex) { return isBulge(vertex.bulge); });
-    if (hasArcs && m_linetype->isContinuous() && m_sink.wantsCurves()) {
+    if (hasArcs && mLinetype->isContinuous() && mSink.wantsCurves()) {
         const AcGeMatrix3d& matrix = transform();
-        m_path.clear();
-        m_path.move(matrix * AcGePoint3d{first->x, first->y, z});
+        mPath.clear();
+        mPath.move(matrix * AcGePoint3d{first->x, first->y, z});
         for (std::size_t i = from; i < from + count; ++i) {
             const LightPolyline::Vertex &start = vertices[i], &end = vertexAfter(i);
             if (isBulge(start.bulge))
                 appendCurves(arcOfBulge(start.x, start.y, end.x, end.y, z, start.bulge).transformed(matrix),
-                             m_path);
+                             mPath);
             else
-                m_path.line(matrix * AcGePoint3d{end.x, end.y, z});
+                mPath.line(matrix * AcGePoint3d{end.x, end.y, z});
         }
-        if (std::ranges::all_of(m_path.points, isFinite))
-            m_sink.path(m_path, m_pen);
+        if (std::ranges::all_of(mPath.points, isFinite))
+            mSink.path(mPath, mPen);
         return;
     }
-    m_chords.assign(1, {first->x, first->y, z});
+    mChords.assign(1, {first->x, first->y, z});
     for (std::size_t i = from; i < from + count; ++i) {
         const LightPolyline::Vertex &start = vertices[i], &end = vertexAfter(i);
         if (isBulge(start.bulge))
             appendChords(arcOfBulge(start.x, start.y, end.x, end.y, z, start.bulge), localDeviation(),
-                         m_chords);
+                         mChords);
         else
-            m_chords.push_back({end.x, end.y, z});
+            mChords.push_back({end.x, end.y, z});
     }
-    stroke(m_chords);
+    stroke(mChords);
 }
 
 void FlattenCore::widePolyline(std::size_t from, std::size_t count) {
-    const LightPolyline::Vertex& first = m_lightPolyline.vertices[from];
+    const LightPolyline::Vertex& first = mLightPolyline.vertices[from];
     const auto start = [&](const LightPolyline::Vertex& vertex) {
-        m_run.assign(1,
-                     {{vertex.x, vertex.y, m_lightPolyline.elevation}, vertex.startWidth, vertex.startWidth});
+        mRun.assign(1,
+                    {{vertex.x, vertex.y, mLightPolyline.elevation}, vertex.startWidth, vertex.startWidth});
     };
-    if (m_linetype->isContinuous() || m_lightPolyline.generatesLinetype) {
+    if (mLinetype->isContinuous() || mLightPolyline.generatesLinetype) {
         start(first);
         for (std::size_t i = from; i < from + count; ++i)
-            appendSegment(i, m_run);
-        wideRun(m_run, m_lightPolyline.isClosed && count == m_lightPolyline.vertices.size());
+            appendSegment(i, mRun);
+        wideRun(mRun, mLightPolyline.isClosed && count == mLightPolyline.vertices.size());
         return;
     }
     for (std::size_t i = from; i < from + count; ++i) {
-        start(m_lightPolyline.vertices[i]);
-        appendSegment(i, m_run);
-        wideRun(m_run, false);
+        start(mLightPolyline.vertices[i]);
+        appendSegment(i, mRun);
+        wideRun(mRun, false);
     }
 }
 
 void FlattenCore::wideRun(std::span<const RunPoint> run, bool isClosed) {
-    if (!m_linetype->isContinuous()) {
+    if (!mLinetype->isContinuous()) {
         RunCutter cutter(run);
-        const double resolution = m_options.dashResolution / std::max(m_transforms.back().scale, 1e-12);
-        const DashLayout layout(*m_linetype, m_linetypeScale, cutter.length(), resolution);
+        const double resolution = mOptions.dashResolution / std::max(mTransforms.back().scale, 1e-12);
+        const DashLayout layout(*mLinetype, mLinetypeScale, cutter.length(), resolution);
         if (!layout.isContinuous()) {
-            m_primitiveCount += layout.pieces().size();
+            mPrimitiveCount += layout.pieces().size();
             for (const DashLayout::Piece& piece : layout.pieces()) {
-                cutter.cut(piece.start, piece.end, m_piece);
-                strip(m_piece, false);
+                cutter.cut(piece.start, piece.end, mPiece);
+                strip(mPiece, false);
             }
+            for (const DashLayout::InsetPlace& place : layout.insets())
+                inset(cutter, place);
             return;
         }
     }
@@ -304,18 +312,18 @@ void FlattenCore::wideRun(std::span<const RunPoint> run, bool isClosed) {
 }
 
 void FlattenCore::strip(std::span<const RunPoint> run, bool isClosed) {
-    m_chords.clear();
-    m_contourEnds.clear();
-    appendStrip(run, isClosed, m_chords, m_contourEnds);
-    if (m_source.fillMode()) {
-        fill(m_chords, m_contourEnds, FillRule::nonZero);
+    mChords.clear();
+    mContourEnds.clear();
+    appendStrip(run, isClosed, mChords, mContourEnds);
+    if (mSource.fillMode()) {
+        fill(mChords, mContourEnds, FillRule::nonZero);
         return;
     }
     std::size_t start = 0;
     std::vector<AcGePoint3d> outline;
-    for (const std::size_t end : m_contourEnds) {
-        outline.assign(m_chords.begin() + static_cast<std::ptrdiff_t>(start),
-                       m_chords.begin() + static_cast<std::ptrdiff_t>(end));
+    for (const std::size_t end : mContourEnds) {
+        outline.assign(mChords.begin() + static_cast<std::ptrdiff_t>(start),
+                       mChords.begin() + static_cast<std::ptrdiff_t>(end));
         outline.push_back(outline.front());
         strokeContinuous(outline);
         start = end;
@@ -325,7 +333,7 @@ void FlattenCore::strip(std::span<const RunPoint> run, bool isClosed) {
 void FlattenCore::fill(std::span<const AcGePoint3d> points, std::span<const std::uint32_t> contourEnds,
                        FillRule rule) {
     if (points.size() > 2 && toWorld(points))
-        m_sink.area({m_world, contourEnds, rule}, m_pen);
+        mSink.area({mWorld, contourEnds, rule}, mPen);
 }
 
 } // namespace host

@@ -4,52 +4,99 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 namespace host {
 
 void FlattenCore::polygon(std::span<const AcGePoint3d> points) {
     if (!prepare())
         return;
-    if (m_traits->state().fillType == kAcGiFillAlways && m_source.fillMode()) {
+    if (mTraits->state().fillType == kAcGiFillAlways && mSource.fillMode()) {
         fill(points, std::array{static_cast<std::uint32_t>(points.size())}, FillRule::evenOdd);
         return;
     }
-    m_chords.assign(points.begin(), points.end());
-    m_chords.push_back(points.front());
-    stroke(m_chords);
+    mChords.assign(points.begin(), points.end());
+    mChords.push_back(points.front());
+    stroke(mChords);
 }
 
 void FlattenCore::polyPolygon(std::span<const Adesk::UInt32> counts, const AcGePoint3d* points,
                               const AcCmEntityColor* fillColors) {
     if (!prepare())
         return;
-    if (fillColors) { // each polygon has its own colour
+    if (fillColors && mSource.fillMode()) { // each polygon has its own colour
         for (std::size_t i = 0; i < counts.size(); points += counts[i++]) {
-            m_pen.color = fillColors[i];
+            mPen.color = fillColors[i];
             fill({points, counts[i]}, std::array{counts[i]}, FillRule::evenOdd);
         }
         return;
     }
-    m_contourEnds.clear();
+    if (!mSource.fillMode())
+        return;
+    mContourEnds.clear();
     std::uint32_t end = 0;
     for (const Adesk::UInt32 count : counts)
-        m_contourEnds.push_back(end += count);
-    fill({points, end}, m_contourEnds, FillRule::evenOdd);
+        mContourEnds.push_back(end += count);
+    fill({points, end}, mContourEnds, FillRule::evenOdd);
 }
 
 void FlattenCore::points(std::span<const AcGePoint3d> points) {
     if (!prepare() || !toWorld(points))
         return;
-    for (const AcGePoint3d& point : m_world)
-        m_sink.dot(point, m_pen);
+    const std::vector<AcGePoint3d> places = mWorld;
+    mTransforms.emplace_back(); // marks are as large wherever they stand
+    mLinetype = &LinetypeLook::continuous();
+    for (const AcGePoint3d& place : places)
+        pointMark(place);
+    mTransforms.pop_back();
+}
+
+// The size of point marks, drawing units; 0 when it depends on a view and there is none.
+double FlattenCore::pointSize() const {
+    constexpr double usual = 5; // percent of the view's height
+    const double size = mSource.pointSize();
+    if (size > 0)
+        return size;
+    const double height = mOptions.view ? mOptions.view->max.y - mOptions.view->min.y : 0;
+    return height * (size < 0 ? -size : usual) / 100;
+}
+
+// The circle and the square have the size as their width, the arms of a plus and a cross reach it.
+void FlattenCore::pointMark(const AcGePoint3d& place) {
+    const int mode = mSource.pointMode(), figure = mode & 15;
+    const double size = pointSize(), half = size / 2;
+    if (figure == 0 || size <= 0)
+        mSink.dot(place, mPen);
+    if (size <= 0)
+        return;
+    const auto line = [&](double fromX, double fromY, double toX, double toY) {
+        strokeContinuous(
+            std::array{place + AcGeVector3d(fromX, fromY, 0), place + AcGeVector3d(toX, toY, 0)});
+    };
+    if (figure == 2) {
+        line(-size, 0, size, 0);
+        line(0, -size, 0, size);
+    } else if (figure == 3) {
+        line(-size, -size, size, size);
+        line(-size, size, size, -size);
+    } else if (figure == 4) {
+        line(0, 0, 0, half);
+    }
+    if ((mode & 32) != 0)
+        strokeArc({place, AcGeVector3d::kXAxis * half, AcGeVector3d::kYAxis * half, 0, 2 * std::numbers::pi});
+    if ((mode & 64) != 0) {
+        const auto corner = [&](double x, double y) { return place + AcGeVector3d(x, y, 0); };
+        strokeContinuous(std::array{corner(-half, -half), corner(half, -half), corner(half, half),
+                                    corner(-half, half), corner(-half, -half)});
+    }
 }
 
 // A face of a mesh or shell: filled when filling is on, else its visible edges.
 void FlattenCore::face(std::span<const AcGePoint3d> points, const AcCmEntityColor* color,
                        const std::function<bool(std::size_t)>& isEdgeShown) {
     if (color)
-        m_pen.color = *color;
-    if (m_traits->state().fillType == kAcGiFillAlways) {
+        mPen.color = *color;
+    if (mTraits->state().fillType == kAcGiFillAlways) {
         fill(points, std::array{static_cast<std::uint32_t>(points.size())}, FillRule::evenOdd);
         return;
     }
@@ -124,7 +171,7 @@ void FlattenCore::glyphs(const AcGePoint3d& position, const AcGeVector3d& normal
                          const AcGeVector3d& direction, const ShapedText& text) {
     if (text.glyphs.empty() && text.rules.empty())
         return;
-    m_primitiveCount += text.glyphs.size();
+    mPrimitiveCount += text.glyphs.size();
     const AcGeVector3d axis = normal.isZeroLength() ? AcGeVector3d::kZAxis : normal.normal();
     AcGeVector3d along = (direction - axis * axis.dotProduct(direction)).normal();
     if (along.isZeroLength())
@@ -134,11 +181,11 @@ void FlattenCore::glyphs(const AcGePoint3d& position, const AcGeVector3d& normal
     const double check = run.at(text.ink.left, text.ink.bottom).asVector().lengthSqrd() +
                          run.at(text.ink.right, text.ink.top).asVector().lengthSqrd();
     if (std::isfinite(check))
-        m_sink.glyphs(run, m_pen);
+        mSink.glyphs(run, mPen);
 }
 
 void FlattenCore::infiniteLine(const AcGePoint3d& first, const AcGePoint3d& second, bool isBothWays) {
-    if (!m_options.view || !prepare())
+    if (!mOptions.view || !prepare())
         return;
     const AcGePoint3d start = transform() * first;
     const AcGeVector3d direction = transform() * second - start;
@@ -154,13 +201,13 @@ void FlattenCore::infiniteLine(const AcGePoint3d& first, const AcGePoint3d& seco
         from = std::max(from, std::min(a, b));
         to = std::min(to, std::max(a, b));
     };
-    clip(start.x, direction.x, m_options.view->min.x, m_options.view->max.x);
-    clip(start.y, direction.y, m_options.view->min.y, m_options.view->max.y);
+    clip(start.x, direction.x, mOptions.view->min.x, mOptions.view->max.x);
+    clip(start.y, direction.y, mOptions.view->min.y, mOptions.view->max.y);
     if (!(from < to) || !std::isfinite(from) || !std::isfinite(to))
         return;
-    m_transforms.emplace_back();
+    mTransforms.emplace_back();
     stroke(std::array{start + direction * from, start + direction * to});
-    m_transforms.pop_back();
+    mTransforms.pop_back();
 }
 
 } // namespace host

@@ -28,110 +28,110 @@ Arc ellipticalArc(const AcGePoint3d& center, const AcGeVector3d& normal, double 
 template <class Base, class Core>
 class GeometryAdapter : public Base {
 public:
-    explicit GeometryAdapter(Core& core) : m_core(core) {}
+    explicit GeometryAdapter(Core& core) : mCore(core) {}
 
-    void getModelToWorldTransform(AcGeMatrix3d& matrix) const override { matrix = m_core.transform(); }
+    void getModelToWorldTransform(AcGeMatrix3d& matrix) const override { matrix = mCore.transform(); }
     void getWorldToModelTransform(AcGeMatrix3d& matrix) const override {
-        matrix = m_core.transform().inverse();
+        matrix = mCore.transform().inverse();
     }
     Adesk::Boolean pushModelTransform(const AcGeVector3d& normal) override {
-        m_core.pushTransform(arbitraryAxes(normal));
+        mCore.pushTransform(arbitraryAxes(normal));
         return true;
     }
     Adesk::Boolean pushModelTransform(const AcGeMatrix3d& transform) override {
-        m_core.pushTransform(transform);
+        mCore.pushTransform(transform);
         return true;
     }
-    Adesk::Boolean popModelTransform() override { return m_core.popTransform(); }
+    Adesk::Boolean popModelTransform() override { return mCore.popTransform(); }
 
     Adesk::Boolean circle(const AcGePoint3d& center, const double radius,
                           const AcGeVector3d& normal) const override {
-        m_core.arc(fullCircle(center, radius, normal), kAcGiArcSimple, true);
-        return m_core.isAborted();
+        mCore.arc(fullCircle(center, radius, normal), kAcGiArcSimple, true);
+        return mCore.isAborted();
     }
     Adesk::Boolean circle(const AcGePoint3d& first, const AcGePoint3d& second,
                           const AcGePoint3d& third) const override {
         Arc arc;
         if (arcThrough(first, second, third, arc)) {
             arc.sweep = arc.sweep < 0 ? -fullTurn : fullTurn;
-            m_core.arc(arc, kAcGiArcSimple, true);
+            mCore.arc(arc, kAcGiArcSimple, true);
         }
-        return m_core.isAborted();
+        return mCore.isAborted();
     }
     Adesk::Boolean circularArc(const AcGePoint3d& center, const double radius, const AcGeVector3d& normal,
                                const AcGeVector3d& startVector, const double sweepAngle,
                                const AcGiArcType arcType) const override {
-        m_core.arc(host::circularArc(center, radius, normal, startVector, sweepAngle), arcType, false);
-        return m_core.isAborted();
+        mCore.arc(host::circularArc(center, radius, normal, startVector, sweepAngle), arcType, false);
+        return mCore.isAborted();
     }
     Adesk::Boolean circularArc(const AcGePoint3d& start, const AcGePoint3d& point, const AcGePoint3d& end,
                                const AcGiArcType arcType) const override {
         Arc arc;
         if (arcThrough(start, point, end, arc))
-            m_core.arc(arc, arcType, false);
+            mCore.arc(arc, arcType, false);
         else
-            m_core.polyline(std::array{start, point, end}, -1);
-        return m_core.isAborted();
+            mCore.polyline(std::array{start, point, end}, -1);
+        return mCore.isAborted();
     }
     Adesk::Boolean ellipticalArc(const AcGePoint3d& center, const AcGeVector3d& normal, double majorRadius,
                                  double minorRadius, double startParam, double endParam, double tilt,
                                  const AcGiArcType arcType) const override {
         const Arc arc =
             host::ellipticalArc(center, normal, majorRadius, minorRadius, startParam, endParam, tilt);
-        m_core.arc(arc, arcType, std::abs(arc.sweep) >= fullTurn);
-        return m_core.isAborted();
+        mCore.arc(arc, arcType, std::abs(arc.sweep) >= fullTurn);
+        return mCore.isAborted();
     }
 
     Adesk::Boolean polyline(const Adesk::UInt32 count, const AcGePoint3d* vertices,
                             const AcGeVector3d* normal, Adesk::LongPtr baseMarker) const override {
         if (count > 0 && vertices)
-            m_core.polyline({vertices, count}, baseMarker, normal);
-        return m_core.isAborted();
+            mCore.polyline({vertices, count}, baseMarker, normal);
+        return mCore.isAborted();
     }
     Adesk::Boolean polygon(const Adesk::UInt32 count, const AcGePoint3d* vertices) const override {
         if (count > 0 && vertices)
-            m_core.polygon({vertices, count});
-        return m_core.isAborted();
+            mCore.polygon({vertices, count});
+        return mCore.isAborted();
     }
     Adesk::Boolean polyPolygon(const Adesk::UInt32 polygonCount, const Adesk::UInt32* counts,
                                const AcGePoint3d* vertices,
                                const AcCmEntityColor* fillColors) const override {
         if (polygonCount > 0 && counts && vertices)
-            m_core.polyPolygon({counts, polygonCount}, vertices, fillColors);
-        return m_core.isAborted();
+            mCore.polyPolygon({counts, polygonCount}, vertices, fillColors);
+        return mCore.isAborted();
     }
     Adesk::Boolean pline(const AcDbPolyline& polyline, Adesk::UInt32 fromIndex,
                          Adesk::UInt32 numSegs) const override {
-        m_core.lightPolyline(polyline, fromIndex, numSegs);
-        return m_core.isAborted();
+        mCore.lightPolyline(polyline, fromIndex, numSegs);
+        return mCore.isAborted();
     }
     Adesk::Boolean polypoint(const Adesk::UInt32 count, const AcGePoint3d* points) const override {
         if (count > 0 && points)
-            m_core.points({points, count});
-        return m_core.isAborted();
+            mCore.points({points, count});
+        return mCore.isAborted();
     }
     Adesk::Boolean mesh(const Adesk::UInt32 rows, const Adesk::UInt32 columns, const AcGePoint3d* vertices,
                         const AcGiEdgeData* edgeData, const AcGiFaceData* faceData, const AcGiVertexData*,
                         const bool) const override {
         if (rows > 1 && columns > 1 && vertices)
-            m_core.mesh(rows, columns, vertices, edgeData, faceData);
-        return m_core.isAborted();
+            mCore.mesh(rows, columns, vertices, edgeData, faceData);
+        return mCore.isAborted();
     }
     Adesk::Boolean shell(const Adesk::UInt32 vertexCount, const AcGePoint3d* vertices,
                          const Adesk::UInt32 faceListSize, const Adesk::Int32* faceList,
                          const AcGiEdgeData* edgeData, const AcGiFaceData* faceData, const AcGiVertexData*,
                          const resbuf*, const bool) const override {
         if (vertexCount > 0 && vertices && faceListSize > 0 && faceList)
-            m_core.shell({vertices, vertexCount}, {faceList, faceListSize}, edgeData, faceData);
-        return m_core.isAborted();
+            mCore.shell({vertices, vertexCount}, {faceList, faceListSize}, edgeData, faceData);
+        return mCore.isAborted();
     }
 
     Adesk::Boolean text(const AcGePoint3d& position, const AcGeVector3d& normal,
                         const AcGeVector3d& direction, const double height, const double width,
                         const double oblique, const ACHAR* message) const override {
         if (message)
-            m_core.simpleText(position, normal, direction, height, width, oblique, message);
-        return m_core.isAborted();
+            mCore.simpleText(position, normal, direction, height, width, oblique, message);
+        return mCore.isAborted();
     }
     Adesk::Boolean text(const AcGePoint3d& position, const AcGeVector3d& normal,
                         const AcGeVector3d& direction, const ACHAR* message, const Adesk::Int32 length,
@@ -140,41 +140,41 @@ public:
             const std::wstring_view whole =
                 length < 0 ? std::wstring_view(message)
                            : std::wstring_view(message, static_cast<std::size_t>(length));
-            m_core.styledText(position, normal, direction, whole, raw, style);
+            mCore.styledText(position, normal, direction, whole, raw, style);
         }
-        return m_core.isAborted();
+        return mCore.isAborted();
     }
 
     Adesk::Boolean xline(const AcGePoint3d& first, const AcGePoint3d& second) const override {
-        m_core.infiniteLine(first, second, true);
-        return m_core.isAborted();
+        mCore.infiniteLine(first, second, true);
+        return mCore.isAborted();
     }
     Adesk::Boolean ray(const AcGePoint3d& start, const AcGePoint3d& through) const override {
-        m_core.infiniteLine(start, through, false);
-        return m_core.isAborted();
+        mCore.infiniteLine(start, through, false);
+        return mCore.isAborted();
     }
 
     Adesk::Boolean draw(AcGiDrawable* drawable) const override {
         if (drawable)
-            m_core.drawChild(*drawable);
-        return m_core.isAborted();
+            mCore.drawChild(*drawable);
+        return mCore.isAborted();
     }
 
     Adesk::Boolean pushClipBoundary(AcGiClipBoundary* boundary) override {
         if (boundary)
-            m_core.pushClip(*boundary);
+            mCore.pushClip(*boundary);
         return boundary != nullptr;
     }
-    void popClipBoundary() override { m_core.popClip(); }
+    void popClipBoundary() override { mCore.popClip(); }
 
     Adesk::Boolean worldLine(const AcGePoint3d points[2]) override {
-        m_core.worldLine({points, 2});
-        return m_core.isAborted();
+        mCore.worldLine({points, 2});
+        return mCore.isAborted();
     }
 
 protected:
     static constexpr double fullTurn = 6.283185307179586476925;
-    Core& m_core;
+    Core& mCore;
 };
 
 template <class Core>
@@ -191,8 +191,8 @@ public:
     using GeometryAdapter<AcGiViewportGeometry, Core>::GeometryAdapter;
     Adesk::Boolean polylineEye(const Adesk::UInt32 count, const AcGePoint3d* points) const override {
         if (count > 0 && points)
-            this->m_core.worldLine({points, count});
-        return this->m_core.isAborted();
+            this->mCore.worldLine({points, count});
+        return this->mCore.isAborted();
     }
     Adesk::Boolean polygonEye(const Adesk::UInt32 count, const AcGePoint3d* points) const override {
         return this->polygon(count, points);

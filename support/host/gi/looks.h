@@ -20,7 +20,7 @@ struct LinetypeLook {
 
     struct Element {
         double length = 0; // positive: pen down; negative: pen up; zero: a dot
-        // A text or shape set into the line at the element's start, moved by (offsetX, offsetY) along and
+        // A text or shape set into the line where the element ends, moved by (offsetX, offsetY) along and
         // across it.
         enum class Inset { none, text, shape } inset = Inset::none;
         std::wstring text;
@@ -28,6 +28,7 @@ struct LinetypeLook {
         TextFormat format;       // height and font of the text, or the shape font
         double rotation = 0;     // radians
         bool isAbsolute = false; // the rotation is against the X axis, not against the line
+        bool isUpright = false;  // turned about its middle where it would stand on its head
         double offsetX = 0, offsetY = 0;
     };
 
@@ -44,6 +45,7 @@ struct LinetypeLook {
 };
 
 struct LayerLook {
+    std::wstring name = L"0";
     AcCmEntityColor color = colorOf(AcCmEntityColor::kACIforeground); // an index or a true colour
     AcDb::LineWeight lineWeight = AcDb::kLnWtByLwDefault;
     const LinetypeLook* linetype = &LinetypeLook::continuous();
@@ -80,32 +82,32 @@ struct TraitsState {
 // setLayer and setLineType look the id up and set the state's pointers.
 class DrawTraits : public AcGiDrawableTraits {
 public:
-    TraitsState& state() { return m_state; }
-    const TraitsState& state() const { return m_state; }
-    void setRegenType(AcGiRegenType type) { m_regenType = type; }
+    TraitsState& state() { return mState; }
+    const TraitsState& state() const { return mState; }
+    void setRegenType(AcGiRegenType type) { mRegenType = type; }
 
     void setColor(const Adesk::UInt16 color) final {
-        m_state.color.setColorIndex(static_cast<Adesk::Int16>(color));
+        mState.color.setColorIndex(static_cast<Adesk::Int16>(color));
     }
-    void setTrueColor(const AcCmEntityColor& color) final { m_state.color = color; }
-    void setSelectionMarker(const Adesk::LongPtr marker) final { m_state.marker = marker; }
-    void setFillType(const AcGiFillType type) final { m_state.fillType = type; }
-    void setLineWeight(const AcDb::LineWeight weight) final { m_state.lineWeight = weight; }
-    void setLineTypeScale(double scale) final { m_state.linetypeScale = scale > 0 ? scale : 1; }
-    void setThickness(double thickness) final { m_state.thickness = thickness; }
+    void setTrueColor(const AcCmEntityColor& color) final { mState.color = color; }
+    void setSelectionMarker(const Adesk::LongPtr marker) final { mState.marker = marker; }
+    void setFillType(const AcGiFillType type) final { mState.fillType = type; }
+    void setLineWeight(const AcDb::LineWeight weight) final { mState.lineWeight = weight; }
+    void setLineTypeScale(double scale) final { mState.linetypeScale = scale > 0 ? scale : 1; }
+    void setThickness(double thickness) final { mState.thickness = thickness; }
 
-    Adesk::UInt16 color() const final { return static_cast<Adesk::UInt16>(m_state.color.colorIndex()); }
-    AcCmEntityColor trueColor() const final { return m_state.color; }
-    AcGiFillType fillType() const final { return m_state.fillType; }
-    AcDb::LineWeight lineWeight() const final { return m_state.lineWeight; }
-    double lineTypeScale() const final { return m_state.linetypeScale; }
-    double thickness() const final { return m_state.thickness; }
-    Adesk::LongPtr selectionMarker() const final { return m_state.marker; }
-    AcGiRegenType regenType() const final { return m_regenType; }
+    Adesk::UInt16 color() const final { return static_cast<Adesk::UInt16>(mState.color.colorIndex()); }
+    AcCmEntityColor trueColor() const final { return mState.color; }
+    AcGiFillType fillType() const final { return mState.fillType; }
+    AcDb::LineWeight lineWeight() const final { return mState.lineWeight; }
+    double lineTypeScale() const final { return mState.linetypeScale; }
+    double thickness() const final { return mState.thickness; }
+    Adesk::LongPtr selectionMarker() const final { return mState.marker; }
+    AcGiRegenType regenType() const final { return mRegenType; }
 
 private:
-    TraitsState m_state;
-    AcGiRegenType m_regenType = kAcGiStandardDisplay;
+    TraitsState mState;
+    AcGiRegenType mRegenType = kAcGiStandardDisplay;
 };
 
 // A light polyline's geometry as it is drawn.
@@ -140,6 +142,11 @@ public:
     virtual AcDb::LineWeight defaultLineWeight() const { return AcDb::kLnWt025; }
     // Whether wide lines and areas are filled.
     virtual bool fillMode() const { return true; }
+    // How points are marked: 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 a tick, and 32 for a circle and 64
+    // for a square around them. The size is the circle's diameter in drawing units; one that is not positive
+    // is minus the percentage of the view's height, 0 five percent of it.
+    virtual int pointMode() const { return 0; }
+    virtual double pointSize() const { return 0; }
 };
 
 } // namespace host

@@ -19,7 +19,8 @@ struct Pen {
     AcCmEntityColor color; // an index or a true colour; index 7 shows against any background
     AcDb::LineWeight lineWeight = AcDb::kLnWt025; // a real width, hundredths of a millimetre
     bool isPlottable = true;
-    Adesk::LongPtr marker = 0; // the selection marker that was set
+    Adesk::LongPtr marker = 0;               // the selection marker that was set
+    const struct LayerLook* layer = nullptr; // it is drawn on, as long as the drawing's source lives
 
     bool operator==(const Pen&) const = default;
 };

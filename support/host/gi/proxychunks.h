@@ -58,14 +58,14 @@ static_assert(std::endian::native == std::endian::little, "numbers are copied as
 class ProxyWriter {
 public:
     void begin(ProxyChunk type) {
-        m_start = m_bytes.size();
+        mStart = mBytes.size();
         integer(0);
         integer(static_cast<std::int32_t>(type));
     }
     void end() {
-        const auto size = static_cast<std::int32_t>(m_bytes.size() - m_start);
-        std::memcpy(m_bytes.data() + m_start, &size, sizeof size);
-        ++m_count;
+        const auto size = static_cast<std::int32_t>(mBytes.size() - mStart);
+        std::memcpy(mBytes.data() + mStart, &size, sizeof size);
+        ++mCount;
     }
 
     void integer(std::int32_t value) { append(value); }
@@ -82,31 +82,31 @@ public:
                 append(entry);
     }
     void text(std::wstring_view value) {
-        m_bytes += toUtf16Le(value);
-        m_bytes.append(2, '\0');
-        m_bytes.resize((m_bytes.size() + 3) / 4 * 4, '\0');
+        mBytes += toUtf16Le(value);
+        mBytes.append(2, '\0');
+        mBytes.resize((mBytes.size() + 3) / 4 * 4, '\0');
     }
 
-    std::size_t count() const { return m_count; }
-    const std::string& bytes() const { return m_bytes; }
+    std::size_t count() const { return mCount; }
+    const std::string& bytes() const { return mBytes; }
 
 private:
     template <class Value>
     void append(const Value& value) {
-        m_bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+        mBytes.append(reinterpret_cast<const char*>(&value), sizeof value);
     }
 
-    std::string m_bytes;
-    std::size_t m_start = 0, m_count = 0;
+    std::string mBytes;
+    std::size_t mStart = 0, mCount = 0;
 };
 
 // Reads one chunk's data. Every value read past the end is zero and makes isGood false.
 class ProxyReader {
 public:
-    explicit ProxyReader(std::string_view data) : m_data(data) {}
+    explicit ProxyReader(std::string_view data) : mData(data) {}
 
-    bool isGood() const { return m_isGood; }
-    std::size_t remaining() const { return m_data.size() - m_position; }
+    bool isGood() const { return mIsGood; }
+    std::size_t remaining() const { return mData.size() - mPosition; }
 
     std::int32_t integer() { return read<std::int32_t>(); }
     bool flag() { return integer() != 0; }
@@ -130,7 +130,7 @@ public:
     std::size_t count(std::size_t bytesEach) {
         const std::int32_t value = integer();
         if (value < 0 || static_cast<std::size_t>(value) > remaining() / bytesEach) {
-            m_isGood = false;
+            mIsGood = false;
             return 0;
         }
         return static_cast<std::size_t>(value);
@@ -138,28 +138,28 @@ public:
     std::vector<AcGePoint3d> points(std::size_t count) {
         std::vector<AcGePoint3d> result;
         result.reserve(count);
-        for (std::size_t i = 0; i < count && m_isGood; ++i)
+        for (std::size_t i = 0; i < count && mIsGood; ++i)
             result.push_back(point());
         return result;
     }
     std::string_view narrowText() {
-        const std::string_view rest = m_data.substr(m_position);
+        const std::string_view rest = mData.substr(mPosition);
         const std::size_t length = rest.find('\0');
         if (length == rest.npos) {
-            m_isGood = false;
+            mIsGood = false;
             return {};
         }
         skipPadded(length + 1);
         return rest.substr(0, length);
     }
     std::wstring wideText() {
-        for (std::size_t end = m_position; end + 1 < m_data.size(); end += 2)
-            if (m_data[end] == '\0' && m_data[end + 1] == '\0') {
-                const std::string_view text = m_data.substr(m_position, end - m_position);
+        for (std::size_t end = mPosition; end + 1 < mData.size(); end += 2)
+            if (mData[end] == '\0' && mData[end + 1] == '\0') {
+                const std::string_view text = mData.substr(mPosition, end - mPosition);
                 skipPadded(text.size() + 2);
                 return fromUtf16Le(text);
             }
-        m_isGood = false;
+        mIsGood = false;
         return {};
     }
 
@@ -168,22 +168,22 @@ private:
     Value read() {
         Value value{};
         if (remaining() < sizeof value) {
-            m_isGood = false;
-            m_position = m_data.size();
+            mIsGood = false;
+            mPosition = mData.size();
         } else {
-            std::memcpy(&value, m_data.data() + m_position, sizeof value);
-            m_position += sizeof value;
+            std::memcpy(&value, mData.data() + mPosition, sizeof value);
+            mPosition += sizeof value;
         }
         return value;
     }
 
     void skipPadded(std::size_t length) {
-        m_position = std::min(m_position + (length + 3) / 4 * 4, m_data.size());
+        mPosition = std::min(mPosition + (length + 3) / 4 * 4, mData.size());
     }
 
-    std::string_view m_data;
-    std::size_t m_position = 0;
-    bool m_isGood = true;
+    std::string_view mData;
+    std::size_t mPosition = 0;
+    bool mIsGood = true;
 };
 
 } // namespace host

@@ -14,11 +14,11 @@ constexpr int deepestTransforms = 256;
 class Player {
 public:
     Player(AcGiWorldDraw& draw, const ProxyGraphicsOptions& options)
-        : m_draw(draw), m_geometry(draw.geometry()), m_traits(draw.subEntityTraits()), m_options(options) {}
+        : mDraw(draw), mGeometry(draw.geometry()), mTraits(draw.subEntityTraits()), mOptions(options) {}
 
     ~Player() {
-        for (; m_transforms > 0; --m_transforms)
-            m_geometry.popModelTransform();
+        for (; mTransforms > 0; --mTransforms)
+            mGeometry.popModelTransform();
     }
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
@@ -34,7 +34,7 @@ private:
         switch (type) {
         case ProxyChunk::color:
             if (const std::int32_t index = reader.integer(); reader.isGood() && index >= 0 && index <= 256)
-                m_traits.setColor(static_cast<Adesk::UInt16>(index));
+                mTraits.setColor(static_cast<Adesk::UInt16>(index));
             break;
         case ProxyChunk::trueColor:
             if (const std::int32_t packed = reader.integer(); reader.isGood())
@@ -42,30 +42,30 @@ private:
             break;
         case ProxyChunk::layer:
             if (const std::int32_t index = reader.integer();
-                reader.isGood() && hostTraits() && m_options.source)
-                hostTraits()->state().layer = &m_options.source->layerAt(index);
+                reader.isGood() && hostTraits() && mOptions.source)
+                hostTraits()->state().layer = &mOptions.source->layerAt(index);
             break;
         case ProxyChunk::linetype:
             if (const std::int32_t index = reader.integer(); reader.isGood() && hostTraits())
                 setLinetype(index);
             break;
         case ProxyChunk::marker:
-            m_traits.setSelectionMarker(reader.integer());
+            mTraits.setSelectionMarker(reader.integer());
             break;
         case ProxyChunk::fill:
-            m_traits.setFillType(reader.integer() == kAcGiFillAlways ? kAcGiFillAlways : kAcGiFillNever);
+            mTraits.setFillType(reader.integer() == kAcGiFillAlways ? kAcGiFillAlways : kAcGiFillNever);
             break;
         case ProxyChunk::lineWeight:
             if (const std::int32_t weight = reader.integer(); reader.isGood())
-                m_traits.setLineWeight(nearestLineWeight(weight));
+                mTraits.setLineWeight(nearestLineWeight(weight));
             break;
         case ProxyChunk::linetypeScale:
             if (const double scale = reader.number(); scale > 0 && std::isfinite(scale))
-                m_traits.setLineTypeScale(scale);
+                mTraits.setLineTypeScale(scale);
             break;
         case ProxyChunk::thickness:
             if (const double thickness = reader.number(); std::isfinite(thickness))
-                m_traits.setThickness(thickness);
+                mTraits.setThickness(thickness);
             break;
         default:
             return false;
@@ -74,7 +74,7 @@ private:
     }
 
     // Null when somebody else's world draw is drawn to: it has no way to take a position in a table.
-    DrawTraits* hostTraits() const { return dynamic_cast<DrawTraits*>(&m_traits); }
+    DrawTraits* hostTraits() const { return dynamic_cast<DrawTraits*>(&mTraits); }
 
     void setTrueColor(Adesk::UInt32 packed) {
         AcCmEntityColor color;
@@ -83,10 +83,10 @@ private:
         case AcCmEntityColor::kByLayer:
         case AcCmEntityColor::kByBlock:
         case AcCmEntityColor::kByColor:
-            m_traits.setTrueColor(color);
+            mTraits.setTrueColor(color);
             break;
         case AcCmEntityColor::kByACI:
-            m_traits.setColor(static_cast<Adesk::UInt16>(packed & 0xFF));
+            mTraits.setColor(static_cast<Adesk::UInt16>(packed & 0xFF));
             break;
         default:
             break;
@@ -99,8 +99,8 @@ private:
             state.linetype = &LinetypeLook::byLayer();
         else if (index == proxyLinetypeByBlock)
             state.linetype = &LinetypeLook::byBlock();
-        else if (m_options.source)
-            state.linetype = &m_options.source->linetypeAt(index);
+        else if (mOptions.source)
+            state.linetype = &mOptions.source->linetypeAt(index);
     }
 
     bool playText(ProxyChunk type, ProxyReader& reader) {
@@ -115,7 +115,7 @@ private:
         const double height = reader.number(), width = reader.number(), oblique = reader.number();
         const std::wstring text = readText(isUnicode, reader);
         if (reader.isGood())
-            m_geometry.text(position, normal, direction, height, width, oblique, text.c_str());
+            mGeometry.text(position, normal, direction, height, width, oblique, text.c_str());
         return reader.isGood();
     }
 
@@ -146,8 +146,8 @@ private:
         style.setFileName(readText(isUnicode, reader).c_str());
         style.setBigFontFileName(readText(isUnicode, reader).c_str());
         // A text whose font's name is damaged is drawn in the default font.
-        m_geometry.text(position, normal, direction, text.c_str(), static_cast<Adesk::Int32>(text.size()),
-                        raw, style);
+        mGeometry.text(position, normal, direction, text.c_str(), static_cast<Adesk::Int32>(text.size()), raw,
+                       style);
         return reader.isGood();
     }
 
@@ -155,8 +155,8 @@ private:
         if (isUnicode)
             return reader.wideText();
         const std::string_view bytes = reader.narrowText();
-        if (m_options.decodeText)
-            return m_options.decodeText(bytes);
+        if (mOptions.decodeText)
+            return mOptions.decodeText(bytes);
         if (isValidUtf8(bytes))
             return fromUtf8(bytes);
         std::wstring text;
@@ -182,7 +182,7 @@ private:
         case ProxyChunk::polygon: {
             const std::vector<AcGePoint3d> points = readPoints(reader);
             if (reader.isGood() && !points.empty())
-                m_geometry.polygon(static_cast<Adesk::UInt32>(points.size()), points.data());
+                mGeometry.polygon(static_cast<Adesk::UInt32>(points.size()), points.data());
             break;
         }
         case ProxyChunk::mesh:
@@ -195,21 +195,21 @@ private:
         case ProxyChunk::ray: {
             const AcGePoint3d first = reader.point(), second = reader.point();
             if (reader.isGood())
-                type == ProxyChunk::xline ? m_geometry.xline(first, second) : m_geometry.ray(first, second);
+                type == ProxyChunk::xline ? mGeometry.xline(first, second) : mGeometry.ray(first, second);
             break;
         }
         case ProxyChunk::pushTransform:
         case ProxyChunk::pushTransform2:
             if (const AcGeMatrix3d matrix = reader.matrix();
-                reader.isGood() && m_transforms < deepestTransforms) {
-                m_geometry.pushModelTransform(matrix);
-                ++m_transforms;
+                reader.isGood() && mTransforms < deepestTransforms) {
+                mGeometry.pushModelTransform(matrix);
+                ++mTransforms;
             }
             break;
         case ProxyChunk::popTransform:
-            if (m_transforms > 0) {
-                m_geometry.popModelTransform();
-                --m_transforms;
+            if (mTransforms > 0) {
+                mGeometry.popModelTransform();
+                --mTransforms;
             }
             break;
         default:
@@ -234,14 +234,14 @@ private:
         const AcGeVector3d normal = reader.vector();
         if (!isArc) {
             if (reader.isGood())
-                m_geometry.circle(center, radius, normal);
+                mGeometry.circle(center, radius, normal);
             return;
         }
         const AcGeVector3d start = reader.vector();
         const double sweep = reader.number();
         const AcGiArcType type = readArcType(reader);
         if (reader.isGood())
-            m_geometry.circularArc(center, radius, normal, start, sweep, type);
+            mGeometry.circularArc(center, radius, normal, start, sweep, type);
     }
 
     void playCircleThroughPoints(bool isArc, ProxyReader& reader) {
@@ -250,17 +250,17 @@ private:
         if (!reader.isGood())
             return;
         if (isArc)
-            m_geometry.circularArc(first, second, third, type);
+            mGeometry.circularArc(first, second, third, type);
         else
-            m_geometry.circle(first, second, third);
+            mGeometry.circle(first, second, third);
     }
 
     void playPolyline(bool hasNormal, ProxyReader& reader) {
         const std::vector<AcGePoint3d> points = readPoints(reader);
         const AcGeVector3d normal = hasNormal ? reader.vector() : AcGeVector3d::kZAxis;
         if (reader.isGood() && !points.empty())
-            m_geometry.polyline(static_cast<Adesk::UInt32>(points.size()), points.data(),
-                                hasNormal ? &normal : nullptr);
+            mGeometry.polyline(static_cast<Adesk::UInt32>(points.size()), points.data(),
+                               hasNormal ? &normal : nullptr);
     }
 
     void playMesh(ProxyReader& reader) {
@@ -269,7 +269,7 @@ private:
         if (rows < 2 || columns < 2 || count > static_cast<std::int64_t>(reader.remaining() / 24))
             return;
         const std::vector<AcGePoint3d> points = reader.points(static_cast<std::size_t>(count));
-        m_geometry.mesh(static_cast<Adesk::UInt32>(rows), static_cast<Adesk::UInt32>(columns), points.data());
+        mGeometry.mesh(static_cast<Adesk::UInt32>(rows), static_cast<Adesk::UInt32>(columns), points.data());
     }
 
     void playShell(ProxyReader& reader) {
@@ -278,15 +278,15 @@ private:
         for (Adesk::Int32& entry : faces)
             entry = reader.integer();
         if (reader.isGood() && !points.empty() && !faces.empty())
-            m_geometry.shell(static_cast<Adesk::UInt32>(points.size()), points.data(),
-                             static_cast<Adesk::UInt32>(faces.size()), faces.data());
+            mGeometry.shell(static_cast<Adesk::UInt32>(points.size()), points.data(),
+                            static_cast<Adesk::UInt32>(faces.size()), faces.data());
     }
 
-    AcGiWorldDraw& m_draw;
-    AcGiWorldGeometry& m_geometry;
-    AcGiSubEntityTraits& m_traits;
-    const ProxyGraphicsOptions& m_options;
-    int m_transforms = 0;
+    AcGiWorldDraw& mDraw;
+    AcGiWorldGeometry& mGeometry;
+    AcGiSubEntityTraits& mTraits;
+    const ProxyGraphicsOptions& mOptions;
+    int mTransforms = 0;
 };
 
 } // namespace

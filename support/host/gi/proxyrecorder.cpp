@@ -20,33 +20,33 @@ constexpr double chordShare = 0.001; // of a curve's size: what is recorded as c
 // The Core of GeometryAdapter that writes chunks.
 class RecordCore {
 public:
-    explicit RecordCore(DrawingSource& source) : m_source(source), m_traits(source.makeTraits()) {
-        m_traits->setRegenType(kAcGiSaveWorldDrawForProxy);
+    explicit RecordCore(DrawingSource& source) : mSource(source), mTraits(source.makeTraits()) {
+        mTraits->setRegenType(kAcGiSaveWorldDrawForProxy);
     }
 
-    DrawTraits& traits() const { return *m_traits; }
-    DrawingSource& source() const { return m_source; }
-    ProxyWriter& writer() { return m_writer; }
-    void setWorldDraw(AcGiWorldDraw& draw) { m_draw = &draw; }
+    DrawTraits& traits() const { return *mTraits; }
+    DrawingSource& source() const { return mSource; }
+    ProxyWriter& writer() { return mWriter; }
+    void setWorldDraw(AcGiWorldDraw& draw) { mDraw = &draw; }
     // The state that a reader starts with: the entity's own.
     void begin(AcGiDrawable& drawable) {
-        drawable.setAttributes(m_traits.get());
-        m_recorded = m_traits->state();
+        drawable.setAttributes(mTraits.get());
+        mRecorded = mTraits->state();
     }
 
-    const AcGeMatrix3d& transform() const { return m_transforms.back(); }
+    const AcGeMatrix3d& transform() const { return mTransforms.back(); }
     void pushTransform(const AcGeMatrix3d& matrix) {
-        m_transforms.push_back(transform() * matrix);
-        m_writer.begin(ProxyChunk::pushTransform);
-        m_writer.matrix(matrix);
-        m_writer.end();
+        mTransforms.push_back(transform() * matrix);
+        mWriter.begin(ProxyChunk::pushTransform);
+        mWriter.matrix(matrix);
+        mWriter.end();
     }
     bool popTransform() {
-        if (m_transforms.size() < 2)
+        if (mTransforms.size() < 2)
             return false;
-        m_transforms.pop_back();
-        m_writer.begin(ProxyChunk::popTransform);
-        m_writer.end();
+        mTransforms.pop_back();
+        mWriter.begin(ProxyChunk::popTransform);
+        mWriter.end();
         return true;
     }
     bool isAborted() const { return false; }
@@ -60,29 +60,29 @@ public:
             return;
         }
         begin(isWhole ? ProxyChunk::circle : ProxyChunk::circularArc);
-        m_writer.point(arc.center);
-        m_writer.number(radius);
-        m_writer.vector(arc.u.crossProduct(arc.v).normal());
+        mWriter.point(arc.center);
+        mWriter.number(radius);
+        mWriter.vector(arc.u.crossProduct(arc.v).normal());
         if (!isWhole) {
-            m_writer.vector((arc.startPoint() - arc.center).normal());
-            m_writer.number(arc.sweep);
-            m_writer.integer(type);
+            mWriter.vector((arc.startPoint() - arc.center).normal());
+            mWriter.number(arc.sweep);
+            mWriter.integer(type);
         }
-        m_writer.end();
+        mWriter.end();
     }
 
     void polyline(std::span<const AcGePoint3d> points, Adesk::LongPtr, const AcGeVector3d* normal = nullptr) {
         begin(normal ? ProxyChunk::polylineWithNormal : ProxyChunk::polyline);
         writePoints(points);
         if (normal)
-            m_writer.vector(*normal);
-        m_writer.end();
+            mWriter.vector(*normal);
+        mWriter.end();
     }
 
     void polygon(std::span<const AcGePoint3d> points) {
         begin(ProxyChunk::polygon);
         writePoints(points);
-        m_writer.end();
+        mWriter.end();
     }
 
     // Polygons with holes become one polygon that goes to every contour and back over the same edge, which
@@ -104,16 +104,16 @@ public:
     }
 
     void lightPolyline(const AcDbPolyline& polyline, Adesk::UInt32 fromIndex, Adesk::UInt32 segmentCount) {
-        m_source.readLightPolyline(polyline, m_lightPolyline);
-        const auto& vertices = m_lightPolyline.vertices;
+        mSource.readLightPolyline(polyline, mLightPolyline);
+        const auto& vertices = mLightPolyline.vertices;
         if (vertices.empty())
             return;
-        const std::size_t all = m_lightPolyline.isClosed ? vertices.size() : vertices.size() - 1;
+        const std::size_t all = mLightPolyline.isClosed ? vertices.size() : vertices.size() - 1;
         const std::size_t from = std::min<std::size_t>(fromIndex, all);
         const std::size_t to = segmentCount == 0 ? all : std::min<std::size_t>(from + segmentCount, all);
-        const bool isTurned = !(m_lightPolyline.normal == AcGeVector3d::kZAxis);
+        const bool isTurned = !(mLightPolyline.normal == AcGeVector3d::kZAxis);
         if (isTurned)
-            pushTransform(arbitraryAxes(m_lightPolyline.normal));
+            pushTransform(arbitraryAxes(mLightPolyline.normal));
         for (std::size_t start = from; start < to;) {
             const LightPolyline::Vertex& vertex = vertices[start];
             if (vertex.startWidth > 0 || vertex.endWidth > 0)
@@ -135,71 +135,71 @@ public:
     void mesh(std::size_t rows, std::size_t columns, const AcGePoint3d* points, const AcGiEdgeData*,
               const AcGiFaceData*) {
         begin(ProxyChunk::mesh);
-        m_writer.integer(static_cast<std::int32_t>(rows));
-        m_writer.integer(static_cast<std::int32_t>(columns));
+        mWriter.integer(static_cast<std::int32_t>(rows));
+        mWriter.integer(static_cast<std::int32_t>(columns));
         for (std::size_t i = 0; i < rows * columns; ++i)
-            m_writer.point(points[i]);
+            mWriter.point(points[i]);
         noFaceData();
-        m_writer.end();
+        mWriter.end();
     }
 
     void shell(std::span<const AcGePoint3d> points, std::span<const Adesk::Int32> faceList,
                const AcGiEdgeData*, const AcGiFaceData*) {
         begin(ProxyChunk::shell);
         writePoints(points);
-        m_writer.integer(static_cast<std::int32_t>(faceList.size()));
+        mWriter.integer(static_cast<std::int32_t>(faceList.size()));
         for (const Adesk::Int32 entry : faceList)
-            m_writer.integer(entry);
+            mWriter.integer(entry);
         noFaceData();
-        m_writer.end();
+        mWriter.end();
     }
 
     void simpleText(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
                     double height, double width, double oblique, std::wstring_view text) {
         begin(ProxyChunk::unicodeText);
-        m_writer.point(position);
-        m_writer.vector(normal);
-        m_writer.vector(direction);
-        m_writer.number(height);
-        m_writer.number(width);
-        m_writer.number(oblique);
-        m_writer.text(text);
-        m_writer.end();
+        mWriter.point(position);
+        mWriter.vector(normal);
+        mWriter.vector(direction);
+        mWriter.number(height);
+        mWriter.number(width);
+        mWriter.number(oblique);
+        mWriter.text(text);
+        mWriter.end();
     }
 
     void styledText(const AcGePoint3d& position, const AcGeVector3d& normal, const AcGeVector3d& direction,
                     std::wstring_view text, bool raw, const AcGiTextStyle& style) {
         begin(ProxyChunk::unicodeStyledText);
-        m_writer.point(position);
-        m_writer.vector(normal);
-        m_writer.vector(direction);
-        m_writer.text(text);
-        m_writer.integer(static_cast<std::int32_t>(toUtf16(text).size()));
-        m_writer.integer(raw);
-        m_writer.number(style.textSize());
-        m_writer.number(style.xScale());
-        m_writer.number(style.obliquingAngle());
-        m_writer.number(style.trackingPercent());
+        mWriter.point(position);
+        mWriter.vector(normal);
+        mWriter.vector(direction);
+        mWriter.text(text);
+        mWriter.integer(static_cast<std::int32_t>(toUtf16(text).size()));
+        mWriter.integer(raw);
+        mWriter.number(style.textSize());
+        mWriter.number(style.xScale());
+        mWriter.number(style.obliquingAngle());
+        mWriter.number(style.trackingPercent());
         for (const bool flag : {style.isBackward(), style.isUpsideDown(), style.isVertical(),
                                 style.isUnderlined(), style.isOverlined()})
-            m_writer.integer(flag);
+            mWriter.integer(flag);
         AcString typeface;
         Adesk::Boolean bold = false, italic = false;
         int charset = 0, pitchAndFamily = 0;
         style.font(typeface, bold, italic, charset, pitchAndFamily);
         for (const int value : {bold ? 1 : 0, italic ? 1 : 0, charset, pitchAndFamily})
-            m_writer.integer(value);
-        m_writer.text(typeface.kwszPtr());
-        m_writer.text(style.fileName());
-        m_writer.text(style.bigFontFileName());
-        m_writer.end();
+            mWriter.integer(value);
+        mWriter.text(typeface.kwszPtr());
+        mWriter.text(style.fileName());
+        mWriter.text(style.bigFontFileName());
+        mWriter.end();
     }
 
     void infiniteLine(const AcGePoint3d& first, const AcGePoint3d& second, bool isBothWays) {
         begin(isBothWays ? ProxyChunk::xline : ProxyChunk::ray);
-        m_writer.point(first);
-        m_writer.point(second);
-        m_writer.end();
+        mWriter.point(first);
+        mWriter.point(second);
+        mWriter.end();
     }
 
     void drawChild(AcGiDrawable& drawable);
@@ -222,51 +222,51 @@ private:
         if (type == ProxyChunk::polygon || type == ProxyChunk::circle || type == ProxyChunk::circularArc ||
             type == ProxyChunk::mesh || type == ProxyChunk::shell)
             writeFill();
-        m_writer.begin(type);
+        mWriter.begin(type);
     }
 
     // Some readers take filling as told for the next polygon only: it is told before each one.
     void writeFill() {
-        const AcGiFillType fillType = m_traits->state().fillType;
+        const AcGiFillType fillType = mTraits->state().fillType;
         if (fillType == kAcGiFillAlways)
             writeInteger(ProxyChunk::fill, kAcGiFillAlways);
-        else if (m_recorded.fillType == kAcGiFillAlways)
+        else if (mRecorded.fillType == kAcGiFillAlways)
             writeInteger(ProxyChunk::fill, 0);
-        m_recorded.fillType = fillType;
+        mRecorded.fillType = fillType;
     }
 
     void writeInteger(ProxyChunk type, std::int32_t value) {
-        m_writer.begin(type);
-        m_writer.integer(value);
-        m_writer.end();
+        mWriter.begin(type);
+        mWriter.integer(value);
+        mWriter.end();
     }
     void writeNumber(ProxyChunk type, double value) {
-        m_writer.begin(type);
-        m_writer.number(value);
-        m_writer.end();
+        mWriter.begin(type);
+        mWriter.number(value);
+        mWriter.end();
     }
 
     void writeTraits() {
-        const TraitsState& state = m_traits->state();
-        if (state.layer != m_recorded.layer)
+        const TraitsState& state = mTraits->state();
+        if (state.layer != mRecorded.layer)
             writeInteger(ProxyChunk::layer, state.layer->tableIndex);
-        if (!(state.color == m_recorded.color)) {
+        if (!(state.color == mRecorded.color)) {
             if (state.color.isByColor())
                 writeInteger(ProxyChunk::trueColor, static_cast<std::int32_t>(state.color.color()));
             else
                 writeInteger(ProxyChunk::color, state.color.colorIndex());
         }
-        if (state.linetype != m_recorded.linetype)
+        if (state.linetype != mRecorded.linetype)
             writeInteger(ProxyChunk::linetype, linetypeNumber(*state.linetype));
-        if (state.linetypeScale != m_recorded.linetypeScale)
+        if (state.linetypeScale != mRecorded.linetypeScale)
             writeNumber(ProxyChunk::linetypeScale, state.linetypeScale);
-        if (state.lineWeight != m_recorded.lineWeight)
+        if (state.lineWeight != mRecorded.lineWeight)
             writeInteger(ProxyChunk::lineWeight, state.lineWeight);
-        if (state.thickness != m_recorded.thickness)
+        if (state.thickness != mRecorded.thickness)
             writeNumber(ProxyChunk::thickness, state.thickness);
-        const AcGiFillType fillType = m_recorded.fillType;
-        m_recorded = state;
-        m_recorded.fillType = fillType;
+        const AcGiFillType fillType = mRecorded.fillType;
+        mRecorded = state;
+        mRecorded.fillType = fillType;
     }
 
     static std::int32_t linetypeNumber(const LinetypeLook& look) {
@@ -281,15 +281,15 @@ private:
     }
 
     void writePoints(std::span<const AcGePoint3d> points) {
-        m_writer.integer(static_cast<std::int32_t>(points.size()));
+        mWriter.integer(static_cast<std::int32_t>(points.size()));
         for (const AcGePoint3d& point : points)
-            m_writer.point(point);
+            mWriter.point(point);
     }
 
     void noFaceData() // of edges, faces and vertices
     {
         for (int i = 0; i < 3; ++i)
-            m_writer.integer(0);
+            mWriter.integer(0);
     }
 
     void chords(const Arc& arc, AcGiArcType type, bool isWhole) {
@@ -303,28 +303,28 @@ private:
     }
 
     void filledPolygon(std::span<const AcGePoint3d> points) {
-        const AcGiFillType before = m_traits->state().fillType;
-        m_traits->state().fillType = kAcGiFillAlways;
+        const AcGiFillType before = mTraits->state().fillType;
+        mTraits->state().fillType = kAcGiFillAlways;
         polygon(points);
-        m_traits->state().fillType = before;
+        mTraits->state().fillType = before;
     }
 
     const LightPolyline::Vertex& after(std::size_t index) const {
-        const auto& vertices = m_lightPolyline.vertices;
+        const auto& vertices = mLightPolyline.vertices;
         return vertices[index + 1 < vertices.size() ? index + 1 : 0];
     }
     AcGePoint3d place(const LightPolyline::Vertex& vertex) const {
-        return {vertex.x, vertex.y, m_lightPolyline.elevation};
+        return {vertex.x, vertex.y, mLightPolyline.elevation};
     }
     Arc segmentArc(std::size_t index) const {
-        const LightPolyline::Vertex &from = m_lightPolyline.vertices[index], &to = after(index);
-        return arcOfBulge(from.x, from.y, to.x, to.y, m_lightPolyline.elevation, from.bulge);
+        const LightPolyline::Vertex &from = mLightPolyline.vertices[index], &to = after(index);
+        return arcOfBulge(from.x, from.y, to.x, to.y, mLightPolyline.elevation, from.bulge);
     }
 
     std::size_t straightStretch(std::size_t start, std::size_t to) {
-        std::vector<AcGePoint3d> points{place(m_lightPolyline.vertices[start])};
+        std::vector<AcGePoint3d> points{place(mLightPolyline.vertices[start])};
         for (; start < to; ++start) {
-            const LightPolyline::Vertex& vertex = m_lightPolyline.vertices[start];
+            const LightPolyline::Vertex& vertex = mLightPolyline.vertices[start];
             if (vertex.bulge != 0 || vertex.startWidth > 0 || vertex.endWidth > 0)
                 break;
             points.push_back(place(after(start)));
@@ -334,7 +334,7 @@ private:
     }
 
     std::size_t wideStretch(std::size_t start, std::size_t to) {
-        const auto& vertices = m_lightPolyline.vertices;
+        const auto& vertices = mLightPolyline.vertices;
         std::vector<RunPoint> run{
             {place(vertices[start]), vertices[start].startWidth, vertices[start].startWidth}};
         for (; start < to && (vertices[start].startWidth > 0 || vertices[start].endWidth > 0); ++start)
@@ -351,7 +351,7 @@ private:
     }
 
     void appendWide(std::size_t index, std::vector<RunPoint>& run) const {
-        const LightPolyline::Vertex& vertex = m_lightPolyline.vertices[index];
+        const LightPolyline::Vertex& vertex = mLightPolyline.vertices[index];
         std::vector<AcGePoint3d> points;
         if (vertex.bulge != 0) {
             const Arc arc = segmentArc(index);
@@ -367,24 +367,24 @@ private:
         }
     }
 
-    DrawingSource& m_source;
-    std::unique_ptr<DrawTraits> m_traits;
-    TraitsState m_recorded;
-    ProxyWriter m_writer;
-    std::vector<AcGeMatrix3d> m_transforms{AcGeMatrix3d()};
-    LightPolyline m_lightPolyline;
-    AcGiWorldDraw* m_draw = nullptr;
-    int m_depth = 0;
+    DrawingSource& mSource;
+    std::unique_ptr<DrawTraits> mTraits;
+    TraitsState mRecorded;
+    ProxyWriter mWriter;
+    std::vector<AcGeMatrix3d> mTransforms{AcGeMatrix3d()};
+    LightPolyline mLightPolyline;
+    AcGiWorldDraw* mDraw = nullptr;
+    int mDepth = 0;
 };
 
 // What a nested drawable leaves by block takes its parent's traits; the parent's hold again after it.
 void RecordCore::drawChild(AcGiDrawable& drawable) {
-    if (m_depth >= deepestNesting)
+    if (mDepth >= deepestNesting)
         return;
-    const TraitsState outer = m_traits->state();
-    const std::size_t outerTransforms = m_transforms.size();
-    const Adesk::UInt32 flags = drawable.setAttributes(m_traits.get());
-    TraitsState& state = m_traits->state();
+    const TraitsState outer = mTraits->state();
+    const std::size_t outerTransforms = mTransforms.size();
+    const Adesk::UInt32 flags = drawable.setAttributes(mTraits.get());
+    TraitsState& state = mTraits->state();
     if (state.color.isByBlock())
         state.color = outer.color;
     if (state.linetype->kind == LinetypeLook::Kind::byBlock)
@@ -394,41 +394,41 @@ void RecordCore::drawChild(AcGiDrawable& drawable) {
     if (state.layer->isZero)
         state.layer = outer.layer;
     if ((flags & AcGiDrawable::kDrawableIsInvisible) == 0) {
-        ++m_depth;
-        drawable.worldDraw(m_draw);
-        --m_depth;
+        ++mDepth;
+        drawable.worldDraw(mDraw);
+        --mDepth;
     }
-    while (m_transforms.size() > outerTransforms)
+    while (mTransforms.size() > outerTransforms)
         popTransform();
-    m_traits->state() = outer;
+    mTraits->state() = outer;
 }
 
 class RecordContext final : public AcGiContext {
 public:
-    explicit RecordContext(DrawingSource& source) : m_source(source) {}
-    AcDbDatabase* database() const override { return m_source.database(); }
+    explicit RecordContext(DrawingSource& source) : mSource(source) {}
+    AcDbDatabase* database() const override { return mSource.database(); }
 
 private:
-    DrawingSource& m_source;
+    DrawingSource& mSource;
 };
 
 class RecordWorldDraw final : public AcGiWorldDraw {
 public:
-    explicit RecordWorldDraw(RecordCore& core) : m_core(core), m_geometry(core), m_context(core.source()) {}
+    explicit RecordWorldDraw(RecordCore& core) : mCore(core), mGeometry(core), mContext(core.source()) {}
     AcGiRegenType regenType() const override { return kAcGiSaveWorldDrawForProxy; }
     Adesk::Boolean regenAbort() const override { return false; }
-    AcGiSubEntityTraits& subEntityTraits() const override { return m_core.traits(); }
-    AcGiGeometry* rawGeometry() const override { return &m_geometry; }
-    AcGiWorldGeometry& geometry() const override { return m_geometry; }
+    AcGiSubEntityTraits& subEntityTraits() const override { return mCore.traits(); }
+    AcGiGeometry* rawGeometry() const override { return &mGeometry; }
+    AcGiWorldGeometry& geometry() const override { return mGeometry; }
     Adesk::Boolean isDragging() const override { return false; }
     double deviation(const AcGiDeviationType, const AcGePoint3d&) const override { return 0.01; }
     Adesk::UInt32 numberOfIsolines() const override { return 4; }
-    AcGiContext* context() override { return &m_context; }
+    AcGiContext* context() override { return &mContext; }
 
 private:
-    RecordCore& m_core;
-    mutable WorldGeometryAdapter<RecordCore> m_geometry;
-    RecordContext m_context;
+    RecordCore& mCore;
+    mutable WorldGeometryAdapter<RecordCore> mGeometry;
+    RecordContext mContext;
 };
 
 // The extents of what was recorded, as the first chunk.

@@ -40,22 +40,22 @@ public:
     }
 
     void endOpen(std::vector<AcGePoint3d>& points, std::vector<std::uint32_t>& contourEnds) {
-        m_left.insert(m_left.end(), m_right.rbegin(), m_right.rend());
-        addContour(m_left, points, contourEnds);
+        mLeft.insert(mLeft.end(), mRight.rbegin(), mRight.rend());
+        addContour(mLeft, points, contourEnds);
         clear();
     }
 
     void endRing(std::vector<AcGePoint3d>& points, std::vector<std::uint32_t>& contourEnds) {
-        std::ranges::reverse(m_right);
-        addContour(m_left, points, contourEnds);
-        addContour(m_right, points, contourEnds);
+        std::ranges::reverse(mRight);
+        addContour(mLeft, points, contourEnds);
+        addContour(mRight, points, contourEnds);
         clear();
     }
 
 private:
     void addEdges(const AcGePoint3d& point, Direction normal, double half) {
-        m_left.push_back({point.x + normal.x * half, point.y + normal.y * half, point.z});
-        m_right.push_back({point.x - normal.x * half, point.y - normal.y * half, point.z});
+        mLeft.push_back({point.x + normal.x * half, point.y + normal.y * half, point.z});
+        mRight.push_back({point.x - normal.x * half, point.y - normal.y * half, point.z});
     }
 
     static void addContour(const std::vector<AcGePoint3d>& contour, std::vector<AcGePoint3d>& points,
@@ -65,11 +65,11 @@ private:
     }
 
     void clear() {
-        m_left.clear();
-        m_right.clear();
+        mLeft.clear();
+        mRight.clear();
     }
 
-    std::vector<AcGePoint3d> m_left, m_right;
+    std::vector<AcGePoint3d> mLeft, mRight;
 };
 
 // The run without points that repeat the one before.

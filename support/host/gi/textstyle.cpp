@@ -9,46 +9,46 @@ AcGiTextStyle::AcGiTextStyle(const ACHAR* fontName, const ACHAR* bigFontName, co
                              const Adesk::Boolean isUnderlined) {
     setFileName(fontName);
     setBigFontFileName(bigFontName);
-    m_format.height = textSize;
-    m_format.widthFactor = xScale;
-    m_format.oblique = obliqueAngle;
-    m_format.tracking = trackPercent;
-    m_format.backward = isBackward;
-    m_format.upsideDown = isUpsideDown;
-    m_format.vertical = isVertical;
-    m_format.overlined = isOverlined;
-    m_format.underlined = isUnderlined;
+    mFormat.height = textSize;
+    mFormat.widthFactor = xScale;
+    mFormat.oblique = obliqueAngle;
+    mFormat.tracking = trackPercent;
+    mFormat.backward = isBackward;
+    mFormat.upsideDown = isUpsideDown;
+    mFormat.vertical = isVertical;
+    mFormat.overlined = isOverlined;
+    mFormat.underlined = isUnderlined;
 }
 
 void AcGiTextStyle::setFileName(const ACHAR* name) {
-    m_format.font.file = name ? name : L"";
+    mFormat.font.file = name ? name : L"";
 }
 void AcGiTextStyle::setBigFontFileName(const ACHAR* name) {
-    m_format.font.bigFontFile = name ? name : L"";
+    mFormat.font.bigFontFile = name ? name : L"";
 }
 
 Acad::ErrorStatus AcGiTextStyle::setFont(const ACHAR* typeface, Adesk::Boolean bold, Adesk::Boolean italic,
                                          int charset, int pitchAndFamily) {
-    m_format.font.typeface = typeface ? typeface : L"";
-    m_format.font.bold = bold;
-    m_format.font.italic = italic;
-    m_charset = charset;
-    m_pitchAndFamily = pitchAndFamily;
+    mFormat.font.typeface = typeface ? typeface : L"";
+    mFormat.font.bold = bold;
+    mFormat.font.italic = italic;
+    mCharset = charset;
+    mPitchAndFamily = pitchAndFamily;
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcGiTextStyle::font(AcString& typeface, Adesk::Boolean& bold, Adesk::Boolean& italic,
                                       int& charset, int& pitchAndFamily) const {
-    typeface = m_format.font.typeface.c_str();
-    bold = m_format.font.bold;
-    italic = m_format.font.italic;
-    charset = m_charset;
-    pitchAndFamily = m_pitchAndFamily;
+    typeface = mFormat.font.typeface.c_str();
+    bold = mFormat.font.bold;
+    italic = mFormat.font.italic;
+    charset = mCharset;
+    pitchAndFamily = mPitchAndFamily;
     return Acad::eOk;
 }
 
 Adesk::Boolean AcGiTextStyle::loadStyleRec() const {
-    return !host::FontEngine::instance().isAvailable(m_format.font);
+    return !host::FontEngine::instance().isAvailable(mFormat.font);
 }
 
 AcGePoint2d AcGiTextStyle::extents(const ACHAR* text, const Adesk::Boolean penups, const int length,
@@ -56,6 +56,6 @@ AcGePoint2d AcGiTextStyle::extents(const ACHAR* text, const Adesk::Boolean penup
     std::wstring_view line = text ? text : L"";
     if (length >= 0)
         line = line.substr(0, static_cast<std::size_t>(length));
-    const auto box = host::FontEngine::instance().extents(line, m_format, raw, penups);
+    const auto box = host::FontEngine::instance().extents(line, mFormat, raw, penups);
     return {box.width, box.height};
 }

@@ -19,30 +19,30 @@ public:
                   const Adesk::Boolean isUpsideDown, const Adesk::Boolean isVertical,
                   const Adesk::Boolean isOverlined, const Adesk::Boolean isUnderlined);
 
-    double textSize() const { return m_format.height; }
-    double xScale() const { return m_format.widthFactor; }
-    double obliquingAngle() const { return m_format.oblique; }
-    double trackingPercent() const { return m_format.tracking; }
-    Adesk::Boolean isBackward() const { return m_format.backward; }
-    Adesk::Boolean isUpsideDown() const { return m_format.upsideDown; }
-    Adesk::Boolean isVertical() const { return m_format.vertical; }
-    Adesk::Boolean isUnderlined() const { return m_format.underlined; }
-    Adesk::Boolean isOverlined() const { return m_format.overlined; }
-    Adesk::Boolean isStrikethrough() const { return m_format.struckThrough; }
+    double textSize() const { return mFormat.height; }
+    double xScale() const { return mFormat.widthFactor; }
+    double obliquingAngle() const { return mFormat.oblique; }
+    double trackingPercent() const { return mFormat.tracking; }
+    Adesk::Boolean isBackward() const { return mFormat.backward; }
+    Adesk::Boolean isUpsideDown() const { return mFormat.upsideDown; }
+    Adesk::Boolean isVertical() const { return mFormat.vertical; }
+    Adesk::Boolean isUnderlined() const { return mFormat.underlined; }
+    Adesk::Boolean isOverlined() const { return mFormat.overlined; }
+    Adesk::Boolean isStrikethrough() const { return mFormat.struckThrough; }
 
-    void setTextSize(const double size) { m_format.height = size; }
-    void setXScale(const double scale) { m_format.widthFactor = scale; }
-    void setObliquingAngle(const double angle) { m_format.oblique = angle; }
-    void setTrackingPercent(const double factor) { m_format.tracking = factor; }
-    void setBackward(const Adesk::Boolean value) { m_format.backward = value; }
-    void setUpsideDown(const Adesk::Boolean value) { m_format.upsideDown = value; }
-    void setVertical(const Adesk::Boolean value) { m_format.vertical = value; }
-    void setUnderlined(const Adesk::Boolean value) { m_format.underlined = value; }
-    void setOverlined(const Adesk::Boolean value) { m_format.overlined = value; }
-    void setStrikethrough(const Adesk::Boolean value) { m_format.struckThrough = value; }
+    void setTextSize(const double size) { mFormat.height = size; }
+    void setXScale(const double scale) { mFormat.widthFactor = scale; }
+    void setObliquingAngle(const double angle) { mFormat.oblique = angle; }
+    void setTrackingPercent(const double factor) { mFormat.tracking = factor; }
+    void setBackward(const Adesk::Boolean value) { mFormat.backward = value; }
+    void setUpsideDown(const Adesk::Boolean value) { mFormat.upsideDown = value; }
+    void setVertical(const Adesk::Boolean value) { mFormat.vertical = value; }
+    void setUnderlined(const Adesk::Boolean value) { mFormat.underlined = value; }
+    void setOverlined(const Adesk::Boolean value) { mFormat.overlined = value; }
+    void setStrikethrough(const Adesk::Boolean value) { mFormat.struckThrough = value; }
 
-    const ACHAR* fileName() const { return m_format.font.file.c_str(); }
-    const ACHAR* bigFontFileName() const { return m_format.font.bigFontFile.c_str(); }
+    const ACHAR* fileName() const { return mFormat.font.file.c_str(); }
+    const ACHAR* bigFontFileName() const { return mFormat.font.bigFontFile.c_str(); }
     void setFileName(const ACHAR* name);
     void setBigFontFileName(const ACHAR* name);
 
@@ -52,8 +52,8 @@ public:
     Acad::ErrorStatus font(AcString& typeface, Adesk::Boolean& bold, Adesk::Boolean& italic, int& charset,
                            int& pitchAndFamily) const;
 
-    const ACHAR* styleName() const { return m_styleName.c_str(); }
-    void setStyleName(const ACHAR* name) { m_styleName = name ? name : L""; }
+    const ACHAR* styleName() const { return mStyleName.c_str(); }
+    void setStyleName(const ACHAR* name) { mStyleName = name ? name : L""; }
 
     // Looks the fonts up; 0 when nothing had to be substituted.
     Adesk::Boolean loadStyleRec() const;
@@ -63,11 +63,11 @@ public:
     AcGePoint2d extents(const ACHAR* text, const Adesk::Boolean penups, const int length,
                         const Adesk::Boolean raw, AcGiWorldDraw* context = nullptr) const;
 
-    const host::TextFormat& format() const { return m_format; }
+    const host::TextFormat& format() const { return mFormat; }
 
 private:
-    host::TextFormat m_format;
-    std::wstring m_styleName;
-    int m_charset = 0;
-    int m_pitchAndFamily = 0;
+    host::TextFormat mFormat;
+    std::wstring mStyleName;
+    int mCharset = 0;
+    int mPitchAndFamily = 0;
 };

@@ -36,45 +36,45 @@ enum AcGiVisibility { kAcGiInvisible = 0, kAcGiVisible, kAcGiSilhouette };
 // Colours and visibilities of a mesh's or shell's edges; every pointer may be null and is not owned.
 class AcGiEdgeData {
 public:
-    void setColors(const short* colors) { m_colors = colors; }
-    void setTrueColors(const class AcCmEntityColor* colors) { m_trueColors = colors; }
-    void setVisibility(const Adesk::UInt8* visibilities) { m_visibilities = visibilities; }
-    const short* colors() const { return m_colors; }
-    const AcCmEntityColor* trueColors() const { return m_trueColors; }
-    const Adesk::UInt8* visibility() const { return m_visibilities; }
+    void setColors(const short* colors) { mColors = colors; }
+    void setTrueColors(const class AcCmEntityColor* colors) { mTrueColors = colors; }
+    void setVisibility(const Adesk::UInt8* visibilities) { mVisibilities = visibilities; }
+    const short* colors() const { return mColors; }
+    const AcCmEntityColor* trueColors() const { return mTrueColors; }
+    const Adesk::UInt8* visibility() const { return mVisibilities; }
 
 private:
-    const short* m_colors = nullptr;
-    const AcCmEntityColor* m_trueColors = nullptr;
-    const Adesk::UInt8* m_visibilities = nullptr;
+    const short* mColors = nullptr;
+    const AcCmEntityColor* mTrueColors = nullptr;
+    const Adesk::UInt8* mVisibilities = nullptr;
 };
 
 // The same for faces.
 class AcGiFaceData {
 public:
-    void setColors(const short* colors) { m_colors = colors; }
-    void setTrueColors(const class AcCmEntityColor* colors) { m_trueColors = colors; }
-    void setNormals(const AcGeVector3d* normals) { m_normals = normals; }
-    void setVisibility(const Adesk::UInt8* visibilities) { m_visibilities = visibilities; }
-    const short* colors() const { return m_colors; }
-    const AcCmEntityColor* trueColors() const { return m_trueColors; }
-    const AcGeVector3d* normals() const { return m_normals; }
-    const Adesk::UInt8* visibility() const { return m_visibilities; }
+    void setColors(const short* colors) { mColors = colors; }
+    void setTrueColors(const class AcCmEntityColor* colors) { mTrueColors = colors; }
+    void setNormals(const AcGeVector3d* normals) { mNormals = normals; }
+    void setVisibility(const Adesk::UInt8* visibilities) { mVisibilities = visibilities; }
+    const short* colors() const { return mColors; }
+    const AcCmEntityColor* trueColors() const { return mTrueColors; }
+    const AcGeVector3d* normals() const { return mNormals; }
+    const Adesk::UInt8* visibility() const { return mVisibilities; }
 
 private:
-    const short* m_colors = nullptr;
-    const AcCmEntityColor* m_trueColors = nullptr;
-    const AcGeVector3d* m_normals = nullptr;
-    const Adesk::UInt8* m_visibilities = nullptr;
+    const short* mColors = nullptr;
+    const AcCmEntityColor* mTrueColors = nullptr;
+    const AcGeVector3d* mNormals = nullptr;
+    const Adesk::UInt8* mVisibilities = nullptr;
 };
 
 class AcGiVertexData {
 public:
-    void setNormals(const AcGeVector3d* normals) { m_normals = normals; }
-    const AcGeVector3d* normals() const { return m_normals; }
+    void setNormals(const AcGeVector3d* normals) { mNormals = normals; }
+    const AcGeVector3d* normals() const { return mNormals; }
 
 private:
-    const AcGeVector3d* m_normals = nullptr;
+    const AcGeVector3d* mNormals = nullptr;
 };
 
 // A clip: what is drawn while it is pushed is cut at the boundary, a closed polygon of m_aptPoints in the

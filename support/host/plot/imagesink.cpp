@@ -7,8 +7,7 @@ namespace host {
 
 namespace {
 
-constexpr double farthest = 1e5; // pixels; beyond it the rasteriser loses precision
-constexpr std::size_t mostLines = 4096;
+constexpr double farthest = 1e5; // pixels; beyond it the rasteriser of areas loses precision
 
 QImage blank(const Sheet& sheet, double pixelsPerMillimetre) {
     const auto pixels = [&](double millimetres) {
@@ -21,70 +20,54 @@ QImage blank(const Sheet& sheet, double pixelsPerMillimetre) {
 
 } // namespace
 
-ImageSink::ImageSink(const Sheet& sheet, int longSide, bool hasLineWeights)
-    : m_image(blank(sheet, longSide / std::max(sheet.width, sheet.height))), m_painter(&m_image),
-      m_map(sheet, longSide / std::max(sheet.width, sheet.height), true),
-      m_pixelsPerMillimetre(longSide / std::max(sheet.width, sheet.height)),
-      m_hasLineWeights(hasLineWeights) {
-    m_painter.setRenderHint(QPainter::Antialiasing);
-    m_pen.setCapStyle(Qt::FlatCap);
-    m_pen.setJoinStyle(Qt::BevelJoin);
-    m_painter.setPen(m_pen);
+ImageSink::ImageSink(const Sheet& sheet, int longSide, const PaperLook& look)
+    : mImage(blank(sheet, longSide / std::max(sheet.width, sheet.height))),
+      mRaster(mImage.isNull() ? nullptr : reinterpret_cast<std::uint32_t*>(mImage.bits()),
+              static_cast<std::size_t>(mImage.bytesPerLine()) / sizeof(std::uint32_t),
+              {0, 0, mImage.width(), mImage.height()}),
+      mPainter(&mImage), mMap(sheet, longSide / std::max(sheet.width, sheet.height), true),
+      mPixelsPerMillimetre(longSide / std::max(sheet.width, sheet.height)), mLook(look) {
+    mPainter.setRenderHint(QPainter::Antialiasing);
 }
 
 ImageSink::~ImageSink() {
-    m_painter.end();
+    mPainter.end();
 }
 
 QPointF ImageSink::at(const AcGePoint3d& point) const {
-    return {std::clamp(m_map.x(point.x), -farthest, farthest),
-            std::clamp(m_map.y(point.y), -farthest, farthest)};
+    return {std::clamp(mMap.x(point.x), -farthest, farthest),
+            std::clamp(mMap.y(point.y), -farthest, farthest)};
 }
 
 void ImageSink::setPen(const Pen& pen) {
-    const std::uint32_t color = paperColor(pen);
-    const double width = std::max(paperWidth(pen, m_hasLineWeights) * m_pixelsPerMillimetre, 1.0);
-    if (color == m_color && width == m_width)
-        return;
-    flush();
-    m_color = color;
-    m_width = width;
-    m_pen.setColor(QColor::fromRgb(color));
-    m_pen.setWidthF(width);
-    m_painter.setPen(m_pen);
+    const double width = std::max(paperWidth(pen, mLook) * mPixelsPerMillimetre, 1.0);
+    mRaster.setPen(paperColor(pen, mLook), width);
+    if (mOddClips > 0)
+        mPainter.setPen(
+            QPen(QColor::fromRgb(paperColor(pen, mLook)), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
-void ImageSink::flush() {
-    if (!m_lines.empty())
-        m_painter.drawLines(m_lines.data(), static_cast<int>(m_lines.size()));
-    m_lines.clear();
+void ImageSink::line(const AcGePoint3d& from, const AcGePoint3d& to) {
+    if (mOddClips > 0)
+        mPainter.drawLine(at(from), at(to));
+    else
+        mRaster.line(mMap.x(from.x), mMap.y(from.y), mMap.x(to.x), mMap.y(to.y));
 }
 
 void ImageSink::polyline(std::span<const AcGePoint3d> points, const Pen& pen) {
     setPen(pen);
-    if (points.size() == 2) {
-        m_lines.emplace_back(at(points[0]), at(points[1]));
-        if (m_lines.size() >= mostLines)
-            flush();
-        return;
-    }
-    flush();
     // Points closer than a tenth of a pixel to the one before are left out.
-    QPolygonF polygon;
-    polygon.reserve(static_cast<int>(points.size()));
-    for (const AcGePoint3d& point : points) {
-        const QPointF next = at(point);
-        if (polygon.isEmpty() || (next - polygon.last()).manhattanLength() > 0.1)
-            polygon.append(next);
+    const double nearest = 0.1 / mMap.scale();
+    const AcGePoint3d* last = &points.front();
+    for (const AcGePoint3d& point : points.subspan(1)) {
+        if (&point != &points.back() && std::abs(point.x - last->x) + std::abs(point.y - last->y) < nearest)
+            continue;
+        line(*last, point);
+        last = &point;
     }
-    if (polygon.size() > 1)
-        m_painter.drawPolyline(polygon);
-    else
-        dot(points.front(), pen);
 }
 
 void ImageSink::area(const Area& area, const Pen& pen) {
-    flush();
     QPainterPath path;
     path.setFillRule(area.rule == FillRule::evenOdd ? Qt::OddEvenFill : Qt::WindingFill);
     std::size_t start = 0;
@@ -94,37 +77,49 @@ void ImageSink::area(const Area& area, const Pen& pen) {
         path.closeSubpath();
         start = end;
     }
-    m_painter.fillPath(path, QColor::fromRgb(paperColor(pen)));
+    mPainter.fillPath(path, QColor::fromRgb(paperColor(pen, mLook)));
 }
 
 void ImageSink::dot(const AcGePoint3d& point, const Pen& pen) {
     setPen(pen);
-    flush();
-    const QPointF half(m_width / 2, m_width / 2), center = at(point);
-    m_painter.fillRect(QRectF(center - half, center + half), m_pen.color());
+    line(point, point);
 }
 
+// A rectangle along the axes bounds the lines' raster as well; lines in other shapes go through the painter.
 void ImageSink::pushClip(std::span<const AcGePoint3d> polygon) {
-    flush();
     QPolygonF corners;
     for (const AcGePoint3d& corner : polygon)
         corners.append(at(corner));
+    const QRectF box = corners.boundingRect();
+    const bool isBox = corners.size() == 4 && std::ranges::all_of(corners, [&](const QPointF& corner) {
+                           return (corner.x() == box.left() || corner.x() == box.right()) &&
+                                  (corner.y() == box.top() || corner.y() == box.bottom());
+                       });
     QPainterPath path;
     path.addPolygon(corners);
     path.closeSubpath();
-    m_painter.save();
-    m_painter.setClipPath(path, Qt::IntersectClip);
+    mPainter.save();
+    mPainter.setClipPath(path, Qt::IntersectClip);
+    mClips.push_back({mRaster.bounds(), isBox});
+    if (!isBox) {
+        ++mOddClips;
+        return;
+    }
+    PixelBox bounds = mRaster.bounds();
+    bounds.left = std::max(bounds.left, static_cast<int>(std::floor(box.left())));
+    bounds.top = std::max(bounds.top, static_cast<int>(std::floor(box.top())));
+    bounds.right = std::min(bounds.right, static_cast<int>(std::ceil(box.right())));
+    bounds.bottom = std::min(bounds.bottom, static_cast<int>(std::ceil(box.bottom())));
+    mRaster.setBounds(bounds);
 }
 
 void ImageSink::popClip() {
-    flush();
-    m_painter.restore();
-    m_painter.setPen(m_pen);
-}
-
-const QImage& ImageSink::image() {
-    flush();
-    return m_image;
+    if (mClips.empty())
+        return;
+    mPainter.restore();
+    mRaster.setBounds(mClips.back().outer);
+    mOddClips -= mClips.back().isBox ? 0 : 1;
+    mClips.pop_back();
 }
 
 } // namespace host

@@ -1,6 +1,7 @@
 // Draws primitives into a raster image on white paper.
 #pragma once
 
+#include "host/plot/lineraster.h"
 #include "host/plot/sheet.h"
 
 #include <QImage>
@@ -8,7 +9,6 @@
 #include <QPainterPath>
 #include <QPolygonF>
 #include <filesystem>
-#include <optional>
 #include <vector>
 
 namespace host {
@@ -16,7 +16,7 @@ namespace host {
 class ImageSink final : public PrimitiveSink {
 public:
     // longSide: pixels of the image's longer side.
-    ImageSink(const Sheet& sheet, int longSide, bool hasLineWeights);
+    ImageSink(const Sheet& sheet, int longSide, const PaperLook& look);
     ~ImageSink() override;
 
     void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override;
@@ -25,23 +25,27 @@ public:
     void pushClip(std::span<const AcGePoint3d> polygon) override;
     void popClip() override;
 
-    const QImage& image();
-    double pixelsPerMillimetre() const { return m_pixelsPerMillimetre; }
+    const QImage& image() const { return mImage; }
+    double pixelsPerMillimetre() const { return mPixelsPerMillimetre; }
 
 private:
     void setPen(const Pen& pen);
-    void flush(); // draws the lines collected
+    void line(const AcGePoint3d& from, const AcGePoint3d& to);
     QPointF at(const AcGePoint3d& point) const;
 
-    QImage m_image;
-    QPainter m_painter;
-    SheetMap m_map;
-    double m_pixelsPerMillimetre;
-    bool m_hasLineWeights;
-    std::uint32_t m_color = 0;
-    double m_width = 0;
-    QPen m_pen;
-    std::vector<QLineF> m_lines;
+    struct Clip {
+        PixelBox outer; // of lines, outside it
+        bool isBox;
+    };
+
+    QImage mImage;
+    LineRaster mRaster;
+    QPainter mPainter;
+    SheetMap mMap;
+    double mPixelsPerMillimetre;
+    PaperLook mLook;
+    std::vector<Clip> mClips;
+    int mOddClips = 0; // that are no boxes
 };
 
 } // namespace host

@@ -22,17 +22,17 @@ std::string pack(const std::string& data) {
 
 } // namespace
 
-PdfFile::PdfFile(const std::filesystem::path& path) : m_file(path, AtomicFile::Backup::none) {
+PdfFile::PdfFile(const std::filesystem::path& path) : mFile(path, AtomicFile::Backup::none) {
     write("%PDF-1.5\n%\xE2\xE3\xCF\xD3\n");
 }
 
 int PdfFile::reserve() {
-    m_offsets.push_back(0);
-    return static_cast<int>(m_offsets.size());
+    mOffsets.push_back(0);
+    return static_cast<int>(mOffsets.size());
 }
 
 void PdfFile::begin(int number) {
-    m_offsets[static_cast<std::size_t>(number - 1)] = m_file.position();
+    mOffsets[static_cast<std::size_t>(number - 1)] = mFile.position();
     TextBuffer head;
     head << number << " 0 obj\n";
     write(head.text());
@@ -51,14 +51,14 @@ int PdfFile::writeStream(std::string data) {
         writePacked(number, pack(data));
         return number;
     }
-    m_pending.push_back({number, std::async(std::launch::async, pack, std::move(data))});
+    mPending.push_back({number, std::async(std::launch::async, pack, std::move(data))});
     finishPending(mostPending);
     return number;
 }
 
 void PdfFile::finishPending(std::size_t most) {
-    for (; m_pending.size() > most; m_pending.pop_front())
-        writePacked(m_pending.front().number, m_pending.front().packed.get());
+    for (; mPending.size() > most; mPending.pop_front())
+        writePacked(mPending.front().number, mPending.front().packed.get());
 }
 
 void PdfFile::writePacked(int number, const std::string& packed) {
@@ -72,17 +72,17 @@ void PdfFile::writePacked(int number, const std::string& packed) {
 
 bool PdfFile::commit(int catalog) {
     finishPending(0);
-    const std::uint64_t table = m_file.position();
-    std::string text = "xref\n0 " + std::to_string(m_offsets.size() + 1) + "\n0000000000 65535 f \n";
-    for (const std::uint64_t offset : m_offsets) {
+    const std::uint64_t table = mFile.position();
+    std::string text = "xref\n0 " + std::to_string(mOffsets.size() + 1) + "\n0000000000 65535 f \n";
+    for (const std::uint64_t offset : mOffsets) {
         char row[32];
         std::snprintf(row, sizeof row, "%010llu 00000 n \n", static_cast<unsigned long long>(offset));
         text += row;
     }
-    text += "trailer\n<</Size " + std::to_string(m_offsets.size() + 1) + "/Root " + std::to_string(catalog) +
+    text += "trailer\n<</Size " + std::to_string(mOffsets.size() + 1) + "/Root " + std::to_string(catalog) +
             " 0 R>>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
     write(text);
-    return m_file.commit();
+    return mFile.commit();
 }
 
 } // namespace host

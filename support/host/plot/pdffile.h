@@ -24,7 +24,7 @@ public:
     int writeStream(std::string data);
     // Ends the file with this catalog and gives it its name.
     bool commit(int catalog);
-    std::wstring errorText() const { return m_file.errorText(); }
+    std::wstring errorText() const { return mFile.errorText(); }
 
 private:
     void begin(int number);
@@ -35,11 +35,11 @@ private:
         int number;
         std::future<std::string> packed;
     };
-    void write(std::string_view text) { m_file.write(text); }
+    void write(std::string_view text) { mFile.write(text); }
 
-    AtomicFile m_file;
-    std::vector<std::uint64_t> m_offsets; // of object i + 1
-    std::deque<PendingStream> m_pending;
+    AtomicFile mFile;
+    std::vector<std::uint64_t> mOffsets; // of object i + 1
+    std::deque<PendingStream> mPending;
 };
 
 } // namespace host

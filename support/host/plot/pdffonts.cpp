@@ -17,7 +17,7 @@ std::int64_t units(double heights) {
 // Glyph outlines as path operators.
 class OutlineWriter {
 public:
-    explicit OutlineWriter(TextBuffer& text) : m_text(text) {}
+    explicit OutlineWriter(TextBuffer& text) : mText(text) {}
 
     void write(const Glyph& glyph) {
         const GlyphPoint* next = glyph.points().data();
@@ -26,18 +26,18 @@ public:
             switch (verb) {
             case Glyph::Verb::Move:
                 point(current = *next++);
-                m_text << "m\n";
+                mText << "m\n";
                 break;
             case Glyph::Verb::Line:
                 point(current = *next++);
-                m_text << "l\n";
+                mText << "l\n";
                 break;
             case Glyph::Verb::Quadratic: {
                 const GlyphPoint control = next[0], end = next[1];
                 point(between(current, control));
                 point(between(end, control));
                 point(current = end);
-                m_text << "c\n";
+                mText << "c\n";
                 next += 2;
                 break;
             }
@@ -45,7 +45,7 @@ public:
                 point(next[0]);
                 point(next[1]);
                 point(current = next[2]);
-                m_text << "c\n";
+                mText << "c\n";
                 next += 3;
                 break;
             }
@@ -57,9 +57,9 @@ private:
     {
         return {end.x + (control.x - end.x) * 2 / 3, end.y + (control.y - end.y) * 2 / 3};
     }
-    void point(GlyphPoint point) { m_text << units(point.x) << ' ' << units(point.y) << ' '; }
+    void point(GlyphPoint point) { mText << units(point.x) << ' ' << units(point.y) << ' '; }
 
-    TextBuffer& m_text;
+    TextBuffer& mText;
 };
 
 std::string toUnicodeMap(const std::vector<const Glyph*>& glyphs) {
@@ -89,12 +89,12 @@ std::string toUnicodeMap(const std::vector<const Glyph*>& glyphs) {
 
 PdfFonts::Code PdfFonts::codeOf(const Glyph& glyph) {
     constexpr std::size_t mostGlyphs = 255;
-    const auto [entry, isNew] = m_codes.try_emplace(&glyph);
+    const auto [entry, isNew] = mCodes.try_emplace(&glyph);
     if (isNew) {
-        if (m_fonts.empty() || m_fonts.back().size() == mostGlyphs)
-            m_fonts.emplace_back();
-        m_fonts.back().push_back(&glyph);
-        entry->second = {m_fonts.size() - 1, static_cast<unsigned char>(m_fonts.back().size())};
+        if (mFonts.empty() || mFonts.back().size() == mostGlyphs)
+            mFonts.emplace_back();
+        mFonts.back().push_back(&glyph);
+        entry->second = {mFonts.size() - 1, static_cast<unsigned char>(mFonts.back().size())};
     }
     return entry->second;
 }
@@ -136,8 +136,8 @@ int PdfFonts::writeFont(const Font& font, PdfFile& file) {
 std::string PdfFonts::write(PdfFile& file) const {
     TextBuffer entries;
     entries << "<<";
-    for (std::size_t i = 0; i < m_fonts.size(); ++i) {
-        const int font = writeFont(m_fonts[i], file);
+    for (std::size_t i = 0; i < mFonts.size(); ++i) {
+        const int font = writeFont(mFonts[i], file);
         entries << "/F" << i << ' ' << font << " 0 R";
     }
     entries << ">>";

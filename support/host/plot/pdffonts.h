@@ -17,7 +17,7 @@ public:
     };
     Code codeOf(const Glyph& glyph);
 
-    bool isEmpty() const { return m_fonts.empty(); }
+    bool isEmpty() const { return mFonts.empty(); }
     // Writes all fonts; the result is the value of the page's /Font entry.
     std::string write(PdfFile& file) const;
 
@@ -29,8 +29,8 @@ private:
     static int writeGlyph(const Glyph& glyph, PdfFile& file);
     static int writeFont(const Font& font, PdfFile& file);
 
-    std::vector<Font> m_fonts;
-    std::unordered_map<const Glyph*, Code> m_codes;
+    std::vector<Font> mFonts;
+    std::unordered_map<const Glyph*, Code> mCodes;
 };
 
 } // namespace host

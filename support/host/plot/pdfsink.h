@@ -1,5 +1,6 @@
 // Draws primitives into a one-page PDF file: lines and areas as paths, filled glyphs as characters of fonts
-// made of their outlines, so that each outline is stored once and texts can be searched.
+// made of their outlines, so that each outline is stored once and texts can be searched. Layers are optional
+// content: viewers can switch them off.
 #pragma once
 
 #include "host/plot/pdffile.h"
@@ -8,12 +9,14 @@
 #include "host/plot/textbuffer.h"
 
 #include <optional>
+#include <string>
+#include <unordered_map>
 
 namespace host {
 
 class PdfSink final : public PrimitiveSink {
 public:
-    PdfSink(const std::filesystem::path& path, const Sheet& sheet, bool hasLineWeights);
+    PdfSink(const std::filesystem::path& path, const Sheet& sheet, const PaperLook& look);
 
     void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override;
     void area(const Area& area, const Pen& pen) override;
@@ -25,9 +28,12 @@ public:
 
     // Writes the rest of the file; false on a write error, told by errorText.
     bool finish();
-    std::wstring errorText() const { return m_file.errorText(); }
+    std::wstring errorText() const { return mFile.errorText(); }
 
 private:
+    void setLayer(const Pen& pen);
+    void endLayer();
+    std::string writeLayers(); // the catalog's entry for them
     void setStroke(const Pen& pen);
     void setFill(const Pen& pen);
     void color(std::uint32_t rgb, std::string_view operation);
@@ -37,16 +43,19 @@ private:
     void filledGlyphs(const GlyphRun& run);
     void strokedGlyph(const GlyphRun& run, const PlacedGlyph& placed);
 
-    Sheet m_sheet;
-    SheetMap m_map;
-    bool m_hasLineWeights;
-    PdfFile m_file;
-    PdfFonts m_fonts;
-    TextBuffer m_content;
-    std::vector<int> m_contents;  // streams written
-    std::size_t m_pathPoints = 0; // collected and not yet stroked
-    std::optional<std::uint32_t> m_strokeColor, m_fillColor;
-    std::optional<std::int64_t> m_strokeWidth;
+    Sheet mSheet;
+    SheetMap mMap;
+    PaperLook mLook;
+    PdfFile mFile;
+    PdfFonts mFonts;
+    TextBuffer mContent;
+    std::vector<int> mContents;  // streams written
+    std::size_t mPathPoints = 0; // collected and not yet stroked
+    std::optional<std::uint32_t> mStrokeColor, mFillColor;
+    std::optional<std::int64_t> mStrokeWidth;
+    std::unordered_map<std::wstring, std::size_t> mLayerNumbers; // by name
+    std::vector<int> mLayerObjects;                              // in the order of their numbers
+    std::optional<std::wstring> mLayer;                          // whose content is being written
 };
 
 } // namespace host

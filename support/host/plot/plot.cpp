@@ -11,6 +11,7 @@
 #include <QBuffer>
 #include <QImageWriter>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -27,32 +28,32 @@ constexpr PlotWindow emptyWindow{0, 0, 420, 297};
 class SurveySink final : public PrimitiveSink {
 public:
     void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override {
-        m_extents.polyline(points, pen);
+        mExtents.polyline(points, pen);
     }
-    void area(const Area& area, const Pen& pen) override { m_extents.area(area, pen); }
+    void area(const Area& area, const Pen& pen) override { mExtents.area(area, pen); }
     bool wantsCurves() const override { return true; }
-    void path(const WorldPath& path, const Pen& pen) override { m_extents.path(path, pen); }
+    void path(const WorldPath& path, const Pen& pen) override { mExtents.path(path, pen); }
     void glyphs(const GlyphRun& run, const Pen& pen) override {
-        m_extents.glyphs(run, pen);
-        m_textHeights.push_back(static_cast<float>(run.yAxis.length() * std::abs(run.text.yy)));
+        mExtents.glyphs(run, pen);
+        mTextHeights.push_back(static_cast<float>(run.yAxis.length() * std::abs(run.text.yy)));
     }
 
     PlotWindow window() const {
-        if (m_extents.isEmpty())
+        if (mExtents.isEmpty())
             return emptyWindow;
-        return {m_extents.min().x, m_extents.min().y, m_extents.max().x, m_extents.max().y};
+        return {mExtents.min().x, mExtents.min().y, mExtents.max().x, mExtents.max().y};
     }
     double medianTextHeight() {
-        if (m_textHeights.empty())
+        if (mTextHeights.empty())
             return 0;
-        const auto middle = m_textHeights.begin() + static_cast<std::ptrdiff_t>(m_textHeights.size() / 2);
-        std::nth_element(m_textHeights.begin(), middle, m_textHeights.end());
+        const auto middle = mTextHeights.begin() + static_cast<std::ptrdiff_t>(mTextHeights.size() / 2);
+        std::nth_element(mTextHeights.begin(), middle, mTextHeights.end());
         return *middle;
     }
 
 private:
-    ExtentsSink m_extents;
-    std::vector<float> m_textHeights;
+    ExtentsSink mExtents;
+    std::vector<float> mTextHeights;
 };
 
 struct Survey {
@@ -85,21 +86,37 @@ FlattenOptions optionsFor(const Sheet& sheet, const PlotWindow& window) {
 
 // The drawing of one sheet; false when there was too much to draw.
 bool drawSheet(DrawingSource& source, const Draw& draw, PrimitiveSink& sink, const Sheet& sheet,
-               const PlotWindow& window) {
+               const PlotWindow& window, bool isCut) {
     Flattener flattener(source, sink, optionsFor(sheet, window));
+    if (isCut)
+        sink.pushClip(std::array<AcGePoint3d, 4>{{{window.left, window.bottom, 0},
+                                                  {window.right, window.bottom, 0},
+                                                  {window.right, window.top, 0},
+                                                  {window.left, window.top, 0}}});
     draw(flattener);
+    if (isCut)
+        sink.popClip();
     return !flattener.isAborted();
+}
+
+Sheet sheetFor(const PlotOptions& options, const PlotWindow& window, double longSide, bool isFitted) {
+    if (!options.paper)
+        return isFitted ? Sheet::fitted(window, options.margin, longSide)
+                        : Sheet::standard(window, options.margin, longSide);
+    const Paper& paper = *options.paper;
+    return options.scale > 0 ? Sheet::scaled(window, paper.width, paper.height, options.scale)
+                             : Sheet::filled(window, options.margin, paper.width, paper.height);
 }
 
 constexpr wchar_t tooMuch[] = L"图形过于复杂，未能全部绘出：";
 
 std::wstring plotImage(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
                        const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
-    ImageSink sink(sheet, std::clamp(options.longSide, 16, 20000), options.hasLineWeights);
+    ImageSink sink(sheet, std::clamp(options.longSide, 16, 20000), options.look);
     const std::wstring noMemory = L"内存不足，无法生成图像：" + fromUtf8(path.string());
     if (sink.image().isNull())
         return noMemory;
-    if (!drawSheet(source, draw, sink, sheet, window))
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value()))
         return tooMuch + fromUtf8(path.string());
     const std::string data = pngData(sink.image(), sink.pixelsPerMillimetre());
     if (data.empty())
@@ -112,8 +129,8 @@ std::wstring plotImage(DrawingSource& source, const Draw& draw, const std::files
 template <class Sink>
 std::wstring plotVectors(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
                          const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
-    Sink sink(path, sheet, options.hasLineWeights);
-    if (!drawSheet(source, draw, sink, sheet, window))
+    Sink sink(path, sheet, options.look);
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value()))
         return tooMuch + fromUtf8(path.string());
     return sink.finish() ? std::wstring() : sink.errorText();
 }
@@ -128,10 +145,9 @@ std::wstring plotDrawing(DrawingSource& source, const Draw& draw, const std::fil
     const auto [window, longSide, isWhole] = survey(source, draw, options);
     if (!isWhole)
         return tooMuch + fromUtf8(path.string());
+    const Sheet sheet = sheetFor(options, window, longSide, extension != L".pdf");
     if (extension == L".pdf")
-        return plotVectors<PdfSink>(source, draw, path, window,
-                                    Sheet::standard(window, options.margin, longSide), options);
-    const Sheet sheet = Sheet::fitted(window, options.margin, longSide);
+        return plotVectors<PdfSink>(source, draw, path, window, sheet, options);
     if (extension == L".svg")
         return plotVectors<SvgSink>(source, draw, path, window, sheet, options);
     return plotImage(source, draw, path, window, sheet, options);

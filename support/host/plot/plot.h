@@ -13,14 +13,20 @@ class AcDbDatabase;
 
 namespace host {
 
-struct PlotOptions {
-    std::optional<PlotWindow> window; // the part to draw; without it everything that is drawn
-    double margin = 10;               // of white paper around it, millimetres
-    int longSide = 2520;              // pixels of an image's longer side
-    bool hasLineWeights = true;       // else all lines are equally thin
+struct Paper {
+    double width = 0, height = 0; // millimetres, as it lies
 };
 
-// Draws the model space of a drawing, seen from above, as its extension says: .pdf (one A3 sheet), .svg or
+struct PlotOptions {
+    std::optional<PlotWindow> window; // the part to draw, cut at its border; without it all that is drawn
+    std::optional<Paper> paper;       // without it a sheet that suits the drawing
+    double scale = 0;                 // millimetres on the paper a drawing unit; 0: as large as it fits
+    double margin = 10;               // of white paper where the scale is fitted, millimetres
+    int longSide = 2520;              // pixels of an image's longer side
+    PaperLook look;
+};
+
+// Draws the model space of a drawing, seen from above, as its extension says: .pdf (one sheet), .svg or
 // .png. Layers that are off, frozen or not to be plotted are left out. The result is empty, or one line that
 // says what went wrong; an existing file is replaced only when the new one is whole.
 std::wstring plotExtents(AcDbDatabase* database, const std::filesystem::path& path,

@@ -27,37 +27,36 @@ void appendChunk(std::string& file, std::string_view type, std::string_view data
 // Packs rows as they are given.
 class Packer {
 public:
-    Packer() : m_isGood(deflateInit2(&m_stream, 1, Z_DEFLATED, 15, 9, Z_RLE) == Z_OK), m_buffer(256 * 1024) {}
-    ~Packer() { deflateEnd(&m_stream); }
+    Packer() : mIsGood(deflateInit2(&mStream, 1, Z_DEFLATED, 15, 9, Z_RLE) == Z_OK), mBuffer(256 * 1024) {}
+    ~Packer() { deflateEnd(&mStream); }
     Packer(const Packer&) = delete;
     Packer& operator=(const Packer&) = delete;
 
     void put(const std::vector<unsigned char>& row) {
-        m_stream.next_in = const_cast<Bytef*>(row.data());
-        m_stream.avail_in = static_cast<uInt>(row.size());
+        mStream.next_in = const_cast<Bytef*>(row.data());
+        mStream.avail_in = static_cast<uInt>(row.size());
         run(Z_NO_FLUSH);
     }
     bool finish() {
         run(Z_FINISH);
-        return m_isGood;
+        return mIsGood;
     }
-    const std::string& data() const { return m_data; }
+    const std::string& data() const { return mData; }
 
 private:
     void run(int flush) {
         do {
-            m_stream.next_out = m_buffer.data();
-            m_stream.avail_out = static_cast<uInt>(m_buffer.size());
-            m_isGood = m_isGood && deflate(&m_stream, flush) != Z_STREAM_ERROR;
-            m_data.append(reinterpret_cast<const char*>(m_buffer.data()),
-                          m_buffer.size() - m_stream.avail_out);
-        } while (m_isGood && m_stream.avail_out == 0);
+            mStream.next_out = mBuffer.data();
+            mStream.avail_out = static_cast<uInt>(mBuffer.size());
+            mIsGood = mIsGood && deflate(&mStream, flush) != Z_STREAM_ERROR;
+            mData.append(reinterpret_cast<const char*>(mBuffer.data()), mBuffer.size() - mStream.avail_out);
+        } while (mIsGood && mStream.avail_out == 0);
     }
 
-    z_stream m_stream{};
-    bool m_isGood;
-    std::vector<unsigned char> m_buffer;
-    std::string m_data;
+    z_stream mStream{};
+    bool mIsGood;
+    std::vector<unsigned char> mBuffer;
+    std::string mData;
 };
 
 } // namespace

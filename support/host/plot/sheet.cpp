@@ -8,6 +8,11 @@ namespace host {
 
 namespace {
 
+void centre(Sheet& sheet, const PlotWindow& window) {
+    sheet.originX = (window.left + window.right) / 2 - sheet.width / 2 / sheet.scale;
+    sheet.originY = (window.bottom + window.top) / 2 - sheet.height / 2 / sheet.scale;
+}
+
 void place(Sheet& sheet, const PlotWindow& window, double margin) {
     const double width = window.right - window.left, height = window.top - window.bottom;
     const double across = sheet.width - 2 * margin, up = sheet.height - 2 * margin;
@@ -15,20 +20,28 @@ void place(Sheet& sheet, const PlotWindow& window, double margin) {
     sheet.scale = std::min(scaleX, scaleY);
     if (!std::isfinite(sheet.scale) || sheet.scale <= 0)
         sheet.scale = 1;
-    sheet.originX = (window.left + window.right) / 2 - sheet.width / 2 / sheet.scale;
-    sheet.originY = (window.bottom + window.top) / 2 - sheet.height / 2 / sheet.scale;
+    centre(sheet, window);
 }
 
 } // namespace
 
-Sheet Sheet::standard(const PlotWindow& window, double margin, double longSide) {
-    Sheet sheet;
-    sheet.width = longSide;
-    sheet.height = std::round(longSide / std::numbers::sqrt2);
-    if (window.top - window.bottom > window.right - window.left)
-        std::swap(sheet.width, sheet.height);
+Sheet Sheet::scaled(const PlotWindow& window, double width, double height, double scale) {
+    Sheet sheet{width, height, 0, 0, scale};
+    centre(sheet, window);
+    return sheet;
+}
+
+Sheet Sheet::filled(const PlotWindow& window, double margin, double width, double height) {
+    Sheet sheet{width, height, 0, 0, 1};
     place(sheet, window, margin);
     return sheet;
+}
+
+Sheet Sheet::standard(const PlotWindow& window, double margin, double longSide) {
+    const double shortSide = std::round(longSide / std::numbers::sqrt2);
+    const bool isUpright = window.top - window.bottom > window.right - window.left;
+    return isUpright ? filled(window, margin, shortSide, longSide)
+                     : filled(window, margin, longSide, shortSide);
 }
 
 Sheet Sheet::fitted(const PlotWindow& window, double margin, double longSide) {
@@ -57,13 +70,13 @@ double readableLongSide(const PlotWindow& window, double margin, double textHeig
                                                      : longSides[0];
 }
 
-std::uint32_t paperColor(const Pen& pen) {
-    return pen.color.isForeground() ? 0 : pen.color.trueColor();
+std::uint32_t paperColor(const Pen& pen, const PaperLook& look) {
+    return look.isMonochrome || pen.color.isForeground() ? 0 : pen.color.trueColor();
 }
 
-double paperWidth(const Pen& pen, bool hasLineWeights) {
+double paperWidth(const Pen& pen, const PaperLook& look) {
     constexpr double thinnest = 0.05, uniform = 0.13;
-    return hasLineWeights ? std::max(static_cast<int>(pen.lineWeight) / 100.0, thinnest) : uniform;
+    return look.hasLineWeights ? std::max(static_cast<int>(pen.lineWeight) / 100.0, thinnest) : uniform;
 }
 
 } // namespace host

@@ -21,6 +21,10 @@ struct Sheet {
 
     // A sheet of the A series with this long side, upright or across as the window suits it better.
     static Sheet standard(const PlotWindow& window, double margin, double longSide);
+    // A sheet of this size on which a drawing unit is scale millimetres; the window is centred on it.
+    static Sheet scaled(const PlotWindow& window, double width, double height, double scale);
+    // The largest scale at which the window fits a sheet of this size.
+    static Sheet filled(const PlotWindow& window, double margin, double width, double height);
     // A sheet of the window's own proportions (at most 1 to 10).
     static Sheet fitted(const PlotWindow& window, double margin, double longSide);
 };
@@ -39,13 +43,13 @@ struct SheetPoint {
 class SheetMap {
 public:
     SheetMap(const Sheet& sheet, double stepsPerMillimetre, bool isDownwards)
-        : m_scale(sheet.scale * stepsPerMillimetre), m_originX(sheet.originX), m_originY(sheet.originY),
-          m_height(isDownwards ? sheet.height * stepsPerMillimetre : 0), m_sign(isDownwards ? -1 : 1) {}
+        : mScale(sheet.scale * stepsPerMillimetre), mOriginX(sheet.originX), mOriginY(sheet.originY),
+          mHeight(isDownwards ? sheet.height * stepsPerMillimetre : 0), mSign(isDownwards ? -1 : 1) {}
 
-    double x(double worldX) const { return (worldX - m_originX) * m_scale; }
-    double y(double worldY) const { return m_height + m_sign * (worldY - m_originY) * m_scale; }
-    double scale() const { return m_scale; } // steps a drawing unit
-    double sign() const { return m_sign; }
+    double x(double worldX) const { return (worldX - mOriginX) * mScale; }
+    double y(double worldY) const { return mHeight + mSign * (worldY - mOriginY) * mScale; }
+    double scale() const { return mScale; } // steps a drawing unit
+    double sign() const { return mSign; }
     SheetPoint operator()(const AcGePoint3d& point) const {
         return {rounded(x(point.x)), rounded(y(point.y))};
     }
@@ -57,12 +61,18 @@ public:
     }
 
 private:
-    double m_scale, m_originX, m_originY, m_height, m_sign;
+    double mScale, mOriginX, mOriginY, mHeight, mSign;
+};
+
+// How pens show on paper.
+struct PaperLook {
+    bool hasLineWeights = true; // else all lines are equally thin
+    bool isMonochrome = false;  // all colours are black
 };
 
 // A pen's colour on white paper, 0xRRGGBB: the foreground colour is black.
-std::uint32_t paperColor(const Pen& pen);
+std::uint32_t paperColor(const Pen& pen, const PaperLook& look);
 // A pen's width in millimetres; the thinnest weight still shows.
-double paperWidth(const Pen& pen, bool hasLineWeights);
+double paperWidth(const Pen& pen, const PaperLook& look);
 
 } // namespace host

@@ -14,7 +14,7 @@ namespace host {
 
 class SvgSink final : public PrimitiveSink {
 public:
-    SvgSink(const std::filesystem::path& path, const Sheet& sheet, bool hasLineWeights);
+    SvgSink(const std::filesystem::path& path, const Sheet& sheet, const PaperLook& look);
 
     void polyline(std::span<const AcGePoint3d> points, const Pen& pen) override;
     void area(const Area& area, const Pen& pen) override;
@@ -25,7 +25,7 @@ public:
     void popClip() override;
 
     bool finish();
-    std::wstring errorText() const { return m_file.errorText(); }
+    std::wstring errorText() const { return mFile.errorText(); }
 
 private:
     void setStroke(const Pen& pen);
@@ -36,15 +36,15 @@ private:
     void symbol(const Glyph& glyph);
     void spill();
 
-    SheetMap m_map;
-    bool m_hasLineWeights;
-    AtomicFile m_file;
-    TextBuffer m_text;
-    std::unordered_set<const Glyph*> m_symbols; // defined already
-    std::size_t m_pathPoints = 0;               // of the path element being written; 0: none is
-    std::uint32_t m_strokeColor = 0;
-    std::int64_t m_strokeWidth = 0;
-    int m_clips = 0, m_openClips = 0;
+    SheetMap mMap;
+    PaperLook mLook;
+    AtomicFile mFile;
+    TextBuffer mText;
+    std::unordered_set<const Glyph*> mSymbols; // defined already
+    std::size_t mPathPoints = 0;               // of the path element being written; 0: none is
+    std::uint32_t mStrokeColor = 0;
+    std::int64_t mStrokeWidth = 0;
+    int mClips = 0, mOpenClips = 0;
 };
 
 } // namespace host

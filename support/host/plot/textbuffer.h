@@ -12,18 +12,18 @@ namespace host {
 class TextBuffer {
 public:
     TextBuffer& operator<<(std::string_view text) {
-        m_text += text;
+        mText += text;
         return *this;
     }
     TextBuffer& operator<<(char character) {
-        m_text += character;
+        mText += character;
         return *this;
     }
     template <std::integral Integer>
     TextBuffer& operator<<(Integer number) {
         char digits[24];
         const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        m_text.append(digits, end);
+        mText.append(digits, end);
         return *this;
     }
     // Up to six decimals, without trailing zeros.
@@ -38,14 +38,14 @@ public:
         return *this << (text == "-0" ? std::string_view("0") : text);
     }
 
-    std::size_t size() const { return m_text.size(); }
-    const std::string& text() const { return m_text; }
-    void clear() { m_text.clear(); }
+    std::size_t size() const { return mText.size(); }
+    const std::string& text() const { return mText; }
+    void clear() { mText.clear(); }
     // The text, leaving the buffer empty.
-    std::string take() { return std::exchange(m_text, {}); }
+    std::string take() { return std::exchange(mText, {}); }
 
 private:
-    std::string m_text;
+    std::string mText;
 };
 
 } // namespace host

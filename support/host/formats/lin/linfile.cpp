@@ -94,6 +94,7 @@ bool takeSetting(std::wstring_view field, Element& element) {
     if (key == L'R' || key == L'A' || key == L'U') {
         const std::optional<double> given = angle(value);
         element.absoluteRotation = key == L'A';
+        element.uprightRotation = key == L'U';
         element.rotation = given.value_or(0.0);
         return given.has_value();
     }

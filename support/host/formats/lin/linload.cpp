@@ -77,6 +77,7 @@ Acad::ErrorStatus addLinetype(AcDbDatabase& database, const lin::Definition& def
         AcDbLinetypeTableRecord::Dash& dash = dashes.emplace_back();
         dash.length = element.length;
         dash.absoluteRotation = element.absoluteRotation;
+        dash.uprightRotation = element.uprightRotation;
         dash.rotation = element.rotation;
         dash.scale = element.scale;
         dash.offset.set(element.x, element.y);
