@@ -31,8 +31,6 @@ public:
     std::vector<std::unique_ptr<LinetypeLook>> linetypes;
     double scale = 1;
     bool fills = true;
-    int marks = 0;
-    double markSize = 0;
 
     TestSource() {
         addLayer(7).isZero = true;
@@ -75,8 +73,6 @@ public:
     }
     double linetypeScale() const override { return scale; }
     bool fillMode() const override { return fills; }
-    int pointMode() const override { return marks; }
-    double pointSize() const override { return markSize; }
 
 private:
     class Traits final : public DrawTraits {

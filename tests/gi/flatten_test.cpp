@@ -517,41 +517,6 @@ TEST(Shapes, FacesShowEdgesOrFill) {
     EXPECT_EQ(sink.areas[2].rule, FillRule::evenOdd);
 }
 
-TEST(Shapes, PointsAreMarkedAsTheDrawingSays) {
-    const struct {
-        int mode;
-        double size;
-        std::size_t dots, lines;
-        double width; // of all that is drawn
-    } cases[] = {
-        {0, 4, 1, 0, 0},  {1, 4, 0, 0, 0},  {2, 4, 0, 2, 8},  {3, 4, 0, 2, 8},  {4, 4, 0, 1, 0},
-        {33, 4, 0, 1, 4}, {66, 4, 0, 3, 8}, {96, 4, 1, 2, 4}, {2, 0, 0, 2, 10}, {2, -10, 0, 2, 20},
-    };
-    for (const auto& row : cases) {
-        TestSource source;
-        source.marks = row.mode;
-        source.markSize = row.size;
-        FlattenOptions options;
-        options.view = {{0, 0, 0}, {50, 100, 0}};
-        const auto draw = [](AcGiWorldDraw& world) {
-            const AcGePoint3d point{3, 4, 0};
-            world.geometry().pushModelTransform(AcGeMatrix3d::scaling(5)); // moves points, not their marks
-            world.geometry().polypoint(1, &point);
-        };
-        const KeepingSink sink = flattened(source, draw, options);
-        EXPECT_EQ(sink.dots.size(), row.dots) << row.mode;
-        EXPECT_EQ(sink.lines.size(), row.lines) << row.mode;
-        double left = 15, right = 15;
-        for (const auto& drawn : sink.lines)
-            for (const AcGePoint3d& point : drawn.points) {
-                left = std::min(left, point.x);
-                right = std::max(right, point.x);
-            }
-        EXPECT_NEAR(right - left, row.width, 1e-6) << row.mode;
-        EXPECT_NEAR(right + left, 30, 1e-6) << row.mode;
-    }
-}
-
 TEST(Shapes, AreasHaveHolesAndAreLeftOutWhereFillingIsOff) {
     const auto draw = [](AcGiWorldDraw& world) {
         world.subEntityTraits().setFillType(kAcGiFillAlways);

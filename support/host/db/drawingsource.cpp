@@ -30,8 +30,6 @@ public:
     explicit Source(AcDbDatabase& database) : mDatabase(database) {
         mLinetypeScale = database.ltscale();
         mFill = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("FILLMODE"))) != 0;
-        mPointMode = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("PDMODE")));
-        mPointSize = std::get<double>(database.variable(*findHeaderVariable("PDSIZE")));
         const auto* layers = peek<AcDbLayerTable>(database.layerTableId());
         for (std::size_t index = 0; index < layers->records().size(); ++index) {
             mLayerIndex.emplace(layers->records()[index], static_cast<int>(index));
@@ -53,8 +51,6 @@ public:
     }
     double linetypeScale() const override { return mLinetypeScale; }
     bool fillMode() const override { return mFill; }
-    int pointMode() const override { return mPointMode; }
-    double pointSize() const override { return mPointSize; }
 
     const LayerLook& layer(AcDbObjectId id);
     const LinetypeLook& linetype(AcDbObjectId id);
@@ -78,8 +74,6 @@ private:
     AcDbDatabase& mDatabase;
     double mLinetypeScale = 1.0;
     bool mFill = true;
-    int mPointMode = 0;
-    double mPointSize = 0.0;
     // Nodes of these maps stay where they are: looks given out are pointed to.
     std::unordered_map<AcDbObjectId, LayerLook> mLayers;
     std::unordered_map<AcDbObjectId, LinetypeLook> mLinetypes;

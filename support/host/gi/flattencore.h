@@ -82,8 +82,6 @@ private:
     void strokeArc(const Arc& arc);
     void fill(std::span<const AcGePoint3d> points, std::span<const std::uint32_t> contourEnds, FillRule rule);
     void inset(const RunCutter& run, const DashLayout::InsetPlace& place);
-    double pointSize() const;
-    void pointMark(const AcGePoint3d& place);
     void extrude(std::span<const AcGePoint3d> points, const AcGeVector3d& normal, double thickness);
     void face(std::span<const AcGePoint3d> points, const AcCmEntityColor* color,
               const std::function<bool(std::size_t)>& isEdgeShown);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numbers>
 
 namespace host {
 
@@ -43,52 +42,8 @@ void FlattenCore::polyPolygon(std::span<const Adesk::UInt32> counts, const AcGeP
 void FlattenCore::points(std::span<const AcGePoint3d> points) {
     if (!prepare() || !toWorld(points))
         return;
-    const std::vector<AcGePoint3d> places = mWorld;
-    mTransforms.emplace_back(); // marks are as large wherever they stand
-    mLinetype = &LinetypeLook::continuous();
-    for (const AcGePoint3d& place : places)
-        pointMark(place);
-    mTransforms.pop_back();
-}
-
-// The size of point marks, drawing units; 0 when it depends on a view and there is none.
-double FlattenCore::pointSize() const {
-    constexpr double usual = 5; // percent of the view's height
-    const double size = mSource.pointSize();
-    if (size > 0)
-        return size;
-    const double height = mOptions.view ? mOptions.view->max.y - mOptions.view->min.y : 0;
-    return height * (size < 0 ? -size : usual) / 100;
-}
-
-// The circle and the square have the size as their width, the arms of a plus and a cross reach it.
-void FlattenCore::pointMark(const AcGePoint3d& place) {
-    const int mode = mSource.pointMode(), figure = mode & 15;
-    const double size = pointSize(), half = size / 2;
-    if (figure == 0 || size <= 0)
-        mSink.dot(place, mPen);
-    if (size <= 0)
-        return;
-    const auto line = [&](double fromX, double fromY, double toX, double toY) {
-        strokeContinuous(
-            std::array{place + AcGeVector3d(fromX, fromY, 0), place + AcGeVector3d(toX, toY, 0)});
-    };
-    if (figure == 2) {
-        line(-size, 0, size, 0);
-        line(0, -size, 0, size);
-    } else if (figure == 3) {
-        line(-size, -size, size, size);
-        line(-size, size, size, -size);
-    } else if (figure == 4) {
-        line(0, 0, 0, half);
-    }
-    if ((mode & 32) != 0)
-        strokeArc({place, AcGeVector3d::kXAxis * half, AcGeVector3d::kYAxis * half, 0, 2 * std::numbers::pi});
-    if ((mode & 64) != 0) {
-        const auto corner = [&](double x, double y) { return place + AcGeVector3d(x, y, 0); };
-        strokeContinuous(std::array{corner(-half, -half), corner(half, -half), corner(half, half),
-                                    corner(-half, half), corner(-half, -half)});
-    }
+    for (const AcGePoint3d& point : mWorld)
+        mSink.dot(point, mPen);
 }
 
 // A face of a mesh or shell: filled when filling is on, else its visible edges.

@@ -142,11 +142,6 @@ public:
     virtual AcDb::LineWeight defaultLineWeight() const { return AcDb::kLnWt025; }
     // Whether wide lines and areas are filled.
     virtual bool fillMode() const { return true; }
-    // How points are marked: 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 a tick, and 32 for a circle and 64
-    // for a square around them. The size is the circle's diameter in drawing units; one that is not positive
-    // is minus the percentage of the view's height, 0 five percent of it.
-    virtual int pointMode() const { return 0; }
-    virtual double pointSize() const { return 0; }
 };
 
 } // namespace host

@@ -3,6 +3,7 @@
 
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/fields.h"
+#include "host/db/entities/pointmark.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
 
@@ -527,6 +528,28 @@ bool AcDbPoint::subWorldDraw(AcGiWorldDraw* draw) {
     if (m.thickness != 0.0) {
         draw->subEntityTraits().setThickness(m.thickness);
     }
-    draw->geometry().polypoint(1, &m.position);
+    const auto mark = host::PointMark::of(database());
+    if (mark.needsView()) {
+        return false;
+    }
+    showMarkByLine(draw->subEntityTraits());
+    mark.draw(draw->geometry(), m.position, mark.isDot() ? 0.0 : mark.size);
     return true;
+}
+
+void AcDbPoint::subViewportDraw(AcGiViewportDraw* draw) {
+    assertReadEnabled();
+    AcGePoint2d low;
+    AcGePoint2d high;
+    draw->viewport().getViewportDcCorners(low, high);
+    const auto mark = host::PointMark::of(database());
+    showMarkByLine(draw->subEntityTraits());
+    mark.draw(draw->geometry(), m.position, mark.sizeIn(high.y - low.y));
+}
+
+/// Marks are lines without a pattern.
+void AcDbPoint::showMarkByLine(AcGiSubEntityTraits& traits) const {
+    if (database() != nullptr) {
+        traits.setLineType(database()->continuousLinetype());
+    }
 }

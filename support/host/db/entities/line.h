@@ -133,10 +133,13 @@ protected:
                                         const AcGePoint3d& last, const AcGeMatrix3d& view,
                                         AcGePoint3dArray& points, AcDbIntArray& geometryIds) const override;
     bool subWorldDraw(AcGiWorldDraw* draw) override;
+    void subViewportDraw(AcGiViewportDraw* draw) override;
     std::string_view dxfSubclass(std::string_view marker) const override;
     bool takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view subclass) override;
     Acad::ErrorStatus dxfGroupsRead(AcDbDxfFiler* filer) override;
 
 private:
+    void showMarkByLine(AcGiSubEntityTraits& traits) const;
+
     host::PointData m;
 };
