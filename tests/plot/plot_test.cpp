@@ -300,14 +300,14 @@ TEST_F(PlotTest, PdfHasTheLineweightsInMillimetres) {
         add(made, 3);
     }
     PlotOptions options = window100x50(100);
-    std::string content = PdfParts(fileText(plot("weights.pdf", options))).all;
+    std::string content = PdfParts(readFile(plot("weights.pdf", options))).all;
     std::size_t last = 0;
     for (const char* width : {"\n50 w\n", "\n140 w\n", "\n400 w\n", "\n10 w\n"}) { // zero is the thinnest
         EXPECT_GT(content.find(width), last) << width;
         last = content.find(width);
     }
     options.look.hasLineWeights = false;
-    content = PdfParts(fileText(plot("weights.pdf", options))).all;
+    content = PdfParts(readFile(plot("weights.pdf", options))).all;
     EXPECT_EQ(countOf(content, " w\n"), 1u);
 }
 
@@ -318,7 +318,7 @@ TEST_F(PlotTest, PdfLayersCanBeSwitched) {
     line(0, 10, 100, 10, 1, L"线路");
     line(0, 20, 100, 20, 1, L"线路");
     line(0, 30, 100, 30, 1, L"hidden");
-    const std::string all = PdfParts(fileText(plot("layers.pdf"))).all;
+    const std::string all = PdfParts(readFile(plot("layers.pdf"))).all;
     EXPECT_EQ(countOf(all, "/Type/OCG"), 2u);
     EXPECT_EQ(countOf(all, "/Name<FEFF7EBF8DEF>"), 1u);
     EXPECT_EQ(countOf(all, "/Name<FEFF0030>"), 1u);

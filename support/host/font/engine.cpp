@@ -171,25 +171,33 @@ ShapedText FontEngine::shape(std::wstring_view text, const TextFormat& format, b
     return result;
 }
 
+// The text's ink and advance unmirrored, without glyphs.
+ShapedText FontEngine::measured(std::wstring_view text, const TextFormat& format, bool raw) {
+    ShapedText result;
+    if (!isDrawable(format))
+        return result;
+    Layout layout(format, Layout::Purpose::measuring, result);
+    const std::lock_guard lock(mImplementation->mutex);
+    layOut(text, raw, format, mImplementation->store, layout);
+    return result;
+}
+
+GlyphBox FontEngine::inkBox(std::wstring_view text, const TextFormat& format, bool raw) {
+    return measured(text, format, raw).ink;
+}
+
 FontEngine::Extents FontEngine::extents(std::wstring_view text, const TextFormat& format, bool raw,
                                         bool penups) {
-    ShapedText measured;
-    if (!isDrawable(format))
-        return {};
-    Layout layout(format, Layout::Purpose::measuring, measured);
-    {
-        const std::lock_guard lock(mImplementation->mutex);
-        layOut(text, raw, format, mImplementation->store, layout);
-    }
-    Extents result;
+    const ShapedText box = measured(text, format, raw);
     if (format.vertical)
-        return {measured.ink.right - measured.ink.left, std::abs(measured.ink.bottom)};
-    if (!measured.ink.empty) {
-        result.width = std::max(std::abs(measured.ink.left), std::abs(measured.ink.right));
-        result.height = std::abs(measured.ink.top);
+        return {box.ink.right - box.ink.left, std::abs(box.ink.bottom)};
+    Extents result;
+    if (!box.ink.empty) {
+        result.width = std::max(std::abs(box.ink.left), std::abs(box.ink.right));
+        result.height = std::abs(box.ink.top);
     }
     if (penups)
-        result.width = std::max(result.width, std::abs(measured.advanceX));
+        result.width = std::max(result.width, std::abs(box.advanceX));
     return result;
 }
 

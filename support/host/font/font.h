@@ -90,6 +90,9 @@ public:
     };
     Extents extents(std::wstring_view text, const TextFormat& format, bool raw = false, bool penups = false);
 
+    // The box of what shape() draws of the text unmirrored, without the glyphs.
+    GlyphBox inkBox(std::wstring_view text, const TextFormat& format, bool raw = false);
+
     // Whether the font is there itself and not a substitute.
     bool isAvailable(const FontSpec& font);
 
@@ -110,6 +113,8 @@ public:
     std::vector<std::filesystem::path> searchFolders();
 
 private:
+    ShapedText measured(std::wstring_view text, const TextFormat& format, bool raw);
+
     struct Implementation;
     std::unique_ptr<Implementation> mImplementation;
 };

@@ -1,6 +1,7 @@
 // Lines and points.
 #include "host/db/entities/line.h"
 
+#include "host/db/dbdatabase.h"
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/fields.h"
 #include "host/db/entities/pointmark.h"

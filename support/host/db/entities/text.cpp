@@ -271,17 +271,15 @@ AcGiTextStyle AcDbText::giTextStyle(const AcDbDatabase* database) const {
 
 namespace {
 
-host::TextBox boxOf(const AcString& text, AcGiTextStyle style) {
-    style.setBackward(false);
-    style.setUpsideDown(false);
+host::TextBox boxOf(const AcString& text, const AcGiTextStyle& style) {
     host::TextBox box;
-    const host::ShapedText shaped = host::FontEngine::instance().shape(text.view(), style.format());
-    if (!shaped.ink.empty) {
-        box.left = shaped.ink.left;
-        box.right = shaped.ink.right;
-        box.bottom = shaped.ink.bottom;
-        box.top = shaped.ink.top;
-        box.width = std::max(shaped.ink.right, 0.0);
+    const host::GlyphBox ink = host::FontEngine::instance().inkBox(text.view(), style.format());
+    if (!ink.empty) {
+        box.left = ink.left;
+        box.right = ink.right;
+        box.bottom = ink.bottom;
+        box.top = ink.top;
+        box.width = std::max(ink.right, 0.0);
     }
     box.descent = host::FontEngine::instance().metrics(style.format().font).descent * style.textSize();
     return box;
