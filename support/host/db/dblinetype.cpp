@@ -99,7 +99,12 @@ namespace {
 
 constexpr double degree = 3.14159265358979323846 / 180.0;
 
-enum ElementFlags : Adesk::Int16 { absoluteElement = 1, textElement = 2, shapeElement = 4, uprightElement = 8 };
+enum ElementFlags : Adesk::Int16 {
+    absoluteElement = 1,
+    textElement = 2,
+    shapeElement = 4,
+    uprightElement = 8
+};
 
 } // namespace
 

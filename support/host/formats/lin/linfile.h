@@ -18,7 +18,7 @@ struct Element {
     std::wstring style; ///< text style, or shape file
     bool absoluteRotation = false;
     bool uprightRotation = false; ///< turned where it would stand on its head
-    double rotation = 0.0; ///< radians
+    double rotation = 0.0;        ///< radians
     double scale = 1.0;
     double x = 0.0;
     double y = 0.0;
