@@ -67,7 +67,7 @@ bool writeResults(const app::Options& options) {
     bool written = true;
     for (const std::filesystem::path& path : options.saves) {
         std::wstring message;
-        if (host::fileFormats().write(database, host::fromUtf8(path.string()), true, message) != Acad::eOk) {
+        if (host::fileFormats().write(database, host::fromUtf8(path.string()), {}, message) != Acad::eOk) {
             tell(message);
             written = false;
         }

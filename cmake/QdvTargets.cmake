@@ -1,14 +1,21 @@
 # The project's own target kinds, so that flags and layering are said once.
 
 add_library(qdv_flags INTERFACE)
-target_compile_options(qdv_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror
-  -fno-semantic-interposition)
+target_compile_options(qdv_flags INTERFACE -fno-semantic-interposition)
+if(QDV_FUZZ) # Clang warns of other things than the compiler that the warnings are kept clean for
+  target_compile_options(qdv_flags INTERFACE -w -fsanitize=fuzzer-no-link)
+else()
+  target_compile_options(qdv_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
+endif()
 target_compile_definitions(qdv_flags INTERFACE UNICODE _UNICODE)
 target_include_directories(qdv_flags INTERFACE ${CMAKE_SOURCE_DIR}/support ${CMAKE_SOURCE_DIR})
 if(QDV_SANITIZE)
   target_compile_options(qdv_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-    -fno-omit-frame-pointer -Wno-maybe-uninitialized) # GCC misjudges the library under sanitizers
+    -fno-omit-frame-pointer)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(qdv_flags INTERFACE -Wno-maybe-uninitialized) # misjudges the library here
+  endif()
   target_link_options(qdv_flags INTERFACE -fsanitize=address,undefined)
 endif()
 

@@ -52,6 +52,9 @@ AcDbObjectId definitionOf(const std::wstring& given) {
         reportFailure(message);
         return {};
     }
+    if (!message.empty()) {
+        acutPrintf(L"\n%s", message.c_str());
+    }
     if (database.insert(id, name.c_str(), &source) != Acad::eOk) {
         reportFailure(L"无法插入 \"" + given + L"\"");
         return {};

@@ -411,13 +411,26 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* fileName, int, bool, co
 Acad::ErrorStatus AcDbDatabase::dxfIn(const ACHAR* fileName, const ACHAR*) {
     return readDwgFile(fileName);
 }
-Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool backup) {
+namespace {
+
+Acad::ErrorStatus writeFile(AcDbDatabase& database, const ACHAR* fileName, const host::SaveFormat& format) {
     std::wstring message;
-    return host::fileFormats().write ? host::fileFormats().write(*this, fileName, backup, message)
+    return host::fileFormats().write ? host::fileFormats().write(database, fileName, format, message)
                                      : Acad::eNotImplementedYet;
 }
-Acad::ErrorStatus AcDbDatabase::dxfOut(const ACHAR* fileName, int, AcDb::AcDbDwgVersion) {
-    return saveAs(fileName, false);
+
+} // namespace
+
+Acad::ErrorStatus AcDbDatabase::saveAs(const ACHAR* fileName, bool backup) {
+    host::SaveFormat format;
+    format.backup = backup;
+    return writeFile(*this, fileName, format);
+}
+Acad::ErrorStatus AcDbDatabase::dxfOut(const ACHAR* fileName, int, AcDb::AcDbDwgVersion version) {
+    host::SaveFormat format;
+    format.version = version;
+    format.backup = false;
+    return writeFile(*this, fileName, format);
 }
 Acad::ErrorStatus AcDbDatabase::getFilename(const ACHAR*& name) const {
     name = mImpl->fileName.c_str();

@@ -331,10 +331,18 @@ void makeProxies(AcRxClass* descriptor);
 using LinetypeLoader =
     std::function<Acad::ErrorStatus(const ACHAR* name, const ACHAR* file, AcDbDatabase& database)>;
 LinetypeLoader& linetypeLoader();
-/// Readers and writers of drawing files, hung in by formats.
+/// How a drawing is written: the release of the file, and in text or binary where there are both.
+struct SaveFormat {
+    AcDb::AcDbDwgVersion version = AcDb::kDHL_CURRENT;
+    bool binary = false;
+    bool backup = true; ///< the old file stays as NAME.bak
+};
+
+/// Readers and writers of drawing files, hung in by formats. On success the message has a line for each thing
+/// that did not come over as it stood, bounded; else one line on what went wrong.
 struct FileFormats {
     std::function<Acad::ErrorStatus(AcDbDatabase&, const std::wstring& path, std::wstring& message)> read;
-    std::function<Acad::ErrorStatus(AcDbDatabase&, const std::wstring& path, bool backup,
+    std::function<Acad::ErrorStatus(AcDbDatabase&, const std::wstring& path, const SaveFormat& format,
                                     std::wstring& message)>
         write;
 };

@@ -283,6 +283,10 @@ std::span<const HeaderVariable> headerVariables() {
     return variables;
 }
 
+HeaderValue initialHeaderValue(HeaderIndex index) {
+    return initialValue(variables[index]);
+}
+
 std::optional<HeaderIndex> findHeaderVariable(std::string_view name) {
     static const NameIndex index;
     std::string upper(name);

@@ -44,6 +44,8 @@ struct HeaderVariable {
 using HeaderIndex = std::size_t;
 
 std::span<const HeaderVariable> headerVariables();
+/// What the variable has in a new drawing.
+HeaderValue initialHeaderValue(HeaderIndex index);
 /// Case-insensitive look-up.
 std::optional<HeaderIndex> findHeaderVariable(std::string_view name);
 

@@ -214,6 +214,9 @@ std::unique_ptr<AcDbDatabase> readDrawing(const std::filesystem::path& file, Aca
                  ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
                  : Acad::eNotImplementedYet;
     if (status == Acad::eOk) {
+        if (!message.empty()) {
+            acutPrintf(L"\n%s", message.c_str());
+        }
         return database;
     }
     host::reportFailure(message.empty() ? L"无法读取图形文件 " + host::displayPath(file) : message);

@@ -76,6 +76,7 @@ struct DocumentState {
     std::map<AcDbStub*, std::size_t> dictionaryCursors;
 
     Adesk::UInt64 savedChangeCount = 0;
+    SaveFormat saveFormat; ///< that the drawing was saved in last
     std::vector<Adesk::UInt64> pushedDbmod;
 };
 

@@ -415,8 +415,12 @@ std::unique_ptr<FontFace> openShapeFace(const std::filesystem::path& path) {
         return nullptr;
     std::ifstream stream(path, std::ios::binary);
     std::string bytes(std::istreambuf_iterator<char>(stream), {});
+    return shapeFace(std::move(bytes), pageOf(path));
+}
+
+std::unique_ptr<FontFace> shapeFace(std::string bytes, CodePage page) {
     std::optional<ShxFile> file = ShxFile::parse(std::move(bytes));
-    return file ? std::make_unique<ShxFace>(std::move(*file), pageOf(path)) : nullptr;
+    return file ? std::make_unique<ShxFace>(std::move(*file), page) : nullptr;
 }
 
 std::unique_ptr<FontFace> makeStandardShapeFace(std::wstring_view name) {

@@ -11,14 +11,15 @@
 
 namespace host {
 
-/// One thing of a file that did not come over as it stood.
+/// One thing of a file that did not come over as it stood, or of a drawing that a file cannot hold.
 struct ReadEntry {
     enum class Done { kept, repaired, leftOut };
 
-    std::size_t line = 0;       ///< 1 for the first line of a text file; 0: not at one place
+    std::size_t place = 0;      ///< line, 1 for the first, or byte of a binary file; 0: not at one place
     Adesk::UInt64 handle = 0;   ///< of the object concerned; 0: none
     std::wstring what;          ///< in the user's language, without place and consequence
     Done done = Done::repaired; ///< `kept`: not understood, but goes back into a file as it came
+    bool binary = false;        ///< the place is a byte
 
     /// One line: place, what, and what was done.
     std::wstring text() const;
@@ -33,8 +34,8 @@ public:
     const std::vector<ReadEntry>& entries() const { return mEntries; }
     std::size_t count() const { return mCount; }
     bool empty() const { return mCount == 0; }
-    /// All entries, a line each.
-    std::wstring text() const;
+    /// The first entries, a line each, and how many more there are.
+    std::wstring text(std::size_t lines = maximumEntries) const;
 
 private:
     std::vector<ReadEntry> mEntries;
@@ -50,6 +51,7 @@ struct ReadResult {
 struct WriteResult {
     Acad::ErrorStatus status = Acad::eOk;
     std::wstring message;
+    ReadReport report; ///< what the release of the file does not have
 };
 
 /// Reads a DXF file, text or binary, of release 9 (AC1004) to 2018 (AC1032), into a database made without a
@@ -60,15 +62,18 @@ ReadResult readDxf(AcDbDatabase& database, const std::filesystem::path& file);
 ReadResult readDxfText(AcDbDatabase& database, std::string_view bytes);
 
 struct DxfWriteOptions {
-    AcDb::AcDbDwgVersion version = AcDb::kDHL_1032;
+    AcDb::AcDbDwgVersion version = AcDb::kDHL_1032; ///< release 2000 (AC1015) and later
+    bool binary = false;
     bool backup = true; ///< the old file stays as NAME.bak
 };
 
-/// Writes the whole drawing as text: all or nothing under the given name.
+/// Writes the whole drawing: all or nothing under the given name. What an older release does not have is
+/// left out or turned into what it has.
 WriteResult writeDxf(AcDbDatabase& database, const std::filesystem::path& file,
                      const DxfWriteOptions& options = {});
 /// The same into memory.
-std::string writeDxfText(AcDbDatabase& database, const DxfWriteOptions& options = {});
+std::string writeDxfText(AcDbDatabase& database, const DxfWriteOptions& options = {},
+                         ReadReport* report = nullptr);
 
 struct DumpOptions {
     bool volatileToo = false;   ///< time stamps, handle seed, fingerprint and the like

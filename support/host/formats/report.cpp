@@ -2,12 +2,14 @@
 #include "host/formats/formats.h"
 #include "host/rx/format.h"
 
+#include <algorithm>
+
 namespace host {
 
 std::wstring ReadEntry::text() const {
     std::wstring result;
-    if (line != 0) {
-        result += formatted(L"第 %I64d 行: ", static_cast<long long>(line));
+    if (place != 0) {
+        result += formatted(binary ? L"第 0x%I64X 字节: " : L"第 %I64d 行: ", static_cast<long long>(place));
     }
     result += what;
     if (handle != 0) {
@@ -31,13 +33,14 @@ void ReadReport::add(ReadEntry entry) {
     }
 }
 
-std::wstring ReadReport::text() const {
+std::wstring ReadReport::text(std::size_t lines) const {
     std::wstring result;
-    for (const ReadEntry& entry : mEntries) {
-        result += entry.text() + L"\n";
+    const std::size_t shown = std::min(lines, mEntries.size());
+    for (std::size_t index = 0; index < shown; ++index) {
+        result += mEntries[index].text() + L"\n";
     }
-    if (mCount > mEntries.size()) {
-        result += formatted(L"还有 %I64d 处\n", static_cast<long long>(mCount - mEntries.size()));
+    if (mCount > shown) {
+        result += formatted(L"还有 %I64d 处\n", static_cast<long long>(mCount - shown));
     }
     return result;
 }

@@ -1,7 +1,12 @@
 // The entries of the DXF reader and writer: files and memory, and the line for what went wrong.
+#include "host/formats/dxf/binarywriter.h"
 #include "host/formats/dxf/reader.h"
+#include "host/formats/dxf/textwriter.h"
 #include "host/formats/dxf/writer.h"
+#include "host/rx/format.h"
 #include "host/win/fileio.h"
+
+#include <algorithm>
 
 namespace host {
 
@@ -39,24 +44,49 @@ ReadResult readDxf(AcDbDatabase& database, const std::filesystem::path& file) {
 
 namespace {
 
+/// The drawing's page; one that cannot hold a file's text gives way to the Chinese one.
 CodePage pageOf(const AcDbDatabase& database) {
-    return codePageByName(database.impl().codePage).value_or(CodePage::ansi936);
+    const CodePage page = codePageByName(database.impl().codePage).value_or(CodePage::ansi936);
+    return page == CodePage::utf8 || page == CodePage::utf16 ? CodePage::ansi936 : page;
 }
 
-void write(AcDbDatabase& database, AcDb::AcDbDwgVersion version, dxf::TextWriter::Sink sink) {
-    dxf::TextWriter out(database, version, pageOf(database), std::move(sink));
-    dxf::Writer(database, out, version).write();
+void write(AcDbDatabase& database, dxf::GroupWriter& out, ReadReport& report) {
+    if (out.version() >= AcDb::kDHL_1032) {
+        dxf::Writer(database, out, nullptr).write();
+        return;
+    }
+    dxf::VersionFilter filter(database, out);
+    dxf::Writer(database, out, &filter).write();
+    filter.reportTo(report);
+}
+
+void write(AcDbDatabase& database, const DxfWriteOptions& options, dxf::Sink sink, ReadReport& report) {
+    const AcDb::AcDbDwgVersion version =
+        std::clamp(options.version, AcDb::kDHL_1015, AcDb::kDHL_1032);
+    const CodePage page = pageOf(database);
+    if (!options.binary) {
+        dxf::TextWriter out(database, version, page, std::move(sink));
+        write(database, out, report);
+        return;
+    }
+    dxf::BinaryWriter out(database, version, page, std::move(sink));
+    write(database, out, report);
+    if (const std::size_t count = out.clampedNumbers(); count > 0) {
+        report.add({0, 0, formatted(L"%I64d 个整数超出二进制文件的范围", static_cast<long long>(count)),
+                    ReadEntry::Done::repaired});
+    }
 }
 
 } // namespace
 
 WriteResult writeDxf(AcDbDatabase& database, const std::filesystem::path& file,
                      const DxfWriteOptions& options) {
+    WriteResult result;
     AtomicFile output(file, options.backup ? AtomicFile::Backup::keep : AtomicFile::Backup::none);
     if (!output.failed()) {
-        write(database, options.version, [&](std::string_view text) { return output.write(text); });
+        write(
+            database, options, [&](std::string_view bytes) { return output.write(bytes); }, result.report);
     }
-    WriteResult result;
     if (output.failed() || !output.commit()) {
         result.status = Acad::eFileAccessErr;
         result.message = output.errorText();
@@ -64,13 +94,17 @@ WriteResult writeDxf(AcDbDatabase& database, const std::filesystem::path& file,
     return result;
 }
 
-std::string writeDxfText(AcDbDatabase& database, const DxfWriteOptions& options) {
-    std::string text;
-    write(database, options.version, [&](std::string_view piece) {
-        text += piece;
-        return true;
-    });
-    return text;
+std::string writeDxfText(AcDbDatabase& database, const DxfWriteOptions& options, ReadReport* report) {
+    std::string bytes;
+    ReadReport ignored;
+    write(
+        database, options,
+        [&](std::string_view piece) {
+            bytes += piece;
+            return true;
+        },
+        report != nullptr ? *report : ignored);
+    return bytes;
 }
 
 } // namespace host

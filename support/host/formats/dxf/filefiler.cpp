@@ -109,7 +109,7 @@ bool FileFiler::refuse(const wchar_t* expected) {
         for (wchar_t& c : shown) {
             c = c < L' ' ? L'?' : c;
         }
-        mFault = {mTokenLine + 1,
+        mFault = {mScanner.valueLine(mTokenLine),
                   formatted(L"组码 %d 的值 \"%s\" 不是%s", mToken.code, shown.c_str(), expected)};
     }
     return false;

@@ -58,6 +58,8 @@ public:
 
     /// The line of the group given last.
     std::size_t line() const { return mGroupLine; }
+    /// The line of its value.
+    std::size_t valueLine() const { return mScanner.valueLine(mGroupLine); }
 
     // Names in entities: groups 8, 6, 7 and 2 get the id of the record they name.
 

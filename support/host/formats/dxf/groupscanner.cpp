@@ -12,8 +12,6 @@
 namespace host::dxf {
 namespace {
 
-constexpr std::string_view binarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
-
 constexpr bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
@@ -157,9 +155,8 @@ GroupScanner::GroupScanner(std::string_view bytes) {
     mEnd = mBegin + bytes.size();
 }
 
-std::wstring GroupScanner::place() const {
-    return mBinary ? formatted(L"第 0x%I64X 字节", static_cast<unsigned long long>(position().offset))
-                   : formatted(L"第 %I64d 行", static_cast<long long>(mGroup * 2 - 1));
+std::wstring GroupScanner::place(std::size_t line) const {
+    return formatted(mBinary ? L"第 0x%I64X 字节" : L"第 %I64d 行", static_cast<long long>(line));
 }
 
 /// A code line that is not just digits with blanks before them. False: nothing but blank lines follow.
@@ -243,6 +240,7 @@ bool GroupScanner::nextBinary(Token& token) {
     if (mAt == mEnd) {
         return false;
     }
+    mStart = position().offset + binarySentinel.size();
     int code = 0;
     if (mShortCodes) {
         code = take<std::uint8_t>();

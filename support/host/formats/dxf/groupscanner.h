@@ -19,6 +19,9 @@ public:
     std::wstring message;
 };
 
+/// What a binary file begins with.
+inline constexpr std::string_view binarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
+
 /// The largest group code there is.
 inline constexpr int lastGroupCode = 1071;
 
@@ -65,10 +68,13 @@ public:
         mGroup = position.group;
     }
     bool isBinary() const { return mBinary; }
-    /// Line of the code of the group before the position; of a binary file the offset.
-    std::size_t line() const { return mBinary ? position().offset : mGroup * 2 - 1; }
-    /// "第 12 行" or "第 0x1F 字节" of the group read last.
-    std::wstring place() const;
+    /// Line of the code of the group read last; of a binary file the byte it begins with.
+    std::size_t line() const { return mBinary ? mStart : mGroup * 2 - 1; }
+    /// Line of the value of a group whose code is in the line; bytes stay as they are.
+    std::size_t valueLine(std::size_t line) const { return mBinary ? line : line + 1; }
+    /// "第 12 行" or "第 0x1F 字节", for what line() gave.
+    std::wstring place(std::size_t line) const;
+    std::wstring place() const { return place(line()); }
 
 private:
     bool nextText(Token& token);
@@ -81,6 +87,7 @@ private:
     const char* mAt;
     const char* mEnd;
     std::size_t mGroup = 0;
+    std::size_t mStart = 0; ///< in a binary file, byte of the group read last
     bool mBinary = false;
     bool mShortCodes = false; ///< binary files before release 13: codes of one byte
     std::string mConverted;   ///< a file whose lines end with CR alone, with LF

@@ -54,7 +54,7 @@ void Reader::report(std::wstring what, Done done) {
 }
 
 void Reader::report(std::wstring what, Done done, std::size_t line, Adesk::UInt64 handle) {
-    mReport.add({line, handle, std::move(what), done});
+    mReport.add({line, handle, std::move(what), done, mScanner.isBinary()});
 }
 
 void Reader::read() {
@@ -69,9 +69,8 @@ void Reader::read() {
         } else if (name == "SECTION") {
             readSection();
         } else {
-            throw FormatError(formatted(L"第 %I64d 行: 应为 SECTION 或 EOF, 而是 \"%s\"",
-                                        static_cast<long long>(mFiler.recordLine() + 1),
-                                        fromUtf8(name.substr(0, 40)).c_str()));
+            throw FormatError(mScanner.place(mScanner.valueLine(mFiler.recordLine())) +
+                              L": 应为 SECTION 或 EOF, 而是 \"" + fromUtf8(name.substr(0, 40)) + L"\"");
         }
     }
     if (!mEnded) {

@@ -259,21 +259,21 @@ AcDbStub* Reader::addSymbol(SymbolKind kind, const AcString& name) {
     AcDbSymbolTableRecord* record = nullptr;
     switch (kind) {
     case SymbolKind::layer:
-        report(L"图层" + quoted + L" 没有定义, 已新建", Done::repaired, mFiler.line() + 1, 0);
+        report(L"图层" + quoted + L" 没有定义, 已新建", Done::repaired, mFiler.valueLine(), 0);
         record = addRecord(known.layerTable, L"AcDbLayerTableRecord", name);
         break;
     case SymbolKind::linetype:
-        report(L"线型" + quoted + L" 没有定义, 已新建为实线", Done::repaired, mFiler.line() + 1, 0);
+        report(L"线型" + quoted + L" 没有定义, 已新建为实线", Done::repaired, mFiler.valueLine(), 0);
         record = addRecord(known.linetypeTable, L"AcDbLinetypeTableRecord", name);
         break;
     case SymbolKind::textStyle:
-        report(L"文字样式" + quoted + L" 没有定义, 已新建", Done::repaired, mFiler.line() + 1, 0);
+        report(L"文字样式" + quoted + L" 没有定义, 已新建", Done::repaired, mFiler.valueLine(), 0);
         record = addRecord(known.textStyleTable, L"AcDbTextStyleTableRecord", name);
         break;
     case SymbolKind::block:
         // The definition may come later; old releases have no table of blocks.
         record = addRecord(known.blockTable, L"AcDbBlockTableRecord", name);
-        mBlocksWithoutDefinition.emplace(record->objectId().stub(), mFiler.line() + 1);
+        mBlocksWithoutDefinition.emplace(record->objectId().stub(), mFiler.valueLine());
         break;
     }
     return record->objectId().stub();

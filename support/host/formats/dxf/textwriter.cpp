@@ -12,7 +12,6 @@
 namespace host::dxf {
 namespace {
 
-constexpr std::size_t bufferSize = 1 << 18;
 /// More than any number needs with its code.
 constexpr std::size_t numberRoom = 64;
 constexpr std::string_view lineEnd = "\r\n";
@@ -39,122 +38,59 @@ const std::array<CodeLine, lastGroupCode + 1>& codeLines() {
     return lines;
 }
 
-/// Below the characters that a line of a file holds as they are.
-bool isControl(char c) {
-    return static_cast<unsigned char>(c) < 0x20;
+// Each puts something where there is room for it and gives the place behind it.
+
+char* putCode(char* at, short code) {
+    const CodeLine& line = codeLines()[static_cast<std::size_t>(std::clamp<int>(code, 0, lastGroupCode))];
+    std::memcpy(at, line.text.data(), line.text.size());
+    return at + line.size;
+}
+
+char* putLineEnd(char* at) {
+    return std::copy(lineEnd.begin(), lineEnd.end(), at);
 }
 
 } // namespace
 
-TextWriter::TextWriter(AcDbDatabase& database, AcDb::AcDbDwgVersion version, CodePage page, Sink sink)
-    : mDatabase(database), mVersion(version), mPage(page), mSink(std::move(sink)), mBuffer(bufferSize, '\0'),
-      mAt(mBuffer.data()) {}
-
-Acad::ErrorStatus TextWriter::dwgVersion(AcDb::AcDbDwgVersion& version,
-                                         AcDb::MaintenanceReleaseVersion& maintenance) const {
-    version = mVersion;
-    maintenance = AcDb::kMReleaseCurrent;
-    return Acad::eOk;
-}
-
-void TextWriter::makeRoom(std::size_t count) {
-    flush();
-    if (mBuffer.size() < count) {
-        mBuffer.resize(count);
-    }
-    mAt = mBuffer.data();
-}
-
-bool TextWriter::flush() {
-    const std::string_view filled(mBuffer.data(), static_cast<std::size_t>(mAt - mBuffer.data()));
-    if (!mRefused && !filled.empty()) {
-        mRefused = !mSink(filled);
-    }
-    mAt = mBuffer.data();
-    return !mRefused;
-}
-
-/// Needs room for numberRoom characters.
-void TextWriter::putCode(short code) {
-    const CodeLine& line = codeLines()[static_cast<std::size_t>(std::clamp<int>(code, 0, lastGroupCode))];
-    std::memcpy(mAt, line.text.data(), line.text.size());
-    mAt += line.size;
-}
-
-/// Needs room for the text and a line end.
-void TextWriter::putLine(std::string_view text) {
-    mAt = std::copy(text.begin(), text.end(), mAt);
-    mAt = std::copy(lineEnd.begin(), lineEnd.end(), mAt);
-}
-
 Acad::ErrorStatus TextWriter::writeReal(short code, double value) {
     char digits[40];
-    reserve(numberRoom);
-    putCode(code);
-    putLine(formatReal(value, digits));
+    const std::string_view text = formatReal(value, digits);
+    char* const line = putCode(mOut.room(numberRoom), code);
+    mOut.take(putLineEnd(std::copy(text.begin(), text.end(), line)));
     return status();
 }
 
 Acad::ErrorStatus TextWriter::writeInteger(short code, Adesk::Int64 value) {
-    reserve(numberRoom);
-    putCode(code);
-    mAt = std::to_chars(mAt, mAt + 24, value).ptr;
-    putLine({});
+    char* const line = putCode(mOut.room(numberRoom), code);
+    mOut.take(putLineEnd(std::to_chars(line, line + 24, value).ptr));
     return status();
 }
 
 void TextWriter::writeHandle(short code, Adesk::UInt64 handle) {
-    reserve(numberRoom);
-    putCode(code);
-    char* const digits = mAt;
-    mAt = std::to_chars(mAt, mAt + 20, handle, 16).ptr;
-    std::transform(digits, mAt, digits,
+    char* const digits = putCode(mOut.room(numberRoom), code);
+    char* const end = std::to_chars(digits, digits + 20, handle, 16).ptr;
+    std::transform(digits, end, digits,
                    [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
-    putLine({});
-}
-
-Acad::ErrorStatus TextWriter::writeText(short code, std::string_view value) {
-    const bool plain =
-        std::none_of(value.begin(), value.end(), [](char c) { return c == '^' || isControl(c); });
-    return plain ? writeKept(code, value) : writeKept(code, encodeDxfText(value));
-}
-
-Acad::ErrorStatus TextWriter::writePoint(short code, double x, double y, double z, int dimensions) {
-    writeReal(code, x);
-    writeReal(static_cast<short>(code + 10), y);
-    if (dimensions == 3) {
-        writeReal(static_cast<short>(code + 20), z);
-    }
-    return status();
-}
-
-Acad::ErrorStatus TextWriter::writeReference(short code, AcDbStub* id) {
-    writeHandle(code, id != nullptr ? id->handle : 0);
-    return status();
+    mOut.take(putLineEnd(end));
 }
 
 Acad::ErrorStatus TextWriter::writeBinary(short code, const void* bytes, std::size_t count) {
-    constexpr std::size_t chunk = 127;
-    const auto* at = static_cast<const char*>(bytes);
-    for (; count > 0; count -= std::min(count, chunk), at += chunk) {
-        writeKept(code, hexFromBytes(at, std::min(count, chunk)));
+    const auto* const begin = static_cast<const char*>(bytes);
+    for (std::size_t at = 0; at < count; at += chunkBytes) {
+        writeKept(code, hexFromBytes(begin + at, std::min(count - at, chunkBytes)));
     }
     return status();
 }
 
 Acad::ErrorStatus TextWriter::writeKept(short code, std::string_view text) {
-    std::string changed;
-    if (mVersion < AcDb::kDHL_1021 && !isAscii(text)) {
-        changed = encode(fromUtf8(text), mPage);
-        text = changed;
-    }
-    reserve(numberRoom + text.size());
-    putCode(code);
-    char* const line = mAt;
-    putLine(text);
+    std::string buffer;
+    text = encoded(text, buffer);
+    char* const line = putCode(mOut.room(numberRoom + text.size()), code);
+    char* const end = std::copy(text.begin(), text.end(), line);
     // Kept text comes from lines and has no line ends; what comes from elsewhere must not break the file.
     std::replace_if(
-        line, line + text.size(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+        line, end, [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    mOut.take(putLineEnd(end));
     return status();
 }
 

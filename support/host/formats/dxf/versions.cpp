@@ -9,24 +9,35 @@ namespace {
 
 struct VersionName {
     std::string_view name;
+    std::string_view release;
     AcDb::AcDbDwgVersion version;
 };
 
 constexpr VersionName versionNames[] = {
-    {"AC1004", AcDb::kDHL_1004}, {"AC1006", AcDb::kDHL_1006}, {"AC1009", AcDb::kDHL_1009},
-    {"AC1012", AcDb::kDHL_1012}, {"AC1014", AcDb::kDHL_1014}, {"AC1015", AcDb::kDHL_1015},
-    {"AC1018", AcDb::kDHL_1800}, {"AC1021", AcDb::kDHL_1021}, {"AC1024", AcDb::kDHL_1024},
-    {"AC1027", AcDb::kDHL_1027}, {"AC1032", AcDb::kDHL_1032},
+    {"AC1004", "R9", AcDb::kDHL_1004},    {"AC1006", "R10", AcDb::kDHL_1006},
+    {"AC1009", "R12", AcDb::kDHL_1009},   {"AC1012", "R13", AcDb::kDHL_1012},
+    {"AC1014", "R14", AcDb::kDHL_1014},   {"AC1015", "2000", AcDb::kDHL_1015},
+    {"AC1018", "2004", AcDb::kDHL_1800},  {"AC1021", "2007", AcDb::kDHL_1021},
+    {"AC1024", "2010", AcDb::kDHL_1024},  {"AC1027", "2013", AcDb::kDHL_1027},
+    {"AC1032", "2018", AcDb::kDHL_1032},
 };
+
+const VersionName& nearest(AcDb::AcDbDwgVersion version) {
+    const VersionName* found = versionNames;
+    for (const VersionName& known : versionNames) {
+        found = known.version <= version ? &known : found;
+    }
+    return *found;
+}
 
 } // namespace
 
 std::string_view versionName(AcDb::AcDbDwgVersion version) {
-    std::string_view name = versionNames[0].name;
-    for (const VersionName& known : versionNames) {
-        name = known.version <= version ? known.name : name;
-    }
-    return name;
+    return nearest(version).name;
+}
+
+std::string_view releaseName(AcDb::AcDbDwgVersion version) {
+    return nearest(version).release;
 }
 
 std::optional<AcDb::AcDbDwgVersion> versionByName(std::string_view name) {

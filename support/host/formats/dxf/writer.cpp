@@ -38,8 +38,10 @@ void forEachBlock(const AcDbDatabase& database, Visit&& visit) {
 
 } // namespace
 
-Writer::Writer(AcDbDatabase& database, TextWriter& out, AcDb::AcDbDwgVersion version)
-    : mDatabase(database), mImpl(database.impl()), mOut(out), mVersion(version), mClasses(database) {}
+Writer::Writer(AcDbDatabase& database, GroupWriter& out, VersionFilter* filter)
+    : mDatabase(database), mImpl(database.impl()), mFilter(filter),
+      mOut(filter != nullptr ? static_cast<GroupWriter&>(*filter) : out), mVersion(out.version()),
+      mClasses(database) {}
 
 void Writer::write() {
     completeBlocks();
@@ -78,22 +80,40 @@ void Writer::writeHeader() {
     mOut.writeText(9, "$ACADVER");
     mOut.writeText(1, versionName(mVersion));
     mOut.writeText(9, "$DWGCODEPAGE");
-    mOut.writeText(3, mImpl.codePage);
+    mOut.writeText(3, mVersion < AcDb::kDHL_1021 ? codePageName(mOut.codePage()) : mImpl.codePage);
     const std::span<const HeaderVariable> variables = headerVariables();
     for (HeaderIndex index = 0; index < variables.size(); ++index) {
-        writeHeaderVariable(variables[index], effectiveHeaderValue(mDatabase, index));
+        const HeaderVariable& variable = variables[index];
+        const HeaderValue value = effectiveHeaderValue(mDatabase, index);
+        if (mFilter == nullptr || !mFilter->leavesOutVariable(variable.name)) {
+            writeHeaderVariable(variable, value);
+        } else if (value != initialHeaderValue(index)) {
+            mFilter->noteVariable(variable.name);
+        }
     }
     mOut.writeText(9, "$HANDSEED");
     mOut.writeHandle(5, mImpl.nextHandle());
-    mOut.writeKept(mImpl.unknownHeader);
+    writeUnknownVariables();
     endSection();
+}
+
+void Writer::writeUnknownVariables() {
+    bool written = true;
+    for (const GroupList::Group group : mImpl.unknownHeader) {
+        if (group.code == 9 && mFilter != nullptr) {
+            written = !mFilter->leavesOutVariable(group.text.substr(group.text.starts_with('$') ? 1 : 0));
+        }
+        if (written) {
+            mOut.writeKept(group.code, group.text);
+        }
+    }
 }
 
 void Writer::writeHeaderVariable(const HeaderVariable& variable, const HeaderValue& value) {
     mOut.writeText(9, "$" + std::string(variable.name));
     const short code = variable.code;
     struct Visitor {
-        TextWriter& out;
+        GroupWriter& out;
         const HeaderVariable& variable;
         short code;
 
@@ -238,7 +258,7 @@ void Writer::writeEntities() {
 
 void Writer::writeEntitiesOf(const AcDbBlockTableRecord& block) {
     for (AcDbStub* stub : block.entities()) {
-        if (stub->object != nullptr && !stub->erased) {
+        if (stub->object != nullptr && !stub->erased && !leavesOut(*stub->object)) {
             writeEntity(*static_cast<const AcDbEntity*>(stub->object));
         }
     }
@@ -275,7 +295,7 @@ void Writer::writeObjects() {
             stub.object->isKindOf(AcDbSymbolTableRecord::desc())) {
             return;
         }
-        if (!AcDbObjectId(&stub).isEffectivelyErased()) {
+        if (!AcDbObjectId(&stub).isEffectivelyErased() && !leavesOut(*stub.object)) {
             writeObject(*stub.object);
         }
     });
@@ -292,8 +312,11 @@ void Writer::writeSectionGroups(const GroupList& section) {
 
 void Writer::writeUnknownSections() {
     for (const GroupList& section : mImpl.unknownSections) {
-        if (sectionName(section) != "TABLES") {
-            beginSection(sectionName(section));
+        const std::string_view name = sectionName(section);
+        if (mFilter != nullptr && mFilter->leavesOutSection(name)) {
+            // What it holds belongs to objects that are left out too.
+        } else if (name != "TABLES") {
+            beginSection(name);
             writeSectionGroups(section);
             endSection();
         }

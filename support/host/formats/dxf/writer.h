@@ -3,13 +3,14 @@
 
 #include "host/db/drawingsource.h"
 #include "host/formats/dxf/classlist.h"
-#include "host/formats/dxf/textwriter.h"
+#include "host/formats/dxf/versionfilter.h"
 
 namespace host::dxf {
 
 class Writer {
 public:
-    Writer(AcDbDatabase& database, TextWriter& out, AcDb::AcDbDwgVersion version);
+    /// With a filter, which then writes to `out` itself, for releases that lack things.
+    Writer(AcDbDatabase& database, GroupWriter& out, VersionFilter* filter);
 
     void write();
 
@@ -36,11 +37,16 @@ private:
     void writeProxy(const AcDbObject& object, const ProxyData& proxy);
     void beginSection(std::string_view name);
     void endSection();
-    void record(std::string_view name) { mOut.writeText(0, name); }
+    void record(std::string_view name) { mOut.beginRecord(name); }
+    void writeUnknownVariables();
+    bool leavesOut(const AcDbObject& object) const {
+        return mFilter != nullptr && mFilter->leavesOut(object);
+    }
 
     AcDbDatabase& mDatabase;
     DatabaseImpl& mImpl;
-    TextWriter& mOut;
+    VersionFilter* mFilter;
+    GroupWriter& mOut;
     AcDb::AcDbDwgVersion mVersion;
     ClassList mClasses;
     std::unique_ptr<DrawingSource> mSource; ///< for pictures of custom entities
