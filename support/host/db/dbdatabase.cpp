@@ -26,6 +26,7 @@ struct DatabaseImpl::Handles {
     std::vector<std::unique_ptr<Page>> dense;
     std::map<Adesk::UInt64, std::unique_ptr<Page>> sparse;
     Adesk::UInt64 next = 1;
+    Adesk::UInt64 free = 1; ///< none below is free; only asked when `next` cannot go on
 
     AcDbStub** slot(Adesk::UInt64 handle, bool create) {
         const Adesk::UInt64 index = handle / pageSize;
@@ -102,7 +103,15 @@ AcDbStub* DatabaseImpl::stubFor(Adesk::UInt64 handle) {
 }
 
 AcDbStub* DatabaseImpl::newStub() {
-    return stubFor(mHandles->next);
+    // A file may have used the greatest number: then those it left free.
+    Handles& handles = *mHandles;
+    if (handles.next > greatestHandle) {
+        while (findStub(handles.free) != nullptr) {
+            ++handles.free;
+        }
+        return stubFor(handles.free);
+    }
+    return stubFor(handles.next);
 }
 
 void DatabaseImpl::adopt(AcDbStub* stub, AcDbObject* object, AcDbStub* owner) {

@@ -80,6 +80,13 @@ private:
     Adesk::UInt64 mValue = 0;
 };
 
+namespace host {
+
+/// Handles above this are taken for damaged when they come from a file, and never given out.
+inline constexpr Adesk::UInt64 greatestHandle = Adesk::UInt64{1} << 60;
+
+} // namespace host
+
 /// Insides of an id. `object` is null while a file's reference has found no object (yet).
 struct AcDbStub {
     Adesk::UInt64 handle = 0;

@@ -29,6 +29,12 @@ std::wstring ReadEntry::text() const {
 void ReadReport::add(ReadEntry entry) {
     ++mCount;
     if (mEntries.size() < maximumEntries) {
+        // Names of a hostile file may be as long as the file.
+        constexpr std::size_t longest = 200;
+        if (entry.what.size() > longest) {
+            entry.what.resize(longest);
+            entry.what += L'…';
+        }
         mEntries.push_back(std::move(entry));
     }
 }

@@ -37,6 +37,7 @@ void FileFiler::resetRecord() {
     mEnded = false;
     mPushedBack = false;
     mHandle = 0;
+    mBadHandle = false;
     mOwner = nullptr;
     mMarkers = 0;
     mBraces = 0;
@@ -73,22 +74,21 @@ void FileFiler::seek(Place place) {
     advance();
 }
 
-std::int64_t FileFiler::peekInteger(short code, std::int64_t otherwise) {
+std::optional<std::int64_t> FileFiler::peekInteger(short first, short last,
+                                                   const std::function<bool(std::int64_t)>& wanted) {
     const GroupScanner::Position here = mScanner.position();
     Token token = mToken;
-    std::int64_t value = otherwise;
-    for (bool has = mHasToken; has && token.code != 0; has = mScanner.next(token)) {
-        if (token.code == code) {
-            if (token.binary) {
-                value = token.integer;
-            } else if (!parseInteger(token.text, value)) {
-                value = otherwise;
+    std::optional<std::int64_t> found;
+    for (bool has = mHasToken; has && token.code != 0 && !found; has = mScanner.next(token)) {
+        if (token.code >= first && token.code <= last) {
+            std::int64_t value = token.integer;
+            if ((token.binary || parseInteger(token.text, value)) && wanted(value)) {
+                found = value;
             }
-            break;
         }
     }
     mScanner.seek(here);
-    return value;
+    return found;
 }
 
 bool FileFiler::peekMarker(std::string_view marker) {
@@ -178,11 +178,12 @@ bool FileFiler::convert() {
         // In dimension styles of old releases 5 is a name; then it stays a text.
         std::uint64_t handle = 0;
         mGroup.text = trimmed(mToken.text);
+        const bool own = mMarkers == 0 && mHandle == 0 && (mToken.code == 105 || mRecordName != "DIMSTYLE");
         if (parseHandle(mToken.text, handle) && handle <= greatestHandle) {
             mGroup.integer = static_cast<Adesk::Int64>(handle);
-            const bool own =
-                mMarkers == 0 && mHandle == 0 && (mToken.code == 105 || mRecordName != "DIMSTYLE");
             mHandle = own ? handle : mHandle;
+        } else if (own) {
+            mBadHandle = true;
         }
         return true;
     }

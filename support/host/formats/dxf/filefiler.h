@@ -7,6 +7,7 @@
 #include "host/formats/dxf/textdecoder.h"
 
 #include <functional>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -39,13 +40,20 @@ public:
     /// Says that the record is not done with: the next nextRecord stays on it.
     void repeatRecord() { mRepeat = true; }
     /// Looks ahead in the record, from where reading stands, for the first whole number under a code.
-    std::int64_t peekInteger(short code, std::int64_t otherwise);
+    std::int64_t peekInteger(short code, std::int64_t otherwise) {
+        return peekInteger(code, code, [&](std::int64_t) { return true; }).value_or(otherwise);
+    }
+    /// The first under a code of the range with which `wanted` agrees.
+    std::optional<std::int64_t> peekInteger(short first, short last,
+                                            const std::function<bool(std::int64_t)>& wanted);
     /// Looks ahead for a subclass marker.
     bool peekMarker(std::string_view marker);
 
     // What the groups read so far said of the record.
 
     std::uint64_t handle() const { return mHandle; }
+    /// There was a handle that is none, or too great.
+    bool hasBadHandle() const { return mBadHandle; }
     AcDbStub* owner() const { return mOwner; }
     bool inPaperSpace() const { return mPaperSpace; }
     bool hasMarkers() const { return mMarkers > 0; }
@@ -132,6 +140,7 @@ private:
     std::size_t mRecordLine = 0;
     GroupScanner::Position mRecordPosition;
     std::uint64_t mHandle = 0;
+    bool mBadHandle = false;
     AcDbStub* mOwner = nullptr;
     int mMarkers = 0;
     int mBraces = 0;
@@ -150,8 +159,5 @@ private:
     std::string_view mLastApplication;
     std::unordered_set<std::string> mApplications;
 };
-
-/// Handles above this are taken for damaged: the next free handle must stay countable.
-inline constexpr std::uint64_t greatestHandle = std::uint64_t{1} << 60;
 
 } // namespace host::dxf

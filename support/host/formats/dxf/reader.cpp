@@ -211,7 +211,7 @@ void Reader::readHeaderVariable(const std::string& name) {
         }
     } else if (name == "HANDSEED") {
         std::uint64_t seed = 0;
-        if (parseHandle(group->text, seed) && seed > 1 && seed <= greatestHandle) {
+        if (parseHandle(group->text, seed) && seed > 1 && seed <= greatestHandle + 1) {
             mImpl.raiseNextHandle(seed);
             mSeedKnown = true;
         }

@@ -91,6 +91,11 @@ AcDbStub* Reader::adopt(std::unique_ptr<AcDbObject> object, AcDbStub* owner) {
         }
     } else {
         stub = freshStub();
+        if (mFiler.hasBadHandle()) {
+            report(formatted(L"%s 的句柄无效, 改为 %I64X", fromUtf8(mFiler.recordName()).c_str(),
+                             static_cast<long long>(stub->handle)),
+                   Done::repaired);
+        }
     }
     mImpl.adopt(stub, object.release(), owner);
     return stub;

@@ -120,7 +120,12 @@ void Reader::readTable(std::string_view name) {
         }
         mFiler.resetFilerStatus();
         reportFault(Done::leftOut);
-        container = AcDbObjectId(adopt(std::move(object), nullptr));
+        if (mFiler.owner() != nullptr) {
+            report(L"表 " + fromUtf8(name) + L" 有所有者", Done::repaired);
+        }
+        AcDbStub* stub = adopt(std::move(object), nullptr);
+        setOwner(*stub, nullptr);
+        container = AcDbObjectId(stub);
     } else {
         report(L"第二个表 " + fromUtf8(name), Done::repaired);
     }
