@@ -1,5 +1,5 @@
-// A program that is killed while it saves leaves a whole drawing: the one before or the one after. The rounds can
-// be raised with QDV_KILL_ROUNDS.
+// A program that is killed while it saves leaves a whole drawing: the one before or the one after. The rounds
+// can be raised with QDV_KILL_ROUNDS.
 #include "tests/win/temporaryfolder.h"
 
 #include <chrono>
@@ -54,7 +54,7 @@ protected:
     std::string dumpOf(const std::string& name) const {
         fs::remove(file("dump.txt"));
         return run({"--script", "/dev/null", "--dump", "dump.txt", name}) == 0 ? readFile(file("dump.txt"))
-                                                                              : std::string();
+                                                                               : std::string();
     }
     /// Kills the program some time after it began to save again and again.
     void killWhileSaving(std::mt19937& random) const {
@@ -85,8 +85,9 @@ TEST_F(KilledSave, TheFileIsTheDrawingBeforeOrAfter) {
         ASSERT_FALSE(dumps.back().empty());
     }
     ASSERT_NE(dumps[0], dumps[1]);
-    writeFile(file("saving.scr"), "(repeat 100000 (setvar \"TEXTSIZE\" 1.5) (command \"_SAVE\" \"a.dxf\" \"_Y\") "
-                                  "(setvar \"TEXTSIZE\" 2.5) (command \"_SAVE\" \"a.dxf\" \"_Y\"))\n");
+    writeFile(file("saving.scr"),
+              "(repeat 100000 (setvar \"TEXTSIZE\" 1.5) (command \"_SAVE\" \"a.dxf\" \"_Y\") "
+              "(setvar \"TEXTSIZE\" 2.5) (command \"_SAVE\" \"a.dxf\" \"_Y\"))\n");
     fs::copy(file("1.5.dxf"), file("a.dxf"));
     const char* wanted = std::getenv("QDV_KILL_ROUNDS");
     const int rounds = wanted != nullptr ? std::atoi(wanted) : 5;

@@ -79,10 +79,10 @@ bool askFormat(SaveFormat& format) {
     }
     while (true) {
         const std::wstring other = format.binary ? L"文本(T)" : L"二进制(B)";
-        const Answer answer = askKeyword(std::wstring(L"\n输入文件格式 (") +
-                                             (format.binary ? L"二进制" : L"文本") + L") [" + choices + other +
-                                             L"] <" + current + L">: ",
-                                         (names + (format.binary ? L" Text" : L" Binary")).c_str());
+        const Answer answer =
+            askKeyword(std::wstring(L"\n输入文件格式 (") + (format.binary ? L"二进制" : L"文本") + L") [" +
+                           choices + other + L"] <" + current + L">: ",
+                       (names + (format.binary ? L" Text" : L" Binary")).c_str());
         if (answer.kind != Answer::Kind::keyword) {
             return answer.isNone();
         }

@@ -7,7 +7,8 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
+#include <map>
+#include <utility>
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDatabase, AcRxObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDatabaseReactor, AcRxObject)
@@ -15,20 +16,21 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHostApplicationServices, AcRxObject)
 
 namespace host {
 
-/// Stubs by handle. Handles are mostly given out in order, so a table of small pages finds them without
-/// hashing; far-off handles of odd files go to a map of pages.
+/// Stubs by handle, in small pages that stay where they are. Handles are mostly given out in order, so a
+/// table of pages finds them without hashing; far-off handles of odd files go to a map of pages.
 struct DatabaseImpl::Handles {
-    static constexpr std::size_t pageSize = 32;
+    static constexpr std::size_t pageSize = 8;
     static constexpr std::size_t densePages = std::size_t{1} << 22;
-    using Page = std::array<AcDbStub*, pageSize>;
+    using Page = std::array<AcDbStub, pageSize>; ///< a stub that nobody asked for has no handle
 
-    std::deque<AcDbStub> stubs;
     std::vector<std::unique_ptr<Page>> dense;
     std::map<Adesk::UInt64, std::unique_ptr<Page>> sparse;
+    std::size_t count = 0;
     Adesk::UInt64 next = 1;
     Adesk::UInt64 free = 1; ///< none below is free; only asked when `next` cannot go on
 
-    AcDbStub** slot(Adesk::UInt64 handle, bool create) {
+    /// The stub's place; null when there is none and none is to be made.
+    AcDbStub* slot(Adesk::UInt64 handle, bool create) {
         const Adesk::UInt64 index = handle / pageSize;
         std::unique_ptr<Page>* page = nullptr;
         if (index < densePages) {
@@ -49,9 +51,26 @@ struct DatabaseImpl::Handles {
         }
         if (*page == nullptr) {
             *page = std::make_unique<Page>();
-            (*page)->fill(nullptr);
         }
         return &(**page)[handle % pageSize];
+    }
+
+    /// In order of handles.
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        const auto visitPage = [&](Page* page) {
+            for (std::size_t index = 0; page != nullptr && index < pageSize; ++index) {
+                if (AcDbStub& stub = (*page)[index]; stub.handle != 0) {
+                    visit(stub);
+                }
+            }
+        };
+        for (std::size_t index = 0; index < dense.size(); ++index) { // grows when visitors add objects
+            visitPage(dense[index].get());
+        }
+        for (const auto& [index, page] : sparse) {
+            visitPage(page.get());
+        }
     }
 };
 
@@ -75,26 +94,23 @@ DatabaseImpl::DatabaseImpl(AcDbDatabase& database)
 }
 
 DatabaseImpl::~DatabaseImpl() {
-    for (AcDbStub& stub : mHandles->stubs) {
-        delete stub.object;
-        stub.object = nullptr;
-    }
+    mHandles->forEach([](AcDbStub& stub) { delete std::exchange(stub.object, nullptr); });
 }
 
 AcDbStub* DatabaseImpl::findStub(Adesk::UInt64 handle) const {
-    AcDbStub** slot = handle != 0 ? mHandles->slot(handle, false) : nullptr;
-    return slot != nullptr ? *slot : nullptr;
+    AcDbStub* stub = handle != 0 ? mHandles->slot(handle, false) : nullptr;
+    return stub != nullptr && stub->handle != 0 ? stub : nullptr;
 }
 
 AcDbStub* DatabaseImpl::stubFor(Adesk::UInt64 handle) {
     if (handle == 0) {
         return nullptr;
     }
-    AcDbStub*& stub = *mHandles->slot(handle, true);
-    if (stub == nullptr) {
-        stub = &mHandles->stubs.emplace_back();
+    AcDbStub* stub = mHandles->slot(handle, true);
+    if (stub->handle == 0) {
         stub->handle = handle;
         stub->database = &mDatabase;
+        ++mHandles->count;
         if (handle >= mHandles->next && handle != ~Adesk::UInt64{0}) {
             mHandles->next = handle + 1;
         }
@@ -136,25 +152,11 @@ AcDbObject* DatabaseImpl::replaceObject(AcDbStub* stub, AcDbObject* object, bool
 }
 
 void DatabaseImpl::forEachStub(const std::function<void(AcDbStub&)>& visit) const {
-    const auto visitPage = [&](const std::unique_ptr<Handles::Page>& page) {
-        if (page != nullptr) {
-            for (AcDbStub* stub : *page) {
-                if (stub != nullptr) {
-                    visit(*stub);
-                }
-            }
-        }
-    };
-    for (std::size_t index = 0; index < mHandles->dense.size(); ++index) {
-        visitPage(mHandles->dense[index]);
-    }
-    for (const auto& [index, page] : mHandles->sparse) {
-        visitPage(page);
-    }
+    mHandles->forEach(visit);
 }
 
 std::size_t DatabaseImpl::stubCount() const {
-    return mHandles->stubs.size();
+    return mHandles->count;
 }
 void DatabaseImpl::reserve(std::size_t objects) {
     mHandles->dense.reserve(objects / Handles::pageSize + 1);

@@ -492,9 +492,10 @@ bool AcDbObject::takeObjectGroup(AcDbDxfFiler* filer, const host::DxfGroup& grou
     if (!reactors && !dictionary) {
         unknown.add(group);
     }
-    while (const host::DxfGroup* inner = filer->nextGroup()) {
-        const bool end = inner->code == 102 && inner->text == "}";
-        if (inner->code == 0 || (inner->code == 100 && !end)) {
+    bool end = false;
+    while (const host::DxfGroup* inner = end ? nullptr : filer->nextGroup()) {
+        end = inner->code == 102 && inner->text == "}";
+        if (inner->code == 0 || inner->code == 100 || inner->code >= 1000) {
             filer->pushBackItem(); // the closing brace is missing
             break;
         }
@@ -507,11 +508,11 @@ bool AcDbObject::takeObjectGroup(AcDbDxfFiler* filer, const host::DxfGroup& grou
         } else if (!reactors && !dictionary) {
             unknown.add(*inner);
         }
-        if (end) {
-            break;
-        }
     }
     if (!unknown.empty()) {
+        if (!end) {
+            unknown.add(102, "}");
+        }
         needExtras().kept.push_back({"102", std::move(unknown)});
     }
     return true;

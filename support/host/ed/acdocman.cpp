@@ -1,6 +1,7 @@
 // Documents and their manager.
 #include "host/ed/acdocman.h"
 
+#include "host/ed/aced.h"
 #include "host/ed/acedreactor.h"
 #include "host/ed/commandrunner.h"
 #include "host/ed/console.h"

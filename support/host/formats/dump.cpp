@@ -2,6 +2,7 @@
 #include "host/db/entities/subentities.h"
 #include "host/formats/formats.h"
 #include "host/formats/headervalues.h"
+#include "host/formats/ownerchain.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
@@ -145,8 +146,9 @@ void dumpObject(AcDbStub& stub, DumpFiler& filer) {
 std::string dumpDrawing(AcDbDatabase& database, const DumpOptions& options) {
     DumpFiler filer(database, options);
     dumpHeader(database, options, filer);
+    OwnerChain owners = erasedOwners();
     database.impl().forEachStub([&](AcDbStub& stub) {
-        if (stub.object != nullptr && !stub.erased && !AcDbObjectId(&stub).isEffectivelyErased()) {
+        if (stub.object != nullptr && !owners.reachesMarked(stub)) {
             dumpObject(stub, filer);
         }
     });

@@ -62,7 +62,7 @@ Acad::ErrorStatus AcDbPolyline::getArcSegAt(unsigned int index, AcGeCircArc3d& a
     // A clockwise arc runs counterclockwise about the opposite normal.
     const host::PathSegment segment = m.path.segment(static_cast<int>(index));
     const AcGePoint3d center = toWorldPoint(segment.center());
-    const AcGeVector3d normal = segment.bulge > 0.0 ? m.normal : -m.normal;
+    const AcGeVector3d normal = segment.bulge > 0.0 ? m.rest->normal : -m.rest->normal;
     arc.set(center, normal, (toWorldPoint(segment.start) - center).normal(), segment.radius(), 0.0,
             std::fabs(segment.sweep()));
     return Acad::eOk;

@@ -19,8 +19,9 @@ AcDbPolyline::AcDbPolyline(unsigned int vertexCount) {
 }
 
 SegmentWidths AcDbPolyline::widthsOf(std::size_t index) const {
-    return m.extras != nullptr && !m.extras->widths.empty() ? m.extras->widths[index]
-                                                            : SegmentWidths{m.constantWidth, m.constantWidth};
+    return m.extras != nullptr && !m.extras->widths.empty()
+               ? m.extras->widths[index]
+               : SegmentWidths{m.rest->constantWidth, m.rest->constantWidth};
 }
 
 std::vector<SegmentWidths>& AcDbPolyline::varyingWidths() {
@@ -28,7 +29,7 @@ std::vector<SegmentWidths>& AcDbPolyline::varyingWidths() {
         m.extras = std::make_unique<host::PolylineExtras>();
     }
     if (m.extras->widths.empty()) {
-        m.extras->widths.assign(m.path.vertices.size(), {m.constantWidth, m.constantWidth});
+        m.extras->widths.assign(m.path.vertices.size(), {m.rest->constantWidth, m.rest->constantWidth});
     }
     return m.extras->widths;
 }
@@ -42,7 +43,7 @@ void AcDbPolyline::simplify() {
         return one.start == widths.front().start && one.end == widths.front().start;
     });
     if (equal && !widths.empty()) {
-        m.constantWidth = widths.front().start;
+        m.rest.set(&host::PolylineRest::constantWidth, widths.front().start);
         widths.clear();
     }
     std::vector<Adesk::Int32>& identifiers = m.extras->identifiers;
@@ -144,7 +145,7 @@ Acad::ErrorStatus AcDbPolyline::getConstantWidth(double& width) const {
         width = widths.front().start;
         return Acad::eOk;
     }
-    width = m.constantWidth;
+    width = m.rest->constantWidth;
     return Acad::eOk;
 }
 
@@ -153,7 +154,7 @@ Acad::ErrorStatus AcDbPolyline::setConstantWidth(double width) {
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
-    m.constantWidth = width;
+    m.rest.set(&host::PolylineRest::constantWidth, width);
     if (m.extras != nullptr) {
         m.extras->widths.clear();
         simplify();
@@ -173,13 +174,13 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
     assertWriteEnabled();
     const auto at = static_cast<std::ptrdiff_t>(index);
     const bool varies = m.extras != nullptr && !m.extras->widths.empty();
-    const double missing = varies ? 0.0 : m.constantWidth;
+    const double missing = varies ? 0.0 : m.rest->constantWidth;
     const SegmentWidths widths{startWidth >= 0.0 ? startWidth : missing,
                                endWidth >= 0.0 ? endWidth : missing};
     if (!varies && m.path.vertices.empty() && widths.start == widths.end) {
-        m.constantWidth = widths.start;
+        m.rest.set(&host::PolylineRest::constantWidth, widths.start);
     }
-    const bool differs = widths.start != m.constantWidth || widths.end != m.constantWidth;
+    const bool differs = widths.start != m.rest->constantWidth || widths.end != m.rest->constantWidth;
     if (varies || differs) {
         std::vector<SegmentWidths>& all = varyingWidths();
         all.insert(all.begin() + at, widths);
@@ -248,7 +249,7 @@ bool AcDbPolyline::hasBulges() const {
 bool AcDbPolyline::hasWidth() const {
     assertReadEnabled();
     if (m.extras == nullptr || m.extras->widths.empty()) {
-        return m.constantWidth != 0.0;
+        return m.rest->constantWidth != 0.0;
     }
     return std::any_of(m.extras->widths.begin(), m.extras->widths.end(),
                        [](const SegmentWidths& one) { return one.start != 0.0 || one.end != 0.0; });
@@ -280,33 +281,33 @@ void AcDbPolyline::makeClosedIfStartAndEndVertexCoincide(double tolerance) {
 
 double AcDbPolyline::elevation() const {
     assertReadEnabled();
-    return m.elevation;
+    return m.rest->elevation;
 }
 
 void AcDbPolyline::setElevation(double elevation) {
     assertWriteEnabled();
-    m.elevation = elevation;
+    m.rest.set(&host::PolylineRest::elevation, elevation);
 }
 
 double AcDbPolyline::thickness() const {
     assertReadEnabled();
-    return m.thickness;
+    return m.rest->thickness;
 }
 
 Acad::ErrorStatus AcDbPolyline::setThickness(double thickness) {
     assertWriteEnabled();
-    m.thickness = thickness;
+    m.rest.set(&host::PolylineRest::thickness, thickness);
     return Acad::eOk;
 }
 
 AcGeVector3d AcDbPolyline::normal() const {
     assertReadEnabled();
-    return m.normal;
+    return m.rest->normal;
 }
 
 Acad::ErrorStatus AcDbPolyline::setNormal(const AcGeVector3d& normal) {
     assertWriteEnabled();
-    m.normal = host::unitNormal(normal);
+    m.rest.set(&host::PolylineRest::normal, host::unitNormal(normal));
     return Acad::eOk;
 }
 
@@ -349,7 +350,7 @@ void AcDbPolyline::reset(bool reuse, unsigned int vertexCount) {
         m.path.vertices.clear();
         m.path.vertices.reserve(std::min(vertexCount, 1U << 20));
         m.extras.reset();
-        m.constantWidth = 0.0;
+        m.rest.set(&host::PolylineRest::constantWidth, 0.0);
         return;
     }
     while (m.path.vertices.size() > vertexCount) {
@@ -392,9 +393,9 @@ std::vector<SegmentWidths> AcDbPolyline::segmentWidths() const {
 
 std::unique_ptr<AcDbCurve> AcDbPolyline::newSimilar(host::WidePath shape) const {
     auto similar = host::newLike<AcDbPolyline>(*this);
-    similar->m.normal = m.normal;
-    similar->m.elevation = m.elevation;
-    similar->m.thickness = m.thickness;
+    similar->m.rest.set(&host::PolylineRest::normal, m.rest->normal);
+    similar->m.rest.set(&host::PolylineRest::elevation, m.rest->elevation);
+    similar->m.rest.set(&host::PolylineRest::thickness, m.rest->thickness);
     similar->m.linetypeGeneration = m.linetypeGeneration;
     similar->setShape(std::move(shape));
     return similar;
@@ -433,7 +434,7 @@ Acad::ErrorStatus AcDbPolyline::reverseCurve() {
 }
 
 Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
-    const host::PlanarTransform planar(transform, m.normal, m.elevation);
+    const host::PlanarTransform planar(transform, m.rest->normal, m.rest->elevation);
     if (planar.isSingular) {
         return Acad::eDegenerateGeometry;
     }
@@ -448,16 +449,16 @@ Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
         }
     }
     if (planar.isUniform && planar.scale != 1.0) {
-        m.constantWidth *= planar.scale;
+        m.rest.set(&host::PolylineRest::constantWidth, m.rest->constantWidth * planar.scale);
         if (m.extras != nullptr) {
             for (SegmentWidths& widths : m.extras->widths) {
                 widths = {widths.start * planar.scale, widths.end * planar.scale};
             }
         }
     }
-    m.normal = planar.normal;
-    m.elevation = planar.elevation;
-    m.thickness *= planar.normalScale;
+    m.rest.set(&host::PolylineRest::normal, planar.normal);
+    m.rest.set(&host::PolylineRest::elevation, planar.elevation);
+    m.rest.set(&host::PolylineRest::thickness, m.rest->thickness * planar.normalScale);
     return Acad::eOk;
 }
 
@@ -484,7 +485,7 @@ Acad::ErrorStatus AcDbPolyline::subMoveGripPointsAt(const AcDbIntArray& indices,
         }
     }
     const int vertexCount = m.path.vertexCount();
-    const AcGeVector2d move = host::to2d(host::toObject(m.normal, offset));
+    const AcGeVector2d move = host::to2d(host::toObject(m.rest->normal, offset));
     const int gripCount = vertexCount + static_cast<int>(arcs.size());
     return host::forGrips(indices, gripCount, [&](int index) {
         if (index < vertexCount) {
@@ -518,7 +519,7 @@ Acad::ErrorStatus AcDbPolyline::subGetStretchPoints(AcGePoint3dArray& points) co
 Acad::ErrorStatus AcDbPolyline::subMoveStretchPointsAt(const AcDbIntArray& indices,
                                                        const AcGeVector3d& offset) {
     assertWriteEnabled();
-    const AcGeVector2d move = host::to2d(host::toObject(m.normal, offset));
+    const AcGeVector2d move = host::to2d(host::toObject(m.rest->normal, offset));
     std::vector<double> heights;
     for (int index = 0; index < m.path.segmentCount(); ++index) {
         const PathSegment segment = m.path.segment(index);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/db/entities/pathcurve.h"
+#include "host/db/entities/uncommon.h"
 
 class AcDb2dPolyline;
 class AcGeCircArc2d;
@@ -18,14 +19,20 @@ struct PolylineExtras {
     std::vector<Adesk::Int32> identifiers;
 };
 
-struct PolylineData {
-    BulgePath path; ///< in object coordinates
-    std::unique_ptr<PolylineExtras> extras;
+/// What most polylines have at its standard value.
+struct PolylineRest {
     AcGeVector3d normal = AcGeVector3d::kZAxis;
     double elevation = 0.0;
     double thickness = 0.0;
     double constantWidth = 0.0; ///< of all segments when the widths do not vary
+};
+
+/// Drawings have them by the hundred thousand, so the order of the fields leaves no gaps.
+struct PolylineData {
+    [[no_unique_address]] BulgePath path; ///< in object coordinates
     bool linetypeGeneration = false;
+    std::unique_ptr<PolylineExtras> extras;
+    Uncommon<PolylineRest> rest;
 };
 
 } // namespace host
@@ -110,7 +117,7 @@ public:
 
 protected:
     Acad::ErrorStatus copyFromBase(const AcDbObject& source) override;
-    AcGeVector3d subEcsNormal() const override { return m.normal; }
+    AcGeVector3d subEcsNormal() const override { return m.rest->normal; }
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
     /// The vertices, then the middles of the arcs.
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& snapModes,
@@ -126,8 +133,8 @@ protected:
 
     host::PathView path() const override { return host::PathView(m.path); }
     std::vector<host::SegmentWidths> segmentWidths() const override;
-    double pathElevation() const override { return m.elevation; }
-    double pathThickness() const override { return m.thickness; }
+    double pathElevation() const override { return m.rest->elevation; }
+    double pathThickness() const override { return m.rest->thickness; }
     std::unique_ptr<AcDbCurve> newSimilar(host::WidePath shape) const override;
     Acad::ErrorStatus changeEnd(bool start, const AcGePoint2d& point, double bulge) override;
 

@@ -45,10 +45,10 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     const bool varies = m.extras != nullptr && !m.extras->widths.empty();
     int flags = 0;
     const auto set = [&](bool present, Present bit) { flags |= present ? bit : 0; };
-    set(!host::isWorldNormal(m.normal) || m.normal.z != 1.0, hasNormal);
-    set(m.thickness != 0.0, hasThickness);
-    set(m.constantWidth != 0.0, hasConstantWidth);
-    set(m.elevation != 0.0, hasElevation);
+    set(!host::isWorldNormal(m.rest->normal) || m.rest->normal.z != 1.0, hasNormal);
+    set(m.rest->thickness != 0.0, hasThickness);
+    set(m.rest->constantWidth != 0.0, hasConstantWidth);
+    set(m.rest->elevation != 0.0, hasElevation);
     set(hasBulges(), hasBulgeList);
     set(varies, hasWidthList);
     set(m.linetypeGeneration, generatesLinetype);
@@ -56,16 +56,16 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     set(hasVertexIdentifiers(), hasIdentifierList);
     filer->writeInt16(static_cast<Adesk::Int16>(flags));
     if ((flags & hasConstantWidth) != 0) {
-        filer->writeDouble(m.constantWidth);
+        filer->writeDouble(m.rest->constantWidth);
     }
     if ((flags & hasElevation) != 0) {
-        filer->writeDouble(m.elevation);
+        filer->writeDouble(m.rest->elevation);
     }
     if ((flags & hasThickness) != 0) {
-        filer->writeDouble(m.thickness);
+        filer->writeDouble(m.rest->thickness);
     }
     if ((flags & hasNormal) != 0) {
-        filer->writeVector3d(m.normal);
+        filer->writeVector3d(m.rest->normal);
     }
     filer->writeInt32(static_cast<Adesk::Int32>(vertices.size()));
     for (const host::BulgeVertex& vertex : vertices) {
@@ -95,22 +95,24 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
         return status;
     }
     host::PolylineData read;
+    host::PolylineRest rest;
     host::FieldReader get(*filer);
     Adesk::Int16 flags = 0;
     Adesk::Int32 count = 0;
     get(flags);
     if ((flags & hasConstantWidth) != 0) {
-        get(read.constantWidth);
+        get(rest.constantWidth);
     }
     if ((flags & hasElevation) != 0) {
-        get(read.elevation);
+        get(rest.elevation);
     }
     if ((flags & hasThickness) != 0) {
-        get(read.thickness);
+        get(rest.thickness);
     }
     if ((flags & hasNormal) != 0) {
-        get(read.normal);
+        get(rest.normal);
     }
+    read.rest.assign(rest);
     get(count);
     if (get.isGood() && count < 0) {
         filer->setFilerStatus(Acad::eInvalidInput);
@@ -188,13 +190,13 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
         }
         return true;
     case 43:
-        m.constantWidth = group.real;
+        m.rest.set(&host::PolylineRest::constantWidth, group.real);
         return true;
     case 38:
-        m.elevation = group.real;
+        m.rest.set(&host::PolylineRest::elevation, group.real);
         return true;
     case 39:
-        m.thickness = group.real;
+        m.rest.set(&host::PolylineRest::thickness, group.real);
         return true;
     case 70:
         m.path.closed = (group.integer & dxfClosed) != 0;
@@ -204,7 +206,7 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
         vertices.reserve(roomFor(group.integer));
         return true;
     case 210:
-        m.normal = host::unitNormal(group.vector());
+        m.rest.set(&host::PolylineRest::normal, host::unitNormal(group.vector()));
         return true;
     default:
         return false;
@@ -212,7 +214,7 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
 }
 
 Acad::ErrorStatus AcDbPolyline::dxfGroupsRead(AcDbDxfFiler*) {
-    double sum = m.elevation + m.thickness + m.constantWidth;
+    double sum = m.rest->elevation + m.rest->thickness + m.rest->constantWidth;
     for (const host::BulgeVertex& vertex : m.path.vertices) {
         sum += vertex.point.x + vertex.point.y + vertex.bulge;
     }
@@ -242,10 +244,10 @@ Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeInteger(70,
                         (m.path.closed ? dxfClosed : 0) | (m.linetypeGeneration ? dxfLinetypeGeneration : 0));
     if (!varies) {
-        filer->writeReal(43, m.constantWidth);
+        filer->writeReal(43, m.rest->constantWidth);
     }
-    host::writeUnlessDefault(filer, 38, m.elevation, 0.0);
-    host::writeThickness(filer, m.thickness);
+    host::writeUnlessDefault(filer, 38, m.rest->elevation, 0.0);
+    host::writeThickness(filer, m.rest->thickness);
     for (std::size_t index = 0; index < m.path.vertices.size(); ++index) {
         const host::BulgeVertex& vertex = m.path.vertices[index];
         filer->writePoint2d(10, vertex.point);
@@ -261,7 +263,7 @@ Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
             filer->writeInteger(91, hasVertexIdentifiers() ? m.extras->identifiers[index] : 0);
         }
     }
-    host::writeNormal(filer, m.normal);
+    host::writeNormal(filer, m.rest->normal);
     writeKeptGroups(filer, "AcDbPolyline");
     return filer->filerStatus();
 }
@@ -280,9 +282,9 @@ Acad::ErrorStatus AcDbPolyline::convertFrom(AcDbEntity*& entity, bool transferId
     }
     assertWriteEnabled();
     setPropertiesFrom(heavy);
-    m.normal = heavy->normal();
-    m.elevation = heavy->elevation();
-    m.thickness = heavy->thickness();
+    m.rest.set(&host::PolylineRest::normal, heavy->normal());
+    m.rest.set(&host::PolylineRest::elevation, heavy->elevation());
+    m.rest.set(&host::PolylineRest::thickness, heavy->thickness());
     m.linetypeGeneration = heavy->isLinetypeGenerationOn();
     setShape(heavy->shape());
     if (!transferId) {
@@ -303,9 +305,9 @@ Acad::ErrorStatus AcDbPolyline::convertTo(AcDb2dPolyline*& polyline, bool transf
     assertReadEnabled();
     polyline = nullptr;
     auto heavy = host::newLike<AcDb2dPolyline>(*this);
-    heavy->setNormal(m.normal);
-    heavy->setElevation(m.elevation);
-    heavy->setThickness(m.thickness);
+    heavy->setNormal(m.rest->normal);
+    heavy->setElevation(m.rest->elevation);
+    heavy->setThickness(m.rest->thickness);
     m.linetypeGeneration ? heavy->setLinetypeGenerationOn() : heavy->setLinetypeGenerationOff();
     heavy->setShape({m.path, segmentWidths()});
     if (!transferId) {

@@ -61,8 +61,7 @@ void write(AcDbDatabase& database, dxf::GroupWriter& out, ReadReport& report) {
 }
 
 void write(AcDbDatabase& database, const DxfWriteOptions& options, dxf::Sink sink, ReadReport& report) {
-    const AcDb::AcDbDwgVersion version =
-        std::clamp(options.version, AcDb::kDHL_1015, AcDb::kDHL_1032);
+    const AcDb::AcDbDwgVersion version = std::clamp(options.version, AcDb::kDHL_1015, AcDb::kDHL_1032);
     const CodePage page = pageOf(database);
     if (!options.binary) {
         dxf::TextWriter out(database, version, page, std::move(sink));

@@ -40,7 +40,7 @@ void FileFiler::resetRecord() {
     mBadHandle = false;
     mOwner = nullptr;
     mMarkers = 0;
-    mBraces = 0;
+    mInBraces = false;
     mPaperSpace = false;
     mFault.what.clear();
 }
@@ -137,7 +137,7 @@ bool FileFiler::takeHandle() {
             mMentions.try_emplace(mGroup.id, Mention{mHandle, mTokenLine});
         }
     }
-    if (mGroup.code == 330 && mMarkers == 0 && mBraces == 0 && mOwner == nullptr) {
+    if (mGroup.code == 330 && mMarkers == 0 && !mInBraces && mOwner == nullptr) {
         mOwner = mGroup.id;
     }
     return true;
@@ -247,12 +247,12 @@ void FileFiler::noteApplication() {
     }
 }
 
-/// Braces hold the references that are not the owner.
+/// Braces hold the references that are not the owner. They do not nest.
 void FileFiler::noteMarker() {
     if (mGroup.text.starts_with('{')) {
-        ++mBraces;
-    } else if (mGroup.text.starts_with('}') && mBraces > 0) {
-        --mBraces;
+        mInBraces = true;
+    } else if (mGroup.text.starts_with('}')) {
+        mInBraces = false;
     }
 }
 

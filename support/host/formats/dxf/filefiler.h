@@ -143,7 +143,7 @@ private:
     bool mBadHandle = false;
     AcDbStub* mOwner = nullptr;
     int mMarkers = 0;
-    int mBraces = 0;
+    bool mInBraces = false;
     bool mPaperSpace = false;
     Fault mFault;
     std::unordered_map<AcDbStub*, Mention> mMentions;

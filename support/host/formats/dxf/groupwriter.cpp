@@ -17,7 +17,8 @@ bool isControl(char c) {
 
 } // namespace
 
-OutputBuffer::OutputBuffer(Sink sink) : mSink(std::move(sink)), mBytes(bufferSize, '\0'), mAt(mBytes.data()) {}
+OutputBuffer::OutputBuffer(Sink sink)
+    : mSink(std::move(sink)), mBytes(bufferSize, '\0'), mAt(mBytes.data()) {}
 
 void OutputBuffer::makeRoom(std::size_t count) {
     flush();

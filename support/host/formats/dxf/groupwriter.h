@@ -1,5 +1,5 @@
-// The lower floor of the DXF writer: groups to bytes. What text and binary files have in common - the release,
-// the encoding of texts, the way to the sink - stands here.
+// The lower floor of the DXF writer: groups to bytes. What text and binary files have in common - the
+// release, the encoding of texts, the way to the sink - stands here.
 #pragma once
 
 #include "host/db/db.h"

@@ -213,7 +213,6 @@ void Reader::readHeaderVariable(const std::string& name) {
         std::uint64_t seed = 0;
         if (parseHandle(group->text, seed) && seed > 1 && seed <= greatestHandle + 1) {
             mImpl.raiseNextHandle(seed);
-            mSeedKnown = true;
         }
     } else if (name == "ACADMAINTVER" || name == "HANDLING") {
         // Written new with every file.

@@ -109,8 +109,8 @@ private:
     std::optional<FileFiler::Place> mTablesRead; ///< the TABLES section that was read ahead
     bool mHasTables = false;
     bool mHasHeader = false;
-    bool mEnded = false; ///< the EOF record was read
-    bool mSeedKnown = false;
+    bool mEnded = false;        ///< the EOF record was read
+    bool mHandlesKnown = false; ///< the next free handle is above all of the file
     bool mHasProxies = false;
     std::vector<AcDbStub*> mObjects;                                     ///< what the objects section had
     bool mMadeModelSpace = false;                                        ///< the file's tables have none

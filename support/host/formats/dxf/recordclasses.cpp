@@ -141,7 +141,8 @@ AcRxClass* RecordClasses::classOf(FileFiler& filer) const {
         return creatable(dimensionClass(filer.peekInteger(70, 0)));
     }
     if (name == "INSERT") {
-        const bool several = filer.peekInteger(70, 71, [](std::int64_t count) { return count > 1; }).has_value();
+        const bool several =
+            filer.peekInteger(70, 71, [](std::int64_t count) { return count > 1; }).has_value();
         AcRxClass* multiple = several ? creatable(L"AcDbMInsertBlock") : nullptr;
         return multiple != nullptr ? multiple : creatable(L"AcDbBlockReference");
     }

@@ -59,9 +59,9 @@ std::unique_ptr<AcDbObject> Reader::readObject(AcRxClass* recordClass, bool isEn
 }
 
 AcDbStub* Reader::freshStub() {
-    if (!mSeedKnown) {
-        // The file does not say which handles are free: look at all.
-        mSeedKnown = true;
+    if (!mHandlesKnown) {
+        // What a file says of the next free handle may be wrong: look at all.
+        mHandlesKnown = true;
         const GroupScanner::Position here = mScanner.position();
         mScanner.seek({});
         std::uint64_t greatest = 0;

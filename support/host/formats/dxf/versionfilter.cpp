@@ -3,6 +3,7 @@
 
 #include "host/formats/dxf/groupscanner.h"
 #include "host/formats/dxf/versions.h"
+#include "host/formats/ownerchain.h"
 #include "host/rx/format.h"
 #include "host/rx/text.h"
 
@@ -104,14 +105,15 @@ void VersionFilter::findLeftOut() {
             }
         }
     });
-    for (std::size_t before = 0; before != mLeftOut.size();) {
-        before = mLeftOut.size();
-        impl.forEachStub([this](AcDbStub& stub) {
-            if (stub.object != nullptr && !stub.erased && mLeftOut.contains(stub.object->ownerId().handle())) {
-                mLeftOut.insert(stub.handle);
-            }
-        });
+    if (mLeftOut.empty()) {
+        return;
     }
+    OwnerChain owners([roots = mLeftOut](const AcDbStub& stub) { return roots.contains(stub.handle); });
+    impl.forEachStub([&](AcDbStub& stub) {
+        if (stub.object != nullptr && !stub.erased && owners.reachesMarked(stub)) {
+            mLeftOut.insert(stub.handle);
+        }
+    });
 }
 
 void VersionFilter::note(Loss loss, Adesk::UInt64 handle) {
@@ -201,10 +203,12 @@ bool VersionFilter::isPlainVisualStyle(Adesk::UInt64 handle) const {
     if (style == nullptr) {
         return true;
     }
-    const auto named = [](const GroupList::Group& group) {
-        return group.code == 2 && equalNoCase(fromUtf8(group.text), std::wstring_view(L"2dWireframe"));
-    };
-    return std::any_of(style->record.groups.begin(), style->record.groups.end(), named);
+    for (const GroupList::Group group : style->record.groups) {
+        if (group.code == 2) {
+            return equalNoCase(fromUtf8(group.text), std::wstring_view(L"2dWireframe"));
+        }
+    }
+    return true;
 }
 
 bool VersionFilter::passesReference(short code, Adesk::UInt64 handle) {
@@ -248,6 +252,9 @@ Acad::ErrorStatus VersionFilter::writeKept(short code, std::string_view text) {
         mName = text;
         return Acad::eOk;
     }
+    if ((code == 5 || code == 105) && mHandle == 0) {
+        parseHandle(text, mHandle);
+    }
     const auto taken = take(code, [&](const VersionRule& rule) {
         double value = 0.0;
         return text.empty() || (parseReal(text, value) && value == rule.standard);
@@ -256,9 +263,6 @@ Acad::ErrorStatus VersionFilter::writeKept(short code, std::string_view text) {
 }
 
 void VersionFilter::writeHandle(short code, Adesk::UInt64 handle) {
-    if (code == 5 || code == 105) {
-        mHandle = mHandle == 0 ? handle : mHandle;
-    }
     mOut.writeHandle(code, handle);
 }
 

@@ -102,15 +102,48 @@ struct BySubclass {
 static_assert(std::is_sorted(std::begin(rules), std::end(rules), BySubclass()));
 
 constexpr std::string_view since1800[] = {
-    "DIMASSOC", "HALOGAP", "HIDETEXT", "INDEXCTL", "INTERSECTIONCOLOR", "INTERSECTIONDISPLAY", "LASTSAVEDBY",
-    "OBSCOLOR", "OBSLTYPE", "PROJECTNAME", "SORTENTS", "XCLIPFRAME"};
-constexpr std::string_view since1021[] = {
-    "3DDWFPREC", "CAMERADISPLAY", "CAMERAHEIGHT", "CMATERIAL", "CSHADOW", "DGNFRAME", "DIMARCSYM", "DIMFXL",
-    "DIMFXLON", "DIMJOGANG", "DIMLTEX1", "DIMLTEX2", "DIMLTYPE", "DIMTFILL", "DIMTFILLCLR", "DWFFRAME",
-    "INTERFERECOLOR", "INTERFEREOBJVS", "INTERFEREVPVS", "LATITUDE", "LENSLENGTH", "LIGHTGLYPHDISPLAY",
-    "LOFTANG1", "LOFTANG2", "LOFTMAG1", "LOFTMAG2", "LOFTNORMALS", "LOFTPARAM", "LONGITUDE",
-    "NORTHDIRECTION", "PSOLHEIGHT", "PSOLWIDTH", "REALWORLDSCALE", "SHADOWPLANELOCATION", "SHOWHIST",
-    "SOLIDHIST", "STEPSIZE", "STEPSPERSEC", "TILEMODELIGHTSYNCH", "TIMEZONE"};
+    "DIMASSOC",    "HALOGAP",  "HIDETEXT", "INDEXCTL",    "INTERSECTIONCOLOR", "INTERSECTIONDISPLAY",
+    "LASTSAVEDBY", "OBSCOLOR", "OBSLTYPE", "PROJECTNAME", "SORTENTS",          "XCLIPFRAME"};
+constexpr std::string_view since1021[] = {"3DDWFPREC",
+                                          "CAMERADISPLAY",
+                                          "CAMERAHEIGHT",
+                                          "CMATERIAL",
+                                          "CSHADOW",
+                                          "DGNFRAME",
+                                          "DIMARCSYM",
+                                          "DIMFXL",
+                                          "DIMFXLON",
+                                          "DIMJOGANG",
+                                          "DIMLTEX1",
+                                          "DIMLTEX2",
+                                          "DIMLTYPE",
+                                          "DIMTFILL",
+                                          "DIMTFILLCLR",
+                                          "DWFFRAME",
+                                          "INTERFERECOLOR",
+                                          "INTERFEREOBJVS",
+                                          "INTERFEREVPVS",
+                                          "LATITUDE",
+                                          "LENSLENGTH",
+                                          "LIGHTGLYPHDISPLAY",
+                                          "LOFTANG1",
+                                          "LOFTANG2",
+                                          "LOFTMAG1",
+                                          "LOFTMAG2",
+                                          "LOFTNORMALS",
+                                          "LOFTPARAM",
+                                          "LONGITUDE",
+                                          "NORTHDIRECTION",
+                                          "PSOLHEIGHT",
+                                          "PSOLWIDTH",
+                                          "REALWORLDSCALE",
+                                          "SHADOWPLANELOCATION",
+                                          "SHOWHIST",
+                                          "SOLIDHIST",
+                                          "STEPSIZE",
+                                          "STEPSPERSEC",
+                                          "TILEMODELIGHTSYNCH",
+                                          "TIMEZONE"};
 static_assert(std::ranges::is_sorted(since1800) && std::ranges::is_sorted(since1021));
 
 } // namespace

@@ -14,11 +14,11 @@ struct VersionName {
 };
 
 constexpr VersionName versionNames[] = {
-    {"AC1004", "R9", AcDb::kDHL_1004},    {"AC1006", "R10", AcDb::kDHL_1006},
-    {"AC1009", "R12", AcDb::kDHL_1009},   {"AC1012", "R13", AcDb::kDHL_1012},
-    {"AC1014", "R14", AcDb::kDHL_1014},   {"AC1015", "2000", AcDb::kDHL_1015},
-    {"AC1018", "2004", AcDb::kDHL_1800},  {"AC1021", "2007", AcDb::kDHL_1021},
-    {"AC1024", "2010", AcDb::kDHL_1024},  {"AC1027", "2013", AcDb::kDHL_1027},
+    {"AC1004", "R9", AcDb::kDHL_1004},   {"AC1006", "R10", AcDb::kDHL_1006},
+    {"AC1009", "R12", AcDb::kDHL_1009},  {"AC1012", "R13", AcDb::kDHL_1012},
+    {"AC1014", "R14", AcDb::kDHL_1014},  {"AC1015", "2000", AcDb::kDHL_1015},
+    {"AC1018", "2004", AcDb::kDHL_1800}, {"AC1021", "2007", AcDb::kDHL_1021},
+    {"AC1024", "2010", AcDb::kDHL_1024}, {"AC1027", "2013", AcDb::kDHL_1027},
     {"AC1032", "2018", AcDb::kDHL_1032},
 };
 

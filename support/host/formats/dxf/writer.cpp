@@ -4,6 +4,7 @@
 #include "host/db/entities/subentities.h"
 #include "host/formats/dxf/versions.h"
 #include "host/formats/headervalues.h"
+#include "host/formats/ownerchain.h"
 #include "host/rx/text.h"
 
 namespace host::dxf {
@@ -289,13 +290,14 @@ void Writer::writeObjects() {
     if (root != nullptr && root->object != nullptr) {
         writeObject(*root->object);
     }
+    OwnerChain owners = erasedOwners();
     mImpl.forEachStub([&](AcDbStub& stub) {
         if (stub.object == nullptr || stub.erased || &stub == root ||
             stub.object->isKindOf(AcDbEntity::desc()) || stub.object->isKindOf(AcDbSymbolTable::desc()) ||
             stub.object->isKindOf(AcDbSymbolTableRecord::desc())) {
             return;
         }
-        if (!AcDbObjectId(&stub).isEffectivelyErased() && !leavesOut(*stub.object)) {
+        if (!owners.reachesMarked(stub) && !leavesOut(*stub.object)) {
             writeObject(*stub.object);
         }
     });
