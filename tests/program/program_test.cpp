@@ -127,3 +127,37 @@ TEST_F(Program, UnreadableDrawingIsOneLineWithItsPlace) {
     EXPECT_EQ(missing.code, 1);
     EXPECT_NE(missing.errors.find("missing.dxf"), std::string::npos) << missing.errors;
 }
+
+TEST_F(Program, SaveAsAsksForTheRelease) {
+    const Outcome outcome = script("LINE\n0,0\n10,0\n\nSAVEAS\n2000\nold.dxf\nSAVEAS\nB\n2018\nnew.dxf\n"
+                                   "SAVEAS\n\n^C\nQSAVE\n",
+                                   "--save plain.dxf");
+    EXPECT_EQ(outcome.code, 0) << outcome.errors;
+    EXPECT_NE(outcome.output.find("输入文件格式 (文本) [2000/2004/2007/2010/2013/2018/二进制(B)] <2018>: "),
+              std::string::npos)
+        << outcome.output;
+    EXPECT_NE(outcome.output.find("输入文件格式 (二进制) [2000/2004/2007/2010/2013/2018/文本(T)] <2018>: "),
+              std::string::npos)
+        << outcome.output;
+    EXPECT_NE(contentOf("old.dxf").find("AC1015"), std::string::npos);
+    EXPECT_TRUE(contentOf("new.dxf").starts_with("AutoCAD Binary DXF"));
+    EXPECT_TRUE(contentOf("new.bak").starts_with("AutoCAD Binary DXF")) << "saved again in its format";
+    EXPECT_NE(contentOf("plain.dxf").find("AC1032"), std::string::npos);
+    ASSERT_EQ(script("", "--dump new.txt new.dxf").code, 0);
+    ASSERT_EQ(script("", "--dump plain.txt plain.dxf").code, 0);
+    EXPECT_EQ(firstDifference(contentOf("new.txt"), contentOf("plain.txt")), "");
+}
+
+TEST_F(Program, OpeningTellsWhatWasRepaired) {
+    std::string drawing = "0\nSECTION\n2\nENTITIES\n";
+    for (int index = 0; index < 30; ++index) {
+        drawing += "0\nPOINT\n8\nLAYER" + std::to_string(index) + "\n10\n0\n20\n0\n";
+    }
+    writeFile(file("layers.dxf"), drawing + "0\nENDSEC\n0\nEOF\n");
+    const Outcome outcome = script("", "layers.dxf");
+    EXPECT_EQ(outcome.code, 0) << outcome.errors;
+    EXPECT_NE(outcome.output.find("第 8 行: 图层 \"LAYER0\" 没有定义, 已新建, 已修复\n"), std::string::npos)
+        << outcome.output;
+    EXPECT_NE(outcome.output.find("还有 10 处\n"), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.output.find("LAYER25"), std::string::npos);
+}
