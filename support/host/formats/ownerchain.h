@@ -9,7 +9,8 @@
 
 namespace host {
 
-/// Remembers what it learned of owners, so that long chains of them are walked once. For the time of one pass.
+/// Remembers what it learned of owners, so that long chains of them are walked once. For the time of one
+/// pass.
 class OwnerChain {
 public:
     using Marked = std::function<bool(const AcDbStub&)>;
