@@ -295,6 +295,9 @@ public:
     std::string codePage = "ANSI_936";
     std::wstring fileName;
 
+    /// Grows whenever an object may have changed: what was computed before is then out of date.
+    Adesk::UInt64 changeStamp = 1;
+
     UndoLog undo;
     std::vector<AcDbDatabaseReactor*> reactors;
     std::unique_ptr<AcDbTransactionManager> transactions;
