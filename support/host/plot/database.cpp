@@ -12,7 +12,7 @@ std::wstring plotExtents(AcDbDatabase* database, const std::filesystem::path& pa
         return L"图形没有模型空间，未出图。";
     const std::unique_ptr<DrawingSource> source = drawingSource(*database);
     const auto draw = [&](Flattener& flattener) {
-        for (AcDbStub* stub : space->entities()) {
+        for (AcDbStub* stub : drawOrder(*space)) {
             if (auto* entity = peek<AcDbEntity>(AcDbObjectId(stub))) { // erased ones are not seen
                 const ReadAccess access(*entity);
                 flattener.draw(*entity);

@@ -12,7 +12,8 @@ void host::initializeEntityClasses() {
         AcDbAttribute::rxInit,      AcDbBlockReference::rxInit, AcDbTrace::rxInit,
         AcDbSolid::rxInit,          AcDbHatch::rxInit,          AcDbMline::rxInit,
         AcDbMInsertBlock::rxInit,   AcDbMlineStyle::rxInit,     AcDbGroup::rxInit,
-        AcDbSortentsTable::rxInit,
+        AcDbSortentsTable::rxInit,  AcDbRasterImage::rxInit,    AcDbWipeout::rxInit,
+        AcDbRasterImageDef::rxInit, AcDbViewport::rxInit,
     };
     for (void (*registration)() : registrations) {
         registration();
