@@ -326,9 +326,6 @@ AcDbObjectId AcDbDatabase::mLStyleDictionaryId() const {
 AcDbObjectId AcDbDatabase::modelSpaceId() const {
     return mImpl->containers.modelSpace;
 }
-AcDbObjectId AcDbDatabase::paperSpaceId() const {
-    return mImpl->containers.paperSpace;
-}
 AcDbObjectId AcDbDatabase::currentSpaceId() const {
     return tilemode() ? modelSpaceId() : paperSpaceId();
 }
@@ -514,6 +511,7 @@ void initializeDatabaseClasses() {
     AcDbDatabaseReactor::rxInit();
     AcDbDatabase::rxInit();
     AcDbHostApplicationServices::rxInit();
+    AcDbLayoutManager::rxInit();
     AcTransaction::rxInit();
     AcDbTransactionManager::rxInit();
     AcDbEntity::rxInit();
