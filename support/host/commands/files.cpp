@@ -45,6 +45,7 @@ bool fileIsThere(const std::wstring& name) {
 void saveTo(const std::wstring& name) {
     AcApDocument* document = curDoc();
     std::wstring message;
+    document->database()->keepExtents();
     if (fileFormats().write(*document->database(), name, true, message) != Acad::eOk) {
         reportFailure(message);
         return;
