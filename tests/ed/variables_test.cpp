@@ -81,6 +81,15 @@ TEST_F(Variables, SessionDocumentAndKeptOnes) {
     set(L"OSMODE", L"4133");
 }
 
+TEST_F(Variables, EachKnowsWhereItIsKept) {
+    const auto home = [](const wchar_t* name) { return host::systemVariableInfo(name)->home; };
+    EXPECT_EQ(home(L"LTSCALE"), host::VariableHome::drawing);
+    EXPECT_EQ(home(L"OSMODE"), host::VariableHome::settings);
+    EXPECT_EQ(home(L"LASTPOINT"), host::VariableHome::session);
+    EXPECT_EQ(home(L"CDATE"), host::VariableHome::nowhere);
+    EXPECT_FALSE(host::systemVariableInfo(L"NOSUCH"));
+}
+
 TEST_F(Variables, EveryVariableCanBeRead) {
     for (const std::wstring& name : host::systemVariableNames()) {
         const host::ResbufList value = host::systemVariable(name);
@@ -92,6 +101,50 @@ TEST_F(Variables, EveryVariableCanBeRead) {
             EXPECT_EQ(host::setSystemVariable(name, *value), VariableError::none) << host::toUtf8(name);
         }
     }
+}
+
+TEST_F(Variables, NamesTypedAsCommandsAskForTheValue) {
+    edtest::registerCommands();
+    EXPECT_TRUE(run("ltscale\n5\nPDMODE 3\n'ORTHOMODE 1\nUSERS1\n两个 字\n"));
+    EXPECT_EQ(database().ltscale(), 5.0);
+    EXPECT_EQ(host::systemVariableInteger(L"PDMODE"), 3);
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 1);
+    EXPECT_EQ(host::systemVariableText(L"USERS1"), L"两个 字");
+    EXPECT_NE(transcript.shown.find(L"输入 LTSCALE 的新值 <1>: 5\n"), std::wstring::npos);
+    // Each is a step of its own; inside a command they are transparent.
+    EXPECT_TRUE(run("LINE\n0,0\n'ORTHOMODE 0\n5,5\n\n"));
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 0);
+    database().undoLog().undo(1);
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 1);
+    EXPECT_EQ(acedCommandS(RTSTR, L"LTSCALE", RTREAL, 7.0, RTNONE), RTNORM);
+    EXPECT_EQ(database().ltscale(), 7.0);
+}
+
+TEST_F(Variables, BadValuesAreAnsweredAndAskedAgain) {
+    edtest::registerCommands();
+    const struct {
+        const char* script;
+        const wchar_t* line;
+    } rows[] = {
+        {"SETVAR CMDECHO 2 x 1", L"需要 0 到 1 之间的整数。\n"},
+        {"SETVAR CMDECHO 1.5 1", L"需要整数。\n"},
+        {"SETVAR LTSCALE -1 1", L"值必须为正且非零。\n"},
+        {"SETVAR FILLETRAD -1 0", L"值不能为负。\n"},
+        {"SETVAR LTSCALE abc 1", L"需要数值。\n"},
+        {"SETVAR LASTPOINT abc 1,1,1", L"需要点。\n"},
+        {"SETVAR USERI1 40000 0", L"需要 -32768 到 32767 之间的整数。\n"},
+        {"SETVAR CLAYER\n没有\n0", L"无法将 CLAYER 设置为该值。*无效*\n"},
+        {"SETVAR NOSUCH", L"未知变量名: NOSUCH\n"},
+        {"SETVAR DWGNAME", L" (只读)\n"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(run(std::string(row.script) + "\n")) << row.script;
+        EXPECT_NE(transcript.shown.find(row.line), std::wstring::npos) << row.script << "\n"
+                                                                       << host::toUtf8(transcript.shown);
+    }
+    EXPECT_TRUE(run("SETVAR ? CEL*\n"));
+    EXPECT_NE(transcript.shown.find(L"CELTSCALE"), std::wstring::npos);
+    EXPECT_EQ(transcript.shown.find(L"CLAYER"), std::wstring::npos);
 }
 
 TEST_F(Variables, ChangesOfTheDrawingAreSeen) {
@@ -165,6 +218,20 @@ TEST_F(Variables, FilesAreFoundInTheSupportFolders) {
     EXPECT_EQ(acedFindFile(L"mixed.LIN", path), RTNORM);
     EXPECT_EQ(host::toNativePath(path.kwszPtr()), folder() / "Mixed.Lin");
     EXPECT_EQ(acedFindFile(L"none.lin", path), RTERROR);
+    host::supportFolders().pop_back();
+}
+
+TEST_F(Variables, ModulesAreLoadedByWindowsPathsAndFromTheSupportFolders) {
+    std::filesystem::copy_file(TEST_MODULE, folder() / "Tools.arx");
+    const std::wstring path = host::toWindowsPath(folder() / "x.arx");
+    EXPECT_TRUE(acrxLoadModule((L"C:" + path.substr(0, path.size() - 5) + L"TOOLS.ARX").c_str(), false));
+    EXPECT_TRUE(acrxDynamicLinker()->isModuleLoaded(L"tools.arx"));
+    EXPECT_TRUE(host::unloadModule(L"Tools.arx"));
+    EXPECT_FALSE(acrxLoadModule(L"TOOLS", false));
+    EXPECT_NE(transcript.diagnostics.find(L"找不到模块文件: TOOLS"), std::wstring::npos);
+    host::supportFolders().push_back(folder());
+    EXPECT_TRUE(acrxLoadModule(L"TOOLS", false));
+    EXPECT_TRUE(host::unloadModule(L"Tools.arx"));
     host::supportFolders().pop_back();
 }
 
@@ -360,6 +427,98 @@ TEST_F(Questions, DraggingFromAScript) {
     EXPECT_EQ(drag("^C\n"), L"-4 1,1 0");
     EXPECT_EQ(drag("nonsense\n@2,0\n"), L"0 2,0 1");
     EXPECT_EQ(drag(""), L"-4 1,1 0");
+}
+
+/// Asks for one thing and shows what came.
+class ValueJig : public AcEdJig {
+public:
+    enum class Wanted { distance, distanceFrom, angle, text };
+    ValueJig(Wanted wanted, int controls) : mWanted(wanted) { setUserInputControls(controls); }
+    DragStatus sampler() override {
+        const AcGePoint3d base(10, 10, 0);
+        double number = 0.0;
+        ACHAR text[32] = L"";
+        DragStatus status = kCancel;
+        switch (mWanted) {
+        case Wanted::distance:
+            status = acquireDist(number);
+            break;
+        case Wanted::distanceFrom:
+            status = acquireDist(number, base);
+            break;
+        case Wanted::angle:
+            status = acquireAngle(number, base);
+            break;
+        case Wanted::text:
+            status = acquireString(text);
+            break;
+        }
+        shown = mWanted == Wanted::text ? text : host::formatted(L"%.4g", number);
+        return status;
+    }
+    Adesk::Boolean update() override { return true; }
+    AcDbEntity* entity() const override { return mEntity.get(); }
+    std::wstring shown;
+
+private:
+    Wanted mWanted;
+    std::unique_ptr<AcDbLine> mEntity = std::make_unique<AcDbLine>();
+};
+
+TEST_F(Questions, JigsAskForDistancesAnglesAndTexts) {
+    addLine(0, 0, 10, 0);
+    using Wanted = ValueJig::Wanted;
+    const auto drag = [&](Wanted wanted, const std::string& script, int controls = 0) {
+        return ask(script, [=] {
+            ValueJig jig(wanted, controls);
+            jig.setKeywordList(L"Undo Width");
+            const AcEdJig::DragStatus status = jig.drag();
+            answered = host::formatted(L"%d %s", status, jig.shown.c_str());
+        });
+    };
+    EXPECT_EQ(drag(Wanted::distance, "12.5\n"), L"0 12.5");
+    EXPECT_EQ(drag(Wanted::distanceFrom, "13,14\n"), L"0 5");
+    EXPECT_EQ(drag(Wanted::distanceFrom, "_end\n8,0\n"), L"0 10");
+    EXPECT_EQ(drag(Wanted::distance, "0\n-1\n2\n",
+                   AcEdJig::kNoZeroResponseAccepted | AcEdJig::kNoNegativeResponseAccepted),
+              L"0 2");
+    EXPECT_EQ(drag(Wanted::distance, "w\n"), L"2 0");
+    EXPECT_EQ(drag(Wanted::distance, "\n3\n"), L"0 3");
+    EXPECT_EQ(drag(Wanted::distance, "\n", AcEdJig::kNullResponseAccepted), L"-1 0");
+    EXPECT_EQ(drag(Wanted::distance, "some\n", AcEdJig::kAcceptOtherInputString), L"-3 0");
+    EXPECT_EQ(drag(Wanted::angle, "45\n"), L"0 0.7854");
+    EXPECT_EQ(drag(Wanted::angle, "10,20\n"), L"0 1.571");
+    EXPECT_EQ(drag(Wanted::text, "two words\n"), L"0 two words");
+    EXPECT_EQ(drag(Wanted::text, "two words\n", AcEdJig::kAnyBlankTerminatesInput), L"0 two");
+    EXPECT_EQ(drag(Wanted::angle, "^C\n"), L"-4 0");
+}
+
+class LineJig : public AcEdJig {
+public:
+    explicit LineJig(AcDbLine* line) : mLine(line) {}
+    DragStatus sampler() override { return acquirePoint(mTo); }
+    Adesk::Boolean update() override {
+        mLine->setEndPoint(mTo);
+        return true;
+    }
+    AcDbEntity* entity() const override { return mLine; }
+
+private:
+    AcDbLine* mLine;
+    AcGePoint3d mTo;
+};
+
+TEST_F(Questions, WhatWasDraggedIsAppended) {
+    static AcDbObjectId id;
+    ask("7,8\n", [] {
+        LineJig jig(new AcDbLine(AcGePoint3d(1, 1, 0), AcGePoint3d(1, 1, 0)));
+        if (jig.drag() == AcEdJig::kNormal) {
+            id = jig.append();
+        }
+    });
+    const host::Opened<AcDbLine> line(id, AcDb::kForRead);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->endPoint(), AcGePoint3d(7, 8, 0));
 }
 
 TEST_F(Questions, LinesAndTheirCrossing) {

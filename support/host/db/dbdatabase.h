@@ -5,6 +5,7 @@
 #include "host/db/dblayout.h"
 #include "host/db/dbsymtb.h"
 #include "host/db/headervars.h"
+#include "host/db/spatialindex.h"
 #include "host/db/undolog.h"
 
 #include <functional>
@@ -188,8 +189,10 @@ public:
     void setUcs(const AcGePoint3d& origin, const AcGeVector3d& x, const AcGeVector3d& y);
     AcGePoint3d extmin() const;
     AcGePoint3d extmax() const;
-    /// Recomputes EXTMIN and EXTMAX from what is drawn. Not recorded for undo.
+    /// Recomputes EXTMIN and EXTMAX from what is drawn in model space. Not recorded for undo.
     Acad::ErrorStatus updateExt(bool exact = true);
+    /// The same when the drawing changed since they were last computed (or read from a file).
+    void keepExtents();
 
     // Cloning.
 
@@ -304,8 +307,12 @@ public:
     Adesk::UInt64 changeStamp = 1;
 
     UndoLog undo;
+    SpatialIndexes places; ///< where entities lie
     std::vector<AcDbDatabaseReactor*> reactors;
     std::unique_ptr<AcDbTransactionManager> transactions;
+
+    /// EXTMIN and EXTMAX hold for the drawing as it is (it was just read).
+    void extentsHold() { mExtentsAt = places.generation(); }
 
     void notifyAppended(const AcDbObject& object);
     void notifyModified(const AcDbObject& object);
@@ -314,7 +321,10 @@ public:
 private:
     void initializeHeader();
 
+    friend class ::AcDbDatabase;
+
     AcDbDatabase& mDatabase;
+    Adesk::UInt64 mExtentsAt = 0; ///< generation for which EXTMIN and EXTMAX hold
     struct Handles;
     std::unique_ptr<Handles> mHandles;
 };

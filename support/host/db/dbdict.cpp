@@ -2,6 +2,7 @@
 #include "host/db/dbdict.h"
 
 #include "host/db/dbdatabase.h"
+#include "host/db/dbgroup.h"
 #include "host/rx/text.h"
 
 #include <algorithm>

@@ -5,9 +5,28 @@
 #include "host/db/entities/hatchboundary.h"
 
 #include <algorithm>
+#include <utility>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbGroup, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, GROUP,
                         ObjectDBX Classes)
+
+namespace {
+
+/// The entity tells that it is in the group, or no longer.
+void tell(AcDbObjectId entity, AcDbObjectId group, bool isMember) {
+    AcDbObject* object = nullptr;
+    if (group.isNull() || acdbOpenAcDbObject(object, entity, AcDb::kForWrite) != Acad::eOk) {
+        return; // open elsewhere or on a locked layer: the group knows its members itself
+    }
+    if (isMember) {
+        object->addPersistentReactor(group);
+    } else {
+        object->removePersistentReactor(group);
+    }
+    object->close();
+}
+
+} // namespace
 
 AcString AcDbGroup::getName() const {
     AcString name;
@@ -55,6 +74,7 @@ Acad::ErrorStatus AcDbGroup::append(const AcDbObjectIdArray& ids) {
     for (const AcDbObjectId& id : ids) {
         if (known.emplace(id.stub(), true).second) {
             mIds.push_back(id);
+            tell(id, objectId(), true);
         }
     }
     return Acad::eOk;
@@ -72,6 +92,7 @@ Acad::ErrorStatus AcDbGroup::insertAt(Adesk::UInt32 index, AcDbObjectId id) {
     }
     assertWriteEnabled();
     mIds.insert(mIds.begin() + index, id);
+    tell(id, objectId(), true);
     return Acad::eOk;
 }
 
@@ -86,7 +107,9 @@ Acad::ErrorStatus AcDbGroup::removeAt(Adesk::UInt32 index) {
         return Acad::eInvalidIndex;
     }
     assertWriteEnabled();
+    const AcDbObjectId removed = mIds[index];
     mIds.erase(mIds.begin() + index);
+    tell(removed, objectId(), false);
     return Acad::eOk;
 }
 
@@ -100,6 +123,8 @@ Acad::ErrorStatus AcDbGroup::replace(AcDbObjectId old, AcDbObjectId id) {
     }
     assertWriteEnabled();
     mIds[index] = id;
+    tell(old, objectId(), false);
+    tell(id, objectId(), true);
     return Acad::eOk;
 }
 
@@ -119,7 +144,9 @@ Acad::ErrorStatus AcDbGroup::transfer(Adesk::UInt32 from, Adesk::UInt32 to, Ades
 
 Acad::ErrorStatus AcDbGroup::clear() {
     assertWriteEnabled();
-    mIds.clear();
+    for (const AcDbObjectId& id : std::exchange(mIds, {})) {
+        tell(id, objectId(), false);
+    }
     return Acad::eOk;
 }
 

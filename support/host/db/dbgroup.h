@@ -25,7 +25,7 @@ public:
     bool isAnonymous() const { return mAnonymous; }
     Acad::ErrorStatus setAnonymous(bool anonymous = true);
 
-    /// eAlreadyInGroup for an entity that is a member.
+    /// eAlreadyInGroup for an entity that is a member. Members have the group as a persistent reactor.
     Acad::ErrorStatus append(AcDbObjectId id);
     Acad::ErrorStatus append(const AcDbObjectIdArray& ids);
     Acad::ErrorStatus insertAt(Adesk::UInt32 index, AcDbObjectId id);

@@ -199,6 +199,7 @@ void UndoLog::undoStep(std::vector<std::wstring>* names) {
     const ScopedFlag applying(mApplying, true);
     RedoStep redo{{}, mSteps.back()};
     mSteps.pop_back();
+    redo.records.reserve(mRecords.size() - redo.step.begin);
     while (mRecords.size() > redo.step.begin) {
         apply(mRecords.back());
         redo.records.push_back(std::move(mRecords.back()));
@@ -266,8 +267,9 @@ int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
     return done;
 }
 
-bool UndoLog::hasMark() const {
-    return std::any_of(mSteps.begin(), mSteps.end(), [](const Step& step) { return step.mark; });
+int UndoLog::markCount() const {
+    return static_cast<int>(
+        std::count_if(mSteps.begin(), mSteps.end(), [](const Step& step) { return step.mark; }));
 }
 
 int UndoLog::undoableSteps() const {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -16,11 +17,20 @@ class AcApDocument;
 
 namespace host {
 
+/// How entities came into a set, as acedSSNameX tells: at a point, or in a shape.
+struct SelectedBy {
+    enum class Method { other = 0, pick = 1, window = 2, crossing = 3, fence = 4 };
+    Method method = Method::other;
+    std::vector<AcGePoint3d> points; ///< UCS: of the pick, the polygon, the fence
+};
+
 /// Entities in the order they were selected, each once.
 struct PickSet {
     std::vector<AcDbObjectId> ids;
 
-    bool add(AcDbObjectId id);
+    bool add(AcDbObjectId id, std::shared_ptr<const SelectedBy> how = nullptr);
+    /// Null when that is not known.
+    std::shared_ptr<const SelectedBy> selectedBy(AcDbObjectId id) const;
     bool remove(AcDbObjectId id);
     /// In time of both sizes together.
     void removeAll(const std::vector<AcDbObjectId>& gone);
@@ -30,7 +40,7 @@ struct PickSet {
     void clear();
 
 private:
-    std::unordered_set<AcDbStub*> mMembers;
+    std::unordered_map<AcDbStub*, std::shared_ptr<const SelectedBy>> mMembers;
 };
 
 /// A name for a copy of the set; freed with acedSSFree.
@@ -41,31 +51,19 @@ bool freePickSet(const ads_name name);
 /// How many names are in use.
 std::size_t pickSetCount();
 
-/// An axis-aligned box in the plan of the world.
-struct PlanBox {
-    double minX = 0.0, minY = 0.0, maxX = 0.0, maxY = 0.0;
-
-    bool overlaps(const PlanBox& other) const {
-        return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
-    }
-    bool contains(const PlanBox& other) const {
-        return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;
-    }
-    static PlanBox of(std::span<const AcGePoint2d> points);
-};
-
-/// Finds entities by place. The default walks over the block; an index hangs itself in here.
+/// Finds entities by place. The default asks the drawing's index.
 class SpatialQuery {
 public:
     virtual ~SpatialQuery() = default;
-    /// Calls for each entity of the block that is not erased and whose box may touch the given one, in
-    /// drawing order; until `visit` returns false.
-    virtual void overlapping(AcDbObjectId block, const PlanBox& box,
-                             const std::function<bool(AcDbEntity&)>& visit) = 0;
+    /// Entities of the block that are not erased and whose box in the plan of the world may touch the given
+    /// one, in drawing order.
+    virtual std::vector<Placed> overlapping(AcDbObjectId block, const Box2d& box) = 0;
 };
 SpatialQuery& spatialQuery();
 /// Null gives back the default.
 void setSpatialQuery(std::unique_ptr<SpatialQuery> query);
+/// Looks at every entity of the block: what the index must agree with.
+std::unique_ptr<SpatialQuery> makeBlockWalk();
 
 /// A result-buffer list as a condition on entities: group values with wildcards in names, -4 operators,
 /// extended data by application.
@@ -90,7 +88,14 @@ struct SelectionShape {
     enum class Kind { window, crossing, fence };
     Kind kind = Kind::crossing;
     std::vector<AcGePoint2d> points; ///< world; a polygon is closed by itself
+
+    /// Through points in UCS coordinates.
+    static SelectionShape through(Kind kind, const std::vector<AcGePoint3d>& points);
 };
+/// The corners of a rectangle along the axes of the UCS, from two opposite ones.
+std::vector<AcGePoint3d> rectangleCorners(const AcGePoint3d& a, const AcGePoint3d& b);
+std::shared_ptr<const SelectedBy> selectedBy(SelectionShape::Kind kind, std::vector<AcGePoint3d> points);
+std::shared_ptr<const SelectedBy> selectedByPick(const AcGePoint3d& point);
 
 /// What may be picked: not erased, on a layer that is on and thawed, visible.
 bool isSelectable(const AcDbEntity& entity);
@@ -112,6 +117,12 @@ struct NestedPick {
 std::optional<NestedPick> nestedEntityAt(const AcGePoint3d& point, double aperture);
 /// Half the pick box in drawing units.
 double pickAperture();
+
+/// With groups selected as a whole (PICKSTYLE): the other members of the selectable groups that the entities
+/// belong to, added behind them.
+void addGroupMembers(std::vector<AcDbObjectId>& ids);
+/// The members of a group by its name; nothing when there is none.
+std::optional<std::vector<AcDbObjectId>> groupMembers(std::wstring_view name);
 
 struct SelectOptions {
     std::wstring addPrompt = L"\n选择对象: ";

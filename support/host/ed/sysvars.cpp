@@ -230,6 +230,14 @@ bool inRange(const VariableValue& value, double minimum, double maximum) {
     return number >= minimum && number <= maximum;
 }
 
+/// Short integers are short even where no range is given.
+bool fitsType(const VariableValue& value, int type) {
+    const int* number = std::get_if<int>(&value);
+    return number == nullptr || type != RTSHORT ||
+           (*number >= std::numeric_limits<Adesk::Int16>::min() &&
+            *number <= std::numeric_limits<Adesk::Int16>::max());
+}
+
 // Header variables.
 
 template <class Record>
@@ -363,6 +371,17 @@ VariableError setHeaderValue(AcDbDatabase& database, HeaderIndex index, const Va
                        : database.setVariable(index, point));
 }
 
+VariableHome homeOf(VariableScope scope) {
+    switch (scope) {
+    case VariableScope::settings:
+        return VariableHome::settings;
+    case VariableScope::computed:
+        return VariableHome::nowhere;
+    default:
+        return VariableHome::session;
+    }
+}
+
 /// A variable found by name in either place.
 struct Place {
     const SessionVariable* session = nullptr;
@@ -396,8 +415,14 @@ std::optional<VariableValue> valueAt(const Place& place) {
     if (place.session != nullptr) {
         return sessionValue(*place.session, document);
     }
-    const AcDbDatabase* database = acdbCurDwg();
-    return database != nullptr ? std::optional(headerValue(*database, *place.header)) : std::nullopt;
+    AcDbDatabase* database = acdbCurDwg();
+    if (database == nullptr) {
+        return std::nullopt;
+    }
+    if (std::string_view(headerVariables()[*place.header].name).starts_with("EXTM")) {
+        database->keepExtents();
+    }
+    return headerValue(*database, *place.header);
 }
 
 VariableError store(const Place& place, const VariableValue& value) {
@@ -405,7 +430,7 @@ VariableError store(const Place& place, const VariableValue& value) {
         AcDbDatabase* database = acdbCurDwg();
         return database != nullptr ? setHeaderValue(*database, *place.header, value) : VariableError::refused;
     }
-    if (!inRange(value, place.session->minimum, place.session->maximum)) {
+    if (!inRange(value, place.session->minimum, place.session->maximum) || !fitsType(value, place.type())) {
         return VariableError::outOfRange;
     }
     if (place.session->scope == VariableScope::computed) {
@@ -510,8 +535,9 @@ std::optional<VariableInfo> systemVariableInfo(std::wstring_view name) {
     if (!place.exists()) {
         return std::nullopt;
     }
-    VariableInfo info{toUpper(name), place.readOnly(), place.type(), 0.0, -1.0};
+    VariableInfo info{toUpper(name), place.readOnly(), place.type(), 0.0, -1.0, VariableHome::drawing};
     if (place.session != nullptr) {
+        info.home = homeOf(place.session->scope);
         info.minimum = place.session->minimum;
         info.maximum = place.session->maximum;
     } else {
@@ -534,29 +560,6 @@ std::vector<std::wstring> systemVariableNames() {
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
-}
-
-std::wstring variableErrorText(VariableError error, std::wstring_view name) {
-    const std::wstring shown = toUpper(name);
-    switch (error) {
-    case VariableError::none:
-        return {};
-    case VariableError::unknown:
-        return L"未知变量名: " + shown;
-    case VariableError::readOnly:
-        return L"系统变量 " + shown + L" 是只读的";
-    case VariableError::wrongType:
-        return L"系统变量 " + shown + L" 的值类型不符";
-    case VariableError::outOfRange: {
-        const std::optional<VariableInfo> info = systemVariableInfo(name);
-        return info && info->minimum <= info->maximum ? formatted(L"系统变量 %s 的值必须在 %g 和 %g 之间",
-                                                                  shown.c_str(), info->minimum, info->maximum)
-                                                      : L"系统变量 " + shown + L" 的值超出范围";
-    }
-    case VariableError::refused:
-        break;
-    }
-    return L"系统变量 " + shown + L" 不接受这个值";
 }
 
 void saveVariables() {
