@@ -161,7 +161,7 @@ TEST_F(LispCore, CatchesErrorsOnRequest) {
 TEST_F(LispCore, EndsEndlessRecursionAndLoopsWithAnError) {
     check({
         {"(defun deep (n) (if (= n 0) 0 (1+ (deep (1- n))))) (deep 20000)", "20000"},
-        {"(defun f (x) (f (+ x 1))) (f 0)", "!已达到 LISP 堆栈的极限"},
+        {"(defun f (x) (1+ (f (+ x 1)))) (f 0)", "!已达到 LISP 堆栈的极限"},
         {"(defun f (x) (apply 'f (list x))) (f 0)", "!已达到 LISP 堆栈的极限"},
     });
     // Deep nesting of data ends in a value or in the error, by the size of the frames.
@@ -172,6 +172,34 @@ TEST_F(LispCore, EndsEndlessRecursionAndLoopsWithAnError) {
     lisp.surroundings().userBreak = [] { return true; };
     EXPECT_EQ(run("(while t)"), "!函数被取消");
     EXPECT_EQ(run("(defun f () (setq k 0) (while t (setq k (1+ k)))) (f)"), "!函数被取消");
+}
+
+TEST_F(LispCore, RunsTailCallsAsLoops) {
+    check({
+        {"(defun f (n) (if (= n 0) 'done (f (1- n)))) (f 300000)", "DONE"},
+        {"(defun f (n s / k) (cond ((= n 0) (list s k)) (t (setq k n) (progn (f (1- n) (+ s k)))))) (f "
+         "100000 0.0)",
+         "(5.00005e+09 nil)"},
+        {"(setq n 'out) (f 3 0) n", "OUT"},
+        // Only a call that is the value itself, and of the same function, takes the place.
+        {"(defun f (n) (if (= n 0) 0 (1+ (f (1- n))))) (f 100)", "100"},
+        {"(defun f (n) (defun f (n) (list 'new n)) (f (1+ n))) (f 1)", "(NEW 2)"},
+        {"(defun f (n) (if (= n 0) (g) (f (1- n)))) (defun g () n) (f 3)", "0"},
+        {"(defun f (n) (if (= n 0) (car 1) (f))) (f 1)", "!参数太少"},
+        {"(defun f (n / *error*) (defun *error* (m) (setq told n)) (if (= n 0) (car 1) (f (1- n)))) (f 2)",
+         "!参数类型错误: consp 1"},
+        {"(list told n)", "(0 OUT)"},
+    });
+}
+
+TEST_F(LispCore, TracesCalls) {
+    EXPECT_EQ(run("(defun f (n) (if (= n 0) 0 (f (1- n)))) (trace f) (f 1)"), "0");
+    EXPECT_EQ(printed(), "\n进入 (F 1)\n  进入 (F 0)\n  结果: 0\n结果: 0");
+    EXPECT_EQ(run("(trace strcat) (apply 'strcat '(\"a\" \"b\"))"), "\"ab\"");
+    EXPECT_EQ(printed(), "\n进入 (STRCAT \"a\" \"b\")\n结果: \"ab\"");
+    EXPECT_EQ(run("(untrace f strcat) (f 1) (strcat \"a\")"), "\"a\"");
+    EXPECT_EQ(printed(), "");
+    EXPECT_EQ(run("(trace no-such)"), "!没有函数定义: NO-SUCH");
 }
 
 TEST_F(LispCore, LoopsDoNotGrowMemory) {

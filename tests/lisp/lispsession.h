@@ -1,12 +1,16 @@
 // A session with a drawing, its dialogue caught, for tests of LISP inside the editor.
 #pragma once
 
+#include "host/commands/commands.h"
 #include "host/ed/ed.h"
 #include "host/lisp/lisp.h"
 #include "host/rx/text.h"
+#include "host/win/win.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace host {
 
@@ -21,7 +25,10 @@ public:
 class LispSession : public testing::Test {
 protected:
     LispSession() {
+        setSettingsFolder(settings);
         console().setSink(&caught);
+        static const bool commandsAreThere = (initializeCommands(), true);
+        EXPECT_TRUE(commandsAreThere);
         initializeLisp();
         session.newDrawing();
     }
@@ -30,6 +37,8 @@ protected:
             acDocManagerPtr()->closeDocument(document);
         }
         console().setSink(nullptr);
+        setSettingsFolder({});
+        std::filesystem::remove_all(settings);
     }
 
     /// The value as printed; for an error its line.
@@ -55,6 +64,8 @@ protected:
         }
     }
 
+    const std::filesystem::path settings =
+        std::filesystem::temp_directory_path() / ("lisp-settings-" + std::to_string(::getpid()));
     CaughtConsole caught;
     Session session;
     bool lastScriptOk = false;

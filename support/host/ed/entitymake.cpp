@@ -91,28 +91,30 @@ private:
     bool mOwnerPending = true; ///< the first 330 in front of a subclass names the owner
 };
 
-/// A layer that an entity's list names is made when the drawing lacks it.
-void addMissingLayer(const resbuf* list, AcDbDatabase& database) {
+/// A layer that an entity's list names is made when the drawing lacks it. False when it can't be a layer's
+/// name.
+bool addMissingLayer(const resbuf* list, AcDbDatabase& database) {
     const std::wstring name = textOf(list, 8);
     AcDbLayerTable* table = nullptr;
-    if (name.empty() || acdbSNValid(name.c_str(), 0) != RTNORM ||
-        database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
-        return;
+    if (findGroup(list, 8) == nullptr || database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
+        return true;
     }
-    if (!table->has(name.c_str()) && table->upgradeOpen() == Acad::eOk) {
+    bool present = table->has(name.c_str());
+    if (!present && acdbSNValid(name.c_str(), 0) == RTNORM && table->upgradeOpen() == Acad::eOk) {
         auto layer = std::make_unique<AcDbLayerTableRecord>();
         layer->setName(name.c_str());
         layer->setLinetypeObjectId(database.continuousLinetype());
         if (table->add(layer.get()) == Acad::eOk) {
             layer.release()->close();
+            present = true;
         }
     }
     table->close();
+    return present;
 }
 
 /// What an entity takes from the drawing's current settings when its list does not say.
 ResbufList withCurrentProperties(const resbuf* list, AcDbDatabase& database) {
-    addMissingLayer(list, database);
     ReadableGroups groups(list);
     const auto name = [](AcDbObjectId id) {
         const auto* record = peek<AcDbSymbolTableRecord>(id);
@@ -175,6 +177,9 @@ AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
     if (equalNoCase(name, L"DIMENSION")) {
         return acrxFindAcRxClass(dimensionClassName(integerOf(list, 70)));
     }
+    if (equalNoCase(name, L"INSERT") && (integerOf(list, 70) > 1 || integerOf(list, 71) > 1)) {
+        return acrxFindAcRxClass(L"AcDbMInsertBlock");
+    }
     AcRxClass* found = classOfDxfName(name);
     return found != nullptr && found->isDerivedFrom(AcDbObject::desc()) ? found : nullptr;
 }
@@ -189,10 +194,32 @@ std::unique_ptr<T> createFrom(AcRxClass* descriptor) {
     return std::unique_ptr<T>(object);
 }
 
+/// Whether a list has the groups without which it describes no entity of its kind; a radius or height (40) is
+/// above zero.
+bool hasNeededGroups(const resbuf* list) {
+    struct Needed {
+        const wchar_t* name;
+        int codes[4]; ///< 0: none
+    };
+    constexpr Needed rows[] = {
+        {L"LINE", {10, 11}},           {L"CIRCLE", {10, 40}},     {L"ARC", {10, 40, 50, 51}},
+        {L"POINT", {10}},              {L"TEXT", {10, 40, 1}},    {L"ATTDEF", {10, 40, 2}},
+        {L"INSERT", {10, 2}},          {L"LWPOLYLINE", {10}},     {L"SOLID", {10, 11, 12}},
+        {L"TRACE", {10, 11, 12}},      {L"3DFACE", {10, 11, 12}}, {L"ELLIPSE", {10, 11, 40}},
+        {L"MTEXT", {10, 1}},           {L"RAY", {10, 11}},        {L"XLINE", {10, 11}},
+    };
+    const std::wstring name = textOf(list, 0);
+    const Needed* row = std::ranges::find_if(rows, [&](const Needed& r) { return equalNoCase(r.name, name); });
+    return row == std::end(rows) || std::ranges::all_of(row->codes, [&](int code) {
+               const resbuf* found = code != 0 ? findGroup(list, code) : list;
+               return found != nullptr && (code != 40 || found->resval.rreal > 0.0);
+           });
+}
+
 /// Makes a new entity in a block. Null when the list does not describe one.
 AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& database) {
     std::unique_ptr<AcDbEntity> entity = createFrom<AcDbEntity>(classFor(textOf(list, 0), list));
-    if (entity == nullptr) {
+    if (entity == nullptr || !hasNeededGroups(list) || !addMissingLayer(list, database)) {
         return nullptr;
     }
     const ResbufList groups = withCurrentProperties(list, database);
@@ -212,7 +239,7 @@ AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& dat
 bool appendPart(AcDbEntity& whole, const resbuf* list, AcDbDatabase& database) {
     std::unique_ptr<AcDbEntity> part = createFrom<AcDbEntity>(partClass(textOf(list, 0), whole));
     SubentityList* parts = whole.needSubentities();
-    if (part == nullptr || parts == nullptr) {
+    if (part == nullptr || parts == nullptr || !addMissingLayer(list, database)) {
         return false;
     }
     const ResbufList groups = withCurrentProperties(list, database);
@@ -230,11 +257,13 @@ bool appendPart(AcDbEntity& whole, const resbuf* list, AcDbDatabase& database) {
     return true;
 }
 
-bool makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbDatabase& database) {
+/// The whole; null when a list does not describe its part.
+AcDbObjectId makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbDatabase& database) {
     AcDbEntity* whole = makeEntity(parts.front().get(), owner, database);
     if (whole == nullptr) {
-        return false;
+        return {};
     }
+    const AcDbObjectId id = whole->objectId();
     bool good = true;
     for (std::size_t i = 1; i < parts.size() && good; ++i) {
         good = appendPart(*whole, parts[i].get(), database);
@@ -243,31 +272,31 @@ bool makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbD
         whole->erase();
     }
     whole->close();
-    return good;
+    return good ? id : AcDbObjectId();
 }
 
 /// Records of symbol tables.
 template <class Table, class Record>
-bool makeRecordIn(const resbuf* list, AcDbDatabase& database) {
+AcDbObjectId makeRecordIn(const resbuf* list, AcDbDatabase& database) {
     Table* table = nullptr;
     const std::wstring name = textOf(list, 2);
+    AcDbObjectId id;
     if (name.empty() || database.getSymbolTable(table, AcDb::kForWrite) != Acad::eOk) {
-        return false;
+        return id;
     }
-    bool added = false;
     if (!table->has(name.c_str())) {
         auto record = std::make_unique<Record>();
         const ResbufList groups = ReadableGroups(list).release();
-        if (readInto(*record, groups.get(), database) == Acad::eOk && table->add(record.get()) == Acad::eOk) {
+        if (readInto(*record, groups.get(), database) == Acad::eOk &&
+            table->add(id, record.get()) == Acad::eOk) {
             record.release()->close();
-            added = true;
         }
     }
     table->close();
-    return added;
+    return id;
 }
 
-using RecordMaker = bool (*)(const resbuf*, AcDbDatabase&);
+using RecordMaker = AcDbObjectId (*)(const resbuf*, AcDbDatabase&);
 const std::map<std::wstring_view, RecordMaker>& recordMakers() {
     static const std::map<std::wstring_view, RecordMaker> makers = {
         {L"LAYER", makeRecordIn<AcDbLayerTable, AcDbLayerTableRecord>},
@@ -347,16 +376,16 @@ bool makeAll(std::vector<ResbufList>& lists, AcDbObjectId owner, AcDbDatabase& d
             parts.push_back(std::move(lists[i]));
         }
         ++i;
-        if (!makeComplex(parts, owner, database)) {
+        if (makeComplex(parts, owner, database).isNull()) {
             return false;
         }
     }
     return true;
 }
 
-int finishBlock(PendingEntity pending, AcDbDatabase& database) {
+int finishBlock(PendingEntity pending, AcDbDatabase& database, AcDbObjectId& block) {
     std::wstring name;
-    const AcDbObjectId block = blockFor(pending.parts.front().get(), database, name);
+    block = blockFor(pending.parts.front().get(), database, name);
     if (block.isNull()) {
         return RTERROR;
     }
@@ -376,16 +405,17 @@ AcDbObjectId spaceOf(const resbuf* list, const AcDbDatabase& database) {
     return database.currentSpaceId();
 }
 
-/// A further list of a complex entity or a block under construction.
+/// A further list of a complex entity or a block under construction; its end gives what was made.
 int continuePending(PendingEntity& pending, const std::wstring& name, const resbuf* list,
-                    AcDbDatabase& database) {
+                    AcDbDatabase& database, AcDbObjectId& made) {
     const bool inBlock = pending.kind == PendingEntity::Kind::block;
     if (equalNoCase(name, inBlock ? L"ENDBLK" : L"SEQEND")) {
         PendingEntity complete = std::exchange(pending, {});
         if (inBlock) {
-            return finishBlock(std::move(complete), database);
+            return finishBlock(std::move(complete), database, made);
         }
-        return makeComplex(complete.parts, complete.owner, database) ? RTNORM : RTERROR;
+        made = makeComplex(complete.parts, complete.owner, database);
+        return made.isNull() ? RTERROR : RTNORM;
     }
     if (!inBlock && !equalNoCase(name, L"VERTEX") && !equalNoCase(name, L"ATTRIB")) {
         pending = {};
@@ -395,7 +425,25 @@ int continuePending(PendingEntity& pending, const std::wstring& name, const resb
     return RTNORM;
 }
 
-int make(const resbuf* list) {
+/// An object of a dictionary, or of no owner yet: in the database only.
+AcDbObjectId makeUnowned(const resbuf* list, AcDbDatabase& database) {
+    AcDbObjectId id;
+    std::unique_ptr<AcDbObject> object = createFrom<AcDbObject>(classFor(textOf(list, 0), list));
+    if (object == nullptr || object->isKindOf(AcDbEntity::desc()) ||
+        object->isKindOf(AcDbSymbolTableRecord::desc())) {
+        return id;
+    }
+    const ResbufList groups = ReadableGroups(list).release();
+    if (readInto(*object, groups.get(), database) == Acad::eOk &&
+        database.addAcDbObject(id, object.get()) == Acad::eOk) {
+        applyExtendedData(*object, list);
+        object.release()->close();
+    }
+    return id;
+}
+
+/// Makes what the list describes or adds it to what is being made. `made` is null while that is not complete.
+int make(const resbuf* list, AcDbObjectId& made, bool mayBeUnowned) {
     AcApDocument* document = curDoc();
     const std::wstring name = textOf(list, 0);
     if (document == nullptr || name.empty()) {
@@ -404,7 +452,7 @@ int make(const resbuf* list) {
     AcDbDatabase& database = *document->database();
     PendingEntity& pending = document->state().pending;
     if (pending.kind != PendingEntity::Kind::none) {
-        return continuePending(pending, name, list, database);
+        return continuePending(pending, name, list, database, made);
     }
     if (equalNoCase(name, L"BLOCK") || opensComplex(name, list)) {
         pending.kind = equalNoCase(name, L"BLOCK")      ? PendingEntity::Kind::block
@@ -415,14 +463,37 @@ int make(const resbuf* list) {
         return RTNORM;
     }
     if (const auto maker = recordMakers().find(toUpper(name)); maker != recordMakers().end()) {
-        return maker->second(list, database) ? RTNORM : RTERROR;
+        made = maker->second(list, database);
+    } else if (AcDbEntity* entity = makeEntity(list, spaceOf(list, database), database)) {
+        made = entity->objectId();
+        entity->close();
+    } else if (mayBeUnowned) {
+        made = makeUnowned(list, database);
     }
-    AcDbEntity* entity = makeEntity(list, spaceOf(list, database), database);
-    if (entity == nullptr) {
-        return RTERROR;
+    return made.isNull() ? RTERROR : RTNORM;
+}
+
+int makeNamed(const resbuf* list, ads_name result) {
+    AcDbObjectId made;
+    const int code = make(list, made, true);
+    ads_name_clear(result);
+    if (!made.isNull()) {
+        ads_name name;
+        acdbGetAdsName(name, made);
+        ads_name_set(name, result);
     }
-    entity->close();
-    return RTNORM;
+    return code;
+}
+
+void giveUpPending() {
+    if (AcApDocument* document = curDoc()) {
+        document->state().pending = {};
+    }
+}
+
+int makeAnonymously(const resbuf* list) {
+    AcDbObjectId made;
+    return make(list, made, false);
 }
 
 // Changing.
@@ -494,8 +565,9 @@ int modify(const resbuf* list) {
         return RTERROR;
     }
     object->assertWriteEnabled();
-    if (object->isKindOf(AcDbEntity::desc())) {
-        addMissingLayer(groups.get(), *object->database());
+    if (object->isKindOf(AcDbEntity::desc()) && !addMissingLayer(groups.get(), *object->database())) {
+        object->cancel();
+        return RTERROR;
     }
     forgetKeptGroups(*object);
     if (readInto(*object, groups.get(), *object->database()) != Acad::eOk ||
@@ -507,44 +579,19 @@ int modify(const resbuf* list) {
     return RTNORM;
 }
 
-int makeUnowned(const resbuf* list, ads_name result) {
-    AcDbDatabase* database = acdbCurDwg();
-    std::unique_ptr<AcDbObject> object = createFrom<AcDbObject>(classFor(textOf(list, 0), list));
-    if (database == nullptr || object == nullptr) {
-        return RTERROR;
-    }
-    AcDbObjectId id;
-    if (object->isKindOf(AcDbEntity::desc())) {
-        AcDbEntity* entity = makeEntity(list, spaceOf(list, *database), *database);
-        if (entity == nullptr) {
-            return RTERROR;
-        }
-        id = entity->objectId();
-        entity->close();
-    } else {
-        const ResbufList groups = ReadableGroups(list).release();
-        if (readInto(*object, groups.get(), *database) != Acad::eOk ||
-            database->addAcDbObject(id, object.get()) != Acad::eOk) {
-            return RTERROR;
-        }
-        applyExtendedData(*object, list);
-        object.release()->close();
-    }
-    ads_name name;
-    acdbGetAdsName(name, id);
-    ads_name_set(name, result);
-    return RTNORM;
-}
-
 } // namespace
 } // namespace host
 
 int acdbEntMake(const resbuf* list) {
-    return list != nullptr ? host::make(list) : RTERROR;
+    if (list == nullptr) {
+        host::giveUpPending();
+        return RTERROR;
+    }
+    return host::makeAnonymously(list);
 }
 
 int acdbEntMakeX(const resbuf* list, ads_name object) {
-    return list != nullptr ? host::makeUnowned(list, object) : RTERROR;
+    return list != nullptr ? host::makeNamed(list, object) : RTERROR;
 }
 
 int acdbEntMod(const resbuf* list) {

@@ -2,6 +2,7 @@
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
 #include "host/lisp/drawingbuiltins.h"
+#include "host/lisp/fileaccess.h"
 #include "host/lisp/lisp.h"
 #include "host/lisp/printer.h"
 #include "host/lisp/stack.h"
@@ -22,6 +23,7 @@ struct DocumentLisp {
     explicit DocumentLisp(LispSurroundings surroundings) : interpreter(std::move(surroundings)) {}
     LispInterpreter interpreter;
     std::set<std::wstring> externals; ///< names whose definition was taken over, upper case
+    bool hasStarted = false;          ///< the start-up program was looked for
 };
 
 /// A program may close its own document, so whoever runs one holds the interpreter too.
@@ -74,6 +76,21 @@ void takeOverExternals(DocumentLisp& lisp, AcApDocument& document) {
 
 // Folders.
 
+// The absolute paths in a variable that holds them between semicolons.
+std::vector<fs::path> foldersIn(std::wstring_view variable) {
+    std::vector<fs::path> folders;
+    const std::wstring list = systemVariableText(variable);
+    for (std::wstring_view rest = list; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(L';'), rest.size());
+        const std::wstring_view folder = trim(rest.substr(0, end));
+        if (isAbsoluteWindowsPath(folder)) {
+            folders.push_back(toNativePath(folder));
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return folders;
+}
+
 std::vector<fs::path> dataFolders(AcApDocument* document) {
     std::vector<fs::path> folders;
     std::error_code error;
@@ -83,6 +100,9 @@ std::vector<fs::path> dataFolders(AcApDocument* document) {
     folders.push_back(fs::current_path(error));
     folders.push_back(settingsFolder());
     folders.push_back(fs::temp_directory_path(error));
+    for (fs::path& folder : foldersIn(L"LISPFOLDERS")) {
+        folders.push_back(std::move(folder));
+    }
     return folders;
 }
 
@@ -95,7 +115,11 @@ std::vector<fs::path> codeFolders(AcApDocument* document) {
     if (acDocManagerPtr()->isOpen(document) && document->isNamedDrawing()) {
         untrusted.push_back(fs::weakly_canonical(toNativePath(document->fileName()).parent_path(), error));
     }
-    for (const fs::path& folder : supportFolders()) {
+    std::vector<fs::path> candidates = supportFolders();
+    for (fs::path& folder : foldersIn(L"TRUSTEDPATHS")) {
+        candidates.push_back(std::move(folder));
+    }
+    for (const fs::path& folder : candidates) {
         const fs::path resolved = fs::weakly_canonical(folder, error);
         if (std::ranges::find(untrusted, resolved) == untrusted.end()) {
             folders.push_back(resolved);
@@ -130,6 +154,10 @@ std::shared_ptr<DocumentLisp> documentLisp(AcApDocument& document) {
         addSystemFunctions(lisp);
         addUnitFunctions(lisp);
         addCurveFunctions(lisp);
+        addNamespaceFunctions(lisp);
+        addDataFunctions(lisp);
+        addRegistryFunctions(lisp);
+        takePropagatedValues(lisp);
     }
     takeOverExternals(*entry, document);
     return entry;
@@ -253,7 +281,21 @@ bool invoke(const resbuf* call, ResbufList& result) {
     return true;
 }
 
+// The program acaddoc.lsp, from the folders for programs only, and then the function S::STARTUP.
+void loadStartupProgram(AcApDocument& document) {
+    const std::shared_ptr<DocumentLisp> lisp = documentLisp(document);
+    if (!std::exchange(lisp->hasStarted, true) && programFile(lisp->interpreter, L"acaddoc.lsp")) {
+        runLispLine(L"(progn (load \"acaddoc.lsp\") (if S::STARTUP (S::STARTUP)) (princ))");
+    }
+}
+
 } // namespace
+
+void lisp::forEachInterpreter(const std::function<void(LispInterpreter&)>& visit) {
+    for (const auto& [document, lisp] : interpreters()) {
+        visit(lisp->interpreter);
+    }
+}
 
 LispInterpreter& lispOf(AcApDocument& document) {
     return documentLisp(document)->interpreter;
@@ -268,6 +310,7 @@ void initializeLisp() {
     hook.getSymbol = getSymbol;
     hook.putSymbol = putSymbol;
     hook.invoke = invoke;
+    hook.beforePrompt = loadStartupProgram;
     hook.documentClosed = [](AcApDocument& document) { interpreters().erase(&document); };
 }
 

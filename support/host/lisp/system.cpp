@@ -205,22 +205,47 @@ Value redraw(LispInterpreter&, Arguments arguments) {
     return {};
 }
 
+// Whether the drawing counts as changed, kept and put back around what should not count.
+Value pushChanged(LispInterpreter& lisp, Arguments) {
+    curDoc()->pushDbmod();
+    return lisp.truth();
+}
+
+Value popChanged(LispInterpreter& lisp, Arguments) {
+    curDoc()->popDbmod();
+    return lisp.truth();
+}
+
 Value nothing(LispInterpreter&, Arguments) {
     return {};
 }
 
 constexpr FunctionRow rows[] = {
-    {L"GETVAR", getVariable, 1, 1},     {L"SETVAR", setVariable, 2, 2},
-    {L"GETENV", getEnvironment, 1, 1},  {L"SETENV", setEnvironment, 2, 2},
-    {L"GETCFG", getSetting, 1, 1},      {L"SETCFG", setSetting, 2, 2},
-    {L"FINDFILE", findFile, 1, 1},      {L"GETFILED", askForFile, 4, 4},
-    {L"ALERT", alertUser, 1, 1},        {L"VER", version, 0, 0},
-    {L"MENUCMD", menuCommand, 1, 1},    {L"ARX", loadedModuleNames, 0, 0},
-    {L"ARXLOAD", loadModuleFile, 1, 2}, {L"ARXUNLOAD", unloadModuleFile, 1, 2},
-    {L"TRANS", transform, 3, 4},        {L"OSNAP", snap, 2, 2},
-    {L"GRDRAW", drawVector, 3, 4},      {L"GRVECS", drawVectors, 1, 2},
-    {L"GRTEXT", drawText, 0, 3},        {L"GRCLEAR", nothing, 0, 0},
+    {L"GETVAR", getVariable, 1, 1},
+    {L"SETVAR", setVariable, 2, 2},
+    {L"GETENV", getEnvironment, 1, 1},
+    {L"SETENV", setEnvironment, 2, 2},
+    {L"GETCFG", getSetting, 1, 1},
+    {L"SETCFG", setSetting, 2, 2},
+    {L"FINDFILE", findFile, 1, 1},
+    {L"GETFILED", askForFile, 4, 4},
+    {L"ALERT", alertUser, 1, 1},
+    {L"VER", version, 0, 0},
+    {L"MENUCMD", menuCommand, 1, 1},
+    {L"ARX", loadedModuleNames, 0, 0},
+    {L"ARXLOAD", loadModuleFile, 1, 2},
+    {L"ARXUNLOAD", unloadModuleFile, 1, 2},
+    {L"TRANS", transform, 3, 4},
+    {L"OSNAP", snap, 2, 2},
+    {L"GRDRAW", drawVector, 3, 4},
+    {L"GRVECS", drawVectors, 1, 2},
+    {L"GRTEXT", drawText, 0, 3},
+    {L"GRCLEAR", nothing, 0, 0},
     {L"REDRAW", redraw, 0, 2},
+    {L"ACAD-PUSH-DBMOD", pushChanged, 0, 0},
+    {L"ACAD-POP-DBMOD", popChanged, 0, 0},
+    {L"INITDIA", nothing, 0, 1},
+    {L"SETFUNHELP", nothing, 1, 4},
 };
 
 } // namespace
