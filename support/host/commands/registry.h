@@ -25,5 +25,11 @@ std::span<const CommandRow> layerCommands();
 std::span<const CommandRow> linetypeCommands();
 std::span<const CommandRow> viewCommands();
 std::span<const CommandRow> variableCommands();
+std::span<const CommandRow> transformCommands();
+std::span<const CommandRow> arrayCommands();
+std::span<const CommandRow> markCommands();
+std::span<const CommandRow> offsetCommands();
+std::span<const CommandRow> peditCommands();
+std::span<const CommandRow> propertyCommands();
 
 } // namespace host
