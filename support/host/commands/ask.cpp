@@ -1,7 +1,9 @@
 // The interface's questions with their result codes turned into values.
 #include "host/commands/ask.h"
 
+#include "host/ed/drive.h"
 #include "host/ed/question.h"
+#include "host/ed/runcontext.h"
 #include "host/rx/text.h"
 
 namespace host {
@@ -203,6 +205,10 @@ Selection Selection::askEditable() {
     return from(L":L", nullptr);
 }
 
+Selection Selection::askSingle() {
+    return from(L":S:L", nullptr);
+}
+
 Selection Selection::askWith(const wchar_t* prompt, bool editable) {
     const wchar_t* prompts[] = {prompt, L"\n删除对象: "};
     return from(editable ? L":$:L" : L":$", prompts);
@@ -217,6 +223,11 @@ Selection::~Selection() {
     if (mSet[0] != 0 || mSet[1] != 0) {
         acedSSFree(mSet);
     }
+}
+
+bool isProgramAnswering() {
+    const Drive* drive = runContext().drive;
+    return drive != nullptr && !drive->isUsers();
 }
 
 AcDbDatabase& currentDatabase() {

@@ -68,6 +68,8 @@ public:
     static Selection ask();
     /// The same without what stands on locked layers, which is told.
     static Selection askEditable();
+    /// One answer ends it.
+    static Selection askSingle();
     /// Asks with a prompt of its own, whatever was picked before.
     static Selection askWith(const wchar_t* prompt, bool editable = false);
     ~Selection();
@@ -85,6 +87,8 @@ private:
 };
 
 AcDbDatabase& currentDatabase();
+/// The answers come from a program (acedCommandS, LISP), not from the user or his script.
+bool isProgramAnswering();
 /// A number in the drawing's units and precision, for defaults in prompts.
 std::wstring shown(double value);
 std::wstring shownAngle(double radians);

@@ -428,10 +428,13 @@ bool Editing::vertices() {
     editing.changed = [&] { store(id, polyline); };
     editing.append = [&](const EditPolyline& tail) {
         const auto* entity = peek<AcDbEntity>(id);
-        std::unique_ptr<AcDbEntity> copy(static_cast<AcDbEntity*>(entity->clone()));
+        std::unique_ptr<AcDbEntity> copy = [&] {
+            const ReadAccess access(*entity);
+            return std::unique_ptr<AcDbEntity>(static_cast<AcDbEntity*>(entity->clone()));
+        }();
         if (copy != nullptr) {
             const AcDbObjectId added = appendTo(entity->ownerId(), std::move(copy));
-            storePolyline(added, tail, true);
+            storePolyline(added, tail, mLight.count(id.stub()) > 0);
             mStep.appended.push_back(added);
         }
     };

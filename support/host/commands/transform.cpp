@@ -245,7 +245,7 @@ void runAlign() {
 
 constexpr CommandRow rows[] = {{L"MIRROR", L"镜像", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runMirror},
                                {L"ROTATE", L"旋转", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runRotate},
-                               {L"SCALE", L"缩放", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runScale},
+                               {L"SCALE", L"比例缩放", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runScale},
                                {L"ALIGN", L"对齐", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runAlign}};
 
 } // namespace

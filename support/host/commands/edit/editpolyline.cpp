@@ -225,17 +225,17 @@ bool storePolyline(AcDbObjectId id, const EditPolyline& polyline, bool lightWhen
                 fillLight(*light, polyline);
                 return true;
             }
-            auto heavy = changedKind<AcDb2dPolyline>(*light);
-            fillHeavy(*heavy, polyline);
-            replacement = std::move(heavy);
+            auto fitted = changedKind<AcDb2dPolyline>(*light);
+            fillHeavy(*fitted, polyline);
+            replacement = std::move(fitted);
         } else if (auto* heavy = AcDb2dPolyline::cast(entity.get())) {
             if (polyline.isFitted() || !lightWhenPlain) {
                 fillHeavy(*heavy, polyline);
                 return true;
             }
-            auto light = changedKind<AcDbPolyline>(*heavy);
-            fillLight(*light, polyline);
-            replacement = std::move(light);
+            auto plain = changedKind<AcDbPolyline>(*heavy);
+            fillLight(*plain, polyline);
+            replacement = std::move(plain);
         } else {
             return false;
         }
