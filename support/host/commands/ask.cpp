@@ -186,7 +186,9 @@ EntityAnswer askEntity(const std::wstring& prompt, const wchar_t* keywords,
 
 Selection Selection::from(const wchar_t* options, const void* prompts) {
     Selection selection;
-    if (acedSSGet(options, prompts, nullptr, nullptr, selection.mSet) == RTNORM) {
+    const int code = acedSSGet(options, prompts, nullptr, nullptr, selection.mSet);
+    selection.mCancelled = code == RTCAN;
+    if (code == RTNORM) {
         if (const PickSet* set = pickSetOf(selection.mSet)) {
             selection.mIds.setPhysicalLength(static_cast<int>(set->size()));
             for (const AcDbObjectId id : set->ids) {
@@ -214,7 +216,8 @@ Selection Selection::askWith(const wchar_t* prompt, bool editable) {
     return from(editable ? L":$:L" : L":$", prompts);
 }
 
-Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)) {
+Selection::Selection(Selection&& other) noexcept
+    : mIds(std::move(other.mIds)), mCancelled(other.mCancelled) {
     ads_name_set(other.mSet, mSet);
     ads_name_clear(other.mSet);
 }

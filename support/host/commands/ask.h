@@ -77,6 +77,8 @@ public:
     Selection(const Selection&) = delete;
     Selection& operator=(const Selection&) = delete;
     bool empty() const { return mIds.isEmpty(); }
+    /// Escape, not Enter, ended it.
+    bool isCancelled() const { return mCancelled; }
     const AcDbObjectIdArray& ids() const { return mIds; }
 
 private:
@@ -84,6 +86,7 @@ private:
     static Selection from(const wchar_t* options, const void* prompts);
     ads_name mSet{0, 0};
     AcDbObjectIdArray mIds;
+    bool mCancelled = false;
 };
 
 AcDbDatabase& currentDatabase();

@@ -7,8 +7,6 @@
 namespace host {
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
-
 void runLine() {
     std::vector<AcGePoint3d> points; // UCS
     std::vector<AcDbObjectId> lines;
