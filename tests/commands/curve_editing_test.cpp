@@ -241,7 +241,7 @@ TEST_F(CurveCommands, StretchMovesWhatLiesInTheWindow) {
 }
 
 TEST_F(CurveCommands, MarksStandOnTheCurveAndBlocksTurnWithIt) {
-    run("-BLOCK B1 0,0\n\nPLINE 0,0 10,0 10,10\n\nMEASURE 1,0 B B1 Y 4\n");
+    run("-BLOCK B1\n0,0\n\nPLINE 0,0 10,0 10,10\n\nMEASURE 1,0 B B1\nY 4\n");
     const auto references = entities<AcDbBlockReference>();
     ASSERT_EQ(references.size(), 5u) << host::toUtf8(transcript.shown);
     EXPECT_NEAR(Read(references[0])->rotation(), 0.0, 1e-12);
@@ -272,6 +272,30 @@ TEST_F(CurveCommands, TransformationsAndArrays) {
     Read(text[0])->getGeomExtents(extents);
     EXPECT_GT(extents.minPoint().x, 10.0);
     EXPECT_LT(extents.maxPoint().x, 20.0 + 1e-6);
+}
+
+TEST_F(CurveCommands, JoinMakesOneOfWhatBelongsTogether) {
+    run("LINE 0,0 3,0\n\nLINE 5,0 9,0\n\nJOIN ALL\n\n");
+    ASSERT_EQ(entities<AcDbLine>().size(), 1u) << host::toUtf8(transcript.shown);
+    EXPECT_NEAR(lengthOf(*entities<AcDbLine>()[0]), 9.0, 1e-12);
+    run("LINE 9,0 9,5\n\nARC 9,5 5,9 0,5\nJOIN ALL\n\n");
+    ASSERT_EQ(entities().size(), 1u) << host::toUtf8(transcript.shown);
+    EXPECT_EQ(Read(entities<AcDbPolyline>()[0])->numVerts(), 4u);
+}
+
+TEST_F(CurveCommands, PolylinesTakeEveryKindOfArc) {
+    // Quarter circles about known centres, one way each.
+    run("PLINE 0,0 A D 0 5,5 CE 0,5 A 90 A 90 CE -5,5 A 90 R 5 -5,0 R 5 A 90 45 S 3,9 5,12\n\n");
+    const auto polylines = entities<AcDbPolyline>();
+    ASSERT_EQ(polylines.size(), 1u) << host::toUtf8(transcript.shown);
+    const Read path(polylines[0]);
+    ASSERT_GE(path->numVerts(), 4u) << host::toUtf8(transcript.shown);
+    double bulge = 0.0;
+    AcGePoint3d point;
+    path->getBulgeAt(0, bulge);
+    EXPECT_NEAR(bulge, std::tan(host::pi / 8.0), 1e-9);
+    path->getPointAt(2, point);
+    EXPECT_TRUE(point.isEqualTo({0, 10, 0})) << point.x << " " << point.y;
 }
 
 } // namespace
