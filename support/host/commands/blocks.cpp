@@ -159,7 +159,7 @@ bool writeDrawing(std::unique_ptr<AcDbDatabase> drawing, const std::wstring& fil
         reportFailure(L"无法写出 \"" + file + L"\"");
         return false;
     }
-    if (fileFormats().write(*drawing, file, true, message) != Acad::eOk) {
+    if (fileFormats().write(*drawing, file, {}, message) != Acad::eOk) {
         reportFailure(message);
         return false;
     }
@@ -170,7 +170,7 @@ bool writeDrawing(std::unique_ptr<AcDbDatabase> drawing, const std::wstring& fil
 /// this one stays as it is.
 void writeWhole(const std::wstring& file) {
     std::wstring message;
-    if (fileFormats().write(currentDatabase(), file, true, message) != Acad::eOk) {
+    if (fileFormats().write(currentDatabase(), file, {}, message) != Acad::eOk) {
         reportFailure(message);
         return;
     }
@@ -182,7 +182,9 @@ void writeWhole(const std::wstring& file) {
     const UndoLog::Suspend suspend(copy->undoLog());
     const int purged = purgeUnused(*copy, purgeCandidates(*copy, L"All", L"*"),
                                    [](const PurgeCandidate&) { return std::optional(true); });
-    if (purged > 0 && fileFormats().write(*copy, file, false, message) != Acad::eOk) {
+    SaveFormat format;
+    format.backup = false;
+    if (purged > 0 && fileFormats().write(*copy, file, format, message) != Acad::eOk) {
         reportFailure(message);
     }
 }
