@@ -1,6 +1,6 @@
 // Which snaps the input point filter takes back, from real points of a prompt.
-#include "services/inputpointfilter.h"
 #include "restools/sysvar.h"
+#include "services/inputpointfilter.h"
 #include "tests/module/sessionfixture.h"
 
 namespace {
@@ -74,7 +74,8 @@ TEST_F(PointFilter, OnlyExternalReferencesMeansThoseOnly) {
     }
     InsertBlock(blockId, {30, 30, 0}, AcGeScale3d(1, 1, 1), L"0", 0.0);
     const int onlyXrefs = AcDb::kOsMaskIns | CQDVAcEdInputPointFilter::onlyExternalReferences;
-    CQDVAcEdInputPointFilter filter(AcDbBlockReference::desc(), static_cast<AcDb::OsnapMask>(onlyXrefs), true);
+    CQDVAcEdInputPointFilter filter(AcDbBlockReference::desc(), static_cast<AcDb::OsnapMask>(onlyXrefs),
+                                    true);
     EXPECT_TRUE(startOfLine("_ins 30.01,30.01").isEqualTo({30, 30, 0}));
     filter.Add(AcDbBlockReference::desc(), AcDb::kOsMaskIns);
     EXPECT_TRUE(startOfLine("_ins 30.01,30.01").isEqualTo({30.01, 30.01, 0}));
@@ -88,7 +89,8 @@ TEST_F(PointFilter, TablesComeFromRowsPairsAndCopies) {
     const CQDVAcEdInputPointFilter rows(
         {{line, AcDb::kOsMaskEnd}, {arc, AcDb::kOsMaskCen}, {line, AcDb::kOsMaskMid}}, false);
     EXPECT_FALSE(rows.IsEnable());
-    EXPECT_EQ(rows.GetMapInfo(), (CQDVAcEdInputPointFilter::ClassTable{{line, AcDb::kOsMaskMid}, {arc, AcDb::kOsMaskCen}}));
+    EXPECT_EQ(rows.GetMapInfo(),
+              (CQDVAcEdInputPointFilter::ClassTable{{line, AcDb::kOsMaskMid}, {arc, AcDb::kOsMaskCen}}));
     const CQDVAcEdInputPointFilter pairs(true, line, AcDb::kOsMaskEnd, arc, AcDb::kOsMaskCen, nullptr);
     EXPECT_TRUE(pairs.IsEnable());
     EXPECT_EQ(pairs.GetMapInfo().size(), 2U);

@@ -135,7 +135,10 @@ TEST_F(Conversion, CurvesBecomePolylinesOfOneWidth) {
     } cases[] = {
         {new AcDbLine({1, 2, 3}, {4, 5, 6}), {{1, 2}, {4, 5}}, 0.0, false},
         {new AcDbCircle({5, 5, 0}, AcGeVector3d::kZAxis, 2.0), {{3, 5}, {7, 5}}, half, true},
-        {new AcDbArc({0, 0, 0}, 1.0, 1.5 * std::numbers::pi, 0.0), {{0, -1}, {1, 0}}, std::tan(std::numbers::pi / 8), false},
+        {new AcDbArc({0, 0, 0}, 1.0, 1.5 * std::numbers::pi, 0.0),
+         {{0, -1}, {1, 0}},
+         std::tan(std::numbers::pi / 8),
+         false},
     };
     for (const auto& c : cases) {
         c.curve->setColorIndex(3);
@@ -185,15 +188,20 @@ TEST_F(Conversion, EllipsesAreSteppedByTheirAngle) {
         const double y = (vertex.y - 5.0) / 10.0;
         EXPECT_NEAR(x * x + y * y, 1.0, 1e-9);
         const double angle = std::atan2(vertex.y - 5.0, vertex.x - 5.0);
-        EXPECT_NEAR(std::remainder(angle - i * 5.0 * std::numbers::pi / 180.0, 2.0 * std::numbers::pi), 0.0, 1e-9);
+        EXPECT_NEAR(std::remainder(angle - i * 5.0 * std::numbers::pi / 180.0, 2.0 * std::numbers::pi), 0.0,
+                    1e-9);
     }
     const double degrees = std::numbers::pi / 180.0;
     const CArxObjTemplate<AcDbPolyline> arc(
-        convert(new AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, AcGeVector3d(10, 0, 0), 1.0, 350 * degrees, 380 * degrees), 0.4, ellipses), false);
+        convert(new AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, AcGeVector3d(10, 0, 0), 1.0, 350 * degrees,
+                                380 * degrees),
+                0.4, ellipses),
+        false);
     ASSERT_TRUE(arc);
     EXPECT_EQ(arc->numVerts(), 7U);
     // Without a width ellipses stay.
-    const CArxEntity kept(convert(new AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, major, 0.5), 0.0, ellipses), false);
+    const CArxEntity kept(
+        convert(new AcDbEllipse({0, 0, 0}, AcGeVector3d::kZAxis, major, 0.5), 0.0, ellipses), false);
     EXPECT_NE(kept.As<AcDbEllipse>(), nullptr);
     EXPECT_EQ(ellipses.length(), 2);
 }
