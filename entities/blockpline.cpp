@@ -4,51 +4,13 @@
 
 #include "entities/customclasses.h"
 #include "entities/proxytext.h"
+#include "restools/polylineshape.h"
 
-#include <cmath>
 #include <memory>
-#include <numbers>
 
 namespace {
 
 constexpr Adesk::Int16 currentVersion = 2;
-
-/// A width that is not given.
-constexpr double noWidth = -1.0;
-
-AcGePoint2d inPlan(const AcGePoint3d& point) {
-    return {point.x, point.y};
-}
-
-// Shapes are taken as seen in plan; the normal of a circle or arc is not looked at.
-
-void takeShape(CQDVBlockPline& polyline, const AcDbLine& line) {
-    polyline.addVertexAt(0, inPlan(line.endPoint()), 0.0, noWidth, noWidth);
-    polyline.addVertexAt(0, inPlan(line.startPoint()), 0.0, noWidth, noWidth);
-}
-
-void takeShape(CQDVBlockPline& polyline, const AcDbCircle& circle) {
-    const AcGePoint3d center = circle.center();
-    const double radius = circle.radius();
-    const double halfCircle = std::tan(std::numbers::pi / 4.0);
-    polyline.addVertexAt(0, AcGePoint2d(center.x - radius, center.y), halfCircle, noWidth, noWidth);
-    polyline.addVertexAt(1, AcGePoint2d(center.x + radius, center.y), halfCircle, noWidth, noWidth);
-    polyline.setClosed(Adesk::kTrue);
-}
-
-void takeShape(CQDVBlockPline& polyline, const AcDbArc& arc) {
-    AcGePoint3d start;
-    AcGePoint3d end;
-    arc.getStartPoint(start);
-    arc.getEndPoint(end);
-    const double from = arc.startAngle();
-    double to = arc.endAngle();
-    if (from > to) {
-        to += 2.0 * std::numbers::pi;
-    }
-    polyline.addVertexAt(0, inPlan(start), std::tan((to - from) * 0.25), noWidth, noWidth);
-    polyline.addVertexAt(1, inPlan(end), 0.0, noWidth, noWidth);
-}
 
 /// An empty one with the properties of what it is made from.
 std::unique_ptr<CQDVBlockPline> newFrom(const AcDbObject& source) {
@@ -64,7 +26,7 @@ std::unique_ptr<CQDVBlockPline> newFrom(const AcDbObject& source) {
 template <class Curve>
 void replaceCurve(CArxEntity& entity, const Curve& curve, AcDbBlockTableRecord& space) {
     std::unique_ptr<CQDVBlockPline> polyline = newFrom(curve);
-    takeShape(*polyline, curve);
+    AddShape(*polyline, curve);
     if (entity->erase() != Acad::eOk) {
         return;
     }
@@ -163,15 +125,15 @@ CQDVBlockPline* QDVB_CopyFrom(const AcDbObject* source) {
     }
     std::unique_ptr<CQDVBlockPline> polyline = newFrom(*source);
     if (const AcDbLine* line = AcDbLine::cast(source)) {
-        takeShape(*polyline, *line);
+        AddShape(*polyline, *line);
     } else if (AcDbEntity* heavy = AcDb2dPolyline::cast(source)) {
         polyline->convertFrom(heavy, false);
     } else if (AcDbPolyline::cast(source) != nullptr) {
         polyline->copyFrom(source);
     } else if (const AcDbCircle* circle = AcDbCircle::cast(source)) {
-        takeShape(*polyline, *circle);
+        AddShape(*polyline, *circle);
     } else if (const AcDbArc* arc = AcDbArc::cast(source)) {
-        takeShape(*polyline, *arc);
+        AddShape(*polyline, *arc);
     }
     return polyline.release();
 }

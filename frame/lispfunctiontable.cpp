@@ -2,6 +2,7 @@
 #include "frame/lispfunctiontable.h"
 
 #include "frame/drawingfunctions.h"
+#include "frame/mapsymbols.h"
 #include "frame/utilityfunctions.h"
 
 #include <string_view>
@@ -13,26 +14,26 @@ constexpr Handler notProvided = nullptr;
 
 constexpr LispFunctionRow functions[] = {
     {L"", nullptr, false},
-    {L"c:jqx", notProvided, false},
-    {L"c:dgx", notProvided, false},
-    {L"c:hdx", notProvided, false},
-    {L"c:hxx", notProvided, false},
-    {L"c:xpw", notProvided, false},
-    {L"c:xpj", notProvided, false},
-    {L"c:dpw", notProvided, false},
-    {L"c:dpj", notProvided, false},
-    {L"c:substation", notProvided, false},
-    {L"c:county", notProvided, false},
-    {L"c:country", notProvided, false},
-    {L"c:province", notProvided, false},
-    {L"c:city", notProvided, false},
-    {L"c:eline", notProvided, false},
-    {L"c:railroad", notProvided, false},
-    {L"c:drailroad", notProvided, false},
-    {L"c:hoverb", notProvided, false},
-    {L"c:voverb", notProvided, false},
-    {L"c:hnoverb", notProvided, false},
-    {L"c:hnoverb1", notProvided, false},
+    {L"c:jqx", DrawSymbol<LineSymbol::jqx>, false},
+    {L"c:dgx", DrawSymbol<LineSymbol::dgx>, false},
+    {L"c:hdx", DrawSymbol<LineSymbol::hdx>, false},
+    {L"c:hxx", DrawSymbol<LineSymbol::hxx>, false},
+    {L"c:xpw", DrawSymbol<LineSymbol::xpw>, false},
+    {L"c:xpj", DrawSymbol<LineSymbol::xpj>, false},
+    {L"c:dpw", DrawSymbol<LineSymbol::dpw>, false},
+    {L"c:dpj", DrawSymbol<LineSymbol::dpj>, false},
+    {L"c:substation", DrawSymbol<LineSymbol::substation>, false},
+    {L"c:county", DrawSymbol<LineSymbol::county>, false},
+    {L"c:country", DrawSymbol<LineSymbol::country>, false},
+    {L"c:province", DrawSymbol<LineSymbol::province>, false},
+    {L"c:city", DrawSymbol<LineSymbol::city>, false},
+    {L"c:eline", DrawSymbol<LineSymbol::eline>, false},
+    {L"c:railroad", DrawSymbol<LineSymbol::railroad>, false},
+    {L"c:drailroad", DrawSymbol<LineSymbol::drailroad>, false},
+    {L"c:hoverb", PlaceMarks<BridgeMark::hoverb>, false},
+    {L"c:voverb", PlaceMarks<BridgeMark::voverb>, false},
+    {L"c:hnoverb", PlaceMarks<BridgeMark::hnoverb>, false},
+    {L"c:hnoverb1", PlaceMarks<BridgeMark::hnoverb1>, false},
     {L"c:mxd", GetEntityList, false},
     {L"_fid", FindByHandle, false},
     {L"_midp", MidPoint, false},

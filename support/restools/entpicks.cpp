@@ -31,6 +31,13 @@ bool CEntPicks::GetSelection(const ACHAR* prompt, const resbuf* filter) {
     return Replace(result, set);
 }
 
+bool CEntPicks::GetSingleSelection(const ACHAR* prompt, const resbuf* filter) {
+    const ACHAR* prompts[2] = {prompt, prompt};
+    ads_name set = {0, 0};
+    const int result = acedSSGet(L":S:$", prompts, nullptr, filter, set);
+    return Replace(result, set);
+}
+
 bool CEntPicks::SelectAll(const resbuf* filter) {
     ads_name set = {0, 0};
     const int result = acedSSGet(L"X", nullptr, nullptr, filter, set);

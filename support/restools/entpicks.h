@@ -15,6 +15,8 @@ public:
 
     /// Lets the user select what passes the filter (null: anything). False when nothing was selected.
     bool GetSelection(const ACHAR* prompt, const resbuf* filter = nullptr);
+    /// Lets the user select at one go, without being asked for more. False when nothing was selected.
+    bool GetSingleSelection(const ACHAR* prompt, const resbuf* filter = nullptr);
     /// Every entity of the drawing that passes the filter.
     bool SelectAll(const resbuf* filter = nullptr);
     /// An empty set to add to.

@@ -295,7 +295,8 @@ TEST_F(SplineTest, CrossingTable) {
     const AcDbSpline wave({{0, 0, 0}, {5, 5, 0}, {10, -5, 0}, {15, 0, 0}});
     const AcDbSpline straight(1, false, false, false, {{0, 0, 0}, {4, 0, 0}}, {0, 0, 1, 1},
                               AcGeDoubleArray());
-    const AcDbLine across({-9, 1, 0}, {9, 1, 0}), touching({-9, 3, 0}, {9, 3, 0}), shorter({20, 0, 0}, {20, 4, 0});
+    const AcDbLine across({-9, 1, 0}, {9, 1, 0}), touching({-9, 3, 0}, {9, 3, 0}),
+        shorter({20, 0, 0}, {20, 4, 0});
     const AcDbLine above({0, 0, -5}, {5, 5, 5}), standing({5, 5, -5}, {5, 5, 5});
     AcDbRay ray;
     ray.setBasePoint({-9, -1, 0});
@@ -323,7 +324,8 @@ TEST_F(SplineTest, CrossingTable) {
         {"over the spline", above, wave, AcDb::kOnBothOperands, 0},
         {"through the spline", standing, wave, AcDb::kOnBothOperands, 1},
         {"a straight spline on a line", straight, AcDbLine({-1, 0, 0}, {9, 0, 0}), AcDb::kOnBothOperands, 0},
-        {"a straight spline before a line", straight, AcDbLine({4, 0, 0}, {9, 0, 0}), AcDb::kOnBothOperands, 1},
+        {"a straight spline before a line", straight, AcDbLine({4, 0, 0}, {9, 0, 0}), AcDb::kOnBothOperands,
+         1},
     };
     for (const auto& row : table) {
         AcGePoint3dArray points, back;
@@ -442,9 +444,9 @@ TEST_F(SplineTest, SplineDataChangeTogether) {
     const std::string before = bytesOf(spline);
     EXPECT_EQ(spline.setWeightAt(0, -1.0), Acad::eInvalidInput);
     EXPECT_EQ(spline.setControlPointAt(99, {}), Acad::eInvalidIndex);
-    EXPECT_EQ(spline.setNurbsData(3, false, false, false, {{0, 0, 0}, {1, 1, 0}}, {0, 0, 1, 1},
-                                  AcGeDoubleArray()),
-              Acad::eInvalidInput);
+    EXPECT_EQ(
+        spline.setNurbsData(3, false, false, false, {{0, 0, 0}, {1, 1, 0}}, {0, 0, 1, 1}, AcGeDoubleArray()),
+        Acad::eInvalidInput);
     EXPECT_EQ(bytesOf(spline), before);
     AcDbCurve* made = nullptr;
     ASSERT_EQ(spline.toPolyline(made), Acad::eOk);

@@ -36,8 +36,8 @@ double sampledDistance(const AcGeCurve3d& curve, const AcGePoint3d& point) {
     const AcGeInterval range = curve.interval();
     double nearest = 1e300;
     for (int i = 0; i <= 2000; ++i)
-        nearest = std::min(nearest, curve.evalPoint(range.lowerBound() + range.length() * i / 2000.0)
-                                        .distanceTo(point));
+        nearest = std::min(
+            nearest, curve.evalPoint(range.lowerBound() + range.length() * i / 2000.0).distanceTo(point));
     return nearest;
 }
 
@@ -130,8 +130,9 @@ TEST(NurbCurve, ClosestPointsAndTurnsAreNotMissed) {
             for (int k = 0; k <= 40; ++k) {
                 double nearest = 1e300;
                 for (std::size_t c = 0; c + 1 < chords.size(); ++c)
-                    nearest = std::min(nearest, AcGeLineSeg3d(chords[c], chords[c + 1])
-                                                    .distanceTo(span.curve.pointAt(k / 40.0)));
+                    nearest = std::min(
+                        nearest,
+                        AcGeLineSeg3d(chords[c], chords[c + 1]).distanceTo(span.curve.pointAt(k / 40.0)));
                 EXPECT_LE(nearest, 0.0101);
             }
         }
@@ -219,8 +220,8 @@ TEST(NurbCurve, OffsetsLieAtTheirDistanceAndNowhereNearer) {
         const bool isClosed = i % 2 == 0;
         if (isClosed)
             points.append({20, -40, 0});
-        const AcGeNurbCurve3d curve = isClosed ? AcGeNurbCurve3d::throughClosed(points)
-                                               : AcGeNurbCurve3d(points, {}, {}, false, false);
+        const AcGeNurbCurve3d curve =
+            isClosed ? AcGeNurbCurve3d::throughClosed(points) : AcGeNurbCurve3d(points, {}, {}, false, false);
         const double distance = random.number(-4, 4);
         for (const AcGeNurbCurve3d& offset :
              host::offsetCurves(curve, isClosed, AcGeVector3d::kZAxis, distance)) {
@@ -228,8 +229,7 @@ TEST(NurbCurve, OffsetsLieAtTheirDistanceAndNowhereNearer) {
             ASSERT_TRUE(offset.isValid());
             EXPECT_EQ(offset.isClosed(), isClosed);
             for (int k = 1; k < 200; ++k) {
-                const double t =
-                    offset.startParam() + (offset.endParam() - offset.startParam()) * k / 200.0;
+                const double t = offset.startParam() + (offset.endParam() - offset.startParam()) * k / 200.0;
                 EXPECT_NEAR(curve.distanceTo(offset.evalPoint(t)), std::fabs(distance),
                             1e-6 * std::fabs(distance))
                     << i;
@@ -319,7 +319,8 @@ TEST(PolylineFit, ArcsRunThroughTheVerticesWithCommonTangents) {
     const std::vector<host::FitVertex> quarter{
         {{5, 0}, {}}, {{5 * std::sqrt(0.5), 5 * std::sqrt(0.5)}, {}}, {{0, 5}, {}}};
     EXPECT_NEAR(length(host::fitArcs(quarter, false)), 2.5 * host::pi, 1e-9);
-    EXPECT_EQ(host::fitArcs(std::vector<host::FitVertex>{{{0, 0}, {}}, {{4, 0}, {}}}, false).vertices[0].bulge, 0);
+    EXPECT_EQ(
+        host::fitArcs(std::vector<host::FitVertex>{{{0, 0}, {}}, {{4, 0}, {}}}, false).vertices[0].bulge, 0);
 }
 
 TEST(PolylineFit, SplinesKeepEndsAndStayInTheirFrame) {

@@ -263,6 +263,9 @@ private:
     Adesk::Int16 mGeneration = 0;
 };
 
+/// The style of a text style record, for measuring and drawing.
+Acad::ErrorStatus fromAcDbTextStyle(AcGiTextStyle& style, const AcDbObjectId& record);
+
 class AcDbRegAppTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbRegAppTableRecord);
 

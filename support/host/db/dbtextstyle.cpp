@@ -222,3 +222,13 @@ void AcDbTextStyleTableRecord::toGiTextStyle(AcGiTextStyle& style) const {
     style.setUpsideDown((mGeneration & 4) != 0);
     style.setVertical(isVertical());
 }
+
+Acad::ErrorStatus fromAcDbTextStyle(AcGiTextStyle& style, const AcDbObjectId& record) {
+    AcDbTextStyleTableRecord* opened = nullptr;
+    const Acad::ErrorStatus status = acdbOpenObject(opened, record, AcDb::kForRead);
+    if (status == Acad::eOk) {
+        opened->toGiTextStyle(style);
+        opened->close();
+    }
+    return status;
+}

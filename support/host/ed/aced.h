@@ -239,8 +239,8 @@ resbuf* acdbEntGet(const ads_name entity);
 /// With the extended data of the applications in the list (wildcards).
 resbuf* acdbEntGetX(const ads_name entity, const resbuf* applications);
 int acdbEntMod(const resbuf* list);
-/// POLYLINE, INSERT with attributes and BLOCK are complete with SEQEND or ENDBLK; null gives up one that is not
-/// complete. ENDBLK gives RTKWORD, with the block's name for acedGetInput.
+/// POLYLINE, INSERT with attributes and BLOCK are complete with SEQEND or ENDBLK; null gives up one that is
+/// not complete. ENDBLK gives RTKWORD, with the block's name for acedGetInput.
 int acdbEntMake(const resbuf* list);
 int acdbEntMakeX(const resbuf* list, ads_name object);
 /// Erases an entity, or brings it back.

@@ -202,14 +202,15 @@ bool hasNeededGroups(const resbuf* list) {
         int codes[4]; ///< 0: none
     };
     constexpr Needed rows[] = {
-        {L"LINE", {10, 11}},           {L"CIRCLE", {10, 40}},     {L"ARC", {10, 40, 50, 51}},
-        {L"POINT", {10}},              {L"TEXT", {10, 40, 1}},    {L"ATTDEF", {10, 40, 2}},
-        {L"INSERT", {10, 2}},          {L"LWPOLYLINE", {10}},     {L"SOLID", {10, 11, 12}},
-        {L"TRACE", {10, 11, 12}},      {L"3DFACE", {10, 11, 12}}, {L"ELLIPSE", {10, 11, 40}},
-        {L"MTEXT", {10, 1}},           {L"RAY", {10, 11}},        {L"XLINE", {10, 11}},
+        {L"LINE", {10, 11}},      {L"CIRCLE", {10, 40}},     {L"ARC", {10, 40, 50, 51}},
+        {L"POINT", {10}},         {L"TEXT", {10, 40, 1}},    {L"ATTDEF", {10, 40, 2}},
+        {L"INSERT", {10, 2}},     {L"LWPOLYLINE", {10}},     {L"SOLID", {10, 11, 12}},
+        {L"TRACE", {10, 11, 12}}, {L"3DFACE", {10, 11, 12}}, {L"ELLIPSE", {10, 11, 40}},
+        {L"MTEXT", {10, 1}},      {L"RAY", {10, 11}},        {L"XLINE", {10, 11}},
     };
     const std::wstring name = textOf(list, 0);
-    const Needed* row = std::ranges::find_if(rows, [&](const Needed& r) { return equalNoCase(r.name, name); });
+    const Needed* row =
+        std::ranges::find_if(rows, [&](const Needed& r) { return equalNoCase(r.name, name); });
     return row == std::end(rows) || std::ranges::all_of(row->codes, [&](int code) {
                const resbuf* found = code != 0 ? findGroup(list, code) : list;
                return found != nullptr && (code != 40 || found->resval.rreal > 0.0);

@@ -123,8 +123,7 @@ std::vector<double> BezierCurve::feet(const AcGePoint3d& point) const {
     BernsteinPolynomial sum;
     for (const AcGeVector3d& axis : axes) {
         const BernsteinPolynomial arm = heights(point, axis);
-        const BernsteinPolynomial product =
-            arm * (m_isRational ? slopeOf(arm, weights()) : arm.derivative());
+        const BernsteinPolynomial product = arm * (m_isRational ? slopeOf(arm, weights()) : arm.derivative());
         if (sum.degree() < 0)
             sum = product;
         else
@@ -308,8 +307,7 @@ private:
     void refine(double s, double t) {
         for (int step = 0; step < 40; ++step) {
             std::array<AcGeVector3d, 2> a, b;
-            const AcGeVector3d gap =
-                m_first.evaluate(s, 2, a.data()) - m_second.evaluate(t, 2, b.data());
+            const AcGeVector3d gap = m_first.evaluate(s, 2, a.data()) - m_second.evaluate(t, 2, b.data());
             const double gs = gap.dotProduct(a[0]), gt = -gap.dotProduct(b[0]);
             double ss = a[0].lengthSqrd() + gap.dotProduct(a[1]);
             double tt = b[0].lengthSqrd() - gap.dotProduct(b[1]);
@@ -323,8 +321,7 @@ private:
                 break;
             const double nextS = std::clamp(s - (gs * tt - gt * st) / det, 0.0, 1.0);
             const double nextT = std::clamp(t - (gt * ss - gs * st) / det, 0.0, 1.0);
-            const double moved =
-                std::fabs(nextS - s) * std::sqrt(ss) + std::fabs(nextT - t) * std::sqrt(tt);
+            const double moved = std::fabs(nextS - s) * std::sqrt(ss) + std::fabs(nextT - t) * std::sqrt(tt);
             s = nextS;
             t = nextT;
             if (moved <= 1e-4 * m_tolerance)

@@ -5,9 +5,13 @@
 #include "restools/entity.h"
 #include "restools/resbuf.h"
 #include "services/commtools.h"
+#include "services/curvetopolyline.h"
+#include "services/inputpointfilter.h"
+#include "services/linktwopolyline.h"
 
 #include "host/arx.h"
 
+#include <memory>
 #include <vector>
 
 namespace {
@@ -146,14 +150,54 @@ int source() {
     return RTNORM;
 }
 
+/// (sib-widen entity width): gives the entity a width and fits what was an ellipse.
+int widen() {
+    Arguments arguments;
+    CArxEntity entity(arguments.entity(), true);
+    AcArray<AcDbObjectId> ellipses;
+    MultiplePEDIT(ellipses, entity, arguments.real());
+    entity.Close();
+    MultiplePEDITAcDbEllipse(ellipses);
+    return RTNORM;
+}
+
+/// (sib-link first second): the kind of join; the joined polyline is put into model space.
+int link() {
+    Arguments arguments;
+    const CArxObjTemplate<AcDbPolyline> first(arguments.entity(), false);
+    const CArxObjTemplate<AcDbPolyline> second(arguments.entity(), false);
+    auto joined = std::make_unique<AcDbPolyline>();
+    int how = -1;
+    LinkTwoPolyline(*joined, *first, *second, how);
+    if (how >= 0) {
+        AppendEnt(joined.release());
+    }
+    acedRetInt(how);
+    return RTNORM;
+}
+
+std::unique_ptr<CQDVAcEdInputPointFilter> lineEndFilter;
+
+/// (sib-filter on): no snapping to ends of lines, or again.
+int filterLineEnds() {
+    lineEndFilter.reset();
+    if (Arguments().integer() != 0) {
+        lineEndFilter = std::make_unique<CQDVAcEdInputPointFilter>(AcDbLine::desc(), AcDb::kOsMaskEnd, true);
+    }
+    return RTNORM;
+}
+
 struct Function {
     const ACHAR* name;
     int (*handler)();
 };
 constexpr Function functions[] = {
-    {L"sib-hook", hook},   {L"sib-hook-calls", hookCalls}, {L"sib-scale", scale},
-    {L"sib-split", split}, {L"sib-folder", folder},        {L"sib-create", create},
-    {L"sib-copy", copy},   {L"sib-convert", convert},      {L"sib-source", source},
+    {L"sib-hook", hook},     {L"sib-hook-calls", hookCalls},
+    {L"sib-scale", scale},   {L"sib-split", split},
+    {L"sib-folder", folder}, {L"sib-create", create},
+    {L"sib-copy", copy},     {L"sib-convert", convert},
+    {L"sib-source", source}, {L"sib-widen", widen},
+    {L"sib-link", link},     {L"sib-filter", filterLineEnds},
 };
 
 void defineFunctions() {
@@ -174,6 +218,7 @@ extern "C" __declspec(dllexport) AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCod
         defineFunctions();
     } else if (message == AcRx::kUnloadAppMsg) {
         SetLoadDWGFun(nullptr);
+        lineEndFilter.reset();
     }
     return AcRx::kRetOK;
 }

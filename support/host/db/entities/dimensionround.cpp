@@ -1,6 +1,5 @@
 // Angular, radial and diametric dimensions.
 #include "host/db/entities/dimensionpainter.h"
-
 #include "host/db/entities/fields.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDb2LineAngularDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
@@ -12,11 +11,9 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbRadialDimension, AcDbDimension, AcDb::kDHL_CURRENT, 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDiametricDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
                         DIMENSION, ObjectDBX Classes)
 
-AcDb2LineAngularDimension::AcDb2LineAngularDimension(const AcGePoint3d& xLine1Start,
-                                                     const AcGePoint3d& xLine1End,
-                                                     const AcGePoint3d& xLine2Start,
-                                                     const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint,
-                                                     const ACHAR* text, AcDbObjectId style) {
+AcDb2LineAngularDimension::AcDb2LineAngularDimension(
+    const AcGePoint3d& xLine1Start, const AcGePoint3d& xLine1End, const AcGePoint3d& xLine2Start,
+    const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint, const ACHAR* text, AcDbObjectId style) {
     m.points = {xLine2End, xLine1Start, xLine1End, xLine2Start, arcPoint};
     m.text = text;
     m.style = style;
@@ -153,7 +150,8 @@ void AngularDimension::paint(DimensionPainter& painter) const {
     const bool arrowsInside = bothFit || (!text.inside && v.atfit >= 2 && 2.0 * arrow <= length);
     double where = middle;
     if (!text.inside && v.tmove == 0) {
-        where = at.start + at.sweep + ((arrowsInside ? 1.0 : 2.0) * arrow + painter.gap() + half.x) / at.radius;
+        where =
+            at.start + at.sweep + ((arrowsInside ? 1.0 : 2.0) * arrow + painter.gap() + half.x) / at.radius;
         text.angle = painter.textAngle(where + halfPi, v.toh != 0);
         half = painter.textHalfExtent(text.angle, where + halfPi);
     }
@@ -162,8 +160,8 @@ void AngularDimension::paint(DimensionPainter& painter) const {
     const AcGeVector2d outward = direction(where);
     const AcGeVector2d readableUp = direction(painter.readable(where + halfPi)).perpVector();
     const double up = v.tad == 2 || readableUp.dotProduct(outward) > 0.0 ? 1.0 : -1.0;
-    const double lift = centred ? up * v.tvp * painter.scaled(v.txt)
-                                : (v.tad == 4 ? -up : up) * (painter.gap() + half.y);
+    const double lift =
+        centred ? up * v.tvp * painter.scaled(v.txt) : (v.tad == 4 ? -up : up) * (painter.gap() + half.y);
     text.breaks = centred;
     text.place = at.vertex + outward * (at.radius + lift);
     if (painter.hasText()) {
@@ -248,8 +246,7 @@ void CircleDimension::paint(DimensionPainter& painter) const {
         const AcGePoint2d middle = other + out * (0.5 * length);
         const AcGeVector2d up = direction(painter.readable(lineAngle)).perpVector();
         const bool level = std::fabs(std::sin(angle - lineAngle)) > 1e-6;
-        const double lift = v.tad == 0 || level ? 0.0
-                                                : (v.tad == 4 ? -1.0 : 1.0) * (painter.gap() + half.y);
+        const double lift = v.tad == 0 || level ? 0.0 : (v.tad == 4 ? -1.0 : 1.0) * (painter.gap() + half.y);
         if (painter.hasText()) {
             painter.placeText(given ? *given : middle + up * lift, angle, given || lift == 0.0);
         }
@@ -306,8 +303,9 @@ std::vector<AcDbDimension::FileSubclass> AcDbRadialDimension::fileSubclasses() c
     return {{"AcDbRadialDimension", {15, 40}}};
 }
 
-AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint, const AcGePoint3d& farChordPoint,
-                                               double leaderLength, const ACHAR* text, AcDbObjectId style) {
+AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint,
+                                               const AcGePoint3d& farChordPoint, double leaderLength,
+                                               const ACHAR* text, AcDbObjectId style) {
     m.points[Point::first] = farChordPoint;
     m.points[Point::fourth] = chordPoint;
     m.leaderLength = leaderLength;

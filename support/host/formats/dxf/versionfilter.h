@@ -68,7 +68,7 @@ private:
     std::vector<int> mSeen;          ///< how often the codes of the rules came
     bool mEmbedded = false;          ///< within an object embedded in another, which is left out
     bool mInDictionary = false;
-    bool mInBraces = false; ///< in a list of references
+    bool mInBraces = false;           ///< in a list of references
     std::optional<std::string> mName; ///< of a dictionary entry, until what it names is known to stay
 };
 

@@ -1,0 +1,64 @@
+// What the text commands compute, apart from their dialogue.
+#include "tests/module/sessionfixture.h"
+#include "text/fontreplacement.h"
+#include "text/linktext.h"
+#include "text/sumnumbers.h"
+#include "text/textalign.h"
+
+#include <numbers>
+
+namespace {
+
+class TextsTest : public SessionTest {};
+
+} // namespace
+
+TEST_F(TextsTest, RunsChangeWithTheBytesOfTheirCharacters) {
+    const auto splitAt = [](const wchar_t* text) {
+        std::wstring marked;
+        for (const linktext::Run& run : linktext::SplitIntoRuns(text)) {
+            marked += (run.isWestern ? L"<" : L"[") + run.text;
+        }
+        return marked;
+    };
+    EXPECT_EQ(splitAt(L"ABC中文DEF"), L"<ABC[中文<DEF");
+    EXPECT_EQ(splitAt(L"1 号 塔"), L"<1 [号< [塔");
+    EXPECT_EQ(splitAt(L"（10kV）"), L"[（<10kV[）");
+    EXPECT_EQ(splitAt(L"中文"), L"[中文");
+    EXPECT_EQ(splitAt(L""), L"");
+}
+
+TEST_F(TextsTest, SumsKeepTheMostDecimals) {
+    sumnumbers::Sum sum;
+    for (const wchar_t* text : {L"1.5", L"2.125", L"10", L"12.50m", L"", L"塔"}) {
+        sumnumbers::AddNumber(sum, text);
+    }
+    EXPECT_EQ(sum.count, 3);
+    EXPECT_STREQ(sumnumbers::LabelOf(sum), L"3/13.625");
+    EXPECT_STREQ(sumnumbers::ReportOf(sum, 6), L"\n   选中了 6 个文本，有效文本 3 个,数值合计为: 13.625");
+    EXPECT_STREQ(sumnumbers::ReportOf({}, 2), L"\n   选中了 2 个文本，有效文本 0 个,数值合计为: 0.00");
+}
+
+TEST_F(TextsTest, EndsStandBesideTheAlignmentPoint) {
+    using textalign::AlignedPosition;
+    using textalign::Mode;
+    const AcGePoint3d position(2, 3, 0);
+    const AcGePoint3d alignment(10, 50, 0);
+    const AcGeVector3d along = AcGeVector3d::kXAxis;
+    EXPECT_TRUE(AlignedPosition(position, along, 4.0, Mode::left, alignment).isEqualTo({10, 3, 0}));
+    EXPECT_TRUE(AlignedPosition(position, along, 4.0, Mode::center, alignment).isEqualTo({8, 3, 0}));
+    EXPECT_TRUE(AlignedPosition(position, along, 4.0, Mode::right, alignment).isEqualTo({6, 3, 0}));
+    EXPECT_TRUE(
+        AlignedPosition(position, AcGeVector3d::kYAxis, 4.0, Mode::right, alignment).isEqualTo({2, 46, 0}));
+}
+
+TEST_F(TextsTest, FacesOfTheSameHandReplaceMissingOnes) {
+    using fontreplacement::ReplacementFor;
+    const std::set<std::wstring> installed = {L"Arial", L"楷体_GB18030", L"楷书"};
+    EXPECT_EQ(ReplacementFor(L"KaiTi", installed).typeface, L"楷体");
+    EXPECT_EQ(ReplacementFor(L"KaiTi", installed).fileName, L"");
+    EXPECT_EQ(ReplacementFor(L"仿宋", installed).typeface, L"宋体");
+    EXPECT_EQ(ReplacementFor(L"仿宋", installed).fileName, L"SimSun.ttf");
+    EXPECT_EQ(ReplacementFor(L"Futura", installed).typeface, L"宋体");
+    EXPECT_EQ(ReplacementFor(L"kaiti", installed).typeface, L"宋体") << "names as they are spelt";
+}
