@@ -47,6 +47,7 @@ bool fileIsThere(const std::wstring& name) {
 void saveTo(const std::wstring& name, const SaveFormat& format) {
     AcApDocument* document = curDoc();
     std::wstring message;
+    document->database()->keepExtents();
     if (fileFormats().write(*document->database(), name, format, message) != Acad::eOk) {
         reportFailure(message);
         return;

@@ -15,7 +15,19 @@ void tellNames(const std::vector<std::wstring>& names) {
     }
 }
 
+/// A command that is still running can't have its work taken from under it.
+bool isRefused() {
+    if (!currentDatabase().undoLog().inCommand()) {
+        return false;
+    }
+    acutPrintf(L"\n** 命令执行期间不能放弃或重做 **");
+    return true;
+}
+
 void undoSteps(int steps) {
+    if (isRefused()) {
+        return;
+    }
     std::vector<std::wstring> names;
     const int done = currentDatabase().undoLog().undo(steps, &names);
     tellNames(names);
@@ -29,6 +41,9 @@ void runU() {
 }
 
 void runRedo() {
+    if (isRefused()) {
+        return;
+    }
     std::vector<std::wstring> names;
     if (currentDatabase().undoLog().redo(1, &names) == 0) {
         acutPrintf(L"\n没有操作可重做");
@@ -50,6 +65,9 @@ void control() {
 void back() {
     std::vector<std::wstring> names;
     UndoLog& log = currentDatabase().undoLog();
+    if (isRefused()) {
+        return;
+    }
     if (!log.hasMark()) {
         const Answer answer = askKeyword(L"\n这将放弃所有操作。确定? [是(Y)/否(N)] <Y>: ", L"Yes No");
         if (answer.isCancelled() || answer.isKeyword(L"No")) {

@@ -21,9 +21,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
         return Acad::eOk;
     }
     // Properties that were never set come from the drawing's current ones.
-    if (entity->layerId().isNull()) {
-        entity->completeProperties(*target);
-    }
+    entity->completeProperties(*target);
     if (const Acad::ErrorStatus status = target->addAcDbObject(id, entity); status != Acad::eOk) {
         return status;
     }

@@ -88,7 +88,7 @@ const std::vector<AcDbDatabase*>& openDatabases() {
 }
 
 DatabaseImpl::DatabaseImpl(AcDbDatabase& database)
-    : undo(database), transactions(std::make_unique<AcDbTransactionManager>(database)), mDatabase(database),
+    : undo(database), places(database), transactions(std::make_unique<AcDbTransactionManager>(database)), mDatabase(database),
       mHandles(std::make_unique<Handles>()) {
     initializeHeader();
 }
@@ -191,11 +191,13 @@ void DatabaseImpl::notifyAppended(const AcDbObject& object) {
     }
 }
 void DatabaseImpl::notifyModified(const AcDbObject& object) {
+    places.touch(object.objectId().stub());
     for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
         reactor->objectModified(&mDatabase, &object);
     }
 }
 void DatabaseImpl::notifyErased(const AcDbObject& object, bool erased) {
+    places.touch(object.objectId().stub());
     for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
         reactor->objectErased(&mDatabase, &object, erased);
     }
@@ -354,27 +356,25 @@ Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dicti
 }
 
 Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
-    AcDbExtents extents;
-    const auto* space = host::peek<AcDbBlockTableRecord>(modelSpaceId());
-    for (AcDbStub* stub : space->entities()) {
-        const auto* entity = host::peek<AcDbEntity>(stub);
-        if (entity == nullptr || entity->visibility() == AcDb::kInvisible) {
-            continue;
-        }
-        const auto* layer = host::peek<AcDbLayerTableRecord>(entity->layerId());
+    std::unordered_set<AcDbStub*> frozen;
+    for (AcDbStub* stub : host::peek<AcDbLayerTable>(layerTableId())->records()) {
+        const auto* layer = host::peek<AcDbLayerTableRecord>(stub);
         if (layer != nullptr && layer->isFrozen()) {
-            continue;
-        }
-        const host::ReadAccess access(*entity);
-        AcDbExtents own;
-        if (entity->getGeomExtents(own) == Acad::eOk) {
-            extents.addExt(own);
+            frozen.insert(stub);
         }
     }
+    const AcDbExtents extents = mImpl->places.of(modelSpaceId()).extents(frozen);
     const host::UndoLog::Suspend suspend(mImpl->undo);
     setVariable(*host::findHeaderVariable("EXTMIN"), extents.minPoint());
     setVariable(*host::findHeaderVariable("EXTMAX"), extents.maxPoint());
+    mImpl->mExtentsAt = mImpl->undo.changeCount();
     return extents.isEmpty() ? Acad::eInvalidExtents : Acad::eOk;
+}
+
+void AcDbDatabase::keepExtents() {
+    if (mImpl->mExtentsAt != mImpl->undo.changeCount()) {
+        updateExt();
+    }
 }
 
 Acad::ErrorStatus AcDbDatabase::purge(AcDbObjectIdArray& ids) {

@@ -4,6 +4,7 @@
 #include "host/db/dbdict.h"
 #include "host/db/dbsymtb.h"
 #include "host/db/headervars.h"
+#include "host/db/spatialindex.h"
 #include "host/db/undolog.h"
 
 #include <functional>
@@ -183,8 +184,10 @@ public:
     void setUcs(const AcGePoint3d& origin, const AcGeVector3d& x, const AcGeVector3d& y);
     AcGePoint3d extmin() const;
     AcGePoint3d extmax() const;
-    /// Recomputes EXTMIN and EXTMAX from what is drawn. Not recorded for undo.
+    /// Recomputes EXTMIN and EXTMAX from what is drawn in model space. Not recorded for undo.
     Acad::ErrorStatus updateExt(bool exact = true);
+    /// The same when the drawing changed since they were last computed (or read from a file).
+    void keepExtents();
 
     // Cloning.
 
@@ -296,6 +299,7 @@ public:
     std::wstring fileName;
 
     UndoLog undo;
+    SpatialIndexes places; ///< where entities lie
     std::vector<AcDbDatabaseReactor*> reactors;
     std::unique_ptr<AcDbTransactionManager> transactions;
 
@@ -306,7 +310,10 @@ public:
 private:
     void initializeHeader();
 
+    friend class ::AcDbDatabase;
+
     AcDbDatabase& mDatabase;
+    Adesk::UInt64 mExtentsAt = 0; ///< change count for which EXTMIN and EXTMAX hold
     struct Handles;
     std::unique_ptr<Handles> mHandles;
 };

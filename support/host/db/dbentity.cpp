@@ -107,6 +107,7 @@ Adesk::UInt16 AcDbEntity::colorIndex() const {
 Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool doSubents, AcDbDatabase*) {
     assertWriteEnabled();
     mColor = color.entityColor();
+    mHasColor = true;
     // A colour's name in a colour book travels as a kept group.
     if (color.hasColorName() || keptGroups(subclassName) != nullptr) {
         for (host::ObjectExtras::Kept& kept : needExtras().kept) {
@@ -227,6 +228,7 @@ Acad::ErrorStatus AcDbEntity::setLinetypeScale(double scale, bool doSubents) {
     }
     assertWriteEnabled();
     mLinetypeScale = scale;
+    mHasLinetypeScale = true;
     changeParts(*this, doSubents, [&](AcDbEntity& part) { part.setLinetypeScale(scale); });
     return Acad::eOk;
 }
@@ -244,6 +246,7 @@ Acad::ErrorStatus AcDbEntity::setLineWeight(AcDb::LineWeight weight, bool doSube
     }
     assertWriteEnabled();
     mLineWeight = static_cast<Adesk::Int16>(host::nearestLineWeight(weight));
+    mHasLineWeight = true;
     changeParts(*this, doSubents, [&](AcDbEntity& part) { part.setLineWeight(weight); });
     return Acad::eOk;
 }
@@ -266,6 +269,7 @@ Acad::ErrorStatus AcDbEntity::setPropertiesFrom(const AcDbEntity* other, bool do
     mLinetypeScale = other->mLinetypeScale;
     mLineWeight = other->mLineWeight;
     mVisible = other->mVisible;
+    setAllGiven();
     changeParts(*this, doSubents, [&](AcDbEntity& part) { part.setPropertiesFrom(other); });
     return Acad::eOk;
 }
@@ -284,6 +288,7 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* database) {
     mLinetypeScale = database->celtscale();
     mLineWeight = static_cast<Adesk::Int16>(database->celweight());
     mVisible = true;
+    setAllGiven();
     subSetDatabaseDefaults(database);
 }
 
@@ -294,15 +299,16 @@ void AcDbEntity::completeProperties(AcDbDatabase& database) {
     if (mLinetype == nullptr) {
         mLinetype = database.celtype().stub();
     }
-    if (mColor.isByLayer()) {
+    if (!mHasColor) {
         setColor(database.cecolor(), false);
     }
-    if (mLinetypeScale == 1.0) {
+    if (!mHasLinetypeScale) {
         mLinetypeScale = database.celtscale();
     }
-    if (mLineWeight == AcDb::kLnWtByLayer) {
+    if (!mHasLineWeight) {
         mLineWeight = static_cast<Adesk::Int16>(database.celweight());
     }
+    setAllGiven();
 }
 
 AcGeMatrix3d AcDbEntity::getEcs() const {

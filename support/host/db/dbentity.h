@@ -133,7 +133,7 @@ public:
     Acad::ErrorStatus setPropertiesFrom(const AcDbEntity* other, bool doSubents = true);
     /// Takes the database's current layer, colour, linetype, its scale and lineweight.
     void setDatabaseDefaults(AcDbDatabase* database = nullptr);
-    /// Takes those current properties of the database that were never set here.
+    /// Takes those current properties of the database that were never set here, each on its own.
     void completeProperties(AcDbDatabase& database);
 
     Acad::ErrorStatus transformBy(const AcGeMatrix3d& transform) { return subTransformBy(transform); }
@@ -245,13 +245,19 @@ protected:
     friend class host::DatabaseImpl;
 
 private:
+    void setAllGiven() { mHasColor = mHasLinetypeScale = mHasLineWeight = true; }
+
     AcDbStub* mLayer = nullptr;
     AcDbStub* mLinetype = nullptr;
     double mLinetypeScale = 1.0;
     AcCmEntityColor mColor;
     Adesk::Int16 mLineWeight = -1; ///< hundredths of a millimetre; -1 by layer, -2 by block, -3 default
-    bool mVisible = true;
-    bool mPaperSpace = false; ///< group 67, kept while a file without owners is read
+    bool mVisible : 1 = true;
+    bool mPaperSpace : 1 = false; ///< group 67, kept while a file without owners is read
+    // Properties that somebody gave, so that they are not the drawing's current ones.
+    bool mHasColor : 1 = false;
+    bool mHasLinetypeScale : 1 = false;
+    bool mHasLineWeight : 1 = false;
 };
 
 /// Every curve: parameters run from start to end parameter; distances are along the curve from its start.

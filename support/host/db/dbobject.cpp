@@ -90,6 +90,7 @@ void AcDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
     }
     if (recordModified && !mModified) {
         mModified = true;
+        mStub->database->impl().places.touch(mStub);
         for (AcDbDatabaseReactor* reactor : mStub->database->impl().reactors) {
             reactor->objectOpenedForModify(mStub->database, this);
         }
@@ -224,6 +225,7 @@ Acad::ErrorStatus AcDbObject::cancel() {
         return close();
     }
     mStub->database->undoLog().restoreLatestImage(*this);
+    mStub->database->impl().places.touch(mStub);
     mModified = false;
     mEraseToggled = false;
     subCancel();

@@ -60,6 +60,7 @@ Acad::ErrorStatus AcDbEntity::dwgInFields(AcDbDwgFiler* filer) {
         mLinetypeScale = scale > 0.0 && std::isfinite(scale) ? scale : 1.0;
         mLineWeight = weight;
         mVisible = visible;
+        setAllGiven();
     }
     return filer->filerStatus();
 }
@@ -125,6 +126,7 @@ Acad::ErrorStatus AcDbEntity::dxfInFields(AcDbDxfFiler* filer) {
     mLineWeight = AcDb::kLnWtByLayer;
     mVisible = true;
     mPaperSpace = false;
+    setAllGiven();
     bool inside = false;
     while (const host::DxfGroup* group = filer->nextGroup()) {
         if (group->code == 100) {

@@ -40,6 +40,8 @@ public:
     void beginGroup();
     void endGroup();
     bool inGroup() const { return mGroupDepth > 0; }
+    /// Between beginCommand and endCommand: steps can't be taken back.
+    bool inCommand() const { return mCommandDepth > 0; }
     void setMark();
 
     /// Takes steps back; returns how many. Names of the commands taken back are added to `names`. Marks on

@@ -23,6 +23,52 @@ int sign(double value) {
 
 } // namespace
 
+CurvePiece flattened(const CurvePiece& piece) {
+    CurvePiece flat = piece;
+    flat.origin.z = flat.u.z = flat.v.z = 0.0;
+    return flat;
+}
+
+std::vector<double> meetings(const CurvePiece& flat, const AcGePoint2d& from, const AcGePoint2d& to) {
+    const double dx = to.x - from.x;
+    const double dy = to.y - from.y;
+    const double square = dx * dx + dy * dy;
+    std::vector<double> found;
+    if (square == 0.0) {
+        return found;
+    }
+    // Height over the segment's line, by its length: at t of a line c + a t, of an arc c + a cos t + b sin t.
+    const double a = dx * flat.u.y - dy * flat.u.x;
+    const double b = dx * flat.v.y - dy * flat.v.x;
+    const double c = dx * (flat.origin.y - from.y) - dy * (flat.origin.x - from.x);
+    constexpr double slack = 1e-12;
+    const auto take = [&](double t) {
+        if (!flat.contains(t, slack)) {
+            return;
+        }
+        const AcGePoint3d point = flat.pointAt(t);
+        const double along = ((point.x - from.x) * dx + (point.y - from.y) * dy) / square;
+        if (along >= -slack && along <= 1.0 + slack) {
+            found.push_back(t);
+        }
+    };
+    if (!flat.isArc()) {
+        if (a != 0.0) {
+            take(-c / a);
+        }
+        return found;
+    }
+    const double reach = std::hypot(a, b);
+    if (reach == 0.0 || std::fabs(c) > reach * (1.0 + slack)) {
+        return found;
+    }
+    const double middle = std::atan2(b, a);
+    const double half = std::acos(std::clamp(-c / reach, -1.0, 1.0));
+    take(middle + half);
+    take(middle - half);
+    return found;
+}
+
 bool segmentsCross(const AcGePoint2d& a, const AcGePoint2d& b, const AcGePoint2d& c, const AcGePoint2d& d) {
     const int c1 = sign(turn(a, b, c));
     const int d1 = sign(turn(a, b, d));
@@ -101,15 +147,83 @@ void PlanSink::glyphs(const GlyphRun& run, const Pen&) {
     filled(corners);
 }
 
+ShapeSink::ShapeSink(const SelectionShape& shape) : mShape(shape) {
+    double magnitude = 0.0;
+    for (const AcGePoint2d& point : shape.points) {
+        magnitude = std::max({magnitude, std::fabs(point.x), std::fabs(point.y)});
+    }
+    mTolerance = 1e-12 * magnitude;
+}
+
+std::size_t ShapeSink::edgeCount() const {
+    return mShape.kind == SelectionShape::Kind::fence ? mShape.points.size() - 1 : mShape.points.size();
+}
+
 bool ShapeSink::crossesShape(const AcGePoint2d& from, const AcGePoint2d& to) const {
     const std::vector<AcGePoint2d>& points = mShape.points;
-    const std::size_t edges = mShape.kind == SelectionShape::Kind::fence ? points.size() - 1 : points.size();
-    for (std::size_t i = 0; i < edges; ++i) {
+    for (std::size_t i = 0; i < edgeCount(); ++i) {
         if (segmentsCross(points[i], points[(i + 1) % points.size()], from, to)) {
             return true;
         }
     }
     return false;
+}
+
+std::vector<double> ShapeSink::crossings(const CurvePiece& flat) const {
+    const std::vector<AcGePoint2d>& points = mShape.points;
+    std::vector<double> all;
+    for (std::size_t i = 0; i < edgeCount(); ++i) {
+        const std::vector<double> some = meetings(flat, points[i], points[(i + 1) % points.size()]);
+        all.insert(all.end(), some.begin(), some.end());
+    }
+    return all;
+}
+
+bool ShapeSink::isInside(const AcGePoint2d& point) const {
+    if (insidePolygon(point, mShape.points)) {
+        return true;
+    }
+    for (std::size_t i = 0; i < mShape.points.size(); ++i) {
+        const AcGePoint2d& next = mShape.points[(i + 1) % mShape.points.size()];
+        if (distanceToSegment(point, mShape.points[i], next) <= mTolerance) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Between two crossings of the edge a curve is on one side: its middle there tells on which.
+bool ShapeSink::staysInside(const CurvePiece& flat) const {
+    std::vector<double> parameters = crossings(flat);
+    parameters.push_back(flat.from);
+    parameters.push_back(flat.to);
+    std::sort(parameters.begin(), parameters.end());
+    double before = flat.from;
+    for (const double parameter : parameters) {
+        if (!isInside(to2d(flat.pointAt(0.5 * (before + parameter))))) {
+            return false;
+        }
+        before = parameter;
+    }
+    return isInside(to2d(flat.start())) && isInside(to2d(flat.end()));
+}
+
+void ShapeSink::piece(const CurvePiece& flat) {
+    if (!flat.isArc()) {
+        segment(to2d(flat.start()), to2d(flat.end()));
+        return;
+    }
+    mAny = true;
+    if (isDecided()) {
+        return;
+    }
+    if (mShape.kind == SelectionShape::Kind::window) {
+        mInside = staysInside(flat);
+    } else {
+        const bool crossing = mShape.kind == SelectionShape::Kind::crossing;
+        mTouches =
+            (crossing && insidePolygon(to2d(flat.start()), mShape.points)) || !crossings(flat).empty();
+    }
 }
 
 void ShapeSink::segment(const AcGePoint2d& from, const AcGePoint2d& to) {
@@ -124,13 +238,9 @@ void ShapeSink::segment(const AcGePoint2d& from, const AcGePoint2d& to) {
     case SelectionShape::Kind::crossing:
         mTouches = insidePolygon(from, mShape.points) || crossesShape(from, to);
         break;
-    case SelectionShape::Kind::window: {
-        // Between two points inside, a line leaves only where it crosses an edge: its middle tells.
-        const AcGePoint2d middle((from.x + to.x) / 2.0, (from.y + to.y) / 2.0);
-        mInside = insidePolygon(from, mShape.points) && insidePolygon(to, mShape.points) &&
-                  insidePolygon(middle, mShape.points);
+    case SelectionShape::Kind::window:
+        mInside = staysInside(CurvePiece::line({from.x, from.y, 0.0}, {to.x, to.y, 0.0}));
         break;
-    }
     }
 }
 
@@ -140,6 +250,11 @@ void ShapeSink::filled(std::span<const AcGePoint2d> contour) {
     } else if (mShape.kind == SelectionShape::Kind::fence && !mTouches) {
         mTouches = insidePolygon(mShape.points.front(), contour);
     }
+}
+
+void DistanceSink::piece(const CurvePiece& flat) {
+    const AcGePoint3d point(mPoint.x, mPoint.y, 0.0);
+    mDistance = std::min(mDistance, point.distanceTo(flat.pointAt(flat.closestParameter(point))));
 }
 
 void DistanceSink::segment(const AcGePoint2d& from, const AcGePoint2d& to) {

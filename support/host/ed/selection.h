@@ -41,31 +41,19 @@ bool freePickSet(const ads_name name);
 /// How many names are in use.
 std::size_t pickSetCount();
 
-/// An axis-aligned box in the plan of the world.
-struct PlanBox {
-    double minX = 0.0, minY = 0.0, maxX = 0.0, maxY = 0.0;
-
-    bool overlaps(const PlanBox& other) const {
-        return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
-    }
-    bool contains(const PlanBox& other) const {
-        return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;
-    }
-    static PlanBox of(std::span<const AcGePoint2d> points);
-};
-
-/// Finds entities by place. The default walks over the block; an index hangs itself in here.
+/// Finds entities by place. The default asks the drawing's index.
 class SpatialQuery {
 public:
     virtual ~SpatialQuery() = default;
-    /// Calls for each entity of the block that is not erased and whose box may touch the given one, in
-    /// drawing order; until `visit` returns false.
-    virtual void overlapping(AcDbObjectId block, const PlanBox& box,
-                             const std::function<bool(AcDbEntity&)>& visit) = 0;
+    /// Entities of the block that are not erased and whose box in the plan of the world may touch the given
+    /// one, in drawing order.
+    virtual std::vector<Placed> overlapping(AcDbObjectId block, const Box2d& box) = 0;
 };
 SpatialQuery& spatialQuery();
 /// Null gives back the default.
 void setSpatialQuery(std::unique_ptr<SpatialQuery> query);
+/// Looks at every entity of the block: what the index must agree with.
+std::unique_ptr<SpatialQuery> makeBlockWalk();
 
 /// A result-buffer list as a condition on entities: group values with wildcards in names, -4 operators,
 /// extended data by application.

@@ -66,6 +66,10 @@ void hangIntoModules() {
         acedCommandStack()->removeCommandsOf(module);
         removeExternalFunctionsOf(module);
     };
+    events.locate = [](const std::wstring& name) {
+        const std::filesystem::path file = findSupportFile(name);
+        return file.empty() && extensionOf(name).empty() ? findSupportFile(name + L".arx") : file;
+    };
     events.report = [](const std::wstring& line) { reportFailure(line); };
 }
 

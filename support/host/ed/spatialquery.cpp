@@ -11,91 +11,118 @@
 
 namespace host {
 
-PlanBox PlanBox::of(std::span<const AcGePoint2d> points) {
-    PlanBox box{HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
-    for (const AcGePoint2d& point : points) {
-        box.minX = std::min(box.minX, point.x);
-        box.minY = std::min(box.minY, point.y);
-        box.maxX = std::max(box.maxX, point.x);
-        box.maxY = std::max(box.maxY, point.y);
-    }
-    return box;
-}
-
 namespace {
 
-/// The plan of an entity's extents; nothing for one without any (an infinite line).
-std::optional<PlanBox> planOf(const AcDbEntity& entity) {
-    AcDbExtents extents;
-    if (entity.getGeomExtents(extents) != Acad::eOk) {
-        return std::nullopt;
+/// Asks the index of the drawing.
+class IndexQuery : public SpatialQuery {
+public:
+    std::vector<Placed> overlapping(AcDbObjectId block, const Box2d& box) override {
+        return block.isNull() ? std::vector<Placed>() : block.database()->impl().places.of(block).search(box);
     }
-    return PlanBox{extents.minPoint().x, extents.minPoint().y, extents.maxPoint().x, extents.maxPoint().y};
-}
+};
 
-/// Looks at every entity of the block.
 class BlockWalk : public SpatialQuery {
 public:
-    void overlapping(AcDbObjectId block, const PlanBox& box,
-                     const std::function<bool(AcDbEntity&)>& visit) override {
+    std::vector<Placed> overlapping(AcDbObjectId block, const Box2d& box) override {
+        std::vector<Placed> found;
         const auto* record = peek<AcDbBlockTableRecord>(block);
-        if (record == nullptr) {
-            return;
-        }
-        for (AcDbStub* stub : record->entities()) {
-            auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
+        for (AcDbStub* stub : record != nullptr ? record->entities() : std::vector<AcDbStub*>()) {
+            const auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
             if (entity == nullptr) {
                 continue;
             }
             const ReadAccess access(*entity);
-            const std::optional<PlanBox> plan = planOf(*entity);
-            if ((!plan || plan->overlaps(box)) && !visit(*entity)) {
-                return;
+            AcDbExtents extents;
+            if (entity->getGeomExtents(extents) != Acad::eOk) {
+                found.push_back({stub, {}});
+                continue;
+            }
+            const Box2d own{to2d(extents.minPoint()), to2d(extents.maxPoint())};
+            if (own.touches(box)) {
+                found.push_back({stub, own});
             }
         }
+        return found;
     }
 };
 
 std::unique_ptr<SpatialQuery>& installedQuery() {
-    static std::unique_ptr<SpatialQuery> query = std::make_unique<BlockWalk>();
+    static std::unique_ptr<SpatialQuery> query = std::make_unique<IndexQuery>();
     return query;
 }
 
-FlattenOptions pictureOptions(double deviation, const PlanBox& view) {
+FlattenOptions pictureOptions(double deviation, const Box2d& view) {
     FlattenOptions options;
-    options.view = {{view.minX, view.minY, 0.0}, {view.maxX, view.maxY, 0.0}};
+    options.view = {{view.minimum.x, view.minimum.y, 0.0}, {view.maximum.x, view.maximum.y, 0.0}};
     options.deviation = deviation;
     options.dashResolution = HUGE_VAL; // gaps of a linetype belong to the line
     return options;
 }
 
-/// Draws entities into a sink.
+/// Whether the entity is drawn as its lines and arcs and nothing else.
+bool isPlainCurve(const AcDbEntity& entity) {
+    const AcRxClass* kind = entity.isA();
+    if (kind == AcDbPolyline::desc()) {
+        return !static_cast<const AcDbPolyline&>(entity).hasWidth();
+    }
+    return kind == AcDbLine::desc() || kind == AcDbCircle::desc() || kind == AcDbArc::desc() ||
+           entity.dxfRecordName() == "ELLIPSE";
+}
+
+/// Draws entities into a sink: plain curves exactly, others as they are drawn.
 class Picture {
 public:
-    Picture(AcDbDatabase& database, PrimitiveSink& sink, double deviation, const PlanBox& view)
-        : mSource(drawingSource(database)), mFlattener(*mSource, sink, pictureOptions(deviation, view)) {}
+    Picture(AcDbDatabase& database, PlanSink& sink, double deviation, const Box2d& view)
+        : mDatabase(database), mSink(sink), mOptions(pictureOptions(deviation, view)) {}
+
     void draw(AcDbEntity& entity) {
         const ReadAccess access(entity);
-        mFlattener.draw(entity);
+        mPieces.clear();
+        if (isPlainCurve(entity) && entity.curvePieces(mPieces)) {
+            for (const CurvePiece& piece : mPieces) {
+                mSink.piece(flattened(mIsMoved ? piece.transformed(mTransform) : piece));
+            }
+            return;
+        }
+        if (mFlattener == nullptr) {
+            mSource = drawingSource(mDatabase);
+            mFlattener = std::make_unique<Flattener>(*mSource, mSink, mOptions);
+        }
+        mFlattener->setTransform(mTransform);
+        mFlattener->draw(entity);
     }
-    void setTransform(const AcGeMatrix3d& transform) { mFlattener.setTransform(transform); }
+    void setTransform(const AcGeMatrix3d& transform) {
+        mTransform = transform;
+        mIsMoved = true;
+    }
 
 private:
+    AcDbDatabase& mDatabase;
+    PlanSink& mSink;
+    FlattenOptions mOptions;
+    AcGeMatrix3d mTransform;
+    bool mIsMoved = false;
+    std::vector<CurvePiece> mPieces;
     std::unique_ptr<DrawingSource> mSource;
-    Flattener mFlattener;
+    std::unique_ptr<Flattener> mFlattener;
 };
 
-bool isRectangle(const SelectionShape& shape, const PlanBox& box) {
+bool isRectangle(const SelectionShape& shape, const Box2d& box) {
     if (shape.kind == SelectionShape::Kind::fence || shape.points.size() != 4) {
         return false;
     }
     return std::all_of(shape.points.begin(), shape.points.end(), [&](const AcGePoint2d& point) {
-        return (point.x == box.minX || point.x == box.maxX) && (point.y == box.minY || point.y == box.maxY);
+        return (point.x == box.minimum.x || point.x == box.maximum.x) &&
+               (point.y == box.minimum.y || point.y == box.maximum.y);
     });
 }
 
-PlanBox around(const AcGePoint3d& point, double aperture) {
-    return {point.x - aperture, point.y - aperture, point.x + aperture, point.y + aperture};
+bool contains(const Box2d& outer, const Box2d& inner) {
+    return !inner.isEmpty() && outer.contains(inner.minimum) && outer.contains(inner.maximum);
+}
+
+Box2d around(const AcGePoint3d& point, double aperture) {
+    return Box2d{to2d(point), to2d(point)}.grownBy(aperture);
 }
 
 struct Hit {
@@ -108,16 +135,17 @@ std::vector<Hit> hitsAt(AcDbDatabase& database, const AcGePoint3d& point, double
     std::vector<Hit> hits;
     DistanceSink sink(to2d(point), aperture);
     Picture picture(database, sink, aperture / 20.0, around(point, aperture));
-    spatialQuery().overlapping(database.currentSpaceId(), around(point, aperture), [&](AcDbEntity& entity) {
-        if (isSelectable(entity)) {
+    for (const Placed& place :
+         spatialQuery().overlapping(database.currentSpaceId(), around(point, aperture))) {
+        auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
+        if (entity != nullptr && isSelectable(*entity)) {
             sink.start();
-            picture.draw(entity);
+            picture.draw(*entity);
             if (sink.distance() <= aperture) {
-                hits.push_back({entity.objectId(), sink.distance()});
+                hits.push_back({entity->objectId(), sink.distance()});
             }
         }
-        return true;
-    });
+    }
     return hits;
 }
 
@@ -138,7 +166,7 @@ class NestedSearch {
 public:
     NestedSearch(AcDbDatabase& database, const AcGePoint3d& point, double aperture)
         : mSink(to2d(point), aperture), mPicture(database, mSink, aperture / 20.0, around(point, aperture)),
-          mAperture(aperture) {}
+          mPoint(point), mAperture(aperture) {}
 
     void descend(NestedPick& pick) {
         constexpr int deepest = 100;
@@ -186,23 +214,39 @@ private:
 
     AcDbObjectId partAt(AcDbObjectId block, const AcGeMatrix3d& toWorld) {
         std::vector<Hit> hits;
-        if (const auto* record = peek<AcDbBlockTableRecord>(block)) {
-            for (AcDbStub* stub : record->entities()) {
-                auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
-                if (entity == nullptr || AcDbAttributeDefinition::cast(entity) != nullptr) {
-                    continue;
-                }
-                const double distance = distanceOf(*entity, toWorld);
-                if (distance <= mAperture) {
-                    hits.push_back({entity->objectId(), distance});
-                }
+        for (const Placed& place : spatialQuery().overlapping(block, apertureIn(toWorld))) {
+            auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
+            if (entity == nullptr || AcDbAttributeDefinition::cast(entity) != nullptr) {
+                continue;
+            }
+            const double distance = distanceOf(*entity, toWorld);
+            if (distance <= mAperture) {
+                hits.push_back({entity->objectId(), distance});
             }
         }
         return hits.empty() ? AcDbObjectId() : nearest(hits.begin(), hits.end())->id;
     }
 
+    /// The box of the aperture in a block's coordinates; everything when the block's plane is not the world's.
+    Box2d apertureIn(const AcGeMatrix3d& toWorld) const {
+        constexpr double endless = 1e300;
+        Box2d box{{-endless, -endless}, {endless, endless}};
+        const AcGeVector3d axis = toWorld * AcGeVector3d::kZAxis;
+        if (!toWorld.isSingular() && axis.isParallelTo(AcGeVector3d::kZAxis)) {
+            const AcGeMatrix3d inverse = toWorld.inverse();
+            box = {};
+            for (const double x : {mPoint.x - mAperture, mPoint.x + mAperture}) {
+                for (const double y : {mPoint.y - mAperture, mPoint.y + mAperture}) {
+                    box.add(to2d(inverse * AcGePoint3d(x, y, 0.0)));
+                }
+            }
+        }
+        return box;
+    }
+
     DistanceSink mSink;
     Picture mPicture;
+    AcGePoint3d mPoint;
     double mAperture;
 };
 
@@ -213,7 +257,11 @@ SpatialQuery& spatialQuery() {
 }
 
 void setSpatialQuery(std::unique_ptr<SpatialQuery> query) {
-    installedQuery() = query != nullptr ? std::move(query) : std::make_unique<BlockWalk>();
+    installedQuery() = query != nullptr ? std::move(query) : std::make_unique<IndexQuery>();
+}
+
+std::unique_ptr<SpatialQuery> makeBlockWalk() {
+    return std::make_unique<BlockWalk>();
 }
 
 bool isSelectable(const AcDbEntity& entity) {
@@ -239,27 +287,29 @@ std::vector<AcDbObjectId> entitiesIn(const SelectionShape& shape) {
     if (database == nullptr || shape.points.size() < least) {
         return found;
     }
-    const PlanBox box = PlanBox::of(shape.points);
+    Box2d box;
+    for (const AcGePoint2d& point : shape.points) {
+        box.add(point);
+    }
     const bool rectangle = isRectangle(shape, box);
     ShapeSink sink(shape);
-    const double size = std::max(box.maxX - box.minX, box.maxY - box.minY);
-    Picture picture(*database, sink, std::max(size * 1e-4, 1e-9), box);
-    spatialQuery().overlapping(database->currentSpaceId(), box, [&](AcDbEntity& entity) {
-        if (!isSelectable(entity)) {
-            return true;
+    Picture picture(*database, sink, std::max(std::max(box.width(), box.height()) * 1e-5, 1e-9), box);
+    for (const Placed& place : spatialQuery().overlapping(database->currentSpaceId(), box)) {
+        auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
+        if (entity == nullptr || !isSelectable(*entity)) {
+            continue;
         }
-        const std::optional<PlanBox> plan = planOf(entity);
-        bool selected = rectangle && plan && box.contains(*plan);
+        // A rectangle holds what its box holds, and nothing of what its box does not.
+        bool selected = rectangle && contains(box, place.box);
         if (!selected && !(rectangle && shape.kind == SelectionShape::Kind::window)) {
             sink.start();
-            picture.draw(entity);
+            picture.draw(*entity);
             selected = sink.isSelected();
         }
         if (selected) {
-            found.push_back(entity.objectId());
+            found.push_back(entity->objectId());
         }
-        return true;
-    });
+    }
     return found;
 }
 

@@ -396,8 +396,14 @@ std::optional<VariableValue> valueAt(const Place& place) {
     if (place.session != nullptr) {
         return sessionValue(*place.session, document);
     }
-    const AcDbDatabase* database = acdbCurDwg();
-    return database != nullptr ? std::optional(headerValue(*database, *place.header)) : std::nullopt;
+    AcDbDatabase* database = acdbCurDwg();
+    if (database == nullptr) {
+        return std::nullopt;
+    }
+    if (std::string_view(headerVariables()[*place.header].name).starts_with("EXTM")) {
+        database->keepExtents();
+    }
+    return headerValue(*database, *place.header);
 }
 
 VariableError store(const Place& place, const VariableValue& value) {

@@ -271,6 +271,9 @@ struct ModuleEvents {
     std::function<void(LoadedModule&)> unloading;
     /// After kUnloadAppMsg, while the library still is there: takes away what the module has left.
     std::function<void(LoadedModule&)> unloaded;
+    /// The file that a module's name means (a Windows path in any case, a name in the support folders); empty
+    /// when there is none. Without it names are native paths.
+    std::function<std::filesystem::path(const std::wstring& name)> locate;
     /// A line for the user (file missing, not a module, initialisation refused).
     std::function<void(const std::wstring&)> report;
 };

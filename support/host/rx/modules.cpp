@@ -49,7 +49,19 @@ LoadedModule* findModule(std::wstring_view fileName) {
 /// The service that the module's packet is handed to.
 class DynamicLinker : public AcRxDynamicLinker {
 public:
-    bool loadModule(const ACHAR* fileName, bool, bool) override { return host::loadModule(toUtf8(fileName)); }
+    bool loadModule(const ACHAR* fileName, bool, bool) override {
+        if (fileName == nullptr) {
+            return false;
+        }
+        if (!moduleEvents().locate) {
+            return host::loadModule(toUtf8(fileName));
+        }
+        const std::filesystem::path file = moduleEvents().locate(fileName);
+        if (file.empty()) {
+            report(L"找不到模块文件: " + std::wstring(fileName));
+        }
+        return !file.empty() && host::loadModule(file);
+    }
     bool unloadModule(const ACHAR* fileName, bool) override {
         LoadedModule* module = findModule(fileName);
         return module != nullptr && !module->locked && host::unloadModule(module->name);
