@@ -1,6 +1,7 @@
 // A running host for tests: scripts go in, the dialogue comes out.
 #pragma once
 
+#include "host/commands/commands.h"
 #include "host/db/dbents.h"
 #include "host/ed/ed.h"
 #include "host/rx/format.h"
@@ -90,6 +91,12 @@ protected:
 private:
     std::filesystem::path mFolder;
 };
+
+/// The host's own commands, for tests that run them.
+inline void registerCommands() {
+    static const bool done = (host::initializeCommands(), true);
+    static_cast<void>(done);
+}
 
 /// A command for the scope of a test.
 class TestCommand {

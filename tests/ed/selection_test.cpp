@@ -117,6 +117,63 @@ TEST_F(Shapes, PicksTakeTheNearestAndTheTopmost) {
     EXPECT_EQ(at(5.3, 0), "0");
 }
 
+TEST_F(Shapes, BoxesEverythingAtAPointAndThePreviousSet) {
+    // From left to right a box is a window, else a crossing; two points without a way are a box.
+    EXPECT_EQ(inBox(L"BOX", 1, -1, 22, 6), "-");
+    EXPECT_EQ(inBox(L"_B", 22, 6, 1, -1), "01");
+    EXPECT_EQ(inBox(nullptr, -1, -10, 26, 10), "01");
+    EXPECT_EQ(select(L"P"), "01");
+    all.push_back(addLine(5, -5, 5, 5));
+    const ads_point crossing = {5, 0, 0};
+    EXPECT_EQ(select(L":E", crossing), "40");
+    EXPECT_EQ(select(L"_:E", crossing, nullptr, host::ResbufList(acutBuildList(62, 256, RTNONE)).get()), "40");
+    EXPECT_EQ(select(L"P"), "40");
+}
+
+TEST_F(Shapes, SetsTellHowTheyWereMade) {
+    const auto told = [](const wchar_t* options, const void* a, const void* b, int index) {
+        FreeSet set;
+        resbuf* list = nullptr;
+        if (acedSSGet(options, a, b, nullptr, set.name) != RTNORM ||
+            acedSSNameX(&list, set.name, index) != RTNORM) {
+            return std::string("-");
+        }
+        std::string text;
+        for (const resbuf* at = list; at != nullptr; at = at->rbnext) {
+            switch (at->restype) {
+            case RTLB:
+                text += '(';
+                break;
+            case RTLE:
+                text += ')';
+                break;
+            case RTSHORT:
+                text += std::to_string(at->resval.rint) + ' ';
+                break;
+            case RTENAME:
+                text += "e ";
+                break;
+            default:
+                text += host::toUtf8(host::formatted(L"[%g %g]", at->resval.rpoint[0], at->resval.rpoint[1]));
+            }
+        }
+        acutRelRb(list);
+        return text;
+    };
+    const ads_point a = {-1, -10, 0};
+    const ads_point b = {26, 10, 0};
+    const ads_point on = {5, 0, 0};
+    EXPECT_EQ(told(nullptr, on, nullptr, 0), "(1 e 0 (0 [5 0]))");
+    EXPECT_EQ(told(L"W", a, b, -1),
+              "(2 e 0 -1 )(2 e 0 -1 )(-1 (0 [-1 -10])(0 [26 -10])(0 [26 10])(0 [-1 10]))");
+    EXPECT_EQ(told(L"C", a, b, 1), "(3 e 0 -1 )(-1 (0 [-1 -10])(0 [26 -10])(0 [26 10])(0 [-1 10]))");
+    host::ResbufBuilder fence;
+    fence.point(RT3DPOINT, 5, -5).point(RT3DPOINT, 5, 5);
+    EXPECT_EQ(told(L"F", fence.release().get(), nullptr, 0), "(4 e 0 (0 [5 -5])(0 [5 5]))");
+    EXPECT_EQ(told(L"X", nullptr, nullptr, 3), "(0 e 0 )");
+    EXPECT_EQ(told(L"X", nullptr, nullptr, 4), "-");
+}
+
 TEST_F(Shapes, ErasedHiddenAndFrozenEntitiesAreNotThere) {
     host::Opened<AcDbEntity>(all[0], AcDb::kForWrite)->erase();
     EXPECT_EQ(inBox(L"C", -100, -100, 100, 100), "123");
@@ -346,6 +403,46 @@ struct NoCircles : AcEdSSGetFilter {
     }
 };
 
+TEST_F(Dialogue, GroupsAreSelectedAsAWhole) {
+    AcDbObjectId id;
+    {
+        const host::Opened<AcDbDictionary> groups(database().groupDictionaryId(), AcDb::kForWrite);
+        auto* group = new AcDbGroup(L"两个");
+        ASSERT_EQ(groups->setAt(L"组", group, id), Acad::eOk);
+        AcDbObjectIdArray members;
+        members.append(all[0]);
+        members.append(all[3]);
+        EXPECT_EQ(group->append(members), Acad::eOk);
+        EXPECT_EQ(group->append(all[3]), Acad::eDuplicateKey);
+        group->close();
+    }
+    EXPECT_TRUE(host::peek<AcDbEntity>(all[0])->hasPersistentReactor(id));
+    EXPECT_EQ(answer("T_SELECT\n5,0\n\n"), "03");
+    EXPECT_EQ(answer("T_SELECT\n26,10\n-1,-10\n\n"), "013");
+    EXPECT_EQ(answer("T_SELECT\nALL\nR\n5,0\n\n"), "12");
+    EXPECT_EQ(answer("T_SELECT\n_G\n组\n\n"), "03");
+    EXPECT_EQ(answer("T_SELECT\nG\n没有\n25,0\n\n"), "1");
+    EXPECT_NE(transcript.shown.find(L"无效的编组名。"), std::wstring::npos);
+    EXPECT_EQ(select(L"G", L"组"), "03");
+    host::setSystemVariable(L"PICKSTYLE", 0);
+    EXPECT_EQ(answer("T_SELECT\n5,0\n\n"), "0");
+    host::setSystemVariable(L"PICKSTYLE", 1);
+    // A member that is gone is none; what a file holds comes back.
+    host::Opened<AcDbEntity>(all[3], AcDb::kForWrite)->erase();
+    EXPECT_EQ(answer("T_SELECT\n5,0\n\n"), "0");
+    host::Opened<AcDbEntity>(all[3], AcDb::kForWrite, true)->erase(false);
+    const std::filesystem::path file = folder() / "group.dxf";
+    ASSERT_EQ(database().saveAs(host::toWindowsPath(file).c_str()), Acad::eOk);
+    ASSERT_NE(session->openDrawing(file), nullptr);
+    EXPECT_EQ(host::groupMembers(L"组")->size(), 2U);
+    host::Opened<AcDbGroup>(host::peek<AcDbDictionary>(database().groupDictionaryId())->entries()[0].id,
+                            AcDb::kForWrite)
+        ->setSelectable(false);
+    const ads_point point = {5, 0, 0};
+    FreeSet set;
+    EXPECT_EQ(acedSSGet(nullptr, point, nullptr, nullptr, set.name), RTNORM);
+}
+
 TEST_F(Dialogue, FiltersOfModulesTakeEntitiesOut) {
     NoCircles filter;
     addSSgetFilterInputContextReactor(curDoc(), &filter);
@@ -389,6 +486,40 @@ TEST_F(Selection, NestedEntitiesAreFoundThroughTheirReferences) {
     acutRelRb(containers);
     point[0] = 105;
     EXPECT_EQ(acedNEntSelP(nullptr, name, point, 0, matrix, nullptr), RTERROR);
+}
+
+TEST_F(Selection, PropertiesThatNobodyGaveAreTheCurrentOnes) {
+    const AcDbObjectId walls = addLayer(L"墙");
+    host::setSystemVariable(L"CECOLOR", std::wstring_view(L"3"));
+    host::setSystemVariable(L"CELTSCALE", 2.5);
+    host::setSystemVariable(L"CELWEIGHT", 50);
+    host::setSystemVariable(L"CLAYER", std::wstring_view(L"墙"));
+    const auto append = [&](AcDbEntity* entity) {
+        const host::Opened<AcDbBlockTableRecord> space(database().modelSpaceId(), AcDb::kForWrite);
+        EXPECT_EQ(space->appendAcDbEntity(entity), Acad::eOk);
+        entity->close();
+        return entity;
+    };
+    const auto* plain = append(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    EXPECT_EQ(plain->layerId(), walls);
+    EXPECT_EQ(plain->entityColor().colorIndex(), 3);
+    EXPECT_EQ(plain->linetypeScale(), 2.5);
+    EXPECT_EQ(plain->lineWeight(), AcDb::kLnWt050);
+    auto* given = new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0));
+    given->setLayer(database().layerZero());
+    given->setColorIndex(256);
+    append(given);
+    EXPECT_EQ(given->layerId(), database().layerZero());
+    EXPECT_TRUE(given->entityColor().isByLayer());
+    EXPECT_EQ(given->linetypeScale(), 2.5);
+    EXPECT_EQ(given->lineWeight(), AcDb::kLnWt050);
+    // A copy has what its original has.
+    host::setSystemVariable(L"CECOLOR", std::wstring_view(L"5"));
+    host::setSystemVariable(L"CELTSCALE", 1.0);
+    std::unique_ptr<AcDbEntity> copy(AcDbEntity::cast(given->clone()));
+    const auto* appended = append(copy.release());
+    EXPECT_TRUE(appended->entityColor().isByLayer());
+    EXPECT_EQ(appended->linetypeScale(), 2.5);
 }
 
 TEST_F(Selection, SnapPoints) {

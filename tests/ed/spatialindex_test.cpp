@@ -126,8 +126,8 @@ protected:
     }
 
     std::mt19937 mRandom{20};
-    AcDbObjectId mBlock = makeBlock(L"符号");
     AcDbObjectId mInBlock;
+    AcDbObjectId mBlock = makeBlock(L"符号");
     std::vector<AcDbObjectId> mAll;
 };
 
@@ -190,10 +190,13 @@ TEST_F(Places, ExtentsFollowTheDrawing) {
     host::Opened<AcDbEntity>(second, AcDb::kForWrite)->erase();
     EXPECT_EQ(corner(L"EXTMIN"), AcGePoint3d(0, 0, 0));
     EXPECT_EQ(corner(L"EXTMAX"), AcGePoint3d(10, 5, 0));
-    addLayer(L"冻结");
+    const AcDbObjectId frozen = addLayer(L"冻结");
     const AcDbObjectId third = addLine(0, 0, 100, 100, L"冻结");
     EXPECT_EQ(corner(L"EXTMAX").x, 100);
-    EXPECT_TRUE(run("-LAYER F 冻结 \n"));
+    {
+        const host::Opened<AcDbLayerTableRecord> layer(frozen, AcDb::kForWrite);
+        layer->setIsFrozen(true);
+    }
     EXPECT_EQ(corner(L"EXTMAX").x, 10);
     host::Opened<AcDbEntity>(first, AcDb::kForWrite)->setVisibility(AcDb::kInvisible);
     EXPECT_EQ(corner(L"EXTMIN").x, 1e20);

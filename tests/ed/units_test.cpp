@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <random>
 
 namespace {
 
@@ -76,6 +77,75 @@ TEST(Units, WhatIsWrittenIsReadAgain) {
                 }
             }
         }
+    }
+}
+
+TEST(Units, RandomDistancesAndAnglesComeBack) {
+    std::mt19937 random(9);
+    std::uniform_real_distribution<double> size(-5.0, 6.0);
+    std::uniform_real_distribution<double> turn(0.0, 2.0 * pi);
+    for (int i = 0; i < 500; ++i) {
+        const double value = (i % 2 == 0 ? 1.0 : -1.0) * std::pow(10.0, size(random));
+        const double angle = turn(random);
+        for (int kind = 1; kind <= 5; ++kind) {
+            UnitFormat format = linear(static_cast<LinearUnits>(kind), 8, i % 16);
+            format.inputStyle = i % 3 == 0;
+            const std::wstring text = formatDistance(value, format);
+            const auto back = host::parseDistance(text, format.linear);
+            // Half of the last digit shown: a 256th of an inch, eight digits of a mantissa, or 1e-8.
+            const double slack = kind == 1   ? std::fabs(value) * 1e-8
+                                 : kind >= 4 ? 0.5 / 256 + 1e-9
+                                             : 0.6e-8;
+            ASSERT_TRUE(back) << std::string(text.begin(), text.end());
+            EXPECT_NEAR(*back, value, slack) << std::string(text.begin(), text.end());
+            // Text that was read is written as the same text.
+            EXPECT_EQ(formatDistance(*back, format), text);
+        }
+        for (int kind = 0; kind <= 4; ++kind) {
+            UnitFormat format;
+            format.angular = static_cast<AngularUnits>(kind);
+            format.angularPrecision = 8;
+            format.angleBase = i % 4 * 0.3;
+            format.clockwise = i % 5 == 0;
+            const std::wstring text = formatAngle(angle, format);
+            const auto back = host::parseAngle(text, format, true);
+            ASSERT_TRUE(back) << std::string(text.begin(), text.end());
+            // A bearing is one from the meridian whatever the base; what is written is against it.
+            const double expected = kind == 4 ? angle - format.angleBase : angle;
+            const double difference = std::remainder(*back - (kind == 4 && format.clockwise ? -expected : expected), 2.0 * pi);
+            EXPECT_NEAR(difference, 0.0, 1e-7) << std::string(text.begin(), text.end());
+        }
+    }
+}
+
+TEST(Units, EveryModeByHand) {
+    const struct {
+        double value;
+        LinearUnits units;
+        int precision, zeros;
+        bool input;
+        const wchar_t* text;
+    } rows[] = {
+        {15.5, LinearUnits::scientific, 4, 0, false, L"1.5500E+01"},
+        {-0.000123, LinearUnits::scientific, 2, 0, false, L"-1.23E-04"},
+        {15.5, LinearUnits::engineering, 2, 0, false, L"1'-3.50\""},
+        {15.5, LinearUnits::engineering, 2, 0, true, L"1'3.50\""},
+        {15.5, LinearUnits::architectural, 4, 0, true, L"1'3-1/2\""},
+        {0.5, LinearUnits::architectural, 4, 1, false, L"0'-0 1/2\""},
+        {0.5, LinearUnits::architectural, 4, 0, false, L"1/2\""},
+        {24.0, LinearUnits::architectural, 4, 1, false, L"2'-0\""},
+        {24.0, LinearUnits::architectural, 4, 0, false, L"2'"},
+        {15.5, LinearUnits::fractional, 4, 0, false, L"15 1/2"},
+        {15.5, LinearUnits::fractional, 4, 0, true, L"15-1/2"},
+        {15.0 + 1.0 / 3.0, LinearUnits::fractional, 8, 0, false, L"15 85/256"},
+        {0.125, LinearUnits::decimal, 3, 4 + 8, false, L".125"},
+        {-0.5, LinearUnits::decimal, 3, 4 + 8, false, L"-.5"},
+        {100.0, LinearUnits::decimal, 0, 8, false, L"100"},
+    };
+    for (const auto& row : rows) {
+        UnitFormat format = linear(row.units, row.precision, row.zeros);
+        format.inputStyle = row.input;
+        EXPECT_EQ(formatDistance(row.value, format), row.text);
     }
 }
 

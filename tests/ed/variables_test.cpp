@@ -94,6 +94,50 @@ TEST_F(Variables, EveryVariableCanBeRead) {
     }
 }
 
+TEST_F(Variables, NamesTypedAsCommandsAskForTheValue) {
+    edtest::registerCommands();
+    EXPECT_TRUE(run("ltscale\n5\nPDMODE 3\n'ORTHOMODE 1\nUSERS1\n两个 字\n"));
+    EXPECT_EQ(database().ltscale(), 5.0);
+    EXPECT_EQ(host::systemVariableInteger(L"PDMODE"), 3);
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 1);
+    EXPECT_EQ(host::systemVariableText(L"USERS1"), L"两个 字");
+    EXPECT_NE(transcript.shown.find(L"输入 LTSCALE 的新值 <1>: 5\n"), std::wstring::npos);
+    // Each is a step of its own; inside a command they are transparent.
+    EXPECT_TRUE(run("LINE\n0,0\n'ORTHOMODE 0\n5,5\n\n"));
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 0);
+    database().undoLog().undo(1);
+    EXPECT_EQ(host::systemVariableInteger(L"ORTHOMODE"), 1);
+    EXPECT_EQ(acedCommandS(RTSTR, L"LTSCALE", RTREAL, 7.0, RTNONE), RTNORM);
+    EXPECT_EQ(database().ltscale(), 7.0);
+}
+
+TEST_F(Variables, BadValuesAreAnsweredAndAskedAgain) {
+    edtest::registerCommands();
+    const struct {
+        const char* script;
+        const wchar_t* line;
+    } rows[] = {
+        {"SETVAR CMDECHO 2 x 1", L"需要 0 到 1 之间的整数。\n"},
+        {"SETVAR CMDECHO 1.5 1", L"需要整数。\n"},
+        {"SETVAR LTSCALE -1 1", L"值必须为正且非零。\n"},
+        {"SETVAR FILLETRAD -1 0", L"值不能为负。\n"},
+        {"SETVAR LTSCALE abc 1", L"需要数值。\n"},
+        {"SETVAR LASTPOINT abc 1,1,1", L"需要点。\n"},
+        {"SETVAR USERI1 40000 0", L"需要 -32768 到 32767 之间的整数。\n"},
+        {"SETVAR CLAYER\n没有\n0", L"无法将 CLAYER 设置为该值。*无效*\n"},
+        {"SETVAR NOSUCH", L"未知变量名: NOSUCH\n"},
+        {"SETVAR DWGNAME", L" (只读)\n"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(run(std::string(row.script) + "\n")) << row.script;
+        EXPECT_NE(transcript.shown.find(row.line), std::wstring::npos)
+            << row.script << "\n" << host::toUtf8(transcript.shown);
+    }
+    EXPECT_TRUE(run("SETVAR ? CEL*\n"));
+    EXPECT_NE(transcript.shown.find(L"CELTSCALE"), std::wstring::npos);
+    EXPECT_EQ(transcript.shown.find(L"CLAYER"), std::wstring::npos);
+}
+
 TEST_F(Variables, ChangesOfTheDrawingAreSeen) {
     EXPECT_EQ(host::systemVariableInteger(L"DBMOD"), 0);
     addLine(0, 0, 1, 1);

@@ -9,7 +9,7 @@ void initializeCommands() {
     const std::span<const CommandRow> families[] = {fileCommands(), drawCommands(),    polylineCommands(),
                                                     textCommands(), insertCommands(),  modifyCommands(),
                                                     undoCommands(), layerCommands(),   linetypeCommands(),
-                                                    viewCommands(), variableCommands()};
+                                                    viewCommands(), variableCommands(), ucsCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,

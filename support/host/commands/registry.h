@@ -25,5 +25,6 @@ std::span<const CommandRow> layerCommands();
 std::span<const CommandRow> linetypeCommands();
 std::span<const CommandRow> viewCommands();
 std::span<const CommandRow> variableCommands();
+std::span<const CommandRow> ucsCommands();
 
 } // namespace host

@@ -85,6 +85,7 @@ constexpr CommandRow rows[] = {{L"SETVAR", L"设置变量", ACRX_CMD_TRANSPARENT
 } // namespace
 
 std::span<const CommandRow> variableCommands() {
+    variableCommand() = changeVariable;
     return rows;
 }
 

@@ -2,6 +2,7 @@
 #include "host/db/dbdict.h"
 
 #include "host/db/dbdatabase.h"
+#include "host/db/dbgroup.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ void initializeDictionaryClasses() {
     AcDbXrecord::rxInit();
     AcDbLayout::rxInit();
     AcDbPlaceHolder::rxInit();
+    AcDbGroup::rxInit();
     KeptObject::rxInit();
     KeptEntity::rxInit();
     AcDbProxyEntity::rxInit();

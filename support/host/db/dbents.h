@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/db/dbdatabase.h"
+#include "host/db/dbgroup.h"
 #include "host/db/entities/attribute.h"
 #include "host/db/entities/blockreference.h"
 #include "host/db/entities/circle.h"

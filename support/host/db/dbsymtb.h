@@ -290,11 +290,33 @@ class AcDbViewportTableRecord : public AcDbSymbolTableRecord {
 protected:
     std::string_view recordSubclass() const override { return "AcDbViewportTableRecord"; }
 };
+/// A named user coordinate system: origin and axes in world coordinates.
 class AcDbUCSTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbUCSTableRecord);
 
+public:
+    AcGePoint3d origin() const { return mOrigin; }
+    Acad::ErrorStatus setOrigin(const AcGePoint3d& origin);
+    AcGeVector3d xAxis() const { return mXAxis; }
+    AcGeVector3d yAxis() const { return mYAxis; }
+    /// eInvalidInput for an axis without length.
+    Acad::ErrorStatus setXAxis(const AcGeVector3d& axis);
+    Acad::ErrorStatus setYAxis(const AcGeVector3d& axis);
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+
 protected:
     std::string_view recordSubclass() const override { return "AcDbUCSTableRecord"; }
+    bool takeRecordGroup(AcDbDxfFiler* filer, const host::DxfGroup& group) override;
+    void writeRecordGroups(AcDbDxfFiler* filer) const override;
+
+private:
+    AcGePoint3d mOrigin;
+    AcGeVector3d mXAxis = AcGeVector3d::kXAxis;
+    AcGeVector3d mYAxis = AcGeVector3d::kYAxis;
+    double mElevation = 0.0;
+    Adesk::Int16 mOrthographicType = 0; ///< group 79
 };
 
 class AcDbBlockTableRecordIterator;

@@ -265,8 +265,9 @@ int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
     return done;
 }
 
-bool UndoLog::hasMark() const {
-    return std::any_of(mSteps.begin(), mSteps.end(), [](const Step& step) { return step.mark; });
+int UndoLog::markCount() const {
+    return static_cast<int>(
+        std::count_if(mSteps.begin(), mSteps.end(), [](const Step& step) { return step.mark; }));
 }
 
 int UndoLog::undoableSteps() const {

@@ -51,7 +51,8 @@ public:
     bool undoBack(std::vector<std::wstring>* names = nullptr);
     /// Repeats steps taken back, until something else changes.
     int redo(int steps, std::vector<std::wstring>* names = nullptr);
-    bool hasMark() const;
+    bool hasMark() const { return markCount() > 0; }
+    int markCount() const;
     int undoableSteps() const;
     int redoableSteps() const { return static_cast<int>(mRedoSteps.size()); }
     /// Forgets everything (a drawing was opened, undo was switched off).

@@ -133,6 +133,7 @@ public:
     void enableSystemCursorGraphics() {}
     bool systemCursorDisabled() const { return false; }
 
+    bool isWatched() const { return mFilter != nullptr || !mMonitors.empty(); }
     /// The point after filter and monitors.
     AcGePoint3d process(AcEdInputPoint::Values values) const;
 

@@ -2,6 +2,7 @@
 #include "host/ed/acjig.h"
 
 #include "host/ed/aced.h"
+#include "host/ed/pointreader.h"
 #include "host/ed/question.h"
 #include "host/ed/units.h"
 #include "host/rx/format.h"
@@ -134,7 +135,14 @@ bool AcEdJig::read(const host::InputItem& item, Wanted wanted, const std::option
     if (wanted != Wanted::point && readNumber(item, wanted == Wanted::angle, answer.number)) {
         return true;
     }
-    if (const std::optional<AcGePoint3d> point = host::pointIn(item, base)) {
+    host::PointReader reader(base);
+    const std::optional<AcGePoint3d> read =
+        mFinal ? reader.read(item) : host::pointIn(item, base); // words come with an answer only
+    if (reader.isCancelled()) {
+        answer.status = kCancel;
+        return true;
+    }
+    if (const std::optional<AcGePoint3d> point = read) {
         answer.point = host::ucsToWorld(*point);
         if (mFinal && (mControls & kDontUpdateLastPoint) == 0) {
             host::setLastPoint(*point);

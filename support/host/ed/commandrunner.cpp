@@ -8,6 +8,7 @@
 #include "host/ed/input.h"
 #include "host/ed/lisphook.h"
 #include "host/ed/runcontext.h"
+#include "host/ed/sysvars.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
@@ -226,6 +227,22 @@ CommandResult runLispCommand(AcApDocument& document, const std::wstring& name,
     return failed && result == CommandResult::done ? CommandResult::failed : result;
 }
 
+/// The variable that a typed name means; empty when it is none.
+std::wstring variableOf(const TypedName& typed) {
+    const std::optional<VariableInfo> info =
+        variableCommand() && !typed.name.empty() ? systemVariableInfo(typed.name) : std::nullopt;
+    return info ? info->name : std::wstring();
+}
+
+/// A variable's name typed as a command: SETVAR for it.
+CommandResult runVariable(AcApDocument& document, const std::wstring& name, bool transparently) {
+    CommandBoundary boundary(document, {L"SETVAR", transparently, false, false}, CommandBoundary::Undo::step);
+    acedEditor->notify([&](AcEditorReactor& reactor) { reactor.commandWillStart(L"SETVAR"); });
+    const CommandResult result = boundary.run([&] { variableCommand()(name); });
+    tellEnd(result, L"SETVAR");
+    return result;
+}
+
 /// The module's function, or null with `inLisp` set when LISP has the command.
 const ExternalFunction* lispCommand(const std::wstring& name, bool& inLisp) {
     const ExternalFunction* external = findExternalFunction(L"c:" + name);
@@ -249,8 +266,18 @@ AcEdCommand* findCommand(std::wstring_view typedName) {
 
 bool isCommandName(std::wstring_view typedName) {
     bool inLisp = false;
-    return findCommand(typedName) != nullptr || lispCommand(TypedName(typedName).name, inLisp) != nullptr ||
-           inLisp;
+    const TypedName typed(typedName);
+    return findCommand(typedName) != nullptr || lispCommand(typed.name, inLisp) != nullptr || inLisp ||
+           !variableOf(typed).empty();
+}
+
+bool isVariableCommand(std::wstring_view typedName) {
+    return findCommand(typedName) == nullptr && !variableOf(TypedName(typedName)).empty();
+}
+
+std::function<void(const std::wstring& name)>& variableCommand() {
+    static std::function<void(const std::wstring&)> function;
+    return function;
 }
 
 CommandResult runCommand(AcEdCommand& command, bool transparently) {
@@ -305,6 +332,9 @@ CommandResult runCommand(std::wstring_view typedName) {
     }
     if (AcEdCommand* command = findCommand(typedName)) {
         return runCommand(*command, typed.transparent);
+    }
+    if (const std::wstring variable = variableOf(typed); !variable.empty()) {
+        return runVariable(*document, variable, typed.transparent);
     }
     const std::wstring shown = upperCase(typed.name);
     acedEditor->notify([&](AcEditorReactor& reactor) { reactor.unknownCommand(shown.c_str()); });

@@ -21,6 +21,12 @@ CommandResult runCommand(std::wstring_view typedName);
 /// Runs a command found before.
 CommandResult runCommand(AcEdCommand& command, bool transparently = false);
 
+/// Asks for the new value of the system variable whose name was typed as a command; hung in by SETVAR.
+std::function<void(const std::wstring& name)>& variableCommand();
+
+/// A typed name is that of a variable, and no command's.
+bool isVariableCommand(std::wstring_view typedName);
+
 /// The command a typed name means; null when there is none on the stack.
 AcEdCommand* findCommand(std::wstring_view typedName);
 /// True for anything runCommand would find.

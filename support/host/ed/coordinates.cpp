@@ -4,6 +4,7 @@
 #include "host/ed/osnap.h"
 #include "host/ed/question.h"
 #include "host/ed/selection.h"
+#include "host/ed/ucs.h"
 
 #include <cmath>
 
@@ -131,8 +132,7 @@ Acad::ErrorStatus acedGetCurrentUCS(AcGeMatrix3d& matrix) {
 }
 
 Acad::ErrorStatus acedSetCurrentUCS(const AcGeMatrix3d& matrix) {
-    AcDbDatabase* database = acdbCurDwg();
-    if (database == nullptr) {
+    if (acdbCurDwg() == nullptr) {
         return Acad::eNoDatabase;
     }
     AcGePoint3d origin;
@@ -140,11 +140,7 @@ Acad::ErrorStatus acedSetCurrentUCS(const AcGeMatrix3d& matrix) {
     AcGeVector3d y;
     AcGeVector3d z;
     matrix.getCoordSystem(origin, x, y, z);
-    if (!x.isPerpendicularTo(y)) {
-        return Acad::eInvalidInput;
-    }
-    database->setUcs(origin, x.normal(), y.normal());
-    return Acad::eOk;
+    return host::setCurrentUcs({origin, x, y, {}}) ? Acad::eOk : Acad::eInvalidInput;
 }
 
 ads_real acutDistance(const ads_point from, const ads_point to) {
@@ -190,14 +186,16 @@ int acdbInters(const ads_point from1, const ads_point to1, const ads_point from2
 
 int acedOsnap(const ads_point point, const ACHAR* modes, ads_point result) {
     const std::optional<int> parsed = modes != nullptr ? host::parseSnapModes(modes) : std::nullopt;
-    const std::optional<AcGePoint3d> snapped =
-        parsed ? host::snapPoint(host::ucsToWorld(host::asPoint3d(point)), *parsed,
-                                 host::ucsToWorld(host::lastPoint()))
-               : std::nullopt;
+    if (!parsed) {
+        return RTERROR;
+    }
+    const AcGePoint3d place = host::ucsToWorld(host::asPoint3d(point));
+    const AcGePoint3d last = host::ucsToWorld(host::lastPoint());
+    const std::optional<host::Snapped> snapped = host::snapPoint(place, *parsed, last);
     if (!snapped) {
         return RTERROR;
     }
-    host::setPoint(result, host::worldToUcs(*snapped));
+    host::setPoint(result, host::worldToUcs(host::throughPointFilters(place, snapped, last, true)));
     return RTNORM;
 }
 

@@ -4,6 +4,7 @@
 #include "host/ed/acedinpt.h"
 #include "host/ed/externalfunctions.h"
 #include "host/ed/selection.h"
+#include "host/ed/ucs.h"
 #include "host/rx/text.h"
 
 #include <list>
@@ -68,6 +69,7 @@ struct DocumentState {
     PickSet previous;
     std::vector<AcEdSSGetFilter*> selectionFilters;
     AcEdInputPointManager points;
+    std::vector<UcsFrame> earlierUcs; ///< the last one last
 
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
     std::map<std::wstring, VariableValue> variables; ///< session variables kept by document

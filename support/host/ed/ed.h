@@ -17,4 +17,5 @@
 #include "host/ed/selection.h"
 #include "host/ed/session.h"
 #include "host/ed/sysvars.h"
+#include "host/ed/ucs.h"
 #include "host/ed/units.h"

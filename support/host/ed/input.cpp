@@ -219,7 +219,8 @@ bool InputStream::settle(InputItem& item, const AskOptions& options) {
         runContext().frame->cancelled = false; // a command that was answered after Escape went on
     }
     if (options.allowTransparent && options.mode == ReadMode::token && item.kind == InputItem::Kind::text &&
-        item.text.size() > 1 && item.text.front() == L'\'' && findCommand(item.text) != nullptr) {
+        item.text.size() > 1 && item.text.front() == L'\'' &&
+        (findCommand(item.text) != nullptr || isVariableCommand(item.text))) {
         runCommand(item.text);
         return false;
     }

@@ -45,6 +45,7 @@ struct InputItem {
     Kind kind = Kind::end;
     std::wstring text;
     ResbufList value;
+    bool fromCursor = false; ///< a point picked in the window: object snap applies
 
     static InputItem ofText(std::wstring text);
     static InputItem ofValue(ResbufList value);

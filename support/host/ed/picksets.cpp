@@ -1,5 +1,6 @@
 // Selection sets and their names.
 #include "host/ed/acdocman.h"
+#include "host/ed/aced.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/selection.h"
 
@@ -32,12 +33,41 @@ PickSet& noSelection() {
 
 } // namespace
 
-bool PickSet::add(AcDbObjectId id) {
-    if (id.isNull() || !mMembers.insert(id.stub()).second) {
+bool PickSet::add(AcDbObjectId id, std::shared_ptr<const SelectedBy> how) {
+    if (id.isNull() || !mMembers.emplace(id.stub(), std::move(how)).second) {
         return false;
     }
     ids.push_back(id);
     return true;
+}
+
+std::shared_ptr<const SelectedBy> PickSet::selectedBy(AcDbObjectId id) const {
+    const auto found = mMembers.find(id.stub());
+    return found != mMembers.end() ? found->second : nullptr;
+}
+
+SelectionShape SelectionShape::through(Kind kind, const std::vector<AcGePoint3d>& points) {
+    SelectionShape shape{kind, {}};
+    const AcGeMatrix3d toWorld = ucsMatrix();
+    for (const AcGePoint3d& point : points) {
+        shape.points.push_back(to2d(toWorld * point));
+    }
+    return shape;
+}
+
+std::vector<AcGePoint3d> rectangleCorners(const AcGePoint3d& a, const AcGePoint3d& b) {
+    return {a, {b.x, a.y, a.z}, b, {a.x, b.y, a.z}};
+}
+
+std::shared_ptr<const SelectedBy> selectedBy(SelectionShape::Kind kind, std::vector<AcGePoint3d> points) {
+    const SelectedBy::Method method = kind == SelectionShape::Kind::window     ? SelectedBy::Method::window
+                                      : kind == SelectionShape::Kind::crossing ? SelectedBy::Method::crossing
+                                                                               : SelectedBy::Method::fence;
+    return std::make_shared<const SelectedBy>(SelectedBy{method, std::move(points)});
+}
+
+std::shared_ptr<const SelectedBy> selectedByPick(const AcGePoint3d& point) {
+    return std::make_shared<const SelectedBy>(SelectedBy{SelectedBy::Method::pick, {point}});
 }
 
 bool PickSet::remove(AcDbObjectId id) {

@@ -4,7 +4,7 @@
 #include "host/ed/acdocman.h"
 #include "host/ed/aced.h"
 #include "host/ed/console.h"
-#include "host/ed/osnap.h"
+#include "host/ed/pointreader.h"
 #include "host/ed/sysvars.h"
 #include "host/ed/units.h"
 
@@ -93,54 +93,6 @@ AskOptions pointOptions(const std::optional<AcGePoint3d>& base) {
     }
     return options;
 }
-
-bool isFinite(const AcGePoint3d& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
-/// Reads points and the snap overrides in front of them.
-class PointReader {
-public:
-    PointReader(std::optional<AcGePoint3d> base, AcGePoint3d& result) : mBase(base), mResult(result) {}
-
-    bool take(const InputItem& item) {
-        std::optional<AcGePoint3d> point = pointIn(item, mBase);
-        if (!point && item.kind == InputItem::Kind::text) {
-            if (const std::optional<int> modes = parseSnapModes(item.text)) {
-                point = snapped(*modes);
-                if (!point) {
-                    return false;
-                }
-            }
-        }
-        if (!point || !isFinite(*point)) {
-            return false;
-        }
-        mResult = *point;
-        return true;
-    }
-
-private:
-    /// Asks for the place at which to snap.
-    std::optional<AcGePoint3d> snapped(int modes) {
-        const InputItem item = inputStream().ask(L"于 ", pointOptions(mBase));
-        const std::optional<AcGePoint3d> place = item.isCancel() ? std::nullopt : pointIn(item, mBase);
-        const int snapModes = modes & ~AcDb::kOsMaskNoneOverride;
-        if (!place || snapModes == 0) {
-            return place;
-        }
-        const AcGePoint3d last = ucsToWorld(mBase.value_or(lastPoint()));
-        const std::optional<AcGePoint3d> world = snapPoint(ucsToWorld(*place), snapModes, last);
-        if (!world) {
-            refuse(L"未找到指定的捕捉点。");
-            return std::nullopt;
-        }
-        return worldToUcs(*world);
-    }
-
-    std::optional<AcGePoint3d> mBase;
-    AcGePoint3d& mResult;
-};
 
 /// Why a number is not allowed; empty when it is.
 std::wstring numberRefusal(const InitGet& init, double value) {
@@ -257,9 +209,16 @@ std::optional<double> numberIn(const InputItem& item) {
 
 int askPoint(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
              AcGePoint3d& result) {
-    PointReader reader(base, result);
-    const int code = askValue(init, {std::wstring(prompt), pointOptions(base), pointRefusal(init),
-                                     [&](const InputItem& item) { return reader.take(item); }});
+    PointReader reader(base);
+    const auto take = [&](const InputItem& item) {
+        const std::optional<AcGePoint3d> point = reader.read(item);
+        result = point.value_or(result);
+        return point || reader.isCancelled();
+    };
+    const int code = askValue(init, {std::wstring(prompt), pointOptions(base), pointRefusal(init), take});
+    if (reader.isCancelled()) {
+        return RTCAN;
+    }
     if (code == RTNORM) {
         setLastPoint(result);
     }
@@ -276,17 +235,19 @@ int askDistance(const InitGet& init, std::wstring_view prompt, const std::option
         question.refusal = refusal;
         std::optional<double> value = numberIn(item);
         if (!value) {
-            AcGePoint3d point;
-            if (!PointReader(base, point).take(item)) {
-                return false;
+            PointReader reader(base);
+            const std::optional<AcGePoint3d> point = reader.read(item);
+            cancelled = reader.isCancelled();
+            if (!point) {
+                return cancelled;
             }
-            setLastPoint(point);
-            const std::optional<AcGePoint3d> other = base ? base : secondPoint(point);
+            setLastPoint(*point);
+            const std::optional<AcGePoint3d> other = base ? base : secondPoint(*point);
             if (!other) {
                 cancelled = true;
                 return true;
             }
-            const AcGeVector3d between = *other - point;
+            const AcGeVector3d between = *other - *point;
             value = init.forbids(RSG_2D) ? std::hypot(between.x, between.y) : between.length();
         }
         if (const std::wstring line = numberRefusal(init, *value); !line.empty()) {
@@ -312,17 +273,19 @@ int askAngle(const InitGet& init, std::wstring_view prompt, const std::optional<
                                                            : std::nullopt) {
             result = *typed;
         } else {
-            AcGePoint3d point;
-            if (!PointReader(base, point).take(item)) {
-                return false;
+            PointReader reader(base);
+            const std::optional<AcGePoint3d> point = reader.read(item);
+            cancelled = reader.isCancelled();
+            if (!point) {
+                return cancelled;
             }
-            setLastPoint(point);
-            const std::optional<AcGePoint3d> other = base ? std::optional(point) : secondPoint(point);
+            setLastPoint(*point);
+            const std::optional<AcGePoint3d> other = base ? point : secondPoint(*point);
             if (!other) {
                 cancelled = true;
                 return true;
             }
-            result = angleBetween(base.value_or(point), *other) - (orientation ? 0.0 : format.angleBase);
+            result = angleBetween(base.value_or(*point), *other) - (orientation ? 0.0 : format.angleBase);
         }
         result = normalizedAngle(result) + 0.0; // no negative zero
         return true;

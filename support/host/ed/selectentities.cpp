@@ -34,28 +34,19 @@ enum class Way {
     undo,
     automatic,
     single,
+    group,
 };
 
 const KeywordList& wayWords() {
     static const KeywordList words(
         L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Add Remove Multiple "
-        L"Previous Undo AUto SIngle");
+        L"Previous Undo AUto SIngle Group");
     return words;
 }
 
 bool onLockedLayer(const AcDbEntity& entity) {
     const auto* layer = peek<AcDbLayerTableRecord>(entity.layerId());
     return layer != nullptr && layer->isLocked();
-}
-
-AcGePoint2d planOf(const AcGePoint3d& ucs) {
-    return to2d(ucsToWorld(ucs));
-}
-
-/// A rectangle along the axes of the UCS.
-SelectionShape rectangle(SelectionShape::Kind kind, const AcGePoint3d& a, const AcGePoint3d& b) {
-    return {kind,
-            {planOf(a), planOf(AcGePoint3d(b.x, a.y, a.z)), planOf(b), planOf(AcGePoint3d(a.x, b.y, a.z))}};
 }
 
 std::vector<AcDbObjectId> everythingSelectable() {
@@ -102,7 +93,7 @@ public:
             if (!take(item)) {
                 refuse(L"*无效选择*");
                 refuse(L"需要点或窗口(W)/上一个(L)/窗交(C)/框(BOX)/全部(ALL)/栏选(F)/圈围(WP)/圈交(CP)/"
-                       L"添加(A)/删除(R)/多个(M)/前一个(P)/放弃(U)/自动(AU)/单个(SI)");
+                       L"编组(G)/添加(A)/删除(R)/多个(M)/前一个(P)/放弃(U)/自动(AU)/单个(SI)");
             }
         }
         return finish();
@@ -195,15 +186,34 @@ private:
         setLastPoint(point);
         if (!found.empty() || mSingle || mOptions.everythingInBox ||
             systemVariableInteger(L"PICKAUTO") == 0) {
-            change(found);
+            addGroupMembers(found);
+            change(found, selectedByPick(point));
             return;
         }
         AcGePoint3d corner;
         if (askPoint({}, L"\n指定对角点: ", point, corner) == RTNORM) {
-            change(entitiesIn(
-                rectangle(corner.x >= point.x ? SelectionShape::Kind::window : SelectionShape::Kind::crossing,
-                          point, corner)));
+            changeByShape(corner.x >= point.x ? SelectionShape::Kind::window : SelectionShape::Kind::crossing,
+                          rectangleCorners(point, corner));
         }
+    }
+
+    void changeByShape(SelectionShape::Kind kind, const std::vector<AcGePoint3d>& points) {
+        std::vector<AcDbObjectId> found = entitiesIn(SelectionShape::through(kind, points));
+        addGroupMembers(found);
+        change(std::move(found), selectedBy(kind, points));
+    }
+
+    bool byGroup() {
+        AcString name;
+        if (acedGetString(1, L"\n输入编组名: ", name) != RTNORM || name.isEmpty()) {
+            return true;
+        }
+        if (const auto members = groupMembers(trim(name.kwszPtr()))) {
+            change(*members);
+        } else {
+            refuse(L"无效的编组名。");
+        }
+        return true;
     }
 
     bool takeWay(Way way) {
@@ -239,6 +249,8 @@ private:
         case Way::single:
             mSingle = true;
             return true;
+        case Way::group:
+            return byGroup();
         case Way::multiple:
         case Way::automatic:
             mSingle = false;
@@ -256,13 +268,13 @@ private:
             askPoint(init, L"\n指定对角点: ", first, second) == RTNORM) {
             const auto fromLeft =
                 second.x >= first.x ? SelectionShape::Kind::window : SelectionShape::Kind::crossing;
-            change(entitiesIn(rectangle(kind.value_or(fromLeft), first, second)));
+            changeByShape(kind.value_or(fromLeft), rectangleCorners(first, second));
         }
         return true;
     }
 
     bool byPoints(SelectionShape::Kind kind) {
-        SelectionShape shape{kind, {}};
+        std::vector<AcGePoint3d> points;
         const bool fence = kind == SelectionShape::Kind::fence;
         std::optional<AcGePoint3d> last;
         for (;;) {
@@ -274,18 +286,19 @@ private:
             AcGePoint3d point;
             const int code = askPoint(init, prompt, last, point);
             if (code == RTKWORD) {
-                if (!shape.points.empty()) {
-                    shape.points.pop_back();
+                if (!points.empty()) {
+                    points.pop_back();
+                    last = points.empty() ? std::nullopt : std::optional(points.back());
                 }
                 continue;
             }
             if (code != RTNORM) {
                 break;
             }
-            shape.points.push_back(planOf(point));
+            points.push_back(point);
             last = point;
         }
-        change(entitiesIn(shape));
+        changeByShape(kind, points);
         return true;
     }
 
@@ -330,7 +343,7 @@ private:
     }
 
     /// Adds or removes what was found, with the counts that the user is told.
-    void change(std::vector<AcDbObjectId> found) {
+    void change(std::vector<AcDbObjectId> found, const std::shared_ptr<const SelectedBy>& how = nullptr) {
         std::size_t locked = 0;
         std::erase_if(found, [&](AcDbObjectId id) {
             auto* entity = peek<AcDbEntity>(id);
@@ -353,7 +366,7 @@ private:
         } else {
             found = afterReactors(std::move(found));
             for (const AcDbObjectId id : found) {
-                if (mResult.add(id)) {
+                if (mResult.add(id, how)) {
                     step.ids.push_back(id);
                 } else {
                     ++repeated;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -16,11 +17,20 @@ class AcApDocument;
 
 namespace host {
 
+/// How entities came into a set, as acedSSNameX tells: at a point, or in a shape.
+struct SelectedBy {
+    enum class Method { other = 0, pick = 1, window = 2, crossing = 3, fence = 4 };
+    Method method = Method::other;
+    std::vector<AcGePoint3d> points; ///< UCS: of the pick, the polygon, the fence
+};
+
 /// Entities in the order they were selected, each once.
 struct PickSet {
     std::vector<AcDbObjectId> ids;
 
-    bool add(AcDbObjectId id);
+    bool add(AcDbObjectId id, std::shared_ptr<const SelectedBy> how = nullptr);
+    /// Null when that is not known.
+    std::shared_ptr<const SelectedBy> selectedBy(AcDbObjectId id) const;
     bool remove(AcDbObjectId id);
     /// In time of both sizes together.
     void removeAll(const std::vector<AcDbObjectId>& gone);
@@ -30,7 +40,7 @@ struct PickSet {
     void clear();
 
 private:
-    std::unordered_set<AcDbStub*> mMembers;
+    std::unordered_map<AcDbStub*, std::shared_ptr<const SelectedBy>> mMembers;
 };
 
 /// A name for a copy of the set; freed with acedSSFree.
@@ -78,7 +88,14 @@ struct SelectionShape {
     enum class Kind { window, crossing, fence };
     Kind kind = Kind::crossing;
     std::vector<AcGePoint2d> points; ///< world; a polygon is closed by itself
+
+    /// Through points in UCS coordinates.
+    static SelectionShape through(Kind kind, const std::vector<AcGePoint3d>& points);
 };
+/// The corners of a rectangle along the axes of the UCS, from two opposite ones.
+std::vector<AcGePoint3d> rectangleCorners(const AcGePoint3d& a, const AcGePoint3d& b);
+std::shared_ptr<const SelectedBy> selectedBy(SelectionShape::Kind kind, std::vector<AcGePoint3d> points);
+std::shared_ptr<const SelectedBy> selectedByPick(const AcGePoint3d& point);
 
 /// What may be picked: not erased, on a layer that is on and thawed, visible.
 bool isSelectable(const AcDbEntity& entity);
@@ -100,6 +117,12 @@ struct NestedPick {
 std::optional<NestedPick> nestedEntityAt(const AcGePoint3d& point, double aperture);
 /// Half the pick box in drawing units.
 double pickAperture();
+
+/// With groups selected as a whole (PICKSTYLE): the other members of the selectable groups that the entities
+/// belong to, added behind them.
+void addGroupMembers(std::vector<AcDbObjectId>& ids);
+/// The members of a group by its name; nothing when there is none.
+std::optional<std::vector<AcDbObjectId>> groupMembers(std::wstring_view name);
 
 struct SelectOptions {
     std::wstring addPrompt = L"\n选择对象: ";

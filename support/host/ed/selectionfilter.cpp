@@ -130,6 +130,10 @@ bool compare(double value, double wanted, std::wstring_view relation) {
     if (relation == L">=") {
         return value > wanted || equal;
     }
+    constexpr double mostBits = 9e15;
+    if (!(std::fabs(value) < mostBits && std::fabs(wanted) < mostBits)) {
+        return false;
+    }
     const auto bits = static_cast<long long>(value);
     const auto mask = static_cast<long long>(wanted);
     return relation == L"&" ? (bits & mask) != 0 : relation == L"&=" && (bits & mask) == mask;

@@ -51,15 +51,11 @@ struct SsgetOptions {
     }
 };
 
-AcGePoint2d planPoint(const double* ucs) {
-    return to2d(ucsToWorld(asPoint3d(ucs)));
-}
-
-std::vector<AcGePoint2d> pointsOf(const resbuf* list) {
-    std::vector<AcGePoint2d> points;
+std::vector<AcGePoint3d> pointsOf(const resbuf* list) {
+    std::vector<AcGePoint3d> points;
     for (const resbuf* at = list; at != nullptr; at = at->rbnext) {
         if (at->restype == RTPOINT || at->restype == RT3DPOINT) {
-            points.push_back(planPoint(at->resval.rpoint));
+            points.push_back(asPoint3d(at->resval.rpoint));
         }
     }
     return points;
@@ -106,66 +102,92 @@ int finishSet(PickSet found, ads_name set, bool remember) {
     return RTNORM;
 }
 
-PickSet filtered(const std::vector<AcDbObjectId>& ids, const SelectionFilter& filter) {
+/// What a way found, and how.
+struct Found {
+    std::vector<AcDbObjectId> ids;
+    std::shared_ptr<const SelectedBy> how;
+};
+
+PickSet filtered(const Found& found, const SelectionFilter& filter) {
     PickSet set;
-    for (const AcDbObjectId id : ids) {
+    for (const AcDbObjectId id : found.ids) {
         auto* entity = peek<AcDbEntity>(id);
         if (entity != nullptr && filter.accepts(*entity)) {
-            set.add(id);
+            set.add(id, found.how);
         }
     }
     return set;
 }
 
+Found byShape(SelectionShape::Kind kind, const std::vector<AcGePoint3d>& points) {
+    return {entitiesIn(SelectionShape::through(kind, points)), selectedBy(kind, points)};
+}
+
+/// The kind of shape of a way that takes a list of points.
+std::optional<SelectionShape::Kind> polygonKind(std::wstring_view way) {
+    return way == L"WP"   ? std::optional(SelectionShape::Kind::window)
+           : way == L"CP" ? std::optional(SelectionShape::Kind::crossing)
+           : way == L"F"  ? std::optional(SelectionShape::Kind::fence)
+                          : std::nullopt;
+}
+
+/// Windows between two corners; from left to right or the other way for a box.
+Found byCorners(std::wstring_view way, const void* first, const void* second) {
+    if (first == nullptr || second == nullptr) {
+        return {};
+    }
+    const AcGePoint3d a = asPoint3d(static_cast<const double*>(first));
+    const AcGePoint3d b = asPoint3d(static_cast<const double*>(second));
+    const bool window = way == L"W" || (way != L"C" && b.x >= a.x);
+    return byShape(window ? SelectionShape::Kind::window : SelectionShape::Kind::crossing,
+                   rectangleCorners(a, b));
+}
+
+Found lastDrawn() {
+    const AcDbObjectId last = lastMainEntity();
+    const auto* entity = peek<AcDbEntity>(last);
+    return entity != nullptr && isSelectable(*entity) ? Found{{last}, nullptr} : Found();
+}
+
 /// Ways that need no dialogue; nothing for one that is none of them.
-std::optional<std::vector<AcDbObjectId>> selectDirectly(const SsgetOptions& options, const void* first,
-                                                        const void* second) {
+std::optional<Found> selectDirectly(const SsgetOptions& options, const void* first, const void* second) {
     AcDbDatabase* database = acdbCurDwg();
     if (database == nullptr) {
-        return std::vector<AcDbObjectId>();
+        return Found();
     }
     const std::wstring& way = options.way;
-    if (way == L"X") {
-        return everything(*database, false);
-    }
-    if (way == L"A" || way == L"ALL") {
-        return everything(*database, true);
+    if (way == L"X" || way == L"A" || way == L"ALL") {
+        return Found{everything(*database, way != L"X"), nullptr};
     }
     if (way == L"P") {
-        return previousSelection().ids;
+        return Found{previousSelection().ids, nullptr};
     }
     if (way == L"I") {
-        return impliedSelection().ids;
+        return Found{impliedSelection().ids, nullptr};
     }
     if (way == L"L") {
-        const AcDbObjectId last = lastMainEntity();
-        const auto* entity = peek<AcDbEntity>(last);
-        return entity != nullptr && isSelectable(*entity) ? std::vector<AcDbObjectId>{last}
-                                                          : std::vector<AcDbObjectId>();
+        return lastDrawn();
     }
-    const bool window = way == L"W";
-    if (window || way == L"C") {
-        if (first == nullptr || second == nullptr) {
-            return std::vector<AcDbObjectId>();
-        }
-        const auto* a = static_cast<const double*>(first);
-        const auto* b = static_cast<const double*>(second);
-        const double corner1[] = {b[0], a[1], a[2]};
-        const double corner2[] = {a[0], b[1], a[2]};
-        return entitiesIn({window ? SelectionShape::Kind::window : SelectionShape::Kind::crossing,
-                           {planPoint(a), planPoint(corner1), planPoint(b), planPoint(corner2)}});
+    if (way == L"W" || way == L"C" || way == L"B" || way == L"BOX") {
+        return byCorners(way, first, second);
     }
-    const auto kind = way == L"WP"   ? std::optional(SelectionShape::Kind::window)
-                      : way == L"CP" ? std::optional(SelectionShape::Kind::crossing)
-                      : way == L"F"  ? std::optional(SelectionShape::Kind::fence)
-                                     : std::nullopt;
-    if (kind) {
-        return entitiesIn({*kind, pointsOf(static_cast<const resbuf*>(first))});
+    if (const auto kind = polygonKind(way)) {
+        return byShape(*kind, pointsOf(static_cast<const resbuf*>(first)));
+    }
+    if (way == L"G" || way == L"GROUP") {
+        const auto* name = static_cast<const ACHAR*>(first);
+        return Found{groupMembers(name != nullptr ? name : L"").value_or(std::vector<AcDbObjectId>()), nullptr};
     }
     if (way.empty() && first != nullptr && !options.prompts) {
-        const AcDbObjectId id =
-            entityAt(ucsToWorld(asPoint3d(static_cast<const double*>(first))), pickAperture());
-        return id.isNull() ? std::vector<AcDbObjectId>() : std::vector<AcDbObjectId>{id};
+        const AcGePoint3d point = asPoint3d(static_cast<const double*>(first));
+        if (second != nullptr) {
+            return byCorners(L"BOX", first, second);
+        }
+        if (options.everything) {
+            return Found{entitiesAt(ucsToWorld(point), pickAperture()), selectedByPick(point)};
+        }
+        const AcDbObjectId id = entityAt(ucsToWorld(point), pickAperture());
+        return id.isNull() ? Found() : Found{{id}, selectedByPick(point)};
     }
     return std::nullopt;
 }
@@ -421,21 +443,80 @@ int acedSSName(const ads_name set, int index, ads_name entity) {
     return RTNORM;
 }
 
+namespace host {
+namespace {
+
+/// A point on a line of sight (0: endless both ways).
+void appendSightPoint(ResbufBuilder& builder, const AcGePoint3d& point) {
+    builder.mark(RTLB).integer(RTSHORT, 0).point(RT3DPOINT, point.x, point.y, point.z).mark(RTLE);
+}
+
+/// The polygons that entities were selected by, numbered from -1 downwards.
+class PolygonNumbers {
+public:
+    int of(const SelectedBy* how) {
+        const auto found = std::find(mSeen.begin(), mSeen.end(), how);
+        if (found != mSeen.end()) {
+            return -1 - static_cast<int>(found - mSeen.begin());
+        }
+        mSeen.push_back(how);
+        return -static_cast<int>(mSeen.size());
+    }
+    void append(ResbufBuilder& builder) const {
+        for (std::size_t i = 0; i < mSeen.size(); ++i) {
+            builder.mark(RTLB).integer(RTSHORT, -1 - static_cast<int>(i));
+            for (const AcGePoint3d& point : mSeen[i]->points) {
+                appendSightPoint(builder, point);
+            }
+            builder.mark(RTLE);
+        }
+    }
+
+private:
+    std::vector<const SelectedBy*> mSeen;
+};
+
+/// (method name marker ...): behind a pick its point, behind a window the number of its polygon, behind a
+/// fence its points.
+void appendSelected(ResbufBuilder& builder, const PickSet& set, AcDbObjectId id, PolygonNumbers& polygons) {
+    const std::shared_ptr<const SelectedBy> how = set.selectedBy(id);
+    const SelectedBy::Method method = how != nullptr ? how->method : SelectedBy::Method::other;
+    ads_name name;
+    acdbGetAdsName(name, id);
+    builder.mark(RTLB).integer(RTSHORT, static_cast<int>(method)).name(RTENAME, name).integer(RTSHORT, 0);
+    switch (method) {
+    case SelectedBy::Method::other:
+        break;
+    case SelectedBy::Method::pick:
+    case SelectedBy::Method::fence:
+        for (const AcGePoint3d& point : how->points) {
+            appendSightPoint(builder, point);
+        }
+        break;
+    case SelectedBy::Method::window:
+    case SelectedBy::Method::crossing:
+        builder.integer(RTSHORT, polygons.of(how.get()));
+        break;
+    }
+    builder.mark(RTLE);
+}
+
+} // namespace
+} // namespace host
+
 int acedSSNameX(resbuf** result, const ads_name set, int index) {
     const host::PickSet* existing = host::pickSetOf(set);
     if (result == nullptr || existing == nullptr || index >= static_cast<int>(existing->size())) {
         return RTERROR;
     }
-    // Entities are told as selected without geometry (0): how each was found is not kept.
     host::ResbufBuilder builder;
-    for (std::size_t i = index < 0 ? 0 : static_cast<std::size_t>(index); i < existing->size(); ++i) {
-        ads_name name;
-        acdbGetAdsName(name, existing->ids[i]);
-        builder.mark(RTLB).integer(RTSHORT, 0).name(RTENAME, name).integer(RTSHORT, 0).mark(RTLE);
-        if (index >= 0) {
-            break;
-        }
+    host::PolygonNumbers polygons;
+    const std::size_t first = index < 0 ? 0 : static_cast<std::size_t>(index);
+    const std::size_t end = index < 0 ? existing->size() : first + 1;
+    for (std::size_t i = first; i < end; ++i) {
+        host::appendSelected(builder, *existing, existing->ids[i], polygons);
     }
+    polygons.append(builder);
     *result = builder.release().release();
     return *result != nullptr ? RTNORM : RTERROR;
 }

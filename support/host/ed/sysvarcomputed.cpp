@@ -58,6 +58,14 @@ std::wstring folderWithSeparator(std::wstring_view path) {
     return folder;
 }
 
+std::wstring settingsPrefix() {
+    return toWindowsPath(settingsFolder()) + L"\\";
+}
+
+std::wstring homePrefix() {
+    return toWindowsPath(std::filesystem::path(toUtf8(environmentText("HOME")))) + L"\\";
+}
+
 std::wstring drawingFolder(const AcApDocument& document) {
     if (document.isNamedDrawing()) {
         return folderWithSeparator(document.fileName());
@@ -90,6 +98,10 @@ const std::map<std::wstring_view, Maker>& makers() {
         {L"CPROFILE", [](Document) { return Value(std::wstring(L"<<未命名配置>>")); }},
         {L"DATE",
          [](Document) { return Value(toJulianDate(std::chrono::system_clock::now(), Zone::local).value()); }},
+        {L"LASTSAVEDBY", [](Document) { return Value(environmentText("USER")); }},
+        {L"LOCALROOTPREFIX", [](Document) { return Value(settingsPrefix()); }},
+        {L"MYDOCUMENTSPREFIX", [](Document) { return Value(homePrefix()); }},
+        {L"ROAMABLEROOTPREFIX", [](Document) { return Value(settingsPrefix()); }},
         {L"LASTPROMPT", [](Document) { return Value(inputStream().lastPrompt()); }},
         {L"LOCALE", [](Document) { return Value(std::wstring(L"CHS")); }},
         {L"LOGINNAME", [](Document) { return Value(environmentText("USER")); }},
@@ -125,6 +137,7 @@ const std::map<std::wstring_view, DrawingMaker>& drawingMakers() {
         {L"SAVENAME",
          [](Document d) { return Value(d.isNamedDrawing() ? std::wstring(d.fileName()) : std::wstring()); }},
         {L"UNDOCTL", [](Document d) { return Value(undoControl(*d.database())); }},
+        {L"UNDOMARKS", [](Document d) { return Value(d.database()->undoLog().markCount()); }},
         {L"WORLDUCS", [](Document d) { return Value(isWorldUcs(*d.database()) ? 1 : 0); }},
     };
     return table;

@@ -230,6 +230,14 @@ bool inRange(const VariableValue& value, double minimum, double maximum) {
     return number >= minimum && number <= maximum;
 }
 
+/// Short integers are short even where no range is given.
+bool fitsType(const VariableValue& value, int type) {
+    const int* number = std::get_if<int>(&value);
+    return number == nullptr || type != RTSHORT ||
+           (*number >= std::numeric_limits<Adesk::Int16>::min() &&
+            *number <= std::numeric_limits<Adesk::Int16>::max());
+}
+
 // Header variables.
 
 template <class Record>
@@ -411,7 +419,7 @@ VariableError store(const Place& place, const VariableValue& value) {
         AcDbDatabase* database = acdbCurDwg();
         return database != nullptr ? setHeaderValue(*database, *place.header, value) : VariableError::refused;
     }
-    if (!inRange(value, place.session->minimum, place.session->maximum)) {
+    if (!inRange(value, place.session->minimum, place.session->maximum) || !fitsType(value, place.type())) {
         return VariableError::outOfRange;
     }
     if (place.session->scope == VariableScope::computed) {
@@ -542,6 +550,40 @@ std::vector<std::wstring> systemVariableNames() {
     return names;
 }
 
+namespace {
+
+std::wstring typeRefusal(int type) {
+    switch (type) {
+    case RTSHORT:
+    case RTLONG:
+        return L"需要整数。";
+    case RTREAL:
+        return L"需要数值。";
+    case RTPOINT:
+        return L"需要二维点。";
+    case RT3DPOINT:
+        return L"需要点。";
+    default:
+        return L"需要文字。";
+    }
+}
+
+std::wstring rangeRefusal(const VariableInfo& info) {
+    constexpr double endless = 1e98;
+    const bool whole = info.type == RTSHORT || info.type == RTLONG;
+    if (info.minimum > info.maximum) {
+        // No range of its own: what the type holds.
+        return L"需要 -32768 到 32767 之间的整数。";
+    }
+    if (info.maximum > endless) {
+        return info.minimum > 0.0 ? L"值必须为正且非零。" : L"值不能为负。";
+    }
+    return formatted(whole ? L"需要 %g 到 %g 之间的整数。" : L"需要 %g 到 %g 之间的数值。", info.minimum,
+                     info.maximum);
+}
+
+} // namespace
+
 std::wstring variableErrorText(VariableError error, std::wstring_view name) {
     const std::wstring shown = toUpper(name);
     switch (error) {
@@ -552,17 +594,13 @@ std::wstring variableErrorText(VariableError error, std::wstring_view name) {
     case VariableError::readOnly:
         return L"系统变量 " + shown + L" 是只读的";
     case VariableError::wrongType:
-        return L"系统变量 " + shown + L" 的值类型不符";
-    case VariableError::outOfRange: {
-        const std::optional<VariableInfo> info = systemVariableInfo(name);
-        return info && info->minimum <= info->maximum ? formatted(L"系统变量 %s 的值必须在 %g 和 %g 之间",
-                                                                  shown.c_str(), info->minimum, info->maximum)
-                                                      : L"系统变量 " + shown + L" 的值超出范围";
-    }
+        return typeRefusal(systemVariableInfo(name)->type);
+    case VariableError::outOfRange:
+        return rangeRefusal(*systemVariableInfo(name));
     case VariableError::refused:
         break;
     }
-    return L"系统变量 " + shown + L" 不接受这个值";
+    return L"无法将 " + shown + L" 设置为该值。*无效*";
 }
 
 void saveVariables() {
