@@ -65,6 +65,9 @@ bool writeResults(const app::Options& options) {
     }
     AcDbDatabase& database = *document->database();
     bool written = true;
+    if (!options.saves.empty()) {
+        database.keepExtents();
+    }
     for (const std::filesystem::path& path : options.saves) {
         std::wstring message;
         if (host::fileFormats().write(database, host::fromUtf8(path.string()), {}, message) != Acad::eOk) {

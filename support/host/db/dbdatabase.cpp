@@ -367,7 +367,7 @@ Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
     const host::UndoLog::Suspend suspend(mImpl->undo);
     setVariable(*host::findHeaderVariable("EXTMIN"), extents.minPoint());
     setVariable(*host::findHeaderVariable("EXTMAX"), extents.maxPoint());
-    mImpl->mExtentsAt = mImpl->undo.changeCount();
+    mImpl->extentsHold();
     return extents.isEmpty() ? Acad::eInvalidExtents : Acad::eOk;
 }
 

@@ -303,6 +303,9 @@ public:
     std::vector<AcDbDatabaseReactor*> reactors;
     std::unique_ptr<AcDbTransactionManager> transactions;
 
+    /// EXTMIN and EXTMAX hold for the drawing as it is (it was just read).
+    void extentsHold() { mExtentsAt = undo.changeCount(); }
+
     void notifyAppended(const AcDbObject& object);
     void notifyModified(const AcDbObject& object);
     void notifyErased(const AcDbObject& object, bool erased);

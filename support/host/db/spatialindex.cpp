@@ -33,6 +33,12 @@ bool sizesEntities(const AcDbObject& object) {
     return name.ends_with("STYLE") || name.ends_with("DEF") || name.ends_with("DEFINITION");
 }
 
+Acad::ErrorStatus extentsOf(const AcDbEntity& entity, ReferenceBoxes& boxes, AcDbExtents& extents) {
+    return entity.isA() == AcDbBlockReference::desc()
+               ? boxes.extents(static_cast<const AcDbBlockReference&>(entity), extents)
+               : entity.getGeomExtents(extents);
+}
+
 /// To the last digit.
 bool isSame(const Box2d& a, const Box2d& b) {
     return a.minimum.x == b.minimum.x && a.minimum.y == b.minimum.y && a.maximum.x == b.maximum.x &&
@@ -41,7 +47,7 @@ bool isSame(const Box2d& a, const Box2d& b) {
 
 } // namespace
 
-void SpatialIndex::measure(Entry& entry) {
+void SpatialIndex::measure(Entry& entry, ReferenceBoxes& boxes) {
     const auto* entity = peek<AcDbEntity>(AcDbObjectId(entry.stub));
     entry.box = {};
     entry.isUnbounded = false;
@@ -52,7 +58,7 @@ void SpatialIndex::measure(Entry& entry) {
     AcDbExtents extents;
     entry.layer = entity->layerId().stub();
     entry.isInvisible = entity->visibility() == AcDb::kInvisible;
-    if (entity->getGeomExtents(extents) != Acad::eOk) {
+    if (extentsOf(*entity, boxes, extents) != Acad::eOk) {
         entry.isUnbounded = isInfinite(*entity);
         if (entry.isUnbounded ||
             drawnExtents(const_cast<AcDbEntity&>(*entity), extents) != Acad::eOk) {
@@ -66,13 +72,13 @@ void SpatialIndex::measure(Entry& entry) {
     entry.maxZ = max.z;
 }
 
-void SpatialIndex::build(const AcDbBlockTableRecord& block) {
+void SpatialIndex::build(const AcDbBlockTableRecord& block, ReferenceBoxes& boxes) {
     *this = SpatialIndex();
-    grow(block);
+    grow(block, boxes);
     pack();
 }
 
-bool SpatialIndex::grow(const AcDbBlockTableRecord& block) {
+bool SpatialIndex::grow(const AcDbBlockTableRecord& block, ReferenceBoxes& boxes) {
     const std::vector<AcDbStub*>& stubs = block.entities();
     if (stubs.size() < mEntries.size() ||
         (!mEntries.empty() && stubs[mEntries.size() - 1] != mEntries.back().stub)) {
@@ -90,7 +96,7 @@ bool SpatialIndex::grow(const AcDbBlockTableRecord& block) {
         if (entry.isDependent) {
             mDependents.push_back(index);
         }
-        measure(entry);
+        measure(entry, boxes);
         entry.isRecent = true;
         mRecent.push_back(index);
     }
@@ -121,22 +127,22 @@ std::uint32_t SpatialIndex::indexOf(const AcDbStub* stub) {
     return found != mByHandle.end() && mEntries[*found].stub == stub ? *found : none;
 }
 
-void SpatialIndex::change(AcDbStub* stub) {
+void SpatialIndex::change(AcDbStub* stub, ReferenceBoxes& boxes) {
     if (const std::uint32_t index = indexOf(stub); index != none) {
-        refresh(index);
+        refresh(index, boxes);
     }
 }
 
-void SpatialIndex::changeDependents() {
+void SpatialIndex::changeDependents(ReferenceBoxes& boxes) {
     for (const std::uint32_t index : mDependents) {
-        refresh(index);
+        refresh(index, boxes);
     }
 }
 
-void SpatialIndex::refresh(std::uint32_t index) {
+void SpatialIndex::refresh(std::uint32_t index, ReferenceBoxes& boxes) {
     Entry& entry = mEntries[index];
     const Box2d before = entry.box;
-    measure(entry);
+    measure(entry, boxes);
     if (entry.isInTree && isSame(entry.box, before)) {
         return;
     }
@@ -231,7 +237,7 @@ void SpatialIndexes::settle(AcDbStub* stub) {
         const auto* block = owner != nullptr ? AcDbBlockTableRecord::cast(owner->object) : nullptr;
         if (block != nullptr) {
             if (const auto found = mIndexes.find(owner); found != mIndexes.end()) {
-                found->second.change(stub);
+                found->second.change(stub, mBoxes);
             }
             mDependentsStale = mDependentsStale || !block->isLayout();
             return;
@@ -260,8 +266,9 @@ void SpatialIndexes::settle() {
         return;
     }
     if (std::exchange(mDependentsStale, false)) {
+        mBoxes.clear();
         for (auto& [block, index] : mIndexes) {
-            index.changeDependents();
+            index.changeDependents(mBoxes);
         }
     }
     for (auto& [block, index] : mIndexes) {
@@ -277,11 +284,12 @@ const SpatialIndex& SpatialIndexes::of(AcDbObjectId block) {
     }
     settle();
     const auto [found, isNew] = mIndexes.try_emplace(block.stub());
-    if (isNew || !found->second.grow(*record)) {
-        found->second.build(*record);
+    if (isNew || !found->second.grow(*record, mBoxes)) {
+        found->second.build(*record, mBoxes);
     } else {
         found->second.keepPacked();
     }
+    mBoxes.clear();
     return found->second;
 }
 

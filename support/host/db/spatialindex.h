@@ -3,7 +3,7 @@
 // happen and looked at when the next question comes.
 #pragma once
 
-#include "host/db/dbentity.h"
+#include "host/db/referenceboxes.h"
 #include "host/ge/box_index.h"
 
 #include <cstdint>
@@ -48,16 +48,16 @@ private:
         bool isRecent = false; ///< in mRecent
     };
 
-    void build(const AcDbBlockTableRecord& block);
+    void build(const AcDbBlockTableRecord& block, ReferenceBoxes& boxes);
     /// Takes in what was appended to the block; false when its entities were otherwise rearranged.
-    bool grow(const AcDbBlockTableRecord& block);
-    void change(AcDbStub* stub);
-    void changeDependents();
-    void refresh(std::uint32_t index);
+    bool grow(const AcDbBlockTableRecord& block, ReferenceBoxes& boxes);
+    void change(AcDbStub* stub, ReferenceBoxes& boxes);
+    void changeDependents(ReferenceBoxes& boxes);
+    void refresh(std::uint32_t index, ReferenceBoxes& boxes);
     void keepPacked();
     void pack();
     std::uint32_t indexOf(const AcDbStub* stub);
-    static void measure(Entry& entry);
+    static void measure(Entry& entry, ReferenceBoxes& boxes);
 
     std::vector<Entry> mEntries; ///< in drawing order, as the block lists them
     BoxIndex mTree;              ///< items are positions in mEntries
@@ -90,6 +90,7 @@ private:
 
     AcDbDatabase& mDatabase;
     std::unordered_map<AcDbStub*, SpatialIndex> mIndexes; ///< by block
+    ReferenceBoxes mBoxes; ///< filled while indexes are brought up to date
     std::vector<AcDbStub*> mTouched;
     bool mAllStale = false;
     bool mDependentsStale = false;

@@ -198,6 +198,7 @@ void UndoLog::undoStep(std::vector<std::wstring>* names) {
     const ScopedFlag applying(mApplying, true);
     RedoStep redo{{}, mSteps.back()};
     mSteps.pop_back();
+    redo.records.reserve(mRecords.size() - redo.step.begin);
     while (mRecords.size() > redo.step.begin) {
         apply(mRecords.back());
         redo.records.push_back(std::move(mRecords.back()));

@@ -25,6 +25,7 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcEditorReactor, AcRxObject)
 AcApDocument::AcApDocument(std::unique_ptr<AcDbDatabase> database)
     : mDatabase(std::move(database)), mState(std::make_unique<host::DocumentState>()) {
     mState->savedChangeCount = mDatabase->undoLog().changeCount();
+    mDatabase->impl().extentsHold();
 }
 AcApDocument::~AcApDocument() = default;
 
