@@ -501,6 +501,7 @@ TEST_F(Selection, PropertiesThatNobodyGaveAreTheCurrentOnes) {
         return entity;
     };
     const auto* plain = append(new AcDbLine(AcGePoint3d(0, 0, 0), AcGePoint3d(1, 0, 0)));
+    const host::ReadAccess plainAccess(*plain);
     EXPECT_EQ(plain->layerId(), walls);
     EXPECT_EQ(plain->entityColor().colorIndex(), 3);
     EXPECT_EQ(plain->linetypeScale(), 2.5);
@@ -509,6 +510,7 @@ TEST_F(Selection, PropertiesThatNobodyGaveAreTheCurrentOnes) {
     given->setLayer(database().layerZero());
     given->setColorIndex(256);
     append(given);
+    const host::ReadAccess givenAccess(*given);
     EXPECT_EQ(given->layerId(), database().layerZero());
     EXPECT_TRUE(given->entityColor().isByLayer());
     EXPECT_EQ(given->linetypeScale(), 2.5);

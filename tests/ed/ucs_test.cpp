@@ -28,12 +28,19 @@ protected:
         EXPECT_TRUE(run(script)) << script;
         return now();
     }
-    AcDbEntity* last() {
+    /// What was drawn last, for reading.
+    template <class Entity>
+    std::unique_ptr<Entity> last() {
         ads_name name;
         AcDbObjectId id;
         acdbEntLast(name);
         acdbGetObjectId(id, name);
-        return host::peek<AcDbEntity>(id);
+        const auto* entity = host::peek<Entity>(id);
+        if (entity == nullptr) {
+            return nullptr;
+        }
+        const host::ReadAccess access(*entity);
+        return std::unique_ptr<Entity>(Entity::cast(entity->clone()));
     }
 };
 
@@ -92,25 +99,38 @@ TEST_F(Ucs, NamedOnesAreSavedInTheDrawing) {
 
 TEST_F(Ucs, CommandsDrawInIt) {
     EXPECT_TRUE(run("UCS\n100,0\n\nUCS\nZ\n90\nLINE\n1,2\n@5,0\n\n"));
-    const auto* line = AcDbLine::cast(last());
+    auto line = last<AcDbLine>();
     ASSERT_NE(line, nullptr);
     EXPECT_EQ(line->startPoint(), AcGePoint3d(98, 1, 0));
     EXPECT_EQ(line->endPoint(), AcGePoint3d(98, 6, 0));
     EXPECT_TRUE(run("MOVE\nL\n\n0,0\n0,10\n"));
-    EXPECT_EQ(line->startPoint(), AcGePoint3d(88, 1, 0));
+    EXPECT_EQ(last<AcDbLine>()->startPoint(), AcGePoint3d(88, 1, 0));
+    EXPECT_TRUE(run("COPY\nL\n\n0,0\n10,0\n\n"));
+    EXPECT_EQ(last<AcDbLine>()->startPoint(), AcGePoint3d(88, 11, 0));
     EXPECT_TRUE(run("UCS\nX\n90\nCIRCLE\n0,0\n4\n"));
-    const auto* circle = AcDbCircle::cast(last());
+    const auto circle = last<AcDbCircle>();
     ASSERT_NE(circle, nullptr);
     EXPECT_TRUE(circle->normal().isEqualTo(AcGeVector3d(1, 0, 0)));
     EXPECT_EQ(circle->center(), AcGePoint3d(100, 0, 0));
     EXPECT_TRUE(run("PLINE\n0,0\n3,0\n3,4\n\n"));
     AcGePoint3d end;
-    ASSERT_NE(AcDbCurve::cast(last()), nullptr);
-    AcDbCurve::cast(last())->getEndPoint(end);
+    const auto polyline = last<AcDbPolyline>();
+    ASSERT_NE(polyline, nullptr);
+    polyline->getEndPoint(end);
     EXPECT_TRUE(end.isEqualTo(AcGePoint3d(100, 3, 4)));
+    EXPECT_TRUE(run("ARC\n1,0\n0,1\n-1,0\n"));
+    const auto arc = last<AcDbArc>();
+    ASSERT_NE(arc, nullptr);
+    arc->getStartPoint(end);
+    EXPECT_TRUE(end.isEqualTo(AcGePoint3d(100, 1, 0)));
+    EXPECT_TRUE(run("TEXT\n2,3\n5\n0\n文字\n\n"));
+    const auto text = last<AcDbText>();
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(text->position().isEqualTo(AcGePoint3d(100, 2, 3)));
+    EXPECT_TRUE(text->normal().isEqualTo(AcGeVector3d(1, 0, 0)));
     // What was the last point stays in its place when the system changes.
     EXPECT_TRUE(run("LINE\n1,1\n2,2\n\nUCS\nW\nLINE\n@\n@1,0\n\n"));
-    EXPECT_EQ(AcDbLine::cast(last())->startPoint(), AcGePoint3d(100, 2, 2));
+    EXPECT_EQ(last<AcDbLine>()->startPoint(), AcGePoint3d(100, 2, 2));
 }
 
 TEST_F(Ucs, TransformsThereAndBack) {

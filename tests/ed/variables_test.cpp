@@ -217,12 +217,12 @@ TEST_F(Variables, ModulesAreLoadedByWindowsPathsAndFromTheSupportFolders) {
     const std::wstring path = host::toWindowsPath(folder() / "x.arx");
     EXPECT_TRUE(acrxLoadModule((L"C:" + path.substr(0, path.size() - 5) + L"TOOLS.ARX").c_str(), false));
     EXPECT_TRUE(acrxDynamicLinker()->isModuleLoaded(L"tools.arx"));
-    EXPECT_TRUE(acrxUnloadModule(L"Tools.arx"));
+    EXPECT_TRUE(host::unloadModule(L"Tools.arx"));
     EXPECT_FALSE(acrxLoadModule(L"TOOLS", false));
     EXPECT_NE(transcript.diagnostics.find(L"找不到模块文件: TOOLS"), std::wstring::npos);
     host::supportFolders().push_back(folder());
     EXPECT_TRUE(acrxLoadModule(L"TOOLS", false));
-    EXPECT_TRUE(acrxUnloadModule(L"Tools.arx"));
+    EXPECT_TRUE(host::unloadModule(L"Tools.arx"));
     host::supportFolders().pop_back();
 }
 

@@ -186,6 +186,7 @@ int DatabaseImpl::classNumber(const ProxyData& proxy) {
 }
 
 void DatabaseImpl::notifyAppended(const AcDbObject& object) {
+    places.touch(object.objectId().stub());
     for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
         reactor->objectAppended(&mDatabase, &object);
     }
@@ -372,7 +373,7 @@ Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
 }
 
 void AcDbDatabase::keepExtents() {
-    if (mImpl->mExtentsAt != mImpl->undo.changeCount()) {
+    if (mImpl->mExtentsAt != mImpl->places.generation()) {
         updateExt();
     }
 }

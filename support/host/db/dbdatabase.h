@@ -304,7 +304,7 @@ public:
     std::unique_ptr<AcDbTransactionManager> transactions;
 
     /// EXTMIN and EXTMAX hold for the drawing as it is (it was just read).
-    void extentsHold() { mExtentsAt = undo.changeCount(); }
+    void extentsHold() { mExtentsAt = places.generation(); }
 
     void notifyAppended(const AcDbObject& object);
     void notifyModified(const AcDbObject& object);
@@ -316,7 +316,7 @@ private:
     friend class ::AcDbDatabase;
 
     AcDbDatabase& mDatabase;
-    Adesk::UInt64 mExtentsAt = 0; ///< change count for which EXTMIN and EXTMAX hold
+    Adesk::UInt64 mExtentsAt = 0; ///< generation for which EXTMIN and EXTMAX hold
     struct Handles;
     std::unique_ptr<Handles> mHandles;
 };

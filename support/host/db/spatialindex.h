@@ -77,10 +77,14 @@ public:
     const SpatialIndex& of(AcDbObjectId block);
     /// The object is being changed, was changed, erased or brought back. Constant time.
     void touch(AcDbStub* stub) {
+        ++mGeneration;
         if (!mIndexes.empty() && !mAllStale) {
             note(stub);
         }
     }
+
+    /// Grows with everything that changes in the drawing, appended objects included.
+    Adesk::UInt64 generation() const { return mGeneration; }
 
 private:
     void note(AcDbStub* stub);
@@ -92,6 +96,7 @@ private:
     std::unordered_map<AcDbStub*, SpatialIndex> mIndexes; ///< by block
     ReferenceBoxes mBoxes; ///< filled while indexes are brought up to date
     std::vector<AcDbStub*> mTouched;
+    Adesk::UInt64 mGeneration = 0;
     bool mAllStale = false;
     bool mDependentsStale = false;
 };

@@ -61,12 +61,13 @@ struct Fraction {
         }
     }
     bool isZero() const { return whole == 0.0 && numerator == 0; }
-    std::wstring text(bool inputStyle) const {
+    /// `withZero`: a zero is shown in front of a fraction alone, as behind feet.
+    std::wstring text(bool inputStyle, bool withZero = false) const {
         if (numerator == 0) {
             return formatted(L"%.0f", whole);
         }
         const std::wstring part = formatted(L"%d/%d", numerator, denominator);
-        return whole == 0.0 ? part : formatted(L"%.0f", whole) + (inputStyle ? L"-" : L" ") + part;
+        return whole == 0.0 && !withZero ? part : formatted(L"%.0f", whole) + (inputStyle ? L"-" : L" ") + part;
     }
 };
 
@@ -100,7 +101,8 @@ std::wstring architectural(double value, const UnitFormat& format) {
     Fraction inches(value, format.linearPrecision);
     const double feet = std::floor(inches.whole / inchesPerFoot);
     inches.whole -= feet * inchesPerFoot;
-    return joinFeetAndInches(feet, inches.isZero(), inches.text(format.inputStyle), format);
+    const bool behindFeet = feet != 0.0 || showsZeroFeet(format.zeroSuppression);
+    return joinFeetAndInches(feet, inches.isZero(), inches.text(format.inputStyle, behindFeet), format);
 }
 
 std::wstring sexagesimal(double degrees, int precision) {
