@@ -420,6 +420,98 @@ TEST_F(Questions, DraggingFromAScript) {
     EXPECT_EQ(drag(""), L"-4 1,1 0");
 }
 
+/// Asks for one thing and shows what came.
+class ValueJig : public AcEdJig {
+public:
+    enum class Wanted { distance, distanceFrom, angle, text };
+    ValueJig(Wanted wanted, int controls) : mWanted(wanted) { setUserInputControls(controls); }
+    DragStatus sampler() override {
+        const AcGePoint3d base(10, 10, 0);
+        double number = 0.0;
+        ACHAR text[32] = L"";
+        DragStatus status = kCancel;
+        switch (mWanted) {
+        case Wanted::distance:
+            status = acquireDist(number);
+            break;
+        case Wanted::distanceFrom:
+            status = acquireDist(number, base);
+            break;
+        case Wanted::angle:
+            status = acquireAngle(number, base);
+            break;
+        case Wanted::text:
+            status = acquireString(text);
+            break;
+        }
+        shown = mWanted == Wanted::text ? text : host::formatted(L"%.4g", number);
+        return status;
+    }
+    Adesk::Boolean update() override { return true; }
+    AcDbEntity* entity() const override { return mEntity.get(); }
+    std::wstring shown;
+
+private:
+    Wanted mWanted;
+    std::unique_ptr<AcDbLine> mEntity = std::make_unique<AcDbLine>();
+};
+
+TEST_F(Questions, JigsAskForDistancesAnglesAndTexts) {
+    addLine(0, 0, 10, 0);
+    using Wanted = ValueJig::Wanted;
+    const auto drag = [&](Wanted wanted, const std::string& script, int controls = 0) {
+        return ask(script, [=] {
+            ValueJig jig(wanted, controls);
+            jig.setKeywordList(L"Undo Width");
+            const AcEdJig::DragStatus status = jig.drag();
+            answered = host::formatted(L"%d %s", status, jig.shown.c_str());
+        });
+    };
+    EXPECT_EQ(drag(Wanted::distance, "12.5\n"), L"0 12.5");
+    EXPECT_EQ(drag(Wanted::distanceFrom, "13,14\n"), L"0 5");
+    EXPECT_EQ(drag(Wanted::distanceFrom, "_end\n8,0\n"), L"0 10");
+    EXPECT_EQ(drag(Wanted::distance, "0\n-1\n2\n",
+                   AcEdJig::kNoZeroResponseAccepted | AcEdJig::kNoNegativeResponseAccepted),
+              L"0 2");
+    EXPECT_EQ(drag(Wanted::distance, "w\n"), L"2 0");
+    EXPECT_EQ(drag(Wanted::distance, "\n3\n"), L"0 3");
+    EXPECT_EQ(drag(Wanted::distance, "\n", AcEdJig::kNullResponseAccepted), L"-1 0");
+    EXPECT_EQ(drag(Wanted::distance, "some\n", AcEdJig::kAcceptOtherInputString), L"-3 0");
+    EXPECT_EQ(drag(Wanted::angle, "45\n"), L"0 0.7854");
+    EXPECT_EQ(drag(Wanted::angle, "10,20\n"), L"0 1.571");
+    EXPECT_EQ(drag(Wanted::text, "two words\n"), L"0 two words");
+    EXPECT_EQ(drag(Wanted::text, "two words\n", AcEdJig::kAnyBlankTerminatesInput), L"0 two");
+    EXPECT_EQ(drag(Wanted::angle, "^C\n"), L"-4 0");
+}
+
+class LineJig : public AcEdJig {
+public:
+    explicit LineJig(AcDbLine* line) : mLine(line) {}
+    DragStatus sampler() override { return acquirePoint(mTo); }
+    Adesk::Boolean update() override {
+        mLine->setEndPoint(mTo);
+        return true;
+    }
+    AcDbEntity* entity() const override { return mLine; }
+
+private:
+    AcDbLine* mLine;
+    AcGePoint3d mTo;
+};
+
+TEST_F(Questions, WhatWasDraggedIsAppended) {
+    static AcDbObjectId id;
+    ask("7,8\n", [] {
+        LineJig jig(new AcDbLine(AcGePoint3d(1, 1, 0), AcGePoint3d(1, 1, 0)));
+        if (jig.drag() == AcEdJig::kNormal) {
+            id = jig.append();
+        }
+    });
+    const host::Opened<AcDbLine> line(id, AcDb::kForRead);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->endPoint(), AcGePoint3d(7, 8, 0));
+}
+
 TEST_F(Questions, LinesAndTheirCrossing) {
     const ads_point a = {0, 0, 0};
     const ads_point b = {10, 10, 0};

@@ -89,6 +89,11 @@ bool SpatialIndex::grow(const AcDbBlockTableRecord& block, ReferenceBoxes& boxes
         const auto index = static_cast<std::uint32_t>(i);
         mHandlesAscend =
             mHandlesAscend && (mEntries.empty() || mEntries.back().stub->handle < stubs[i]->handle);
+        // New entities have the greatest handles.
+        if (!mByHandle.empty() && mByHandle.size() == i &&
+            mEntries[mByHandle.back()].stub->handle < stubs[i]->handle) {
+            mByHandle.push_back(index);
+        }
         Entry& entry = mEntries.emplace_back();
         entry.stub = stubs[i];
         const auto* entity = peek<AcDbEntity>(AcDbObjectId(entry.stub), true);
