@@ -81,6 +81,15 @@ TEST_F(Variables, SessionDocumentAndKeptOnes) {
     set(L"OSMODE", L"4133");
 }
 
+TEST_F(Variables, EachKnowsWhereItIsKept) {
+    const auto home = [](const wchar_t* name) { return host::systemVariableInfo(name)->home; };
+    EXPECT_EQ(home(L"LTSCALE"), host::VariableHome::drawing);
+    EXPECT_EQ(home(L"OSMODE"), host::VariableHome::settings);
+    EXPECT_EQ(home(L"LASTPOINT"), host::VariableHome::session);
+    EXPECT_EQ(home(L"CDATE"), host::VariableHome::nowhere);
+    EXPECT_FALSE(host::systemVariableInfo(L"NOSUCH"));
+}
+
 TEST_F(Variables, EveryVariableCanBeRead) {
     for (const std::wstring& name : host::systemVariableNames()) {
         const host::ResbufList value = host::systemVariable(name);

@@ -371,6 +371,17 @@ VariableError setHeaderValue(AcDbDatabase& database, HeaderIndex index, const Va
                        : database.setVariable(index, point));
 }
 
+VariableHome homeOf(VariableScope scope) {
+    switch (scope) {
+    case VariableScope::settings:
+        return VariableHome::settings;
+    case VariableScope::computed:
+        return VariableHome::nowhere;
+    default:
+        return VariableHome::session;
+    }
+}
+
 /// A variable found by name in either place.
 struct Place {
     const SessionVariable* session = nullptr;
@@ -524,8 +535,9 @@ std::optional<VariableInfo> systemVariableInfo(std::wstring_view name) {
     if (!place.exists()) {
         return std::nullopt;
     }
-    VariableInfo info{toUpper(name), place.readOnly(), place.type(), 0.0, -1.0};
+    VariableInfo info{toUpper(name), place.readOnly(), place.type(), 0.0, -1.0, VariableHome::drawing};
     if (place.session != nullptr) {
+        info.home = homeOf(place.session->scope);
         info.minimum = place.session->minimum;
         info.maximum = place.session->maximum;
     } else {

@@ -32,12 +32,21 @@ void setSystemVariable(std::wstring_view name, int value);
 void setSystemVariable(std::wstring_view name, double value);
 void setSystemVariable(std::wstring_view name, std::wstring_view value);
 
+/// Where a variable's value is kept.
+enum class VariableHome {
+    drawing,  ///< in the drawing's file
+    settings, ///< from run to run
+    session,  ///< while the program, or the document, is open
+    nowhere,  ///< made when it is asked for
+};
+
 struct VariableInfo {
     std::wstring name;
     bool readOnly = false;
     int type = 0; ///< RTSHORT, RTLONG, RTREAL, RTSTR, RTPOINT or RT3DPOINT
     double minimum = 0.0;
     double maximum = -1.0; ///< below minimum: no range
+    VariableHome home = VariableHome::drawing;
 };
 std::optional<VariableInfo> systemVariableInfo(std::wstring_view name);
 /// All names in alphabetical order.
