@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace host {
 namespace {
@@ -12,13 +13,15 @@ namespace {
 /// Beyond this many turns and scales nothing more is remembered.
 constexpr std::size_t mostBoxes = 10000;
 
-AcDbExtents boxOf(AcDbObjectId block, const AcGeMatrix3d& transform) {
+/// The box of a reference whose block has the given place in the world; empty when it shows nothing. Nothing
+/// when no reference can lie so.
+std::optional<AcDbExtents> boxOf(AcDbObjectId block, const AcGeMatrix3d& transform) {
     AcDbBlockReference probe(AcGePoint3d::kOrigin, block);
-    AcDbExtents extents;
-    if (probe.setBlockTransform(transform) != Acad::eOk || probe.getGeomExtents(extents) != Acad::eOk) {
-        return {};
+    if (probe.setBlockTransform(transform) != Acad::eOk) {
+        return std::nullopt;
     }
-    return extents;
+    AcDbExtents extents;
+    return probe.getGeomExtents(extents) == Acad::eOk ? extents : AcDbExtents();
 }
 
 } // namespace
@@ -39,9 +42,13 @@ Acad::ErrorStatus ReferenceBoxes::extents(const AcDbBlockReference& reference, A
     if (mBoxes.size() > mostBoxes) {
         mBoxes.clear();
     }
-    const auto [found, isNew] = mBoxes.try_emplace(key);
-    if (isNew) {
-        found->second = boxOf(reference.blockTableRecord(), transform);
+    auto found = mBoxes.find(key);
+    if (found == mBoxes.end()) {
+        const std::optional<AcDbExtents> box = boxOf(reference.blockTableRecord(), transform);
+        if (!box) {
+            return reference.getGeomExtents(extents);
+        }
+        found = mBoxes.emplace(key, *box).first;
     }
     AcDbExtents box;
     if (!found->second.isEmpty()) {
