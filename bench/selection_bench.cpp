@@ -80,7 +80,8 @@ void selectInWindow(benchmark::State& state) {
     for (auto step : state) {
         const AcGePoint3d at = somewhere(random);
         const AcGePoint3d to = at + AcGeVector3d(50, 50, 0);
-        benchmark::DoNotOptimize(host::entitiesIn({kind, {{at.x, at.y}, {to.x, at.y}, {to.x, to.y}, {at.x, to.y}}}));
+        benchmark::DoNotOptimize(
+            host::entitiesIn({kind, {{at.x, at.y}, {to.x, at.y}, {to.x, to.y}, {at.x, to.y}}}));
     }
 }
 BENCHMARK(selectInWindow)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);

@@ -1,5 +1,6 @@
-// Some hundred commands at random over a small drawing; taking all of them back gives the drawing from before,
-// and repeating them the one from after. Everything the commands say is read by nobody but must not fail.
+// Some hundred commands at random over a small drawing; taking all of them back gives the drawing from
+// before, and repeating them the one from after. Everything the commands say is read by nobody but must not
+// fail.
 #include "host.h"
 
 #include "host/formats/formats.h"
@@ -22,7 +23,9 @@ protected:
         return std::to_string(number(low * 10, high * 10) / 10) + "." + std::to_string(number(0, 9));
     }
     std::string point() { return real(0, 99) + "," + real(0, 99); }
-    std::string offset() { return "@" + std::to_string(number(-20, 20)) + "," + std::to_string(number(-20, 20)); }
+    std::string offset() {
+        return "@" + std::to_string(number(-20, 20)) + "," + std::to_string(number(-20, 20));
+    }
     /// Answers for "select objects".
     std::string selection() {
         switch (number(0, 4)) {
@@ -72,7 +75,8 @@ protected:
         case 13:
             return "UCS\nW\n";
         case 14:
-            return "CECOLOR\n" + std::to_string(number(1, 255)) + "\nLTSCALE\n" + std::to_string(number(1, 9)) + "\n";
+            return "CECOLOR\n" + std::to_string(number(1, 255)) + "\nLTSCALE\n" +
+                   std::to_string(number(1, 9)) + "\n";
         case 15:
             return "U\n";
         case 16:

@@ -126,7 +126,8 @@ TEST_F(Shapes, BoxesEverythingAtAPointAndThePreviousSet) {
     all.push_back(addLine(5, -5, 5, 5));
     const ads_point crossing = {5, 0, 0};
     EXPECT_EQ(select(L":E", crossing), "40");
-    EXPECT_EQ(select(L"_:E", crossing, nullptr, host::ResbufList(acutBuildList(62, 256, RTNONE)).get()), "40");
+    EXPECT_EQ(select(L"_:E", crossing, nullptr, host::ResbufList(acutBuildList(62, 256, RTNONE)).get()),
+              "40");
     EXPECT_EQ(select(L"P"), "40");
 }
 

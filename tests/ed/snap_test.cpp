@@ -40,9 +40,9 @@ protected:
             ads_point value;
             const ads_point base = {0, 30, 0};
             const int code = acedGetPoint(base, L"\nP: ", value);
-            answered = code == RTNORM
-                           ? host::formatted(L"%.4g,%.4g,%.4g", value[0] + 0.0, value[1] + 0.0, value[2] + 0.0)
-                           : L"-";
+            answered = code == RTNORM ? host::formatted(L"%.4g,%.4g,%.4g", value[0] + 0.0, value[1] + 0.0,
+                                                        value[2] + 0.0)
+                                      : L"-";
         });
         run("T_POINT\n" + script + "\n");
         acedRegCmds->removeGroup(L"EDTEST");

@@ -1,4 +1,5 @@
-// The index of places against a walk over everything, through changes of all kinds; exact selection of curves.
+// The index of places against a walk over everything, through changes of all kinds; exact selection of
+// curves.
 #include "host.h"
 
 #include "host/ed/plansink.h"
@@ -232,8 +233,8 @@ TEST(PlanCurves, ArcsAreTestedAsArcs) {
     EXPECT_EQ(selectedBy(Kind::window, {{-10, 0}, {10, 0}, {10, 10}, {-10, 10}}, half), "yes");
     EXPECT_EQ(selectedBy(Kind::window, {{-10, 0}, {10, 0}, {10, 9.9999999}, {-10, 9.9999999}}, half), "no");
     // Ends and middle inside, but a spike of the polygon cuts in.
-    EXPECT_EQ(selectedBy(Kind::window, {{-11, -1}, {11, -1}, {11, 11}, {5, 11}, {4.9, 8.5}, {4.8, 11}, {-11, 11}},
-                         half),
+    EXPECT_EQ(selectedBy(Kind::window,
+                         {{-11, -1}, {11, -1}, {11, 11}, {5, 11}, {4.9, 8.5}, {4.8, 11}, {-11, 11}}, half),
               "no");
     EXPECT_EQ(selectedBy(Kind::fence, {{0, -5}, {0, 5}}, half), "no");
     EXPECT_EQ(selectedBy(Kind::fence, {{0, -5}, {0, 10}}, half), "yes");
@@ -241,7 +242,7 @@ TEST(PlanCurves, ArcsAreTestedAsArcs) {
 
 TEST(PlanCurves, LinesThatLeaveAConcaveWindowTwice) {
     using Kind = host::SelectionShape::Kind;
-    const std::vector<AcGePoint2d> comb{{0, 0}, {10, 0}, {10, 10}, {8, 10}, {7.5, 1},
+    const std::vector<AcGePoint2d> comb{{0, 0},  {10, 0}, {10, 10}, {8, 10}, {7.5, 1},
                                         {7, 10}, {3, 10}, {2.5, 1}, {2, 10}, {0, 10}};
     const auto line = [](double x1, double y1, double x2, double y2) {
         return CurvePiece::line({x1, y1, 0}, {x2, y2, 0});

@@ -11,9 +11,7 @@ constexpr double pi = 3.14159265358979323846;
 
 class Ucs : public HostTest {
 protected:
-    Ucs() {
-        edtest::registerCommands();
-    }
+    Ucs() { edtest::registerCommands(); }
     /// Origin and X and Y axes of the current system, rounded.
     static std::wstring now() {
         const host::UcsFrame ucs = host::currentUcs();
@@ -21,8 +19,8 @@ protected:
             const auto rounded = [](double value) { return std::round(value * 1e4) / 1e4 + 0.0; };
             return host::formatted(L"%g,%g,%g", rounded(x), rounded(y), rounded(z));
         };
-        return text(ucs.origin.x, ucs.origin.y, ucs.origin.z) + L" " + text(ucs.x.x, ucs.x.y, ucs.x.z) + L" " +
-               text(ucs.y.x, ucs.y.y, ucs.y.z);
+        return text(ucs.origin.x, ucs.origin.y, ucs.origin.z) + L" " + text(ucs.x.x, ucs.x.y, ucs.x.z) +
+               L" " + text(ucs.y.x, ucs.y.y, ucs.y.z);
     }
     std::wstring after(const std::string& script) {
         EXPECT_TRUE(run(script)) << script;
@@ -142,7 +140,8 @@ TEST_F(Ucs, TransformsThereAndBack) {
         if (z.isZeroLength()) {
             continue;
         }
-        host::setCurrentUcs({{number(random), number(random), number(random)}, x, z.normal().crossProduct(x), {}});
+        host::setCurrentUcs(
+            {{number(random), number(random), number(random)}, x, z.normal().crossProduct(x), {}});
         const ads_point point = {number(random), number(random), number(random)};
         const ads_point normal = {number(random), number(random), number(random)};
         ads_point there;

@@ -93,9 +93,7 @@ TEST(Units, RandomDistancesAndAnglesComeBack) {
             const std::wstring text = formatDistance(value, format);
             const auto back = host::parseDistance(text, format.linear);
             // Half of the last digit shown: a 256th of an inch, eight digits of a mantissa, or 1e-8.
-            const double slack = kind == 1   ? std::fabs(value) * 1e-8
-                                 : kind >= 4 ? 0.5 / 256 + 1e-9
-                                             : 0.6e-8;
+            const double slack = kind == 1 ? std::fabs(value) * 1e-8 : kind >= 4 ? 0.5 / 256 + 1e-9 : 0.6e-8;
             ASSERT_TRUE(back) << std::string(text.begin(), text.end());
             EXPECT_NEAR(*back, value, slack) << std::string(text.begin(), text.end());
             // Text that was read is written as the same text.
@@ -112,7 +110,8 @@ TEST(Units, RandomDistancesAndAnglesComeBack) {
             ASSERT_TRUE(back) << std::string(text.begin(), text.end());
             // A bearing is one from the meridian whatever the base; what is written is against it.
             const double expected = kind == 4 ? angle - format.angleBase : angle;
-            const double difference = std::remainder(*back - (kind == 4 && format.clockwise ? -expected : expected), 2.0 * pi);
+            const double difference =
+                std::remainder(*back - (kind == 4 && format.clockwise ? -expected : expected), 2.0 * pi);
             EXPECT_NEAR(difference, 0.0, 1e-7) << std::string(text.begin(), text.end());
         }
     }

@@ -139,8 +139,8 @@ TEST_F(Variables, BadValuesAreAnsweredAndAskedAgain) {
     };
     for (const auto& row : rows) {
         EXPECT_TRUE(run(std::string(row.script) + "\n")) << row.script;
-        EXPECT_NE(transcript.shown.find(row.line), std::wstring::npos)
-            << row.script << "\n" << host::toUtf8(transcript.shown);
+        EXPECT_NE(transcript.shown.find(row.line), std::wstring::npos) << row.script << "\n"
+                                                                       << host::toUtf8(transcript.shown);
     }
     EXPECT_TRUE(run("SETVAR ? CEL*\n"));
     EXPECT_NE(transcript.shown.find(L"CELTSCALE"), std::wstring::npos);

@@ -6,9 +6,9 @@
 namespace host {
 
 void initializeCommands() {
-    const std::span<const CommandRow> families[] = {fileCommands(), drawCommands(),    polylineCommands(),
-                                                    textCommands(), insertCommands(),  modifyCommands(),
-                                                    undoCommands(), layerCommands(),   linetypeCommands(),
+    const std::span<const CommandRow> families[] = {fileCommands(), drawCommands(),     polylineCommands(),
+                                                    textCommands(), insertCommands(),   modifyCommands(),
+                                                    undoCommands(), layerCommands(),    linetypeCommands(),
                                                     viewCommands(), variableCommands(), ucsCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {

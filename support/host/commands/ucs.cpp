@@ -39,8 +39,8 @@ void fromPoints(const AcGePoint3d& origin, bool mayAccept) {
     const AcGePoint3d base = worldToUcs(origin);
     ucs.origin = origin;
     const int flags = mayAccept ? 0 : RSG_NONULL;
-    const PointAnswer onX =
-        askPoint(mayAccept ? L"\n指定 X 轴上的点或 <接受>: " : L"\n在正 X 轴范围上指定点: ", nullptr, &base, flags);
+    const PointAnswer onX = askPoint(
+        mayAccept ? L"\n指定 X 轴上的点或 <接受>: " : L"\n在正 X 轴范围上指定点: ", nullptr, &base, flags);
     if (onX.isCancelled()) {
         return;
     }
@@ -75,8 +75,8 @@ void fromZAxis() {
     }
     const AcGePoint3d at = origin.isValue() ? origin.world : currentUcs().origin;
     const AcGePoint3d base = worldToUcs(at);
-    const PointAnswer onZ = askPoint(L"\n在正 Z 轴范围上指定点 <" + shown(base.x) + L"," + shown(base.y) + L"," +
-                                         shown(base.z + 1.0) + L">: ",
+    const PointAnswer onZ = askPoint(L"\n在正 Z 轴范围上指定点 <" + shown(base.x) + L"," + shown(base.y) +
+                                         L"," + shown(base.z + 1.0) + L">: ",
                                      nullptr, &base);
     if (onZ.isCancelled()) {
         return;
@@ -198,7 +198,7 @@ void list() {
         return;
     }
     const UcsFrame now = currentUcs();
-    acutPrintf(L"\n当前 UCS 名称: %s", now.isWorld()         ? L"*世界*"
+    acutPrintf(L"\n当前 UCS 名称: %s", now.isWorld()      ? L"*世界*"
                                        : now.name.empty() ? L"*没有名称*"
                                                           : now.name.c_str());
     acutPrintf(L"\n已保存的坐标系:");
@@ -244,8 +244,8 @@ void save() {
     UcsFrame ucs = currentUcs();
     AcDbObjectId id;
     if (savedTable().getAt(name.c_str(), id) == Acad::eOk) {
-        const Answer replace = askKeyword(
-            L"\nUCS \"" + name + L"\" 已经存在。是否替换? [是(Y)/否(N)] <N>: ", L"Yes No");
+        const Answer replace =
+            askKeyword(L"\nUCS \"" + name + L"\" 已经存在。是否替换? [是(Y)/否(N)] <N>: ", L"Yes No");
         if (!replace.isKeyword(L"Yes")) {
             return;
         }
@@ -383,7 +383,7 @@ void fromNew() {
 
 void runUcs() {
     const UcsFrame now = currentUcs();
-    acutPrintf(L"\n当前 UCS 名称: %s", now.isWorld()         ? L"*世界*"
+    acutPrintf(L"\n当前 UCS 名称: %s", now.isWorld()      ? L"*世界*"
                                        : now.name.empty() ? L"*没有名称*"
                                                           : now.name.c_str());
     const PointAnswer answer = askPoint(

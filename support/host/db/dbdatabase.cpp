@@ -88,8 +88,8 @@ const std::vector<AcDbDatabase*>& openDatabases() {
 }
 
 DatabaseImpl::DatabaseImpl(AcDbDatabase& database)
-    : undo(database), places(database), transactions(std::make_unique<AcDbTransactionManager>(database)), mDatabase(database),
-      mHandles(std::make_unique<Handles>()) {
+    : undo(database), places(database), transactions(std::make_unique<AcDbTransactionManager>(database)),
+      mDatabase(database), mHandles(std::make_unique<Handles>()) {
     initializeHeader();
 }
 

@@ -60,8 +60,7 @@ void SpatialIndex::measure(Entry& entry, ReferenceBoxes& boxes) {
     entry.isInvisible = entity->visibility() == AcDb::kInvisible;
     if (extentsOf(*entity, boxes, extents) != Acad::eOk) {
         entry.isUnbounded = isInfinite(*entity);
-        if (entry.isUnbounded ||
-            drawnExtents(const_cast<AcDbEntity&>(*entity), extents) != Acad::eOk) {
+        if (entry.isUnbounded || drawnExtents(const_cast<AcDbEntity&>(*entity), extents) != Acad::eOk) {
             return; // without a box and nothing drawn: it can't be found by place
         }
     }

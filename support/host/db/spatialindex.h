@@ -94,7 +94,7 @@ private:
 
     AcDbDatabase& mDatabase;
     std::unordered_map<AcDbStub*, SpatialIndex> mIndexes; ///< by block
-    ReferenceBoxes mBoxes; ///< filled while indexes are brought up to date
+    ReferenceBoxes mBoxes;                                ///< filled while indexes are brought up to date
     std::vector<AcDbStub*> mTouched;
     Adesk::UInt64 mGeneration = 0;
     bool mAllStale = false;

@@ -221,8 +221,7 @@ void ShapeSink::piece(const CurvePiece& flat) {
         mInside = staysInside(flat);
     } else {
         const bool crossing = mShape.kind == SelectionShape::Kind::crossing;
-        mTouches =
-            (crossing && insidePolygon(to2d(flat.start()), mShape.points)) || !crossings(flat).empty();
+        mTouches = (crossing && insidePolygon(to2d(flat.start()), mShape.points)) || !crossings(flat).empty();
     }
 }
 

@@ -55,7 +55,7 @@ std::optional<AcGePoint3d> PointReader::read(const InputItem& item, std::optiona
     if (!isFinite(*place)) {
         return std::nullopt;
     }
-    const int modes = overrides       ? *overrides & ~AcDb::kOsMaskNoneOverride
+    const int modes = overrides            ? *overrides & ~AcDb::kOsMaskNoneOverride
                       : snapsRunning(item) ? runningSnapModes()
                                            : 0;
     const AcGePoint3d raw = ucsToWorld(*place);

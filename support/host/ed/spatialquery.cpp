@@ -227,7 +227,8 @@ private:
         return hits.empty() ? AcDbObjectId() : nearest(hits.begin(), hits.end())->id;
     }
 
-    /// The box of the aperture in a block's coordinates; everything when the block's plane is not the world's.
+    /// The box of the aperture in a block's coordinates; everything when the block's plane is not the
+    /// world's.
     Box2d apertureIn(const AcGeMatrix3d& toWorld) const {
         constexpr double endless = 1e300;
         Box2d box{{-endless, -endless}, {endless, endless}};

@@ -176,7 +176,8 @@ std::optional<Found> selectDirectly(const SsgetOptions& options, const void* fir
     }
     if (way == L"G" || way == L"GROUP") {
         const auto* name = static_cast<const ACHAR*>(first);
-        return Found{groupMembers(name != nullptr ? name : L"").value_or(std::vector<AcDbObjectId>()), nullptr};
+        return Found{groupMembers(name != nullptr ? name : L"").value_or(std::vector<AcDbObjectId>()),
+                     nullptr};
     }
     if (way.empty() && first != nullptr && !options.prompts) {
         const AcGePoint3d point = asPoint3d(static_cast<const double*>(first));

@@ -67,7 +67,8 @@ struct Fraction {
             return formatted(L"%.0f", whole);
         }
         const std::wstring part = formatted(L"%d/%d", numerator, denominator);
-        return whole == 0.0 && !withZero ? part : formatted(L"%.0f", whole) + (inputStyle ? L"-" : L" ") + part;
+        return whole == 0.0 && !withZero ? part
+                                         : formatted(L"%.0f", whole) + (inputStyle ? L"-" : L" ") + part;
     }
 };
 
