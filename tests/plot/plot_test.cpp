@@ -290,7 +290,7 @@ TEST_F(PlotTest, PdfIsSoundAndItsTextCanBeSearched) {
     EXPECT_NE(parts.all.find("1 0 0 RG"), std::string::npos);
 }
 
-// Widths in the content are 200 steps a millimetre.
+// Widths in the content are 100 steps a millimetre.
 TEST_F(PlotTest, PdfHasTheLineweightsInMillimetres) {
     addLayer(L"wide", [](AcDbLayerTableRecord& layer) { layer.setLineWeight(AcDb::kLnWt070); });
     line(0, 0, 100, 0, 1);
@@ -303,13 +303,34 @@ TEST_F(PlotTest, PdfHasTheLineweightsInMillimetres) {
     PlotOptions options = window100x50(100);
     std::string content = PdfParts(readFile(plot("weights.pdf", options))).all;
     std::size_t last = 0;
-    for (const char* width : {"\n50 w\n", "\n140 w\n", "\n400 w\n", "\n10 w\n"}) { // zero is the thinnest
+    for (const char* width : {"\n25 w\n", "\n70 w\n", "\n200 w\n", "\n5 w\n"}) { // zero is the thinnest
         EXPECT_GT(content.find(width), last) << width;
         last = content.find(width);
     }
     options.look.hasLineWeights = false;
     content = PdfParts(readFile(plot("weights.pdf", options))).all;
     EXPECT_EQ(countOf(content, " w\n"), 1u);
+}
+
+// Long strokes of texts are told from the text's place, short ones with the other lines.
+TEST_F(PlotTest, PdfStrokesOfTextsStandAtTheirPlace) {
+    PlotOptions options = window100x50(100);
+    options.paper = {120, 70};
+    options.scale = 1; // the window's lower left corner lies at 10,10 millimetres
+    const auto content = [&](const wchar_t* string, double y) {
+        auto* text = new AcDbText;
+        text->setPosition(AcGePoint3d(20, y, 0));
+        text->setHeight(6);
+        text->setTextString(string);
+        text->setTextStyle(mDatabase.textstyle());
+        add(text);
+        return PdfParts(readFile(plot("strokes.pdf", options))).all;
+    };
+    EXPECT_NE(content(L"L", 30).find("\n3000 4600 m\n3000 4000 l\n3400 4000 l\nS\n"), std::string::npos);
+    const std::string moved = content(L"LLLLL", 10);
+    EXPECT_NE(moved.find("\nq 1 0 0 1 3000 2000 cm\n0 600 m\n0 0 l\n400 0 l\n600 600 m\n"),
+              std::string::npos);
+    EXPECT_EQ(countOf(moved, "\nQ\n"), 2u); // and the window's border
 }
 
 TEST_F(PlotTest, PdfLayersCanBeSwitched) {

@@ -378,9 +378,10 @@ private:
         case circle:
             drawArc(*glyph, 1, 0, 1, pi, -2 * pi);
             break;
-        case batting:
-            drawArc(*glyph, 0, 1, 1, -pi / 2, pi);
-            drawArc(*glyph, 0, 1, 1, pi / 2, pi);
+        case batting: // one loop of a serpentine; turned round it makes the next one
+            drawArc(*glyph, 1, 1, 1, pi, -pi);
+            draw(*glyph, {{0, 0}, {0, 1}});
+            draw(*glyph, {{2, 1}, {2, 0}});
             break;
         default:
             return nullptr;

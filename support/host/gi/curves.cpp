@@ -45,11 +45,19 @@ void appendCurves(const Arc& arc, WorldPath& path) {
         std::max(1, static_cast<int>(std::ceil(std::abs(arc.sweep) / (std::numbers::pi / 4) - 1e-9)));
     const double step = arc.sweep / count;
     const double reach = 4.0 / 3.0 * std::tan(step / 4); // of the control points along the tangents
-    const auto tangent = [&](double t) { return arc.v * std::cos(t) - arc.u * std::sin(t); };
+    const double cosStep = std::cos(step), sinStep = std::sin(step);
+    double c = std::cos(arc.start), s = std::sin(arc.start);
+    AcGePoint3d point = arc.center + arc.u * c + arc.v * s;
+    AcGeVector3d control = (arc.v * c - arc.u * s) * reach;
     for (int i = 0; i < count; ++i) {
-        const double from = arc.start + i * step, to = from + step;
-        const AcGePoint3d end = arc.at(to);
-        path.curve(arc.at(from) + tangent(from) * reach, end - tangent(to) * reach, end);
+        const double turned = c * cosStep - s * sinStep;
+        s = s * cosStep + c * sinStep;
+        c = turned;
+        const AcGePoint3d end = arc.center + arc.u * c + arc.v * s;
+        const AcGeVector3d endControl = (arc.v * c - arc.u * s) * reach;
+        path.curve(point + control, end - endControl, end);
+        point = end;
+        control = endControl;
     }
 }
 

@@ -17,6 +17,13 @@ void ExtentsSink::polyline(std::span<const AcGePoint3d> points, const Pen&) {
 
 // A cubic curve reaches farthest at its ends and where a coordinate's derivative, a quadratic, is zero.
 void ExtentsSink::addCurve(const AcGePoint3d& start, const AcGePoint3d* controls) {
+    // The curve lies within its control points.
+    const auto isInside = [&](const AcGePoint3d& point) {
+        return point.x >= mMin.x && point.x <= mMax.x && point.y >= mMin.y && point.y <= mMax.y &&
+               point.z >= mMin.z && point.z <= mMax.z;
+    };
+    if (isInside(controls[0]) && isInside(controls[1]) && isInside(controls[2]))
+        return;
     add(controls[2]);
     const auto at = [&](double t) {
         const double s = 1 - t;

@@ -48,6 +48,10 @@ void FlattenCore::stroke(std::span<const AcGePoint3d> points) {
 }
 
 void FlattenCore::strokeDashed(std::span<const AcGePoint3d> points) {
+    if (std::isinf(mOptions.dashResolution)) {
+        strokeContinuous(points);
+        return;
+    }
     mRun.clear();
     for (const AcGePoint3d& point : points)
         mRun.push_back({point, 0, 0});
@@ -293,7 +297,7 @@ void FlattenCore::widePolyline(std::size_t from, std::size_t count) {
 }
 
 void FlattenCore::wideRun(std::span<const RunPoint> run, bool isClosed) {
-    if (!mLinetype->isContinuous()) {
+    if (!mLinetype->isContinuous() && std::isfinite(mOptions.dashResolution)) {
         RunCutter cutter(run);
         const double resolution = mOptions.dashResolution / std::max(mTransforms.back().scale, 1e-12);
         const DashLayout layout(*mLinetype, mLinetypeScale, cutter.length(), resolution);

@@ -141,7 +141,7 @@ std::string PdfFonts::write(PdfFile& file) const {
         entries << "/F" << i << ' ' << font << " 0 R";
     }
     entries << ">>";
-    return entries.text();
+    return entries.take();
 }
 
 } // namespace host

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-constexpr double stepsPerMillimetre = 200; // 5 micrometres: whole numbers, finer than printers
+constexpr double stepsPerMillimetre = 100; // 10 micrometres: short whole numbers, finer than printers
 constexpr double pointsPerMillimetre = 72 / 25.4;
 constexpr std::size_t longestPath = 2000;      // points; longer ones are slow in some viewers
 constexpr std::size_t streamSize = 512 * 1024; // bytes of content kept in memory
@@ -21,7 +21,8 @@ constexpr std::size_t streamSize = 512 * 1024; // bytes of content kept in memor
 
 PdfSink::PdfSink(const std::filesystem::path& path, const Sheet& sheet, const PaperLook& look)
     : mSheet(sheet), mMap(sheet, stepsPerMillimetre, false), mLook(look), mFile(path) {
-    const double step = pointsPerMillimetre / stepsPerMillimetre;
+    char step[32]; // exact over the longest sheet
+    std::snprintf(step, sizeof step, "%.10f", pointsPerMillimetre / stepsPerMillimetre);
     mContent << step << " 0 0 " << step << " 0 0 cm 1 J 1 j\n";
 }
 
@@ -55,7 +56,7 @@ void PdfSink::setLayer(const Pen& pen) {
     endLayer();
     mLayer = pen.layer->name;
     const auto [entry, isNew] = mLayerNumbers.try_emplace(*mLayer, mLayerNumbers.size());
-    mContent << "/OC /L" << entry->second << " BDC\n";
+    mContent << "/OC/L" << entry->second << " BDC\n";
 }
 
 void PdfSink::endLayer() {
@@ -160,11 +161,10 @@ void PdfSink::glyphs(const GlyphRun& run, const Pen& pen) {
         !run.text.rules.empty() || std::ranges::any_of(placed, [](const PlacedGlyph& glyph) {
             return !glyph.glyph->filled && !glyph.glyph->box().empty;
         });
-    if (hasStrokes)
+    if (hasStrokes) {
         setStroke(pen);
-    for (const PlacedGlyph& glyph : placed)
-        if (!glyph.glyph->filled)
-            strokedGlyph(run, glyph);
+        strokedGlyphs(run);
+    }
     for (const TextRule& rule : run.text.rules) {
         point(mMap(run.at(rule.startX, rule.startY)), 'm');
         point(mMap(run.at(rule.endX, rule.endY)), 'l');
@@ -217,16 +217,58 @@ void PdfSink::filledGlyphs(const GlyphRun& run) {
     mContent << "ET\n";
 }
 
-void PdfSink::strokedGlyph(const GlyphRun& run, const PlacedGlyph& placed) {
-    const auto points = placed.glyph->polylinePoints();
+template <class At>
+void PdfSink::strokedGlyph(const Glyph& glyph, const At& at) {
+    const auto points = glyph.polylinePoints();
     std::size_t start = 0;
-    for (const std::size_t end : placed.glyph->contourEnds()) {
-        for (std::size_t i = start; i < end; ++i)
-            point(mMap(run.at(placed, points[i])), i == start ? 'm' : 'l');
-        if (end - start == 1)
-            point(mMap(run.at(placed, points[start])), 'l');
-        mPathPoints += end - start;
+    for (const std::size_t end : glyph.contourEnds()) {
+        SheetPoint last = at(points[start]);
+        point(last, 'm');
+        bool isDot = true;
+        for (std::size_t i = start + 1; i < end; ++i) {
+            const SheetPoint next = at(points[i]);
+            if (next == last)
+                continue;
+            point(next, 'l');
+            last = next;
+            isDot = false;
+        }
+        if (isDot) // some viewers leave a line without length out
+            point({last.x + 1, last.y}, 'l');
         start = end;
+    }
+}
+
+// Strokes of many points are told from the text's own place: shorter numbers.
+void PdfSink::strokedGlyphs(const GlyphRun& run) {
+    constexpr std::size_t manyPoints = 12;
+    std::size_t count = 0;
+    for (const PlacedGlyph& placed : run.text.glyphs)
+        count += placed.glyph->filled ? 0 : placed.glyph->polylinePoints().size();
+    SheetPoint place = mMap(run.origin);
+    const bool isMoved = count >= manyPoints;
+    if (isMoved) {
+        strokePath();
+        mContent << "q 1 0 0 1 " << place.x << ' ' << place.y << " cm\n";
+        place = {};
+    }
+    const double scale = mMap.scale();
+    const AcGeVector3d along = run.xAxis * scale, up = run.yAxis * scale;
+    const AcGeVector3d across = along * run.text.xx, rise = along * run.text.xy + up * run.text.yy;
+    for (const PlacedGlyph& placed : run.text.glyphs) {
+        if (placed.glyph->filled)
+            continue;
+        const AcGeVector3d origin = along * placed.x + up * placed.y;
+        const auto at = [&](const GlyphPoint& point) {
+            return SheetPoint{place.x + SheetMap::rounded(origin.x + across.x * point.x + rise.x * point.y),
+                              place.y + SheetMap::rounded(origin.y + across.y * point.x + rise.y * point.y)};
+        };
+        strokedGlyph(*placed.glyph, at);
+    }
+    mPathPoints += count;
+    if (isMoved) {
+        strokePath();
+        mContent << "Q\n";
     }
 }
 
@@ -270,7 +312,9 @@ std::string PdfSink::writeLayers() {
         mFile.writeObject(object, text.text());
         groups << object << " 0 R ";
     }
-    return "/OCProperties<</OCGs[" + groups.text() + "]/D<</Order[" + groups.text() + "]>>>>";
+    TextBuffer entry;
+    entry << "/OCProperties<</OCGs[" << groups.text() << "]/D<</Order[" << groups.text() << "]>>>>";
+    return entry.take();
 }
 
 bool PdfSink::finish() {

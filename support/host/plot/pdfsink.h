@@ -41,7 +41,9 @@ private:
     void spill();      // writes the content so far as a stream when it is long
     void point(const SheetPoint& point, char operation);
     void filledGlyphs(const GlyphRun& run);
-    void strokedGlyph(const GlyphRun& run, const PlacedGlyph& placed);
+    void strokedGlyphs(const GlyphRun& run);
+    template <class At>
+    void strokedGlyph(const Glyph& glyph, const At& at);
 
     Sheet mSheet;
     SheetMap mMap;

@@ -57,7 +57,9 @@ public:
     // Far outside any sheet all places look alike.
     static std::int64_t rounded(double value) {
         constexpr double farthest = 1e9;
-        return std::llround(std::fmin(std::fmax(value, -farthest), farthest));
+        value = value > -farthest ? value : -farthest;
+        value = value < farthest ? value : farthest;
+        return static_cast<std::int64_t>(value < 0 ? value - 0.5 : value + 0.5);
     }
 
 private:

@@ -57,7 +57,7 @@ void SvgSink::endPath() {
 void SvgSink::spill() {
     if (mText.size() < bufferSize)
         return;
-    mFile.write(std::string_view(mText.text()));
+    mFile.write(mText.text());
     mText.clear();
 }
 
@@ -210,7 +210,7 @@ bool SvgSink::finish() {
     while (mOpenClips > 0)
         popClip();
     mText << "</g>\n</svg>\n";
-    mFile.write(std::string_view(mText.text()));
+    mFile.write(mText.text());
     mText.clear();
     return mFile.commit();
 }

@@ -1,8 +1,10 @@
 // A growing text into which numbers are written fast.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,18 +14,20 @@ namespace host {
 class TextBuffer {
 public:
     TextBuffer& operator<<(std::string_view text) {
-        mText += text;
+        std::memcpy(room(text.size()), text.data(), text.size());
+        mSize += text.size();
         return *this;
     }
     TextBuffer& operator<<(char character) {
-        mText += character;
+        *room(1) = character;
+        ++mSize;
         return *this;
     }
     template <std::integral Integer>
     TextBuffer& operator<<(Integer number) {
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        mText.append(digits, end);
+        constexpr std::size_t longest = 24;
+        char* const start = room(longest);
+        mSize += static_cast<std::size_t>(std::to_chars(start, start + longest, number).ptr - start);
         return *this;
     }
     // Up to six decimals, without trailing zeros.
@@ -38,14 +42,26 @@ public:
         return *this << (text == "-0" ? std::string_view("0") : text);
     }
 
-    std::size_t size() const { return mText.size(); }
-    const std::string& text() const { return mText; }
-    void clear() { mText.clear(); }
+    std::size_t size() const { return mSize; }
+    std::string_view text() const { return std::string_view(mText).substr(0, mSize); }
+    void clear() { mSize = 0; }
     // The text, leaving the buffer empty.
-    std::string take() { return std::exchange(mText, {}); }
+    std::string take() {
+        mText.resize(mSize);
+        mSize = 0;
+        return std::exchange(mText, {});
+    }
 
 private:
-    std::string mText;
+    // Where so many characters can be written after the text.
+    char* room(std::size_t count) {
+        if (mText.size() - mSize < count)
+            mText.resize(std::max({mSize + count, 2 * mText.size(), std::size_t(256)}));
+        return mText.data() + mSize;
+    }
+
+    std::string mText; // the text, and room behind it
+    std::size_t mSize = 0;
 };
 
 } // namespace host
