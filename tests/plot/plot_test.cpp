@@ -180,6 +180,7 @@ TEST(Lines, CoverAsMuchAsTheyAreWide) {
     EXPECT_NEAR(ink(-1e9, -1e9, 1e9, 1e9, 1), 50 * std::sqrt(2), 10);
     EXPECT_EQ(pixels[30 * side + 30] & 0xFF, 0u);
     EXPECT_EQ(ink(0, 2, 60, 2, 1), 0);
+    EXPECT_NEAR(ink(-HUGE_VAL, 30, HUGE_VAL, 30, 1), 50, 1);
     EXPECT_NEAR(ink(0, 30, 60, 30, 1), 50, 1e-9 + 1);
     EXPECT_EQ(pixels[30 * side + 4], 0xFFFFFFFF);
 }

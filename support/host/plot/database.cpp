@@ -7,17 +7,13 @@ namespace host {
 
 std::wstring plotExtents(AcDbDatabase* database, const std::filesystem::path& path,
                          const PlotOptions& options) {
-    const auto* space = peek<AcDbBlockTableRecord>(database->modelSpaceId());
+    auto* const space = peek<AcDbBlockTableRecord>(database->modelSpaceId());
     if (space == nullptr)
         return L"图形没有模型空间，未出图。";
     const std::unique_ptr<DrawingSource> source = drawingSource(*database);
-    const auto draw = [&](Flattener& flattener) {
-        for (AcDbStub* stub : space->entities()) {
-            if (auto* entity = peek<AcDbEntity>(AcDbObjectId(stub))) { // erased ones are not seen
-                const ReadAccess access(*entity);
-                flattener.draw(*entity);
-            }
-        }
+    const auto draw = [&](Flattener& flattener) { // in drawing order, without what is erased
+        const ReadAccess access(*space);
+        space->worldDraw(&flattener.worldDraw());
     };
     return plotDrawing(*source, draw, path, options);
 }

@@ -32,6 +32,9 @@ bool cutToBox(double& x0, double& y0, double& x1, double& y1, double left, doubl
 } // namespace
 
 void LineRaster::line(double x0, double y0, double x1, double y1) {
+    constexpr double farthest = 1e12;
+    for (double* coordinate : {&x0, &y0, &x1, &y1})
+        *coordinate = std::clamp(*coordinate, -farthest, farthest);
     const double around = mHalfWidth + 2; // what lies farther outside does not show
     if (!cutToBox(x0, y0, x1, y1, mBounds.left - around, mBounds.top - around, mBounds.right + around,
                   mBounds.bottom + around))

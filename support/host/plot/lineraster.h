@@ -23,7 +23,7 @@ public:
         mColor = color;
         mHalfWidth = width / 2;
     }
-    // Pixel coordinates, finite numbers; equal ends draw a dot.
+    // Pixel coordinates; equal ends draw a dot.
     void line(double x0, double y0, double x1, double y1);
 
 private:
