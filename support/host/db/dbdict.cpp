@@ -22,6 +22,7 @@ void initializeDictionaryClasses() {
     AcDbPlotSettings::rxInit();
     AcDbLayout::rxInit();
     AcDbPlaceHolder::rxInit();
+    AcDbGroup::rxInit();
     KeptObject::rxInit();
     KeptEntity::rxInit();
     AcDbProxyEntity::rxInit();
