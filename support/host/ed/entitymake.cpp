@@ -177,8 +177,9 @@ AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
     if (equalNoCase(name, L"DIMENSION")) {
         return acrxFindAcRxClass(dimensionClassName(integerOf(list, 70)));
     }
-    if (equalNoCase(name, L"INSERT") && (integerOf(list, 70) > 1 || integerOf(list, 71) > 1)) {
-        return acrxFindAcRxClass(L"AcDbMInsertBlock");
+    if (equalNoCase(name, L"INSERT")) {
+        const bool several = integerOf(list, 70) > 1 || integerOf(list, 71) > 1;
+        return acrxFindAcRxClass(several ? L"AcDbMInsertBlock" : L"AcDbBlockReference");
     }
     AcRxClass* found = classOfDxfName(name);
     return found != nullptr && found->isDerivedFrom(AcDbObject::desc()) ? found : nullptr;
