@@ -364,13 +364,13 @@ BernsteinPolynomial heightsOverConic(const BezierCurve& curve, const CurvePiece&
 }
 
 void bezierWithBezier(Hits& hits, const CurvePiece& first, const CurvePiece& second, double tolerance) {
+    if (liesAlong(first, second, tolerance)) {
+        sharedEnds(hits, first, second, tolerance);
+        return;
+    }
     for (const auto& [s, t] : intersectBeziers(first.bezier, second.bezier, tolerance)) {
         addHit(hits, first, second, first.from + (first.to - first.from) * s,
                second.from + (second.to - second.from) * t, tolerance);
-    }
-    if (hits.size() > 1 && liesAlong(first, second, tolerance)) {
-        hits.clear();
-        sharedEnds(hits, first, second, tolerance);
     }
 }
 
