@@ -121,6 +121,7 @@ Acad::ErrorStatus AcDbSymbolTableRecord::dwgInFields(AcDbDwgFiler* filer) {
 
 Acad::ErrorStatus AcDbSymbolTableRecord::dxfInFields(AcDbDxfFiler* filer) {
     std::string unknownMarker;
+    bool hasFlags = false;
     while (const host::DxfGroup* group = filer->nextGroup()) {
         if (group->code == 100) {
             const bool known = group->text == "AcDbSymbolTableRecord" || group->text == recordSubclass();
@@ -132,7 +133,7 @@ Acad::ErrorStatus AcDbSymbolTableRecord::dxfInFields(AcDbDxfFiler* filer) {
             keepGroup("", *group);
         } else if (group->code == 2) {
             mName = group->string();
-        } else if (group->code == 70) {
+        } else if (group->code == 70 && !std::exchange(hasFlags, true)) { // a style's 70 comes again
             mFlags = group->int16();
         } else if (!takeRecordGroup(filer, *group) && !takeObjectGroup(filer, *group)) {
             keepGroup(recordSubclass(), *group);
@@ -338,17 +339,4 @@ Acad::ErrorStatus AcDbSymbolTableIterator::seek(AcDbObjectId id) {
     }
     mIndex = found - mTable.records().begin();
     return Acad::eOk;
-}
-
-// Dimension styles.
-
-bool AcDbDimStyleTableRecord::takeRecordGroup(AcDbDxfFiler* filer, const host::DxfGroup& group) {
-    AcDb::AcDbDwgVersion version = AcDb::kDHL_CURRENT;
-    AcDb::MaintenanceReleaseVersion maintenance = AcDb::kMReleaseCurrent;
-    filer->dwgVersion(version, maintenance);
-    if (group.code != 5 || version >= AcDb::kDHL_1012) {
-        return false;
-    }
-    keepGroup(recordSubclass(), group); // before release 13 the name of an arrow block; handles are under 105
-    return true;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/db/dbentity.h"
+#include "host/db/dimvariables.h"
 #include "host/rx/text.h"
 
 #include <memory>
@@ -269,15 +270,35 @@ protected:
     std::string_view recordSubclass() const override { return "AcDbRegAppTableRecord"; }
 };
 
-// Records whose fields the host so far only keeps.
-
-class AcDbDimStyleTableRecord : public AcDbSymbolTableRecord {
+/// A dimension style: values of all dimension variables.
+class AcDbDimStyleTableRecord : public AcDbSymbolTableRecord,
+                                public host::DimVariableAccess<AcDbDimStyleTableRecord> {
     ACRX_DECLARE_MEMBERS(AcDbDimStyleTableRecord);
 
+public:
+    const host::DimVariables& dimVariables() const { return mVariables; }
+    /// Takes one variable's value.
+    Acad::ErrorStatus setDimVariable(const host::DimVariables& values, std::size_t index);
+    /// Takes all values. Dimensions of the style are made anew when the record is closed.
+    Acad::ErrorStatus setDimVariables(const host::DimVariables& values);
+
+    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
+    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
+
 protected:
+    Acad::ErrorStatus subClose() override;
     bool takeRecordGroup(AcDbDxfFiler* filer, const host::DxfGroup& group) override;
+    void writeRecordGroups(AcDbDxfFiler* filer) const override;
     std::string_view recordSubclass() const override { return "AcDbDimStyleTableRecord"; }
+
+private:
+    host::DimVariables mVariables;
+    host::DimVariableSet mGiven; ///< what a file or a caller has set: written even where it is the default
+    bool mChanged = false;
 };
+
+// Records whose fields the host so far only keeps.
+
 class AcDbViewTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbViewTableRecord);
 

@@ -165,7 +165,12 @@ private:
     void others() {
         record<AcDbRegAppTableRecord>(mContainers.regAppTable, L"ACAD");
         if (peek<AcDbSymbolTable>(mContainers.dimStyleTable)->records().empty()) {
-            record<AcDbDimStyleTableRecord>(mContainers.dimStyleTable, L"Standard");
+            record<AcDbDimStyleTableRecord>(mContainers.dimStyleTable, L"Standard",
+                                            [&](AcDbDimStyleTableRecord& style) {
+                                                DimVariables current = currentDimVariables(mDatabase);
+                                                current.txsty = mContainers.standardTextStyle;
+                                                style.setDimVariables(current);
+                                            });
         }
         record<AcDbViewportTableRecord>(mContainers.viewportTable, L"*Active",
                                         [](AcDbViewportTableRecord& viewport) {

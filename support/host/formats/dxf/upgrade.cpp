@@ -104,10 +104,11 @@ std::vector<Subclass> subclassesOf(const std::string& name, const GroupList& gro
     return {};
 }
 
-/// Arrow block names of release 12, by code, and the codes that hold the blocks' handles since.
-constexpr std::pair<short, short> arrowCodes[] = {{5, 342}, {6, 343}, {7, 344}};
+/// Arrow block names of release 12, by code, and the variables that hold the blocks since.
+constexpr std::pair<short, AcDbObjectId DimVariables::*> arrowCodes[] = {
+    {5, &DimVariables::blk}, {6, &DimVariables::blk1}, {7, &DimVariables::blk2}};
 
-void upgradeDimensionStyle(AcDbDatabase& database, AcDbObject& style) {
+void upgradeDimensionStyle(AcDbDatabase& database, AcDbDimStyleTableRecord& style) {
     const GroupList* kept = style.keptGroups("AcDbDimStyleTableRecord");
     if (kept == nullptr) {
         return;
@@ -125,7 +126,11 @@ void upgradeDimensionStyle(AcDbDatabase& database, AcDbObject& style) {
         AcDbObjectId block;
         if (!group.text.empty() &&
             blocks->AcDbSymbolTable::getAt(fromUtf8(group.text).c_str(), block) == Acad::eOk) {
-            upgraded.add(arrow->second, toUtf8(block.handle().toString()));
+            DimVariables variables = style.dimVariables();
+            variables.*(arrow->second) = block;
+            const bool open = std::exchange(style.objectId().stub()->openForWrite, true);
+            style.setDimVariable(variables, dimVariableIndex(arrow->second));
+            style.objectId().stub()->openForWrite = open;
         }
     }
     style.replaceKeptGroups("AcDbDimStyleTableRecord", std::move(upgraded));
@@ -180,8 +185,8 @@ void upgradeFromRelease12(AcDbDatabase& database) {
     database.impl().forEachStub([&](AcDbStub& stub) {
         if (auto* entity = KeptEntity::cast(stub.object)) {
             entity->record.groups = withMarkers(entity->record.recordName, entity->record.groups);
-        } else if (AcDbDimStyleTableRecord::cast(stub.object) != nullptr) {
-            upgradeDimensionStyle(database, *stub.object);
+        } else if (auto* style = AcDbDimStyleTableRecord::cast(stub.object)) {
+            upgradeDimensionStyle(database, *style);
         }
     });
 }

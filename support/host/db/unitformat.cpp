@@ -1,6 +1,7 @@
 // Distances, angles and points as text.
+#include "host/db/unitformat.h"
+
 #include "host/db/db.h"
-#include "host/ed/units.h"
 #include "host/rx/format.h"
 
 #include <cmath>
