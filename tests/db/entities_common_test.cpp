@@ -15,10 +15,11 @@ protected:
     Drawing drawing;
 };
 
-/// Without the group that says whether parts follow, which are records of their own.
+/// Without what names or counts records of their own: parts that follow, a dimension's block.
 std::vector<std::string> ownGroupsOf(const AcDbEntity& entity) {
     std::vector<std::string> groups = groupsOf(entity);
     std::erase(groups, "66=1");
+    std::erase_if(groups, [](const std::string& group) { return group.starts_with("2=*D"); });
     return groups;
 }
 
@@ -59,6 +60,7 @@ TEST_P(EntityTest, DamagedDataLeavesTheEntityAsItWas) {
     const auto entity = rich();
     const auto other = plain();
     other->setPropertiesFrom(entity.get());
+    other->setXdataGroups(entity->xdataGroups());
     const std::string before = bytesOf(*entity);
     const std::string bytes = bytesOf(*other);
     for (std::size_t size = 0; size < bytes.size(); ++size) {
@@ -186,7 +188,7 @@ std::vector<AcGeMatrix3d> transforms() {
 TEST_P(EntityTest, ATransformedCopyCoversWhatTheTransformSays) {
     for (const auto& entity : {rich(), plain()}) {
         AcDbExtents box;
-        if (entity->getGeomExtents(box) != Acad::eOk) {
+        if (!GetParam().keepsPicture || entity->getGeomExtents(box) != Acad::eOk) {
             continue; // vertices, empty polylines
         }
         for (const AcGeMatrix3d& transform : transforms()) {

@@ -74,6 +74,45 @@ void enrichCircle(T& circle, Drawing&) {
     circle.setThickness(-2);
 }
 
+template <class T>
+void placeDimension(T& dimension, Drawing& drawing) {
+    dimension.setDimensionStyle(drawing.database.dimstyle());
+}
+
+template <class T>
+void enrichDimension(T& dimension, Drawing& drawing) {
+    placeDimension(dimension, drawing);
+    dimension.setNormal(tilted);
+    dimension.setDimensionText(L"约 <> 米");
+    dimension.setTextRotation(0.4);
+    dimension.setHorizontalRotation(0.1);
+    dimension.setTextAttachment(AcDbMText::kBottomLeft);
+    dimension.setTextLineSpacingFactor(1.5);
+    dimension.setTextLineSpacingStyle(AcDb::kExactly);
+    dimension.setArrowFirstIsFlipped(true);
+    dimension.setArrowSecondIsFlipped(true);
+    dimension.setDimasz(3.5);
+    dimension.setDimpost(L"长 <>");
+    dimension.setTextPosition({4, 5, 6});
+}
+
+/// What takes the size of its text from a style keeps it, whatever the transform.
+Sample ofFixedSize(Sample made) {
+    made.keepsPicture = false;
+    return made;
+}
+
+template <class T>
+Sample dimensionSample(const char* name, const wchar_t* className, std::function<void(T&)> place) {
+    return ofFixedSize(sample<T>(
+        name, className, "DIMENSION",
+        [place](T& dimension, Drawing& drawing) {
+            enrichDimension(dimension, drawing);
+            place(dimension);
+        },
+        placeDimension<T>));
+}
+
 void enrichTrace(AcDbTrace& trace, Drawing&) {
     trace.setNormal(tilted);
     const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(tilted);
@@ -240,6 +279,109 @@ const std::vector<Sample>& samples() {
         sample<AcDbTrace>("Trace", L"AcDbTrace", "TRACE", enrichTrace),
         sample<AcDbSolid>("Solid", L"AcDbSolid", "SOLID",
                           [](AcDbSolid& solid, Drawing& d) { enrichTrace(solid, d); }),
+        sample<AcDbMText>(
+            "MText", L"AcDbMText", "MTEXT",
+            [](AcDbMText& text, Drawing& drawing) {
+                text.setTextStyle(drawing.style);
+                text.setNormal(tilted);
+                text.setRotation(0.7);
+                text.setLocation({10, 20, 3});
+                text.setTextHeight(2.5);
+                text.setWidth(40);
+                text.setHeight(30);
+                text.setContents(L"第一行\\P{\\C1;红} \\S1/2; ^x");
+                text.setAttachment(AcDbMText::kBottomRight);
+                text.setFlowDirection(AcDbMText::kByStyle);
+                text.setLineSpacingStyle(AcDb::kExactly);
+                text.setLineSpacingFactor(1.25);
+                text.setBackgroundFill(true);
+                text.setBackgroundFillColor(AcCmColor(AcCmEntityColor(1, 2, 3)));
+                text.setBackgroundScaleFactor(2);
+                text.setStaticColumns(15, 2, 2);
+                text.setColumnHeight(1, 12);
+                text.setColumnFlowReversed(true);
+            },
+            [](AcDbMText& text, Drawing& drawing) {
+                text.setTextStyle(drawing.database.standardTextStyle());
+                text.setTextHeight(1.0);
+                text.setContents(L"A");
+            }),
+        dimensionSample<AcDbAlignedDimension>("AlignedDimension", L"AcDbAlignedDimension",
+                                              [](AcDbAlignedDimension& dimension) {
+                                                  dimension.setXLine1Point({1, 2, 3});
+                                                  dimension.setXLine2Point({31, 12, 3});
+                                                  dimension.setDimLinePoint({5, 25, 3});
+                                                  dimension.setOblique(1.2);
+                                              }),
+        dimensionSample<AcDbRotatedDimension>("RotatedDimension", L"AcDbRotatedDimension",
+                                              [](AcDbRotatedDimension& dimension) {
+                                                  dimension.setXLine1Point({1, 2, 3});
+                                                  dimension.setXLine2Point({31, 12, 3});
+                                                  dimension.setDimLinePoint({5, 25, 3});
+                                                  dimension.setRotation(0.3);
+                                              }),
+        dimensionSample<AcDb2LineAngularDimension>("TwoLineAngularDimension", L"AcDb2LineAngularDimension",
+                                                   [](AcDb2LineAngularDimension& dimension) {
+                                                       dimension.setXLine1Start({0, 0, 0});
+                                                       dimension.setXLine1End({10, 0, 0});
+                                                       dimension.setXLine2Start({0, 1, 0});
+                                                       dimension.setXLine2End({8, 9, 0});
+                                                       dimension.setArcPoint({7, 3, 0});
+                                                   }),
+        dimensionSample<AcDb3PointAngularDimension>("ThreePointAngularDimension",
+                                                    L"AcDb3PointAngularDimension",
+                                                    [](AcDb3PointAngularDimension& dimension) {
+                                                        dimension.setCenterPoint({1, 1, 0});
+                                                        dimension.setXLine1Point({10, 1, 0});
+                                                        dimension.setXLine2Point({3, 9, 0});
+                                                        dimension.setArcPoint({7, 5, 0});
+                                                    }),
+        dimensionSample<AcDbRadialDimension>("RadialDimension", L"AcDbRadialDimension",
+                                             [](AcDbRadialDimension& dimension) {
+                                                 dimension.setCenter({1, 2, 0});
+                                                 dimension.setChordPoint({8, 9, 0});
+                                                 dimension.setLeaderLength(4);
+                                             }),
+        dimensionSample<AcDbDiametricDimension>("DiametricDimension", L"AcDbDiametricDimension",
+                                                [](AcDbDiametricDimension& dimension) {
+                                                    dimension.setFarChordPoint({1, 2, 0});
+                                                    dimension.setChordPoint({8, 9, 0});
+                                                    dimension.setLeaderLength(4);
+                                                }),
+        dimensionSample<AcDbOrdinateDimension>("OrdinateDimension", L"AcDbOrdinateDimension",
+                                               [](AcDbOrdinateDimension& dimension) {
+                                                   dimension.useXAxis();
+                                                   dimension.setOrigin({1, 1, 0});
+                                                   dimension.setDefiningPoint({4, 6, 0});
+                                                   dimension.setLeaderEndPoint({6, 20, 0});
+                                               }),
+        sample<AcDbLeader>(
+            "Leader", L"AcDbLeader", "LEADER",
+            [](AcDbLeader& leader, Drawing& drawing) {
+                leader.setDimensionStyle(drawing.database.dimstyle());
+                leader.setPlane(AcGePlane({0, 0, 0}, tilted));
+                leader.appendVertex({0, 0, 0});
+                leader.appendVertex({10, 5, 0});
+                leader.appendVertex({20, 5, 0});
+                leader.setToSplineLeader();
+                leader.disableArrowHead();
+                leader.setAnnotationOffset({1, 2, 0});
+                leader.setDimasz(0.5);
+            },
+            [](AcDbLeader& leader, Drawing& drawing) {
+                leader.setDimensionStyle(drawing.database.dimstyle());
+            }),
+        ofFixedSize(sample<AcDbFcf>(
+            "Tolerance", L"AcDbFcf", "TOLERANCE",
+            [](AcDbFcf& frame, Drawing& drawing) {
+                frame.setDimensionStyle(drawing.database.dimstyle());
+                frame.setText(L"{\\Fgdt;j}%%v0.1%%vA\n{\\Fgdt;f}%%v2");
+                frame.setLocation({3, 4, 5});
+                frame.setOrientation(tilted, AcGeVector3d(1, 1, 0));
+            },
+            [](AcDbFcf& frame, Drawing& drawing) {
+                frame.setDimensionStyle(drawing.database.dimstyle());
+            })),
     };
     return all;
 }

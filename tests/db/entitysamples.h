@@ -27,6 +27,8 @@ struct Sample {
     const char* dxfName;
     std::function<AcDbEntity*(Drawing&)> plain;
     std::function<AcDbEntity*(Drawing&)> rich;
+    /// Under a transform that turns, mirrors or scales it is what the transform makes of its picture.
+    bool keepsPicture = true;
 };
 inline void PrintTo(const Sample& sample, std::ostream* out) {
     *out << sample.name;

@@ -1,5 +1,6 @@
 // Dimension style records.
 #include "host/db/dbents.h"
+#include "host/db/entities/fields.h"
 
 Acad::ErrorStatus AcDbDimStyleTableRecord::setDimVariable(const host::DimVariables& values,
                                                           std::size_t index) {

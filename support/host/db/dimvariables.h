@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/db/headervars.h"
+#include "host/gi/gi.h"
 
 #include <bitset>
 #include <span>
@@ -79,11 +80,11 @@ GroupList withDimOverride(const GroupList& xdata, const DimVariables& variables,
 template <class Owner>
 class DimVariableAccess {
     template <class T>
-    T get(T DimVariables::* member) const {
+    T dimValue(T DimVariables::* member) const {
         return static_cast<const Owner&>(*this).dimVariables().*member;
     }
     template <class T>
-    Acad::ErrorStatus set(T DimVariables::* member, const T& value) {
+    Acad::ErrorStatus putDimValue(T DimVariables::* member, const T& value) {
         DimVariables changed = static_cast<const Owner&>(*this).dimVariables();
         changed.*member = value;
         const std::size_t index = dimVariableIndex(member);
@@ -91,170 +92,169 @@ class DimVariableAccess {
         return status == Acad::eOk ? static_cast<Owner&>(*this).setDimVariable(changed, index) : status;
     }
     using V = DimVariables;
-    using Int = Adesk::Int16;
-    static Int flag(bool on) { return on ? Int{1} : Int{0}; }
-    static Int whole(int value) {
-        return static_cast<Int>(value < -32768 ? -32768 : value > 32767 ? 32767 : value);
+    static Adesk::Int16 dimFlag(bool on) { return on ? Adesk::Int16{1} : Adesk::Int16{0}; }
+    static Adesk::Int16 dimNumber(int value) {
+        return static_cast<Adesk::Int16>(value < -32768 ? -32768 : value > 32767 ? 32767 : value);
     }
 
 public:
-    int dimadec() const { return get(&V::adec); }
-    bool dimalt() const { return get(&V::alt) != 0; }
-    int dimaltd() const { return get(&V::altd); }
-    double dimaltf() const { return get(&V::altf); }
-    double dimaltrnd() const { return get(&V::altrnd); }
-    int dimalttd() const { return get(&V::alttd); }
-    int dimalttz() const { return get(&V::alttz); }
-    int dimaltu() const { return get(&V::altu); }
-    int dimaltz() const { return get(&V::altz); }
-    AcString dimapost() const { return get(&V::apost); }
-    int dimarcsym() const { return get(&V::arcsym); }
-    double dimasz() const { return get(&V::asz); }
-    int dimatfit() const { return get(&V::atfit); }
-    int dimaunit() const { return get(&V::aunit); }
-    int dimazin() const { return get(&V::azin); }
-    AcDbObjectId dimblk() const { return get(&V::blk); }
-    AcDbObjectId dimblk1() const { return get(&V::blk1); }
-    AcDbObjectId dimblk2() const { return get(&V::blk2); }
-    double dimcen() const { return get(&V::cen); }
-    AcCmColor dimclrd() const { return color(get(&V::clrd)); }
-    AcCmColor dimclre() const { return color(get(&V::clre)); }
-    AcCmColor dimclrt() const { return color(get(&V::clrt)); }
-    int dimdec() const { return get(&V::dec); }
-    double dimdle() const { return get(&V::dle); }
-    double dimdli() const { return get(&V::dli); }
-    ACHAR dimdsep() const { return static_cast<ACHAR>(get(&V::dsep)); }
-    double dimexe() const { return get(&V::exe); }
-    double dimexo() const { return get(&V::exo); }
-    int dimfrac() const { return get(&V::frac); }
-    double dimfxlen() const { return get(&V::fxl); }
-    bool dimfxlenOn() const { return get(&V::fxlon) != 0; }
-    double dimgap() const { return get(&V::gap); }
-    double dimjogang() const { return get(&V::jogang); }
-    int dimjust() const { return get(&V::just); }
-    AcDbObjectId dimldrblk() const { return get(&V::ldrblk); }
-    double dimlfac() const { return get(&V::lfac); }
-    bool dimlim() const { return get(&V::lim) != 0; }
-    AcDbObjectId dimltex1() const { return get(&V::ltex1); }
-    AcDbObjectId dimltex2() const { return get(&V::ltex2); }
-    AcDbObjectId dimltype() const { return get(&V::ltype); }
-    int dimlunit() const { return get(&V::lunit); }
-    AcDb::LineWeight dimlwd() const { return static_cast<AcDb::LineWeight>(get(&V::lwd)); }
-    AcDb::LineWeight dimlwe() const { return static_cast<AcDb::LineWeight>(get(&V::lwe)); }
-    AcString dimpost() const { return get(&V::post); }
-    double dimrnd() const { return get(&V::rnd); }
-    bool dimsah() const { return get(&V::sah) != 0; }
-    double dimscale() const { return get(&V::scale); }
-    bool dimsd1() const { return get(&V::sd1) != 0; }
-    bool dimsd2() const { return get(&V::sd2) != 0; }
-    bool dimse1() const { return get(&V::se1) != 0; }
-    bool dimse2() const { return get(&V::se2) != 0; }
-    bool dimsoxd() const { return get(&V::soxd) != 0; }
-    int dimtad() const { return get(&V::tad); }
-    int dimtdec() const { return get(&V::tdec); }
-    double dimtfac() const { return get(&V::tfac); }
-    int dimtfill() const { return get(&V::tfill); }
-    AcCmColor dimtfillclr() const { return color(get(&V::tfillclr)); }
-    bool dimtih() const { return get(&V::tih) != 0; }
-    bool dimtix() const { return get(&V::tix) != 0; }
-    double dimtm() const { return get(&V::tm); }
-    int dimtmove() const { return get(&V::tmove); }
-    bool dimtofl() const { return get(&V::tofl) != 0; }
-    bool dimtoh() const { return get(&V::toh) != 0; }
-    bool dimtol() const { return get(&V::tol) != 0; }
-    int dimtolj() const { return get(&V::tolj); }
-    double dimtp() const { return get(&V::tp); }
-    double dimtsz() const { return get(&V::tsz); }
-    double dimtvp() const { return get(&V::tvp); }
-    AcDbObjectId dimtxsty() const { return get(&V::txsty); }
-    double dimtxt() const { return get(&V::txt); }
-    bool dimtxtdirection() const { return get(&V::txtdirection) != 0; }
-    int dimtzin() const { return get(&V::tzin); }
-    bool dimupt() const { return get(&V::upt) != 0; }
-    int dimzin() const { return get(&V::zin); }
+    int dimadec() const { return dimValue(&V::adec); }
+    bool dimalt() const { return dimValue(&V::alt) != 0; }
+    int dimaltd() const { return dimValue(&V::altd); }
+    double dimaltf() const { return dimValue(&V::altf); }
+    double dimaltrnd() const { return dimValue(&V::altrnd); }
+    int dimalttd() const { return dimValue(&V::alttd); }
+    int dimalttz() const { return dimValue(&V::alttz); }
+    int dimaltu() const { return dimValue(&V::altu); }
+    int dimaltz() const { return dimValue(&V::altz); }
+    AcString dimapost() const { return dimValue(&V::apost); }
+    int dimarcsym() const { return dimValue(&V::arcsym); }
+    double dimasz() const { return dimValue(&V::asz); }
+    int dimatfit() const { return dimValue(&V::atfit); }
+    int dimaunit() const { return dimValue(&V::aunit); }
+    int dimazin() const { return dimValue(&V::azin); }
+    AcDbObjectId dimblk() const { return dimValue(&V::blk); }
+    AcDbObjectId dimblk1() const { return dimValue(&V::blk1); }
+    AcDbObjectId dimblk2() const { return dimValue(&V::blk2); }
+    double dimcen() const { return dimValue(&V::cen); }
+    AcCmColor dimclrd() const { return dimColor(dimValue(&V::clrd)); }
+    AcCmColor dimclre() const { return dimColor(dimValue(&V::clre)); }
+    AcCmColor dimclrt() const { return dimColor(dimValue(&V::clrt)); }
+    int dimdec() const { return dimValue(&V::dec); }
+    double dimdle() const { return dimValue(&V::dle); }
+    double dimdli() const { return dimValue(&V::dli); }
+    ACHAR dimdsep() const { return static_cast<ACHAR>(dimValue(&V::dsep)); }
+    double dimexe() const { return dimValue(&V::exe); }
+    double dimexo() const { return dimValue(&V::exo); }
+    int dimfrac() const { return dimValue(&V::frac); }
+    double dimfxlen() const { return dimValue(&V::fxl); }
+    bool dimfxlenOn() const { return dimValue(&V::fxlon) != 0; }
+    double dimgap() const { return dimValue(&V::gap); }
+    double dimjogang() const { return dimValue(&V::jogang); }
+    int dimjust() const { return dimValue(&V::just); }
+    AcDbObjectId dimldrblk() const { return dimValue(&V::ldrblk); }
+    double dimlfac() const { return dimValue(&V::lfac); }
+    bool dimlim() const { return dimValue(&V::lim) != 0; }
+    AcDbObjectId dimltex1() const { return dimValue(&V::ltex1); }
+    AcDbObjectId dimltex2() const { return dimValue(&V::ltex2); }
+    AcDbObjectId dimltype() const { return dimValue(&V::ltype); }
+    int dimlunit() const { return dimValue(&V::lunit); }
+    AcDb::LineWeight dimlwd() const { return static_cast<AcDb::LineWeight>(dimValue(&V::lwd)); }
+    AcDb::LineWeight dimlwe() const { return static_cast<AcDb::LineWeight>(dimValue(&V::lwe)); }
+    AcString dimpost() const { return dimValue(&V::post); }
+    double dimrnd() const { return dimValue(&V::rnd); }
+    bool dimsah() const { return dimValue(&V::sah) != 0; }
+    double dimscale() const { return dimValue(&V::scale); }
+    bool dimsd1() const { return dimValue(&V::sd1) != 0; }
+    bool dimsd2() const { return dimValue(&V::sd2) != 0; }
+    bool dimse1() const { return dimValue(&V::se1) != 0; }
+    bool dimse2() const { return dimValue(&V::se2) != 0; }
+    bool dimsoxd() const { return dimValue(&V::soxd) != 0; }
+    int dimtad() const { return dimValue(&V::tad); }
+    int dimtdec() const { return dimValue(&V::tdec); }
+    double dimtfac() const { return dimValue(&V::tfac); }
+    int dimtfill() const { return dimValue(&V::tfill); }
+    AcCmColor dimtfillclr() const { return dimColor(dimValue(&V::tfillclr)); }
+    bool dimtih() const { return dimValue(&V::tih) != 0; }
+    bool dimtix() const { return dimValue(&V::tix) != 0; }
+    double dimtm() const { return dimValue(&V::tm); }
+    int dimtmove() const { return dimValue(&V::tmove); }
+    bool dimtofl() const { return dimValue(&V::tofl) != 0; }
+    bool dimtoh() const { return dimValue(&V::toh) != 0; }
+    bool dimtol() const { return dimValue(&V::tol) != 0; }
+    int dimtolj() const { return dimValue(&V::tolj); }
+    double dimtp() const { return dimValue(&V::tp); }
+    double dimtsz() const { return dimValue(&V::tsz); }
+    double dimtvp() const { return dimValue(&V::tvp); }
+    AcDbObjectId dimtxsty() const { return dimValue(&V::txsty); }
+    double dimtxt() const { return dimValue(&V::txt); }
+    bool dimtxtdirection() const { return dimValue(&V::txtdirection) != 0; }
+    int dimtzin() const { return dimValue(&V::tzin); }
+    bool dimupt() const { return dimValue(&V::upt) != 0; }
+    int dimzin() const { return dimValue(&V::zin); }
 
-    Acad::ErrorStatus setDimadec(int v) { return set(&V::adec, whole(v)); }
-    Acad::ErrorStatus setDimalt(bool v) { return set(&V::alt, flag(v)); }
-    Acad::ErrorStatus setDimaltd(int v) { return set(&V::altd, whole(v)); }
-    Acad::ErrorStatus setDimaltf(double v) { return set(&V::altf, v); }
-    Acad::ErrorStatus setDimaltrnd(double v) { return set(&V::altrnd, v); }
-    Acad::ErrorStatus setDimalttd(int v) { return set(&V::alttd, whole(v)); }
-    Acad::ErrorStatus setDimalttz(int v) { return set(&V::alttz, whole(v)); }
-    Acad::ErrorStatus setDimaltu(int v) { return set(&V::altu, whole(v)); }
-    Acad::ErrorStatus setDimaltz(int v) { return set(&V::altz, whole(v)); }
-    Acad::ErrorStatus setDimapost(const ACHAR* v) { return set(&V::apost, AcString(v)); }
-    Acad::ErrorStatus setDimarcsym(int v) { return set(&V::arcsym, whole(v)); }
-    Acad::ErrorStatus setDimasz(double v) { return set(&V::asz, v); }
-    Acad::ErrorStatus setDimatfit(int v) { return set(&V::atfit, whole(v)); }
-    Acad::ErrorStatus setDimaunit(int v) { return set(&V::aunit, whole(v)); }
-    Acad::ErrorStatus setDimazin(int v) { return set(&V::azin, whole(v)); }
-    Acad::ErrorStatus setDimblk(AcDbObjectId v) { return set(&V::blk, v); }
-    Acad::ErrorStatus setDimblk1(AcDbObjectId v) { return set(&V::blk1, v); }
-    Acad::ErrorStatus setDimblk2(AcDbObjectId v) { return set(&V::blk2, v); }
-    Acad::ErrorStatus setDimcen(double v) { return set(&V::cen, v); }
-    Acad::ErrorStatus setDimclrd(const AcCmColor& v) { return set(&V::clrd, index(v)); }
-    Acad::ErrorStatus setDimclre(const AcCmColor& v) { return set(&V::clre, index(v)); }
-    Acad::ErrorStatus setDimclrt(const AcCmColor& v) { return set(&V::clrt, index(v)); }
-    Acad::ErrorStatus setDimdec(int v) { return set(&V::dec, whole(v)); }
-    Acad::ErrorStatus setDimdle(double v) { return set(&V::dle, v); }
-    Acad::ErrorStatus setDimdli(double v) { return set(&V::dli, v); }
-    Acad::ErrorStatus setDimdsep(ACHAR v) { return set(&V::dsep, whole(v)); }
-    Acad::ErrorStatus setDimexe(double v) { return set(&V::exe, v); }
-    Acad::ErrorStatus setDimexo(double v) { return set(&V::exo, v); }
-    Acad::ErrorStatus setDimfrac(int v) { return set(&V::frac, whole(v)); }
-    Acad::ErrorStatus setDimfxlen(double v) { return set(&V::fxl, v); }
-    Acad::ErrorStatus setDimfxlenOn(bool v) { return set(&V::fxlon, flag(v)); }
-    Acad::ErrorStatus setDimgap(double v) { return set(&V::gap, v); }
-    Acad::ErrorStatus setDimjogang(double v) { return set(&V::jogang, v); }
-    Acad::ErrorStatus setDimjust(int v) { return set(&V::just, whole(v)); }
-    Acad::ErrorStatus setDimldrblk(AcDbObjectId v) { return set(&V::ldrblk, v); }
-    Acad::ErrorStatus setDimlfac(double v) { return set(&V::lfac, v); }
-    Acad::ErrorStatus setDimlim(bool v) { return set(&V::lim, flag(v)); }
-    Acad::ErrorStatus setDimltex1(AcDbObjectId v) { return set(&V::ltex1, v); }
-    Acad::ErrorStatus setDimltex2(AcDbObjectId v) { return set(&V::ltex2, v); }
-    Acad::ErrorStatus setDimltype(AcDbObjectId v) { return set(&V::ltype, v); }
-    Acad::ErrorStatus setDimlunit(int v) { return set(&V::lunit, whole(v)); }
-    Acad::ErrorStatus setDimlwd(AcDb::LineWeight v) { return set(&V::lwd, whole(v)); }
-    Acad::ErrorStatus setDimlwe(AcDb::LineWeight v) { return set(&V::lwe, whole(v)); }
-    Acad::ErrorStatus setDimpost(const ACHAR* v) { return set(&V::post, AcString(v)); }
-    Acad::ErrorStatus setDimrnd(double v) { return set(&V::rnd, v); }
-    Acad::ErrorStatus setDimsah(bool v) { return set(&V::sah, flag(v)); }
-    Acad::ErrorStatus setDimscale(double v) { return set(&V::scale, v); }
-    Acad::ErrorStatus setDimsd1(bool v) { return set(&V::sd1, flag(v)); }
-    Acad::ErrorStatus setDimsd2(bool v) { return set(&V::sd2, flag(v)); }
-    Acad::ErrorStatus setDimse1(bool v) { return set(&V::se1, flag(v)); }
-    Acad::ErrorStatus setDimse2(bool v) { return set(&V::se2, flag(v)); }
-    Acad::ErrorStatus setDimsoxd(bool v) { return set(&V::soxd, flag(v)); }
-    Acad::ErrorStatus setDimtad(int v) { return set(&V::tad, whole(v)); }
-    Acad::ErrorStatus setDimtdec(int v) { return set(&V::tdec, whole(v)); }
-    Acad::ErrorStatus setDimtfac(double v) { return set(&V::tfac, v); }
-    Acad::ErrorStatus setDimtfill(int v) { return set(&V::tfill, whole(v)); }
-    Acad::ErrorStatus setDimtfillclr(const AcCmColor& v) { return set(&V::tfillclr, index(v)); }
-    Acad::ErrorStatus setDimtih(bool v) { return set(&V::tih, flag(v)); }
-    Acad::ErrorStatus setDimtix(bool v) { return set(&V::tix, flag(v)); }
-    Acad::ErrorStatus setDimtm(double v) { return set(&V::tm, v); }
-    Acad::ErrorStatus setDimtmove(int v) { return set(&V::tmove, whole(v)); }
-    Acad::ErrorStatus setDimtofl(bool v) { return set(&V::tofl, flag(v)); }
-    Acad::ErrorStatus setDimtoh(bool v) { return set(&V::toh, flag(v)); }
-    Acad::ErrorStatus setDimtol(bool v) { return set(&V::tol, flag(v)); }
-    Acad::ErrorStatus setDimtolj(int v) { return set(&V::tolj, whole(v)); }
-    Acad::ErrorStatus setDimtp(double v) { return set(&V::tp, v); }
-    Acad::ErrorStatus setDimtsz(double v) { return set(&V::tsz, v); }
-    Acad::ErrorStatus setDimtvp(double v) { return set(&V::tvp, v); }
-    Acad::ErrorStatus setDimtxsty(AcDbObjectId v) { return set(&V::txsty, v); }
-    Acad::ErrorStatus setDimtxt(double v) { return set(&V::txt, v); }
-    Acad::ErrorStatus setDimtxtdirection(bool v) { return set(&V::txtdirection, flag(v)); }
-    Acad::ErrorStatus setDimtzin(int v) { return set(&V::tzin, whole(v)); }
-    Acad::ErrorStatus setDimupt(bool v) { return set(&V::upt, flag(v)); }
-    Acad::ErrorStatus setDimzin(int v) { return set(&V::zin, whole(v)); }
+    Acad::ErrorStatus setDimadec(int v) { return putDimValue(&V::adec, dimNumber(v)); }
+    Acad::ErrorStatus setDimalt(bool v) { return putDimValue(&V::alt, dimFlag(v)); }
+    Acad::ErrorStatus setDimaltd(int v) { return putDimValue(&V::altd, dimNumber(v)); }
+    Acad::ErrorStatus setDimaltf(double v) { return putDimValue(&V::altf, v); }
+    Acad::ErrorStatus setDimaltrnd(double v) { return putDimValue(&V::altrnd, v); }
+    Acad::ErrorStatus setDimalttd(int v) { return putDimValue(&V::alttd, dimNumber(v)); }
+    Acad::ErrorStatus setDimalttz(int v) { return putDimValue(&V::alttz, dimNumber(v)); }
+    Acad::ErrorStatus setDimaltu(int v) { return putDimValue(&V::altu, dimNumber(v)); }
+    Acad::ErrorStatus setDimaltz(int v) { return putDimValue(&V::altz, dimNumber(v)); }
+    Acad::ErrorStatus setDimapost(const ACHAR* v) { return putDimValue(&V::apost, AcString(v)); }
+    Acad::ErrorStatus setDimarcsym(int v) { return putDimValue(&V::arcsym, dimNumber(v)); }
+    Acad::ErrorStatus setDimasz(double v) { return putDimValue(&V::asz, v); }
+    Acad::ErrorStatus setDimatfit(int v) { return putDimValue(&V::atfit, dimNumber(v)); }
+    Acad::ErrorStatus setDimaunit(int v) { return putDimValue(&V::aunit, dimNumber(v)); }
+    Acad::ErrorStatus setDimazin(int v) { return putDimValue(&V::azin, dimNumber(v)); }
+    Acad::ErrorStatus setDimblk(AcDbObjectId v) { return putDimValue(&V::blk, v); }
+    Acad::ErrorStatus setDimblk1(AcDbObjectId v) { return putDimValue(&V::blk1, v); }
+    Acad::ErrorStatus setDimblk2(AcDbObjectId v) { return putDimValue(&V::blk2, v); }
+    Acad::ErrorStatus setDimcen(double v) { return putDimValue(&V::cen, v); }
+    Acad::ErrorStatus setDimclrd(const AcCmColor& v) { return putDimValue(&V::clrd, dimColorIndex(v)); }
+    Acad::ErrorStatus setDimclre(const AcCmColor& v) { return putDimValue(&V::clre, dimColorIndex(v)); }
+    Acad::ErrorStatus setDimclrt(const AcCmColor& v) { return putDimValue(&V::clrt, dimColorIndex(v)); }
+    Acad::ErrorStatus setDimdec(int v) { return putDimValue(&V::dec, dimNumber(v)); }
+    Acad::ErrorStatus setDimdle(double v) { return putDimValue(&V::dle, v); }
+    Acad::ErrorStatus setDimdli(double v) { return putDimValue(&V::dli, v); }
+    Acad::ErrorStatus setDimdsep(ACHAR v) { return putDimValue(&V::dsep, dimNumber(v)); }
+    Acad::ErrorStatus setDimexe(double v) { return putDimValue(&V::exe, v); }
+    Acad::ErrorStatus setDimexo(double v) { return putDimValue(&V::exo, v); }
+    Acad::ErrorStatus setDimfrac(int v) { return putDimValue(&V::frac, dimNumber(v)); }
+    Acad::ErrorStatus setDimfxlen(double v) { return putDimValue(&V::fxl, v); }
+    Acad::ErrorStatus setDimfxlenOn(bool v) { return putDimValue(&V::fxlon, dimFlag(v)); }
+    Acad::ErrorStatus setDimgap(double v) { return putDimValue(&V::gap, v); }
+    Acad::ErrorStatus setDimjogang(double v) { return putDimValue(&V::jogang, v); }
+    Acad::ErrorStatus setDimjust(int v) { return putDimValue(&V::just, dimNumber(v)); }
+    Acad::ErrorStatus setDimldrblk(AcDbObjectId v) { return putDimValue(&V::ldrblk, v); }
+    Acad::ErrorStatus setDimlfac(double v) { return putDimValue(&V::lfac, v); }
+    Acad::ErrorStatus setDimlim(bool v) { return putDimValue(&V::lim, dimFlag(v)); }
+    Acad::ErrorStatus setDimltex1(AcDbObjectId v) { return putDimValue(&V::ltex1, v); }
+    Acad::ErrorStatus setDimltex2(AcDbObjectId v) { return putDimValue(&V::ltex2, v); }
+    Acad::ErrorStatus setDimltype(AcDbObjectId v) { return putDimValue(&V::ltype, v); }
+    Acad::ErrorStatus setDimlunit(int v) { return putDimValue(&V::lunit, dimNumber(v)); }
+    Acad::ErrorStatus setDimlwd(AcDb::LineWeight v) { return putDimValue(&V::lwd, dimNumber(v)); }
+    Acad::ErrorStatus setDimlwe(AcDb::LineWeight v) { return putDimValue(&V::lwe, dimNumber(v)); }
+    Acad::ErrorStatus setDimpost(const ACHAR* v) { return putDimValue(&V::post, AcString(v)); }
+    Acad::ErrorStatus setDimrnd(double v) { return putDimValue(&V::rnd, v); }
+    Acad::ErrorStatus setDimsah(bool v) { return putDimValue(&V::sah, dimFlag(v)); }
+    Acad::ErrorStatus setDimscale(double v) { return putDimValue(&V::scale, v); }
+    Acad::ErrorStatus setDimsd1(bool v) { return putDimValue(&V::sd1, dimFlag(v)); }
+    Acad::ErrorStatus setDimsd2(bool v) { return putDimValue(&V::sd2, dimFlag(v)); }
+    Acad::ErrorStatus setDimse1(bool v) { return putDimValue(&V::se1, dimFlag(v)); }
+    Acad::ErrorStatus setDimse2(bool v) { return putDimValue(&V::se2, dimFlag(v)); }
+    Acad::ErrorStatus setDimsoxd(bool v) { return putDimValue(&V::soxd, dimFlag(v)); }
+    Acad::ErrorStatus setDimtad(int v) { return putDimValue(&V::tad, dimNumber(v)); }
+    Acad::ErrorStatus setDimtdec(int v) { return putDimValue(&V::tdec, dimNumber(v)); }
+    Acad::ErrorStatus setDimtfac(double v) { return putDimValue(&V::tfac, v); }
+    Acad::ErrorStatus setDimtfill(int v) { return putDimValue(&V::tfill, dimNumber(v)); }
+    Acad::ErrorStatus setDimtfillclr(const AcCmColor& v) { return putDimValue(&V::tfillclr, dimColorIndex(v)); }
+    Acad::ErrorStatus setDimtih(bool v) { return putDimValue(&V::tih, dimFlag(v)); }
+    Acad::ErrorStatus setDimtix(bool v) { return putDimValue(&V::tix, dimFlag(v)); }
+    Acad::ErrorStatus setDimtm(double v) { return putDimValue(&V::tm, v); }
+    Acad::ErrorStatus setDimtmove(int v) { return putDimValue(&V::tmove, dimNumber(v)); }
+    Acad::ErrorStatus setDimtofl(bool v) { return putDimValue(&V::tofl, dimFlag(v)); }
+    Acad::ErrorStatus setDimtoh(bool v) { return putDimValue(&V::toh, dimFlag(v)); }
+    Acad::ErrorStatus setDimtol(bool v) { return putDimValue(&V::tol, dimFlag(v)); }
+    Acad::ErrorStatus setDimtolj(int v) { return putDimValue(&V::tolj, dimNumber(v)); }
+    Acad::ErrorStatus setDimtp(double v) { return putDimValue(&V::tp, v); }
+    Acad::ErrorStatus setDimtsz(double v) { return putDimValue(&V::tsz, v); }
+    Acad::ErrorStatus setDimtvp(double v) { return putDimValue(&V::tvp, v); }
+    Acad::ErrorStatus setDimtxsty(AcDbObjectId v) { return putDimValue(&V::txsty, v); }
+    Acad::ErrorStatus setDimtxt(double v) { return putDimValue(&V::txt, v); }
+    Acad::ErrorStatus setDimtxtdirection(bool v) { return putDimValue(&V::txtdirection, dimFlag(v)); }
+    Acad::ErrorStatus setDimtzin(int v) { return putDimValue(&V::tzin, dimNumber(v)); }
+    Acad::ErrorStatus setDimupt(bool v) { return putDimValue(&V::upt, dimFlag(v)); }
+    Acad::ErrorStatus setDimzin(int v) { return putDimValue(&V::zin, dimNumber(v)); }
 
 private:
-    static AcCmColor color(Int index) {
+    static AcCmColor dimColor(Adesk::Int16 index) {
         AcCmEntityColor color;
         color.setColorIndex(index);
         return AcCmColor(color);
     }
-    static Int index(const AcCmColor& color) { return color.entityColor().colorIndex(); }
+    static Adesk::Int16 dimColorIndex(const AcCmColor& color) { return color.entityColor().colorIndex(); }
 };
 
 template <class Self, class Walk>

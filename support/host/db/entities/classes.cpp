@@ -11,6 +11,10 @@ void host::initializeEntityClasses() {
         AcDb2dPolyline::rxInit,     AcDbText::rxInit,           AcDbAttributeDefinition::rxInit,
         AcDbAttribute::rxInit,      AcDbBlockReference::rxInit, AcDbTrace::rxInit,
         AcDbSolid::rxInit,
+        // Annotation.
+        AcDbMText::rxInit, AcDbDimension::rxInit, AcDbAlignedDimension::rxInit, AcDbRotatedDimension::rxInit,
+        AcDb2LineAngularDimension::rxInit, AcDb3PointAngularDimension::rxInit, AcDbRadialDimension::rxInit,
+        AcDbDiametricDimension::rxInit, AcDbOrdinateDimension::rxInit, AcDbLeader::rxInit, AcDbFcf::rxInit,
     };
     for (void (*registration)() : registrations) {
         registration();

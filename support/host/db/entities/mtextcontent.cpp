@@ -2,6 +2,7 @@
 #include "host/db/entities/mtextcontent.h"
 
 #include "host/db/entities/fields.h"
+#include "host/rx/codepage.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
