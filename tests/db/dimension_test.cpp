@@ -467,6 +467,24 @@ TEST_F(DimensionTest, AStyleChangesItsDimensions) {
     EXPECT_EQ(host::peek<AcDbDimStyleTableRecord>(style)->dimpost(), L"");
 }
 
+TEST_F(DimensionTest, CurrentValuesBecomeOverridesOfNewDimensions) {
+    ASSERT_EQ(drawing.database.setDimstyleData(style), Acad::eOk);
+    const host::DimVariables current = host::currentDimVariables(drawing.database);
+    for (std::size_t index = 0; index < host::dimVariables().size(); ++index) {
+        EXPECT_TRUE(host::equalDimVariable(
+            current, host::peek<AcDbDimStyleTableRecord>(style)->dimVariables(), index))
+            << host::dimVariables()[index].name;
+    }
+    AcDbAlignedDimension same({0, 0, 0}, {10, 0, 0}, {0, 5, 0});
+    same.setDatabaseDefaults(&drawing.database);
+    EXPECT_TRUE(same.xdataGroups().empty());
+    drawing.database.setVariable(*host::findHeaderVariable("DIMDEC"), Adesk::Int16{0});
+    AcDbAlignedDimension other({0, 0, 0}, {10, 0, 0}, {0, 5, 0});
+    other.setDatabaseDefaults(&drawing.database);
+    EXPECT_EQ(other.dimdec(), 0);
+    EXPECT_EQ(same.dimdec(), 2);
+}
+
 // Overrides.
 
 TEST_F(DimensionTest, OverridesLeaveOtherDataAsItIs) {

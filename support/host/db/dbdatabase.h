@@ -147,6 +147,10 @@ public:
     AcDbObjectId textstyle() const;
     Acad::ErrorStatus setTextstyle(AcDbObjectId style);
     AcDbObjectId dimstyle() const;
+    /// Makes the style current; its values stay as they are until setDimstyleData.
+    Acad::ErrorStatus setDimstyle(AcDbObjectId style);
+    /// Makes the style's values those of new dimensions.
+    Acad::ErrorStatus setDimstyleData(AcDbObjectId style);
     AcCmColor cecolor() const;
     Acad::ErrorStatus setCecolor(const AcCmColor& color);
     AcDb::LineWeight celweight() const;

@@ -182,6 +182,33 @@ DimVariables currentDimVariables(const AcDbDatabase& database) {
     return current;
 }
 
+Acad::ErrorStatus setCurrentDimVariables(AcDbDatabase& database, const DimVariables& variables) {
+    Acad::ErrorStatus status = Acad::eOk;
+    for (const DimVariable& variable : table) {
+        const std::optional<HeaderIndex> index = findHeaderVariable(std::string("DIM") + variable.name);
+        if (!index) {
+            continue;
+        }
+        const HeaderValue before = database.variable(*index);
+        std::visit(
+            [&](auto member) {
+                const auto& value = variables.*member;
+                using Value = std::remove_cvref_t<decltype(value)>;
+                HeaderValue header = value;
+                if constexpr (std::is_same_v<Value, AcDbObjectId>) {
+                    if (std::holds_alternative<AcString>(before)) {
+                        header = recordName(value);
+                    }
+                }
+                if (const Acad::ErrorStatus one = database.setVariable(*index, header); one != Acad::eOk) {
+                    status = one;
+                }
+            },
+            variable.member);
+    }
+    return status;
+}
+
 // Overrides: 1001 ACAD, 1000 DSTYLE, 1002 {, then pairs of a code (1070) and a value, 1002 }.
 
 namespace {

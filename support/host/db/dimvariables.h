@@ -68,6 +68,8 @@ Acad::ErrorStatus checkDimVariable(const DimVariables& variables, std::size_t in
 
 /// The drawing's current values: its header.
 DimVariables currentDimVariables(const AcDbDatabase& database);
+/// Makes the values current. Recorded for undo.
+Acad::ErrorStatus setCurrentDimVariables(AcDbDatabase& database, const DimVariables& variables);
 
 /// Overrides that extended data of an entity holds (application ACAD, list DSTYLE).
 DimVariableSet applyDimOverrides(DimVariables& variables, const GroupList& xdata, AcDbDatabase* database);

@@ -391,6 +391,15 @@ AcDbObjectId AcDbDatabase::dimstyle() const {
     }
     return current(*this, "DIMSTYLE", standard);
 }
+Acad::ErrorStatus AcDbDatabase::setDimstyle(AcDbObjectId style) {
+    return host::peek<AcDbDimStyleTableRecord>(style) != nullptr ? put(*this, "DIMSTYLE", style)
+                                                                 : Acad::eInvalidInput;
+}
+Acad::ErrorStatus AcDbDatabase::setDimstyleData(AcDbObjectId style) {
+    const auto* record = host::peek<AcDbDimStyleTableRecord>(style);
+    return record != nullptr ? host::setCurrentDimVariables(*this, record->dimVariables())
+                             : Acad::eInvalidInput;
+}
 AcCmColor AcDbDatabase::cecolor() const {
     AcCmEntityColor color;
     color.setColorIndex(get<Adesk::Int16>(*this, "CECOLOR"));

@@ -312,11 +312,15 @@ std::vector<AcGePoint3d> AcDbLeader::path() const {
         if (variables.tad != 0 && m.annotationType == kMText) { // on below the text
             length = std::fabs(variables.gap) * scale + m.annotationWidth;
             points.push_back(points.back() + m.horizontal * (sign * length));
-        } else {
-            // The hook line ends at the vertex: the path comes to its other end.
+        } else if (points.size() > 1) {
+            // The hook line ends at the vertex and the path comes to its other end, unless a last piece that
+            // is level already is the hook line.
             const AcGePoint3d end = points.back();
-            points.back() = end - m.horizontal * (sign * length);
-            points.push_back(end);
+            const AcGeVector3d last = end - points[points.size() - 2];
+            if (std::fabs(last.dotProduct(m.horizontal)) < last.length() * (1.0 - 1e-9)) {
+                points.back() = end - m.horizontal * (sign * length);
+                points.push_back(end);
+            }
         }
     }
     return points;
