@@ -1,6 +1,8 @@
 // Multi-line texts: inline codes, breaking of lines, places of lines, stacks and columns, files.
 #include "entitysamples.h"
 
+#include "host/db/drawingsource.h"
+#include "host/gi/flatten.h"
 #include "host/rx/text.h"
 
 #include <cmath>
@@ -282,6 +284,48 @@ TEST_F(MTextTest, ExplodesIntoLinesOfText) {
         },
         &fragments);
     EXPECT_EQ(fragments, 2);
+}
+
+class RunSink : public host::PrimitiveSink {
+public:
+    void polyline(std::span<const AcGePoint3d> points, const host::Pen&) override {
+        lines.emplace_back(points.begin(), points.end());
+    }
+    void area(const host::Area&, const host::Pen& pen) override { fills.push_back(pen.color); }
+    void glyphs(const host::GlyphRun& run, const host::Pen& pen) override {
+        origins.push_back(run.origin);
+        colors.push_back(pen.color.colorIndex());
+    }
+    std::vector<std::vector<AcGePoint3d>> lines;
+    std::vector<AcCmEntityColor> fills;
+    std::vector<AcGePoint3d> origins;
+    std::vector<Adesk::Int16> colors;
+};
+
+TEST_F(MTextTest, DrawsWhatWasMeasured) {
+    auto* made = text(L"ab {\\C1;cd}\\Pef \\S1/2;", 100.0).release();
+    made->setRotation(host::halfPi);
+    made->setLocation({10, 20, 0});
+    made->setAttachment(AcDbMText::kMiddleCenter);
+    made->setBackgroundFill(true);
+    made->setBackgroundFillColor(AcCmColor(AcCmEntityColor(1, 2, 3)));
+    made->setColorIndex(5);
+    drawing.append(made);
+    RunSink sink;
+    const auto source = host::drawingSource(drawing.database);
+    host::Flattener flattener(*source, sink, {});
+    const host::ReadAccess access(*made);
+    flattener.draw(*made);
+    const host::MTextLayout layout = made->layout();
+    ASSERT_EQ(sink.origins.size(), layout.runs.size());
+    for (std::size_t index = 0; index < layout.runs.size(); ++index) {
+        const host::MTextRun& run = layout.runs[index];
+        EXPECT_TRUE(sink.origins[index].isEqualTo({10 - run.y, 20 + run.x, 0})) << index;
+        EXPECT_EQ(sink.colors[index], run.hasColor ? 1 : 5) << index;
+    }
+    EXPECT_EQ(sink.lines.size(), 1U); // the fraction's bar
+    ASSERT_EQ(sink.fills.size(), 1U);
+    EXPECT_EQ(sink.fills[0].blue(), 3);
 }
 
 TEST_F(MTextTest, ScalingTakesHeightsInCodesAlong) {

@@ -172,6 +172,9 @@ AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
                                                        : L"AcDb2dPolyline";
         return acrxFindAcRxClass(className);
     }
+    if (equalNoCase(name, L"DIMENSION")) {
+        return acrxFindAcRxClass(dimensionClassName(integerOf(list, 70)));
+    }
     AcRxClass* found = classOfDxfName(name);
     return found != nullptr && found->isDerivedFrom(AcDbObject::desc()) ? found : nullptr;
 }

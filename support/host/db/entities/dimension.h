@@ -68,6 +68,8 @@ struct DimensionData {
     void set(int flag, bool on) { flags = static_cast<Adesk::Int16>(on ? flags | flag : flags & ~flag); }
 };
 
+/// Name of the class for a group 70; empty for a kind that does not exist.
+const wchar_t* dimensionClassName(Adesk::Int64 type);
 /// Makes the blocks of all dimensions of a style anew.
 void rebuildDimensionsOf(AcDbObjectId style);
 

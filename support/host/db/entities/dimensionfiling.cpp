@@ -7,19 +7,36 @@
 
 #include <algorithm>
 
+const wchar_t* host::dimensionClassName(Adesk::Int64 type) {
+    constexpr const wchar_t* names[] = {L"AcDbRotatedDimension",      L"AcDbAlignedDimension",
+                                        L"AcDb2LineAngularDimension", L"AcDbDiametricDimension",
+                                        L"AcDbRadialDimension",       L"AcDb3PointAngularDimension",
+                                        L"AcDbOrdinateDimension"};
+    const auto kind = static_cast<std::size_t>(type & 7);
+    return kind < std::size(names) ? names[kind] : L"";
+}
+
 Acad::ErrorStatus AcDbDimension::dwgOutFields(AcDbDwgFiler* filer) const {
-    const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer);
-    return status == Acad::eOk ? host::writeFields(filer, m) : status;
+    if (const Acad::ErrorStatus status = AcDbEntity::dwgOutFields(filer); status != Acad::eOk) {
+        return status;
+    }
+    filer->writeBool(mStale);
+    filer->writeVector3d(mMoved);
+    return host::writeFields(filer, m);
 }
 
 Acad::ErrorStatus AcDbDimension::dwgInFields(AcDbDwgFiler* filer) {
     Acad::ErrorStatus status = AcDbEntity::dwgInFields(filer);
+    bool isStale = false;
+    AcGeVector3d moved;
     if (status == Acad::eOk) {
+        filer->readBool(&isStale);
+        filer->readVector3d(&moved);
         status = host::readFields(filer, m);
     }
     if (status == Acad::eOk) {
-        mStale = false;
-        mMoved = AcGeVector3d();
+        mStale = isStale;
+        mMoved = host::isFinite(moved) ? moved : AcGeVector3d();
         mBorrowed = filer->filerType() == AcDb::kCopyFiler || filer->filerType() == AcDb::kDeepCloneFiler;
     }
     return status;
@@ -117,7 +134,7 @@ bool AcDbDimension::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& grou
         m.textAttachment = group.integer >= 1 && group.integer <= 9 ? group.int16() : Adesk::Int16{5};
         return true;
     case 72:
-        m.textSpacingStyle = group.integer == 2 ? AcDb::kExactly : AcDb::kAtLeast;
+        m.textSpacingStyle = static_cast<Adesk::Int16>(group.integer == 2 ? AcDb::kExactly : AcDb::kAtLeast);
         return true;
     case 74:
         m.flip = static_cast<Adesk::Int16>((m.flip & 2) | (group.boolean() ? 1 : 0));
@@ -145,6 +162,7 @@ Acad::ErrorStatus AcDbDimension::dxfGroupsRead(AcDbDxfFiler* filer) {
     if (m.style.isNull() && filer->database() != nullptr) {
         m.style = filer->database()->dimstyle();
     }
+    mStale = filer->filerType() == AcDb::kBagFiler; // given as a list, not by a file that has the block too
     return Acad::eOk;
 }
 

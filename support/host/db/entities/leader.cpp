@@ -209,16 +209,16 @@ AcDbObjectId AcDbLeader::annotationObjId() const {
 
 Acad::ErrorStatus AcDbLeader::attachAnnotation(AcDbObjectId annotation) {
     AcDbEntity* entity = host::peek<AcDbEntity>(annotation);
-    const Adesk::Int16 type = AcDbMText::cast(entity) != nullptr            ? kMText
-                              : AcDbFcf::cast(entity) != nullptr            ? kFcf
-                              : AcDbBlockReference::cast(entity) != nullptr ? kBlockRef
-                                                                            : kNoAnno;
+    const AnnoType type = AcDbMText::cast(entity) != nullptr            ? kMText
+                          : AcDbFcf::cast(entity) != nullptr            ? kFcf
+                          : AcDbBlockReference::cast(entity) != nullptr ? kBlockRef
+                                                                        : kNoAnno;
     if (type == kNoAnno) {
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
     m.annotation = annotation;
-    m.annotationType = type;
+    m.annotationType = static_cast<Adesk::Int16>(type);
     if (!objectId().isNull() && !entity->hasPersistentReactor(objectId())) {
         const host::Opened<AcDbEntity> opened(annotation, AcDb::kForWrite);
         if (opened) {

@@ -115,7 +115,7 @@ bool AcDbMText::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, s
         m.flow = group.integer >= 1 && group.integer <= 5 ? group.int16() : Adesk::Int16{1};
         return true;
     case 73:
-        m.spacingStyle = group.integer == 2 ? AcDb::kExactly : AcDb::kAtLeast;
+        m.spacingStyle = static_cast<Adesk::Int16>(group.integer == 2 ? AcDb::kExactly : AcDb::kAtLeast);
         return true;
     case 90:
         m.fill = group.int32();

@@ -1,6 +1,7 @@
 // The table of record names, and the names with several classes.
 #include "host/formats/dxf/recordclasses.h"
 
+#include "host/db/entities/dimension.h"
 #include "host/db/entities/subentities.h"
 #include "host/rx/text.h"
 
@@ -73,15 +74,6 @@ const ACHAR* polylineClass(std::int64_t flags) {
     return (flags & 64) != 0 ? L"AcDbPolyFaceMesh" : L"AcDb2dPolyline";
 }
 
-const ACHAR* dimensionClass(std::int64_t type) {
-    constexpr const ACHAR* names[] = {L"AcDbRotatedDimension",      L"AcDbAlignedDimension",
-                                      L"AcDb2LineAngularDimension", L"AcDbDiametricDimension",
-                                      L"AcDbRadialDimension",       L"AcDb3PointAngularDimension",
-                                      L"AcDbOrdinateDimension"};
-    const std::int64_t kind = type & 7;
-    return kind < static_cast<std::int64_t>(std::size(names)) ? names[kind] : L"";
-}
-
 constexpr KnownClass knownClasses[] = {
     {L"ACDBDICTIONARYWDFLT", L"AcDbDictionaryWithDefault", L"ObjectDBX Classes", 0, false},
     {L"DICTIONARYVAR", L"AcDbDictionaryVar", L"ObjectDBX Classes", 0, false},
@@ -138,7 +130,7 @@ AcRxClass* RecordClasses::classOf(FileFiler& filer) const {
         return creatable(polylineClass(filer.peekInteger(70, 0)));
     }
     if (name == "DIMENSION") {
-        return creatable(dimensionClass(filer.peekInteger(70, 0)));
+        return creatable(dimensionClassName(filer.peekInteger(70, 0)));
     }
     if (name == "INSERT") {
         const bool several =
