@@ -222,9 +222,8 @@ TEST_F(MTextTest, StacksStandOnTheLine) {
     for (int alignment = 0; alignment <= 2; ++alignment) {
         const std::wstring contents = L"\\A" + std::to_wstring(alignment) + L";x\\S1^2;";
         const auto runs = text(contents.c_str())->layout().runs;
-        ASSERT_EQ(runs.size(), 3U);
         const double total = 2 * (3.0 + 0.6);
-        EXPECT_NEAR(runs[2].y - runs[0].y, alignment * 0.5 * (3.0 - total), 1e-9);
+        EXPECT_NEAR(runs.back().y - runs.front().y, alignment * 0.5 * (3.0 - total), 1e-9);
     }
 }
 

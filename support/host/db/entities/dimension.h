@@ -270,6 +270,10 @@ protected:
     double subMeasurement() const override { return sector().sweep; }
     void paint(DimensionPainter& painter) const override;
     DimMeasure measures() const override { return DimMeasure::angle; }
+
+private:
+    void paintExtensionLine(DimensionPainter& painter, const Sector& at, const AcGePoint2d& origin,
+                            double angle, bool second) const;
 };
 
 /// What radial and diametric dimensions share.
@@ -285,6 +289,10 @@ protected:
     void paint(DimensionPainter& painter) const override;
     std::vector<Point> usedPoints() const override { return {Point::first, Point::fourth}; }
     virtual bool isDiametric() const = 0;
+
+private:
+    void paintInside(DimensionPainter& painter, const AcGePoint2d& chord, const AcGePoint2d& other) const;
+    void paintLeader(DimensionPainter& painter, const AcGePoint2d& chord, const AcGeVector2d& out) const;
 };
 
 } // namespace host
