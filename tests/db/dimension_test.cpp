@@ -401,6 +401,29 @@ TEST_F(DimensionTest, BlockIsMadeAndFollowsChanges) {
     EXPECT_TRUE(block.isErased());
 }
 
+TEST_F(DimensionTest, OnlyBlocksOfDimensionsGoWithThem) {
+    // A file that names another block as the dimension's own does not cost that block.
+    for (const AcDbObjectId block : {drawing.database.modelSpaceId(), drawing.block}) {
+        host::ResbufBuilder builder;
+        const auto* record = host::peek<AcDbBlockTableRecord>(block);
+        builder.string(100, L"AcDbEntity").string(8, L"0").string(100, L"AcDbDimension");
+        builder.string(2, record->name().kwszPtr()).point(10, 0, 20, 0).integer(70, 33);
+        builder.string(100, L"AcDbAlignedDimension").point(13, 0, 0, 0).point(14, 100, 0, 0);
+        const host::ResbufList list = builder.release();
+        host::ResbufDxfReader reader(&drawing.database, list.get());
+        auto* dimension = new AcDbAlignedDimension;
+        ASSERT_EQ(dimension->dxfIn(&reader), Acad::eOk);
+        const AcDbObjectId id = drawing.append(dimension);
+        {
+            const host::Opened<AcDbDimension> open(id, AcDb::kForWrite);
+            open->setDimensionText(L"x");
+        }
+        const host::Opened<AcDbDimension> open(id, AcDb::kForWrite);
+        open->erase();
+        EXPECT_FALSE(block.isErased());
+    }
+}
+
 TEST_F(DimensionTest, AMoveKeepsThePictureOfTheFile) {
     const AcDbObjectId id = appendRotated();
     // A line of another program's own in the block.

@@ -323,7 +323,8 @@ std::vector<std::unique_ptr<AcDbEntity>> AcDbDimension::computedParts(AcGePoint3
 }
 
 bool AcDbDimension::showsBlock() const {
-    return !mStale && host::peek<AcDbBlockTableRecord>(m.block) != nullptr;
+    const auto* block = mStale ? nullptr : host::peek<AcDbBlockTableRecord>(m.block);
+    return block != nullptr && !block->isLayout();
 }
 
 AcGeMatrix3d AcDbDimension::blockToWorld() const {

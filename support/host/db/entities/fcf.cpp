@@ -48,9 +48,12 @@ std::wstring withCharacters(std::wstring text) {
 std::vector<std::vector<std::wstring>> cellsOf(std::wstring_view text) {
     std::vector<std::vector<std::wstring>> rows;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find(L'\n'), text.find(L"\\P"));
+        std::size_t end = 0;
+        while (end < text.size() && text[end] != L'\n' && !text.substr(end).starts_with(L"\\P")) {
+            ++end;
+        }
         std::wstring_view row = text.substr(0, end);
-        text.remove_prefix(end == std::wstring_view::npos ? text.size() : end + (text[end] == L'\n' ? 1 : 2));
+        text.remove_prefix(end == text.size() ? end : end + (text[end] == L'\n' ? 1 : 2));
         std::vector<std::wstring> cells;
         while (!row.empty()) {
             const std::size_t mark = row.find(L"%%v");
