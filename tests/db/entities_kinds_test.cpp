@@ -172,6 +172,27 @@ TEST_F(KindTest, ClosedPolylinesOffsetOutwardsEitherWayRound) {
     }
 }
 
+// Attributes.
+
+TEST_F(KindTest, AttributesOfSeveralLinesAreKeptWhole) {
+    host::ResbufBuilder builder;
+    builder.string(100, L"AcDbEntity").string(8, L"0").string(100, L"AcDbText").point(10, 1, 2).real(40, 2.5);
+    builder.string(1, L"one").integer(71, 4).string(100, L"AcDbAttribute").integer(280, 0).string(2, L"TAG");
+    builder.integer(70, 0).integer(280, 1).integer(71, 2).integer(72, 0);
+    builder.string(101, L"Embedded Object").point(10, 1, 2).string(1, L"one\\Ptwo");
+    const host::ResbufList list = builder.release();
+    host::ResbufDxfReader reader(&drawing.database, list.get());
+    AcDbAttribute attribute;
+    ASSERT_EQ(attribute.dxfIn(&reader), Acad::eOk);
+    EXPECT_TRUE(attribute.isMirroredInY());
+    EXPECT_FALSE(attribute.isMirroredInX());
+    EXPECT_TRUE(attribute.lockPositionInBlock());
+    const std::vector<std::string> groups = groupsOf(attribute);
+    const std::vector<std::string> tail(groups.end() - 5, groups.end());
+    EXPECT_EQ(tail, (std::vector<std::string>{"71=2", "72=0", "101=Embedded Object", "10=1,2,0",
+                                              "1=one\\Ptwo"}));
+}
+
 // Texts.
 
 struct Justification {

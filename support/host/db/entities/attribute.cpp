@@ -127,6 +127,9 @@ bool AttributeText::takeDxfGroup(AcDbDxfFiler* filer, const DxfGroup& group, std
             a.lockPosition = group.boolean();
         }
         return true;
+    case 71: // of an attribute of several lines; of a text it would say that it is mirrored
+    case 72:
+        return subclass.empty() && AcDbText::takeDxfGroup(filer, group, subclass);
     default:
         return AcDbText::takeDxfGroup(filer, group, subclass);
     }

@@ -162,7 +162,7 @@ protected:
 
     AcGePoint3d point(Point which) const;
     Acad::ErrorStatus setPoint(Point which, const AcGePoint3d& point);
-    Acad::ErrorStatus setAngle(double host::DimensionData::*member, double angle);
+    Acad::ErrorStatus setAngle(double host::DimensionData::* member, double angle);
     /// In object coordinates, without elevation.
     AcGePoint2d flat(Point which) const;
     /// To be called before a change on which the picture depends.
@@ -203,9 +203,9 @@ private:
     void writeKindGroups(AcDbDxfFiler* filer) const;
     std::wstring shownText(const host::DimVariables& variables) const;
 
-    AcGeVector3d mMoved;    ///< by which the block is to be moved
-    bool mStale = false;    ///< the block shows what was before a change
-    bool mBorrowed = false; ///< the block is that of the dimension this one is a copy of
+    AcGeVector3d mMoved;       ///< by which the block is to be moved
+    bool mStale = false;       ///< the block shows what was before a change
+    bool mBorrowed = false;    ///< the block is that of the dimension this one is a copy of
 };
 
 class AcDbAlignedDimension : public AcDbDimension {
@@ -270,6 +270,10 @@ protected:
     double subMeasurement() const override { return sector().sweep; }
     void paint(DimensionPainter& painter) const override;
     DimMeasure measures() const override { return DimMeasure::angle; }
+
+private:
+    void paintExtensionLine(DimensionPainter& painter, const Sector& at, const AcGePoint2d& origin,
+                            double angle, bool second) const;
 };
 
 /// What radial and diametric dimensions share.
@@ -285,6 +289,10 @@ protected:
     void paint(DimensionPainter& painter) const override;
     std::vector<Point> usedPoints() const override { return {Point::first, Point::fourth}; }
     virtual bool isDiametric() const = 0;
+
+private:
+    void paintInside(DimensionPainter& painter, const AcGePoint2d& chord, const AcGePoint2d& other) const;
+    void paintLeader(DimensionPainter& painter, const AcGePoint2d& chord, const AcGeVector2d& out) const;
 };
 
 } // namespace host

@@ -40,10 +40,18 @@ AcDbObjectId definitionPointLayer(AcDbDatabase& database) {
     return layer;
 }
 
-void eraseBlock(AcDbObjectId id) {
-    const host::Opened<AcDbBlockTableRecord> block(id, AcDb::kForWrite);
-    if (block) {
-        block->erase();
+/// Whether a dimension may do away with a block: whatever a file says, only with one made for dimensions.
+bool isDimensionBlock(AcDbObjectId id) {
+    const auto* block = host::peek<AcDbBlockTableRecord>(id, true);
+    return block != nullptr && !block->isLayout() && block->name().matchNoCase(L"*D") == 2;
+}
+
+void eraseBlock(AcDbObjectId id, bool erasing) {
+    if (isDimensionBlock(id) && id.isErased() != erasing) {
+        const host::Opened<AcDbBlockTableRecord> block(id, AcDb::kForWrite, true);
+        if (block) {
+            block->erase(erasing);
+        }
     }
 }
 
@@ -79,14 +87,13 @@ void AcDbDimension::replaceBlock(std::vector<std::unique_ptr<AcDbEntity>> parts)
     m.blockPosition = AcGePoint3d::kOrigin;
     mStale = mBorrowed = false;
     mMoved = AcGeVector3d();
-    if (isOwn && !old.isNull() && !old.isErased()) {
-        eraseBlock(old);
+    if (isOwn) {
+        eraseBlock(old, true);
     }
 }
 
 void AcDbDimension::updateBlock() {
-    const bool hasBlock = host::peek<AcDbBlockTableRecord>(m.block) != nullptr;
-    if (mStale || !hasBlock) {
+    if (!showsBlock()) {
         assertWriteEnabled();
         mStale = true;
         AcGePoint3d place = m.textPosition;
@@ -123,12 +130,8 @@ Acad::ErrorStatus AcDbDimension::subClose() {
 
 Acad::ErrorStatus AcDbDimension::subErase(bool erasing) {
     const Acad::ErrorStatus status = AcDbEntity::subErase(erasing);
-    if (status == Acad::eOk && m.has(m.ownsBlock) && !mBorrowed && m.block.isValid() &&
-        m.block.isErased() != erasing) {
-        const host::Opened<AcDbBlockTableRecord> block(m.block, AcDb::kForWrite, true);
-        if (block) {
-            block->erase(erasing);
-        }
+    if (status == Acad::eOk && m.has(m.ownsBlock) && !mBorrowed) {
+        eraseBlock(m.block, erasing);
     }
     return status;
 }

@@ -1,5 +1,6 @@
 // Angular, radial and diametric dimensions.
 #include "host/db/entities/dimensionpainter.h"
+
 #include "host/db/entities/fields.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDb2LineAngularDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
@@ -11,9 +12,11 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbRadialDimension, AcDbDimension, AcDb::kDHL_CURRENT, 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDiametricDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
                         DIMENSION, ObjectDBX Classes)
 
-AcDb2LineAngularDimension::AcDb2LineAngularDimension(
-    const AcGePoint3d& xLine1Start, const AcGePoint3d& xLine1End, const AcGePoint3d& xLine2Start,
-    const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint, const ACHAR* text, AcDbObjectId style) {
+AcDb2LineAngularDimension::AcDb2LineAngularDimension(const AcGePoint3d& xLine1Start,
+                                                     const AcGePoint3d& xLine1End,
+                                                     const AcGePoint3d& xLine2Start,
+                                                     const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint,
+                                                     const ACHAR* text, AcDbObjectId style) {
     m.points = {xLine2End, xLine1Start, xLine1End, xLine2Start, arcPoint};
     m.text = text;
     m.style = style;
@@ -116,18 +119,48 @@ namespace host {
 
 namespace {
 
-/// The place of an angular dimension's text.
-struct ArcText {
-    AcGePoint2d place;
-    double angle = 0.0;
-    bool inside = true;
+/// What of an angular dimension stands between its extension lines, and where its text goes.
+struct ArcFit {
+    bool textInside = true;
+    bool arrowsInside = true;
+    double where = 0.0; ///< direction of the text from the vertex
+    double textAngle = 0.0;
+    AcGeVector2d half; ///< half the text along and across the arc
+    double lift = 0.0; ///< of the text's middle from the arc, outwards
     bool breaks = false;
 };
+
+ArcFit fitOnArc(const DimensionPainter& painter, double radius, double start, double sweep) {
+    const DimVariables& v = painter.v;
+    const double arrow = painter.arrowSize();
+    ArcFit fit;
+    fit.where = start + 0.5 * sweep;
+    fit.textAngle = painter.textAngle(fit.where + halfPi, v.tih != 0);
+    fit.half = painter.textHalfExtent(fit.textAngle, fit.where + halfPi);
+    const double chord = 2.0 * radius * std::sin(0.5 * std::min(sweep, pi));
+    const double wanted = painter.hasText() ? 2.0 * (fit.half.x + painter.gap()) : 0.0;
+    const bool bothFit = wanted + 2.0 * arrow <= chord + 1e-9;
+    fit.textInside = bothFit || v.tix != 0 || (v.atfit != 0 && v.atfit != 2 && wanted <= chord);
+    fit.arrowsInside = bothFit || (!fit.textInside && v.atfit >= 2 && 2.0 * arrow <= radius * sweep);
+    if (!fit.textInside && v.tmove == 0) {
+        const double beyond = (fit.arrowsInside ? 1.0 : 2.0) * arrow + painter.gap() + fit.half.x;
+        fit.where = start + sweep + beyond / radius;
+        fit.textAngle = painter.textAngle(fit.where + halfPi, v.toh != 0);
+        fit.half = painter.textHalfExtent(fit.textAngle, fit.where + halfPi);
+    }
+    const bool liesAcross =
+        std::fabs(std::sin(fit.textAngle - fit.where - halfPi)) > 1e-6 && !painter.data().hasTextRotation;
+    fit.breaks = v.tad == 0 || (liesAcross && fit.textInside && v.tad != 2);
+    const AcGeVector2d readableUp = direction(painter.readable(fit.where + halfPi)).perpVector();
+    const double up = v.tad == 2 || readableUp.dotProduct(direction(fit.where)) > 0.0 ? 1.0 : -1.0;
+    fit.lift = fit.breaks ? up * v.tvp * painter.scaled(v.txt)
+                          : (v.tad == 4 ? -up : up) * (painter.gap() + fit.half.y);
+    return fit;
+}
 
 } // namespace
 
 void AngularDimension::paint(DimensionPainter& painter) const {
-    const DimVariables& v = painter.v;
     for (const Point which : usedPoints()) {
         painter.definitionPoint(which == Point::arc ? m.points[which] : toObject(m.normal, m.points[which]));
     }
@@ -135,73 +168,31 @@ void AngularDimension::paint(DimensionPainter& painter) const {
     if (!at.isValid) {
         return;
     }
-    const double arrow = painter.arrowSize();
-    const double length = at.radius * at.sweep;
-    const double middle = at.start + 0.5 * at.sweep;
-    // Text.
-    ArcText text;
-    const double tangent = middle + halfPi;
-    text.angle = painter.textAngle(tangent, v.tih != 0);
-    AcGeVector2d half = painter.textHalfExtent(text.angle, tangent);
-    const double chord = 2.0 * at.radius * std::sin(0.5 * std::min(at.sweep, pi));
-    const double wanted = painter.hasText() ? 2.0 * (half.x + painter.gap()) : 0.0;
-    const bool bothFit = wanted + 2.0 * arrow <= chord + 1e-9;
-    text.inside = bothFit || v.tix != 0 || (v.atfit != 0 && v.atfit != 2 && wanted <= chord);
-    const bool arrowsInside = bothFit || (!text.inside && v.atfit >= 2 && 2.0 * arrow <= length);
-    double where = middle;
-    if (!text.inside && v.tmove == 0) {
-        where =
-            at.start + at.sweep + ((arrowsInside ? 1.0 : 2.0) * arrow + painter.gap() + half.x) / at.radius;
-        text.angle = painter.textAngle(where + halfPi, v.toh != 0);
-        half = painter.textHalfExtent(text.angle, where + halfPi);
-    }
-    const bool isLevel = std::fabs(std::sin(text.angle - where - halfPi)) > 1e-6 && !m.hasTextRotation;
-    const bool centred = v.tad == 0 || (isLevel && text.inside && v.tad != 2);
-    const AcGeVector2d outward = direction(where);
-    const AcGeVector2d readableUp = direction(painter.readable(where + halfPi)).perpVector();
-    const double up = v.tad == 2 || readableUp.dotProduct(outward) > 0.0 ? 1.0 : -1.0;
-    const double lift =
-        centred ? up * v.tvp * painter.scaled(v.txt) : (v.tad == 4 ? -up : up) * (painter.gap() + half.y);
-    text.breaks = centred;
-    text.place = at.vertex + outward * (at.radius + lift);
+    const DimVariables& v = painter.v;
+    const ArcFit fit = fitOnArc(painter, at.radius, at.start, at.sweep);
     if (painter.hasText()) {
         const std::optional<AcGePoint2d> given = painter.givenTextPlace();
-        painter.placeText(given ? *given : text.place, text.angle, given || text.breaks);
+        painter.placeText(given ? *given : polar(at.vertex, fit.where, at.radius + fit.lift), fit.textAngle,
+                          given || fit.breaks);
     }
-    // Extension lines.
-    const auto extension = [&](const AcGePoint2d& origin, double angle, bool second) {
-        const double from = (origin - at.vertex).dotProduct(direction(angle));
-        const double side = from <= at.radius ? 1.0 : -1.0;
-        const double start = from + side * painter.scaled(v.exo);
-        const double end = at.radius + side * painter.scaled(v.exe);
-        if ((end - start) * side > 0.0) {
-            painter.extensionLine(polar(at.vertex, angle, start), polar(at.vertex, angle, end), second);
-        }
-    };
-    if (v.se1 == 0) {
-        extension(at.startPoint, at.start, false);
-    }
-    if (v.se2 == 0) {
-        extension(at.endPoint, at.start + at.sweep, true);
-    }
-    // The arc, its arrows turned so that their chord lies on it.
-    const double size = at.radius > 0.0 ? std::min(painter.scaled(v.asz) / at.radius, at.sweep) : 0.0;
-    const double turn = painter.hasTicks() ? 0.0 : 0.5 * size;
-    const double inward = arrowsInside ? 1.0 : -1.0;
     const double end = at.start + at.sweep;
+    paintExtensionLine(painter, at, at.startPoint, at.start, false);
+    paintExtensionLine(painter, at, at.endPoint, end, true);
+    // The arc, its arrows turned so that their chord lies on it.
+    const double size = std::min(painter.scaled(v.asz) / at.radius, at.sweep);
+    const double turn = painter.hasTicks() ? 0.0 : 0.5 * size;
+    const double inward = fit.arrowsInside ? 1.0 : -1.0;
     const double cutFirst = painter.arrowCut(false) > 0.0 ? size : 0.0;
     const double cutSecond = painter.arrowCut(true) > 0.0 ? size : 0.0;
-    if (arrowsInside) {
+    if (fit.arrowsInside) {
         painter.brokenArc(at.vertex, at.radius, at.start + cutFirst, at.sweep - cutFirst - cutSecond);
     } else {
         if (v.tofl != 0) {
             painter.brokenArc(at.vertex, at.radius, at.start, at.sweep);
         }
         painter.dimensionArc(at.vertex, at.radius, at.start - 2.0 * size, 2.0 * size - cutFirst);
-        double beyond = 2.0 * size;
-        if (!text.inside && v.tmove == 0 && painter.hasText() && !centred) {
-            beyond = where - end + half.x / at.radius;
-        }
+        const bool reachesText = !fit.textInside && v.tmove == 0 && painter.hasText() && !fit.breaks;
+        const double beyond = reachesText ? fit.where - end + fit.half.x / at.radius : 2.0 * size;
         painter.dimensionArc(at.vertex, at.radius, end + cutSecond, beyond - cutSecond);
     }
     if (v.sd1 == 0) {
@@ -209,6 +200,20 @@ void AngularDimension::paint(DimensionPainter& painter) const {
     }
     if (v.sd2 == 0) {
         painter.arrow(polar(at.vertex, end, at.radius), end + inward * (halfPi - turn), true);
+    }
+}
+
+void AngularDimension::paintExtensionLine(DimensionPainter& painter, const Sector& at,
+                                          const AcGePoint2d& origin, double angle, bool second) const {
+    if ((second ? painter.v.se2 : painter.v.se1) != 0) {
+        return;
+    }
+    const double from = (origin - at.vertex).dotProduct(direction(angle));
+    const double side = from <= at.radius ? 1.0 : -1.0;
+    const double start = from + side * painter.scaled(painter.v.exo);
+    const double end = at.radius + side * painter.scaled(painter.v.exe);
+    if ((end - start) * side > 0.0) {
+        painter.extensionLine(polar(at.vertex, angle, start), polar(at.vertex, angle, end), second);
     }
 }
 
@@ -231,50 +236,67 @@ void CircleDimension::paint(DimensionPainter& painter) const {
         return;
     }
     const AcGeVector2d out = (chord - other) / length;
-    const AcGePoint2d center = isDiametric() ? other + out * (0.5 * length) : other;
     const double radius = isDiametric() ? 0.5 * length : length;
-    const double arrow = painter.arrowSize();
-    const double lineAngle = out.angle();
+    const AcGePoint2d center = chord - out * radius;
+    const AcGeVector2d half =
+        painter.textHalfExtent(painter.textAngle(out.angle(), v.tih != 0), out.angle());
+    const double wanted =
+        2.0 * half.x + 2.0 * painter.gap() + painter.arrowSize() * (isDiametric() ? 2.0 : 1.0);
     const std::optional<AcGePoint2d> given = painter.givenTextPlace();
-    double angle = painter.textAngle(lineAngle, v.tih != 0);
-    AcGeVector2d half = painter.textHalfExtent(angle, lineAngle);
-    const double wanted = 2.0 * half.x + 2.0 * painter.gap() + arrow * (isDiametric() ? 2.0 : 1.0);
-    const bool placedInside = given && given->distanceTo(center) < radius;
-    const bool inside =
-        given ? placedInside : v.tix != 0 || (m.leaderLength <= 0.0 && painter.hasText() && wanted <= length);
-    if (inside) {
-        const AcGePoint2d middle = other + out * (0.5 * length);
-        const AcGeVector2d up = direction(painter.readable(lineAngle)).perpVector();
-        const bool level = std::fabs(std::sin(angle - lineAngle)) > 1e-6;
-        const double lift = v.tad == 0 || level ? 0.0 : (v.tad == 4 ? -1.0 : 1.0) * (painter.gap() + half.y);
-        if (painter.hasText()) {
-            painter.placeText(given ? *given : middle + up * lift, angle, given || lift == 0.0);
-        }
-        const AcGePoint2d start = isDiametric() ? other + out * painter.arrowCut(false) : other;
-        painter.brokenLine(start, chord - out * painter.arrowCut(true));
-        if (isDiametric()) {
-            painter.arrow(other, lineAngle + pi, false);
-        }
-        painter.arrow(chord, lineAngle, true);
-        return;
+    const bool fits = v.tix != 0 || (m.leaderLength <= 0.0 && painter.hasText() && wanted <= length);
+    if (given ? given->distanceTo(center) < radius : fits) {
+        return paintInside(painter, chord, other);
     }
-    // Outside: a leader beyond the chord point, with a landing for a level text.
+    paintLeader(painter, chord, out);
+    if (v.tofl != 0) {
+        painter.dimensionLine(other, chord);
+    }
+    painter.centerMark(center, radius);
+}
+
+void CircleDimension::paintInside(DimensionPainter& painter, const AcGePoint2d& chord,
+                                  const AcGePoint2d& other) const {
+    const DimVariables& v = painter.v;
+    const AcGeVector2d out = (chord - other).normal();
+    const double lineAngle = out.angle();
+    const double angle = painter.textAngle(lineAngle, v.tih != 0);
+    const AcGeVector2d up = direction(painter.readable(lineAngle)).perpVector();
+    const bool liesAcross = std::fabs(std::sin(angle - lineAngle)) > 1e-6;
+    const double clear = painter.gap() + painter.textHalfExtent(angle, lineAngle).y;
+    const double lift = v.tad == 0 || liesAcross ? 0.0 : (v.tad == 4 ? -clear : clear);
+    if (painter.hasText()) {
+        const std::optional<AcGePoint2d> given = painter.givenTextPlace();
+        const AcGePoint2d middle = other + (chord - other) * 0.5;
+        painter.placeText(given ? *given : middle + up * lift, angle, given || lift == 0.0);
+    }
+    const AcGePoint2d start = isDiametric() ? other + out * painter.arrowCut(false) : other;
+    painter.brokenLine(start, chord - out * painter.arrowCut(true));
+    if (isDiametric()) {
+        painter.arrow(other, lineAngle + pi, false);
+    }
+    painter.arrow(chord, lineAngle, true);
+}
+
+/// Beyond the chord point, with a landing for a level text.
+void CircleDimension::paintLeader(DimensionPainter& painter, const AcGePoint2d& chord,
+                                  const AcGeVector2d& out) const {
+    const DimVariables& v = painter.v;
+    const double arrow = painter.arrowSize();
     const bool level = v.toh != 0 && !m.hasTextRotation;
-    angle = painter.textAngle(lineAngle, v.toh != 0);
-    half = painter.textHalfExtent(angle, angle);
+    const double angle = painter.textAngle(out.angle(), v.toh != 0);
+    const AcGeVector2d half = painter.textHalfExtent(angle, angle);
     const AcGeVector2d x = direction(m.horizontalRotation);
-    const double reach = std::max(m.leaderLength, 2.0 * arrow + painter.gap());
-    AcGePoint2d elbow = chord + out * reach;
+    const std::optional<AcGePoint2d> given = painter.givenTextPlace();
+    AcGePoint2d elbow = chord + out * std::max(m.leaderLength, 2.0 * arrow + painter.gap());
     AcGeVector2d along = level ? x * (out.dotProduct(x) < -1e-9 ? -1.0 : 1.0) : out;
     if (given) {
         along = level ? x * ((*given - chord).dotProduct(x) < 0.0 ? -1.0 : 1.0) : out;
         elbow = level ? *given - along * (half.x + painter.gap() + arrow) : *given - out * half.x;
     }
-    const double landing = level ? arrow : 0.0;
     const bool above = v.tad != 0 && !given;
     const AcGeVector2d up = direction(painter.readable(along.angle())).perpVector();
     const double lift = above ? (v.tad == 4 ? -1.0 : 1.0) * (painter.gap() + half.y) : 0.0;
-    AcGePoint2d last = elbow + along * landing;
+    AcGePoint2d last = elbow + along * (level ? arrow : 0.0);
     if (painter.hasText()) {
         const AcGePoint2d middle = last + along * (painter.gap() + half.x) + up * lift;
         painter.placeText(given ? *given : middle, angle, false);
@@ -282,11 +304,7 @@ void CircleDimension::paint(DimensionPainter& painter) const {
     }
     painter.dimensionLine(chord + out * painter.arrowCut(true), elbow);
     painter.dimensionLine(elbow, last);
-    painter.arrow(chord, lineAngle + pi, true);
-    if (v.tofl != 0) {
-        painter.dimensionLine(isDiametric() ? other : center, chord);
-    }
-    painter.centerMark(center, radius);
+    painter.arrow(chord, out.angle() + pi, true);
 }
 
 } // namespace host
@@ -303,9 +321,8 @@ std::vector<AcDbDimension::FileSubclass> AcDbRadialDimension::fileSubclasses() c
     return {{"AcDbRadialDimension", {15, 40}}};
 }
 
-AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint,
-                                               const AcGePoint3d& farChordPoint, double leaderLength,
-                                               const ACHAR* text, AcDbObjectId style) {
+AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint, const AcGePoint3d& farChordPoint,
+                                               double leaderLength, const ACHAR* text, AcDbObjectId style) {
     m.points[Point::first] = farChordPoint;
     m.points[Point::fourth] = chordPoint;
     m.leaderLength = leaderLength;

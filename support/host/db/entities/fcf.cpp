@@ -48,9 +48,12 @@ std::wstring withCharacters(std::wstring text) {
 std::vector<std::vector<std::wstring>> cellsOf(std::wstring_view text) {
     std::vector<std::vector<std::wstring>> rows;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find(L'\n'), text.find(L"\\P"));
+        std::size_t end = 0;
+        while (end < text.size() && text[end] != L'\n' && !text.substr(end).starts_with(L"\\P")) {
+            ++end;
+        }
         std::wstring_view row = text.substr(0, end);
-        text.remove_prefix(end == std::wstring_view::npos ? text.size() : end + (text[end] == L'\n' ? 1 : 2));
+        text.remove_prefix(end == text.size() ? end : end + (text[end] == L'\n' ? 1 : 2));
         std::vector<std::wstring> cells;
         while (!row.empty()) {
             const std::size_t mark = row.find(L"%%v");
@@ -109,8 +112,8 @@ void AcDbFcf::setOrientation(const AcGeVector3d& normal, const AcGeVector3d& dir
     assertWriteEnabled();
     m.normal = host::unitNormal(normal);
     const AcGeVector3d across = direction - m.normal * direction.dotProduct(m.normal);
-    m.direction =
-        across.isZeroLength() ? host::toWorld(m.normal, AcGeVector3d::kXAxis) : host::unitNormal(across);
+    m.direction = across.isZeroLength() ? host::toWorld(m.normal, AcGeVector3d::kXAxis)
+                                        : host::unitNormal(across);
 }
 AcDbObjectId AcDbFcf::dimensionStyle() const {
     assertReadEnabled();
@@ -281,8 +284,8 @@ Acad::ErrorStatus AcDbFcf::subMoveGripPointsAt(const AcDbIntArray& indices, cons
     return host::forGrips(indices, 1, [&](int) { m.location += offset; });
 }
 Acad::ErrorStatus AcDbFcf::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker, const AcGePoint3d&,
-                                             const AcGePoint3d&, const AcGeMatrix3d&,
-                                             AcGePoint3dArray& points, AcDbIntArray&) const {
+                                             const AcGePoint3d&, const AcGeMatrix3d&, AcGePoint3dArray& points,
+                                             AcDbIntArray&) const {
     if (mode == AcDb::kOsModeIns || mode == AcDb::kOsModeNode) {
         points.append(location());
     }

@@ -39,7 +39,7 @@ void setValue(double& value, std::wstring_view argument, double least, double mo
 class Parser {
 public:
     Parser(std::wstring_view contents, const MTextLook& start)
-        : mText(contents), mLook(start), mUnit(start.format.height) {}
+        : mText(contents), mLastSemicolon(contents.rfind(L';')), mLook(start), mUnit(start.format.height) {}
 
     std::vector<MTextParagraph> run() {
         while (mAt < mText.size()) {
@@ -98,10 +98,10 @@ private:
     }
     /// The argument of a code up to its semicolon; a code without one has none.
     std::wstring_view argument() {
-        const std::size_t end = mText.find(L';', mAt);
-        if (end == std::wstring_view::npos) {
-            return {};
+        if (mLastSemicolon == std::wstring_view::npos || mAt > mLastSemicolon) {
+            return {}; // known without a search: there may be very many codes
         }
+        const std::size_t end = mText.find(L';', mAt);
         const std::wstring_view found = mText.substr(mAt, end - mAt);
         mAt = end + 1;
         return found;
@@ -184,7 +184,7 @@ private:
             return;
         case L'C':
         case L'c':
-            if (const std::optional<double> number = numberOf(given)) {
+            if (const std::optional<double> number = numberOf(given); number && std::fabs(*number) < 1e9) {
                 setColor(static_cast<Adesk::Int64>(*number), code == L'c');
             }
             return;
@@ -216,8 +216,9 @@ private:
         }
         while (at != std::wstring_view::npos) {
             const std::size_t next = given.find(L'|', at + 1);
-            const std::wstring_view part = given.substr(
-                at + 1, next == std::wstring_view::npos ? std::wstring_view::npos : next - at - 1);
+            const std::wstring_view part = given.substr(at + 1, next == std::wstring_view::npos
+                                                                    ? std::wstring_view::npos
+                                                                    : next - at - 1);
             if (part.starts_with(L'b') || part.starts_with(L'B')) {
                 font.bold = part.substr(1) == L"1";
             } else if (part.starts_with(L'i') || part.starts_with(L'I')) {
@@ -225,9 +226,9 @@ private:
             }
             at = next;
         }
-        const bool isFile =
-            isShapeFont || equalNoCase(name.substr(name.size() - std::min<std::size_t>(4, name.size())),
-                                       std::wstring_view(L".shx"));
+        const bool isFile = isShapeFont || equalNoCase(name.substr(name.size() - std::min<std::size_t>(
+                                                                                     4, name.size())),
+                                                       std::wstring_view(L".shx"));
         if (isFile) {
             const std::size_t comma = name.find(L',');
             font.file = std::wstring(name.substr(0, comma));
@@ -327,8 +328,8 @@ private:
         const std::wstring_view value = part.substr(1);
         if (part[0] == L'q') {
             constexpr std::pair<wchar_t, MTextJustification> kinds[] = {
-                {L'l', MTextJustification::left},        {L'c', MTextJustification::center},
-                {L'r', MTextJustification::right},       {L'j', MTextJustification::justified},
+                {L'l', MTextJustification::left},      {L'c', MTextJustification::center},
+                {L'r', MTextJustification::right},     {L'j', MTextJustification::justified},
                 {L'd', MTextJustification::distributed}, {L'*', MTextJustification::byAttachment}};
             for (const auto& [letter, kind] : kinds) {
                 mFormat.justification = value[0] == letter ? kind : mFormat.justification;
@@ -386,6 +387,7 @@ private:
     }
 
     std::wstring_view mText;
+    std::size_t mLastSemicolon;
     std::size_t mAt = 0;
     MTextLook mLook;
     double mUnit; ///< of paragraph lengths: the text's own height
@@ -435,13 +437,15 @@ std::wstring plainMText(std::wstring_view contents) {
 
 std::wstring scaledMText(std::wstring_view contents, double factor) {
     std::wstring result;
+    const std::size_t last = contents.rfind(L';');
     for (std::size_t at = 0; at < contents.size(); ++at) {
         result += contents[at];
         if (contents[at] != L'\\' || at + 1 >= contents.size()) {
             continue;
         }
         result += contents[++at];
-        const std::size_t end = contents[at] == L'H' ? contents.find(L';', at) : std::wstring_view::npos;
+        const bool isHeight = contents[at] == L'H' && last != std::wstring_view::npos && at < last;
+        const std::size_t end = isHeight ? contents.find(L';', at) : std::wstring_view::npos;
         if (end == std::wstring_view::npos) {
             continue;
         }
