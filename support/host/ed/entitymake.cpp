@@ -227,11 +227,13 @@ bool appendPart(AcDbEntity& whole, const resbuf* list, AcDbDatabase& database) {
     return true;
 }
 
-bool makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbDatabase& database) {
+/// The whole; null when a list does not describe its part.
+AcDbObjectId makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbDatabase& database) {
     AcDbEntity* whole = makeEntity(parts.front().get(), owner, database);
     if (whole == nullptr) {
-        return false;
+        return {};
     }
+    const AcDbObjectId id = whole->objectId();
     bool good = true;
     for (std::size_t i = 1; i < parts.size() && good; ++i) {
         good = appendPart(*whole, parts[i].get(), database);
@@ -240,31 +242,30 @@ bool makeComplex(const std::vector<ResbufList>& parts, AcDbObjectId owner, AcDbD
         whole->erase();
     }
     whole->close();
-    return good;
+    return good ? id : AcDbObjectId();
 }
 
 /// Records of symbol tables.
 template <class Table, class Record>
-bool makeRecordIn(const resbuf* list, AcDbDatabase& database) {
+AcDbObjectId makeRecordIn(const resbuf* list, AcDbDatabase& database) {
     Table* table = nullptr;
     const std::wstring name = textOf(list, 2);
+    AcDbObjectId id;
     if (name.empty() || database.getSymbolTable(table, AcDb::kForWrite) != Acad::eOk) {
-        return false;
+        return id;
     }
-    bool added = false;
     if (!table->has(name.c_str())) {
         auto record = std::make_unique<Record>();
         const ResbufList groups = ReadableGroups(list).release();
-        if (readInto(*record, groups.get(), database) == Acad::eOk && table->add(record.get()) == Acad::eOk) {
+        if (readInto(*record, groups.get(), database) == Acad::eOk && table->add(id, record.get()) == Acad::eOk) {
             record.release()->close();
-            added = true;
         }
     }
     table->close();
-    return added;
+    return id;
 }
 
-using RecordMaker = bool (*)(const resbuf*, AcDbDatabase&);
+using RecordMaker = AcDbObjectId (*)(const resbuf*, AcDbDatabase&);
 const std::map<std::wstring_view, RecordMaker>& recordMakers() {
     static const std::map<std::wstring_view, RecordMaker> makers = {
         {L"LAYER", makeRecordIn<AcDbLayerTable, AcDbLayerTableRecord>},
@@ -344,16 +345,16 @@ bool makeAll(std::vector<ResbufList>& lists, AcDbObjectId owner, AcDbDatabase& d
             parts.push_back(std::move(lists[i]));
         }
         ++i;
-        if (!makeComplex(parts, owner, database)) {
+        if (makeComplex(parts, owner, database).isNull()) {
             return false;
         }
     }
     return true;
 }
 
-int finishBlock(PendingEntity pending, AcDbDatabase& database) {
+int finishBlock(PendingEntity pending, AcDbDatabase& database, AcDbObjectId& block) {
     std::wstring name;
-    const AcDbObjectId block = blockFor(pending.parts.front().get(), database, name);
+    block = blockFor(pending.parts.front().get(), database, name);
     if (block.isNull()) {
         return RTERROR;
     }
@@ -373,16 +374,17 @@ AcDbObjectId spaceOf(const resbuf* list, const AcDbDatabase& database) {
     return database.currentSpaceId();
 }
 
-/// A further list of a complex entity or a block under construction.
+/// A further list of a complex entity or a block under construction; its end gives what was made.
 int continuePending(PendingEntity& pending, const std::wstring& name, const resbuf* list,
-                    AcDbDatabase& database) {
+                    AcDbDatabase& database, AcDbObjectId& made) {
     const bool inBlock = pending.kind == PendingEntity::Kind::block;
     if (equalNoCase(name, inBlock ? L"ENDBLK" : L"SEQEND")) {
         PendingEntity complete = std::exchange(pending, {});
         if (inBlock) {
-            return finishBlock(std::move(complete), database);
+            return finishBlock(std::move(complete), database, made);
         }
-        return makeComplex(complete.parts, complete.owner, database) ? RTNORM : RTERROR;
+        made = makeComplex(complete.parts, complete.owner, database);
+        return made.isNull() ? RTERROR : RTNORM;
     }
     if (!inBlock && !equalNoCase(name, L"VERTEX") && !equalNoCase(name, L"ATTRIB")) {
         pending = {};
@@ -392,7 +394,25 @@ int continuePending(PendingEntity& pending, const std::wstring& name, const resb
     return RTNORM;
 }
 
-int make(const resbuf* list) {
+/// An object of a dictionary, or of no owner yet: in the database only.
+AcDbObjectId makeUnowned(const resbuf* list, AcDbDatabase& database) {
+    AcDbObjectId id;
+    std::unique_ptr<AcDbObject> object = createFrom<AcDbObject>(classFor(textOf(list, 0), list));
+    if (object == nullptr || object->isKindOf(AcDbEntity::desc()) ||
+        object->isKindOf(AcDbSymbolTableRecord::desc())) {
+        return id;
+    }
+    const ResbufList groups = ReadableGroups(list).release();
+    if (readInto(*object, groups.get(), database) == Acad::eOk &&
+        database.addAcDbObject(id, object.get()) == Acad::eOk) {
+        applyExtendedData(*object, list);
+        object.release()->close();
+    }
+    return id;
+}
+
+/// Makes what the list describes or adds it to what is being made. `made` is null while that is not complete.
+int make(const resbuf* list, AcDbObjectId& made, bool mayBeUnowned) {
     AcApDocument* document = curDoc();
     const std::wstring name = textOf(list, 0);
     if (document == nullptr || name.empty()) {
@@ -401,7 +421,7 @@ int make(const resbuf* list) {
     AcDbDatabase& database = *document->database();
     PendingEntity& pending = document->state().pending;
     if (pending.kind != PendingEntity::Kind::none) {
-        return continuePending(pending, name, list, database);
+        return continuePending(pending, name, list, database, made);
     }
     if (equalNoCase(name, L"BLOCK") || opensComplex(name, list)) {
         pending.kind = equalNoCase(name, L"BLOCK")      ? PendingEntity::Kind::block
@@ -412,14 +432,31 @@ int make(const resbuf* list) {
         return RTNORM;
     }
     if (const auto maker = recordMakers().find(toUpper(name)); maker != recordMakers().end()) {
-        return maker->second(list, database) ? RTNORM : RTERROR;
+        made = maker->second(list, database);
+    } else if (AcDbEntity* entity = makeEntity(list, spaceOf(list, database), database)) {
+        made = entity->objectId();
+        entity->close();
+    } else if (mayBeUnowned) {
+        made = makeUnowned(list, database);
     }
-    AcDbEntity* entity = makeEntity(list, spaceOf(list, database), database);
-    if (entity == nullptr) {
-        return RTERROR;
+    return made.isNull() ? RTERROR : RTNORM;
+}
+
+int makeNamed(const resbuf* list, ads_name result) {
+    AcDbObjectId made;
+    const int code = make(list, made, true);
+    ads_name_clear(result);
+    if (!made.isNull()) {
+        ads_name name;
+        acdbGetAdsName(name, made);
+        ads_name_set(name, result);
     }
-    entity->close();
-    return RTNORM;
+    return code;
+}
+
+int makeAnonymously(const resbuf* list) {
+    AcDbObjectId made;
+    return make(list, made, false);
 }
 
 // Changing.
@@ -504,44 +541,15 @@ int modify(const resbuf* list) {
     return RTNORM;
 }
 
-int makeUnowned(const resbuf* list, ads_name result) {
-    AcDbDatabase* database = acdbCurDwg();
-    std::unique_ptr<AcDbObject> object = createFrom<AcDbObject>(classFor(textOf(list, 0), list));
-    if (database == nullptr || object == nullptr) {
-        return RTERROR;
-    }
-    AcDbObjectId id;
-    if (object->isKindOf(AcDbEntity::desc())) {
-        AcDbEntity* entity = makeEntity(list, spaceOf(list, *database), *database);
-        if (entity == nullptr) {
-            return RTERROR;
-        }
-        id = entity->objectId();
-        entity->close();
-    } else {
-        const ResbufList groups = ReadableGroups(list).release();
-        if (readInto(*object, groups.get(), *database) != Acad::eOk ||
-            database->addAcDbObject(id, object.get()) != Acad::eOk) {
-            return RTERROR;
-        }
-        applyExtendedData(*object, list);
-        object.release()->close();
-    }
-    ads_name name;
-    acdbGetAdsName(name, id);
-    ads_name_set(name, result);
-    return RTNORM;
-}
-
 } // namespace
 } // namespace host
 
 int acdbEntMake(const resbuf* list) {
-    return list != nullptr ? host::make(list) : RTERROR;
+    return list != nullptr ? host::makeAnonymously(list) : RTERROR;
 }
 
 int acdbEntMakeX(const resbuf* list, ads_name object) {
-    return list != nullptr ? host::makeUnowned(list, object) : RTERROR;
+    return list != nullptr ? host::makeNamed(list, object) : RTERROR;
 }
 
 int acdbEntMod(const resbuf* list) {

@@ -216,6 +216,7 @@ constexpr SessionVariable variables[] = {
     {L"LENSLENGTH", T::real, C::document, L"50"},
     {L"LIGHTGLYPHDISPLAY", T::shortInteger, C::document, L"1", 0, 1},
     {L"LINESMOOTHING", T::shortInteger, C::settings, L"1", 0, 1},
+    {L"LISPFOLDERS", T::text, C::settings, L""},
     {L"LISPINIT", T::shortInteger, C::settings, L"1", 0, 1},
     {L"LISPSYS", T::shortInteger, C::settings, L"1", 0, 2},
     {L"LOCALE", T::text, C::computed, L"", 0.0, -1.0, true},

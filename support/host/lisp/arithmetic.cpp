@@ -227,6 +227,17 @@ Value greatestDivisor(LispInterpreter&, Arguments arguments) {
     return integerOrReal(result);
 }
 
+Value leastMultiple(LispInterpreter&, Arguments arguments) {
+    std::int64_t result = 1;
+    for (const Value& argument : arguments) {
+        result = std::lcm(result, wide(integerOf(argument)));
+        if (result > std::numeric_limits<std::int32_t>::max()) {
+            throw Error(L"LCM: 结果超出整数范围");
+        }
+    }
+    return static_cast<std::int32_t>(result);
+}
+
 // Bits.
 
 Value bitNot(LispInterpreter&, Arguments arguments) {
@@ -385,6 +396,7 @@ constexpr FunctionRow rows[] = {
     {L"FIX", toWhole, 1, 1},
     {L"FLOAT", toReal, 1, 1},
     {L"GCD", greatestDivisor, 0, any},
+    {L"LCM", leastMultiple, 1, any},
     {L"~", bitNot, 1, 1},
     {L"LOGAND", bitAnd, 0, any},
     {L"LOGIOR", bitOr, 0, any},

@@ -22,6 +22,7 @@ void addSequenceFunctions(LispInterpreter& lisp);
 void addGeometryFunctions(LispInterpreter& lisp);
 void addOutputFunctions(LispInterpreter& lisp);
 void addFileFunctions(LispInterpreter& lisp);
+void addFolderFunctions(LispInterpreter& lisp);
 
 inline void addFunctions(LispInterpreter& lisp, std::span<const FunctionRow> rows) {
     for (const FunctionRow& row : rows) {

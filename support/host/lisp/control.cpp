@@ -9,21 +9,6 @@ namespace host::lisp {
 
 namespace {
 
-// The arguments of a special form, counted.
-std::vector<const Value*> formsOf(const Value& forms, std::size_t minimum, std::size_t maximum) {
-    std::vector<const Value*> result;
-    for (const Value& form : Elements(forms)) {
-        result.push_back(&form);
-    }
-    if (result.size() < minimum) {
-        tooFewArguments();
-    }
-    if (result.size() > maximum) {
-        tooManyArguments();
-    }
-    return result;
-}
-
 Value quoteForm(LispInterpreter&, const Value& forms) {
     if (!forms.isCons()) {
         tooFewArguments();
@@ -80,25 +65,25 @@ Value setqForm(LispInterpreter& lisp, const Value& forms) {
     return result;
 }
 
-Value ifForm(LispInterpreter& lisp, const Value& forms) {
+const Value* ifForm(LispInterpreter& lisp, const Value& forms, Value&) {
     if (!forms.isCons() || !forms.cons().tail.isCons()) {
         tooFewArguments();
     }
     const Value& branches = forms.cons().tail;
     if (lisp.eval(forms.cons().head)) {
-        return lisp.eval(branches.cons().head);
+        return &branches.cons().head;
     }
     const Value& otherwise = branches.cons().tail;
     if (!otherwise.isCons()) {
-        return {};
+        return nullptr;
     }
     if (otherwise.cons().tail.isCons()) {
         tooManyArguments();
     }
-    return lisp.eval(otherwise.cons().head);
+    return &otherwise.cons().head;
 }
 
-Value condForm(LispInterpreter& lisp, const Value& forms) {
+const Value* condForm(LispInterpreter& lisp, const Value& forms, Value& result) {
     for (const Value& clause : Elements(forms)) {
         if (!clause.isCons()) {
             if (clause.isNil()) {
@@ -106,13 +91,19 @@ Value condForm(LispInterpreter& lisp, const Value& forms) {
             }
             typeError(L"consp", clause);
         }
-        Value test = lisp.eval(clause.cons().head);
-        if (test) {
-            const Value& body = clause.cons().tail;
-            return body.isCons() ? lisp.evalSequence(body) : test;
+        if (Value test = lisp.eval(clause.cons().head)) {
+            if (clause.cons().tail.isCons()) {
+                return lisp.evalUpToLast(clause.cons().tail);
+            }
+            result = std::move(test);
+            return nullptr;
         }
     }
-    return {};
+    return nullptr;
+}
+
+const Value* prognForm(LispInterpreter& lisp, const Value& forms, Value&) {
+    return lisp.evalUpToLast(forms);
 }
 
 Value andForm(LispInterpreter& lisp, const Value& forms) {
@@ -131,10 +122,6 @@ Value orForm(LispInterpreter& lisp, const Value& forms) {
         }
     }
     return {};
-}
-
-Value prognForm(LispInterpreter& lisp, const Value& forms) {
-    return lisp.evalSequence(forms);
 }
 
 Value whileForm(LispInterpreter& lisp, const Value& forms) {
@@ -193,11 +180,23 @@ Value foreachForm(LispInterpreter& lisp, const Value& forms) {
     return result;
 }
 
-Value vlexForm(LispInterpreter& lisp, const Value& forms) {
-    // (trace f ...) and (untrace f ...) take names; nothing is traced.
-    const auto names = formsOf(forms, 0, 64);
-    static_cast<void>(lisp);
-    return names.empty() ? Value() : *names.back();
+// (trace f ...) and (untrace f ...) take names of functions; calls of a traced one are told with arguments and
+// result. A new definition is not traced.
+template <bool traces>
+Value traceForm(LispInterpreter&, const Value& forms) {
+    Value last;
+    for (const Value& name : Elements(forms)) {
+        const Value& value = symbolOf(name)->value;
+        if (value.kind() == Kind::userFunction) {
+            value.as<UserFunction>().traced = traces;
+        } else if (value.kind() == Kind::subr && value.as<Subr>().evaluatesArguments()) {
+            value.as<Subr>().traced = traces;
+        } else {
+            throw Error(L"没有函数定义: " + name.symbol()->name);
+        }
+        last = name;
+    }
+    return last;
 }
 
 Value set(LispInterpreter& lisp, Arguments arguments) {
@@ -378,15 +377,19 @@ constexpr FunctionRow rows[] = {
 
 void addControlFunctions(LispInterpreter& lisp) {
     constexpr std::pair<const wchar_t*, SpecialForm> forms[] = {
-        {L"QUOTE", quoteForm},   {L"FUNCTION", functionForm}, {L"LAMBDA", lambdaForm},
-        {L"DEFUN", defunForm},   {L"DEFUN-Q", defunQForm},    {L"SETQ", setqForm},
-        {L"IF", ifForm},         {L"COND", condForm},         {L"AND", andForm},
-        {L"OR", orForm},         {L"PROGN", prognForm},       {L"WHILE", whileForm},
-        {L"REPEAT", repeatForm}, {L"FOREACH", foreachForm},   {L"TRACE", vlexForm},
-        {L"UNTRACE", vlexForm},
+        {L"QUOTE", quoteForm},     {L"FUNCTION", functionForm},    {L"LAMBDA", lambdaForm},
+        {L"DEFUN", defunForm},     {L"DEFUN-Q", defunQForm},       {L"SETQ", setqForm},
+        {L"AND", andForm},         {L"OR", orForm},                {L"WHILE", whileForm},
+        {L"REPEAT", repeatForm},   {L"FOREACH", foreachForm},      {L"TRACE", traceForm<true>},
+        {L"UNTRACE", traceForm<false>},
     };
     for (const auto& [name, form] : forms) {
         lisp.defineSpecial(name, form);
+    }
+    constexpr std::pair<const wchar_t*, BranchForm> branches[] = {
+        {L"IF", ifForm}, {L"COND", condForm}, {L"PROGN", prognForm}};
+    for (const auto& [name, form] : branches) {
+        lisp.defineBranch(name, form);
     }
     addFunctions(lisp, rows);
 }

@@ -110,6 +110,18 @@ Value closestPoint(LispInterpreter&, Arguments arguments) {
                       point);
 }
 
+// (vlax-curve-getclosestpointtoprojection curve point direction [extend]): closest as seen along a direction.
+Value closestProjected(LispInterpreter&, Arguments arguments) {
+    AcGePoint3d point;
+    const bool extend = arguments.size() > 3 && arguments[3];
+    const AcGeVector3d direction = pointAt(arguments, 2).asVector();
+    if (direction.isZeroLength()) {
+        valueError(L"方向", arguments[2]);
+    }
+    return pointOrNil(
+        OpenedCurve(arguments[0])->getClosestPointTo(pointAt(arguments, 1), direction, point, extend), point);
+}
+
 Value firstDerivative(LispInterpreter&, Arguments arguments) {
     AcGeVector3d vector;
     return vectorOrNil(OpenedCurve(arguments[0])->getFirstDeriv(numberOf(arguments[1]), vector), vector);
@@ -139,6 +151,7 @@ constexpr FunctionRow rows[] = {
     {L"VLAX-CURVE-GETDISTATPOINT", distanceAtPoint, 2, 2},
     {L"VLAX-CURVE-GETPOINTATDIST", pointAtDistance, 2, 2},
     {L"VLAX-CURVE-GETCLOSESTPOINTTO", closestPoint, 2, 3},
+    {L"VLAX-CURVE-GETCLOSESTPOINTTOPROJECTION", closestProjected, 3, 4},
     {L"VLAX-CURVE-GETFIRSTDERIV", firstDerivative, 2, 2},
     {L"VLAX-CURVE-GETSECONDDERIV", secondDerivative, 2, 2},
     {L"VLAX-CURVE-GETAREA", area, 1, 1},

@@ -74,6 +74,21 @@ void takeOverExternals(DocumentLisp& lisp, AcApDocument& document) {
 
 // Folders.
 
+// The absolute paths in a variable that holds them between semicolons.
+std::vector<fs::path> foldersIn(std::wstring_view variable) {
+    std::vector<fs::path> folders;
+    const std::wstring list = systemVariableText(variable);
+    for (std::wstring_view rest = list; !rest.empty();) {
+        const std::size_t end = std::min(rest.find(L';'), rest.size());
+        const std::wstring_view folder = trim(rest.substr(0, end));
+        if (isAbsoluteWindowsPath(folder)) {
+            folders.push_back(toNativePath(folder));
+        }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return folders;
+}
+
 std::vector<fs::path> dataFolders(AcApDocument* document) {
     std::vector<fs::path> folders;
     std::error_code error;
@@ -83,6 +98,9 @@ std::vector<fs::path> dataFolders(AcApDocument* document) {
     folders.push_back(fs::current_path(error));
     folders.push_back(settingsFolder());
     folders.push_back(fs::temp_directory_path(error));
+    for (fs::path& folder : foldersIn(L"LISPFOLDERS")) {
+        folders.push_back(std::move(folder));
+    }
     return folders;
 }
 
@@ -95,7 +113,11 @@ std::vector<fs::path> codeFolders(AcApDocument* document) {
     if (acDocManagerPtr()->isOpen(document) && document->isNamedDrawing()) {
         untrusted.push_back(fs::weakly_canonical(toNativePath(document->fileName()).parent_path(), error));
     }
-    for (const fs::path& folder : supportFolders()) {
+    std::vector<fs::path> candidates = supportFolders();
+    for (fs::path& folder : foldersIn(L"TRUSTEDPATHS")) {
+        candidates.push_back(std::move(folder));
+    }
+    for (const fs::path& folder : candidates) {
         const fs::path resolved = fs::weakly_canonical(folder, error);
         if (std::ranges::find(untrusted, resolved) == untrusted.end()) {
             folders.push_back(resolved);
@@ -130,6 +152,10 @@ std::shared_ptr<DocumentLisp> documentLisp(AcApDocument& document) {
         addSystemFunctions(lisp);
         addUnitFunctions(lisp);
         addCurveFunctions(lisp);
+        addNamespaceFunctions(lisp);
+        addDataFunctions(lisp);
+        addRegistryFunctions(lisp);
+        takePropagatedValues(lisp);
     }
     takeOverExternals(*entry, document);
     return entry;
@@ -254,6 +280,12 @@ bool invoke(const resbuf* call, ResbufList& result) {
 }
 
 } // namespace
+
+void lisp::forEachInterpreter(const std::function<void(LispInterpreter&)>& visit) {
+    for (const auto& [document, lisp] : interpreters()) {
+        visit(lisp->interpreter);
+    }
+}
 
 LispInterpreter& lispOf(AcApDocument& document) {
     return documentLisp(document)->interpreter;

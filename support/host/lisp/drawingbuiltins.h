@@ -13,8 +13,16 @@ void addCommandFunctions(LispInterpreter& lisp);
 void addSystemFunctions(LispInterpreter& lisp);
 void addUnitFunctions(LispInterpreter& lisp);
 void addCurveFunctions(LispInterpreter& lisp);
+void addNamespaceFunctions(LispInterpreter& lisp);
+void addDataFunctions(LispInterpreter& lisp);
+void addRegistryFunctions(LispInterpreter& lisp);
 
 /// Sets ERRNO to the reason why a function gave nil.
 void setErrorNumber(int number);
+
+/// The interpreters of the open drawings that have one.
+void forEachInterpreter(const std::function<void(LispInterpreter&)>& visit);
+/// Sets what vl-propagate gives to every drawing.
+void takePropagatedValues(LispInterpreter& lisp);
 
 } // namespace host::lisp

@@ -30,13 +30,23 @@ Value modify(LispInterpreter&, Arguments arguments) {
     return acdbEntMod(listToGroups(arguments[0]).get()) == RTNORM ? arguments[0] : Value();
 }
 
+// What making came to: the end of a block's definition gives its name.
+Value madeOrNil(int status, const Value& made) {
+    if (status == RTKWORD) {
+        AcString name;
+        acedGetInput(name);
+        return makeText(name.kwszPtr());
+    }
+    return status == RTNORM ? made : Value();
+}
+
 // (entmake [list]): without a list an entity that is being made in parts is given up.
 Value makeEntity(LispInterpreter&, Arguments arguments) {
     if (arguments.empty() || arguments[0].isNil()) {
         acdbEntMake(nullptr);
         return {};
     }
-    return acdbEntMake(listToGroups(arguments[0]).get()) == RTNORM ? arguments[0] : Value();
+    return madeOrNil(acdbEntMake(listToGroups(arguments[0]).get()), arguments[0]);
 }
 
 Value makeObject(LispInterpreter&, Arguments arguments) {
@@ -44,7 +54,8 @@ Value makeObject(LispInterpreter&, Arguments arguments) {
     if (arguments.empty() || arguments[0].isNil()) {
         return {};
     }
-    return acdbEntMakeX(listToGroups(arguments[0]).get(), object) == RTNORM ? entityValue(object) : Value();
+    const int status = acdbEntMakeX(listToGroups(arguments[0]).get(), object);
+    return madeOrNil(status, ads_name_nil(object) ? nil : entityValue(object));
 }
 
 Value erase(LispInterpreter&, Arguments arguments) {

@@ -17,6 +17,14 @@ namespace {
 constexpr std::size_t stackValues = std::size_t{1} << 18;
 constexpr int ticksBetweenBreaks = 20000;
 
+/// The innermost call that fails is the one that is told.
+void noteExpression(Error& error, const Value& form) {
+    if (error.expression.empty()) {
+        const StackReserve reserve;
+        error.expression = printedShort(form);
+    }
+}
+
 } // namespace
 
 /// A line of execution from the host's call on. Programs of the host stand still while a command waits for
@@ -202,62 +210,108 @@ void LispInterpreter::assign(Symbol& symbol, Value value) {
 
 void LispInterpreter::define(std::wstring_view name, Function function, int minimum, int maximum) {
     Symbol* const symbol = intern(name);
-    symbol->value = make<Subr>(symbol->name, function, nullptr, minimum, maximum);
+    symbol->value = make<Subr>(symbol->name, function, minimum, maximum);
 }
 
 void LispInterpreter::defineSpecial(std::wstring_view name, SpecialForm form) {
     Symbol* const symbol = intern(name);
-    symbol->value = make<Subr>(symbol->name, nullptr, form, 0, any);
+    symbol->value = make<Subr>(symbol->name, form, nullptr);
+}
+
+void LispInterpreter::defineBranch(std::wstring_view name, BranchForm form) {
+    Symbol* const symbol = intern(name);
+    symbol->value = make<Subr>(symbol->name, nullptr, form);
+}
+
+const Value* LispInterpreter::evalUpToLast(const Value& forms) {
+    if (!forms.isCons()) {
+        return nullptr;
+    }
+    const Value* at = &forms;
+    while (at->cons().tail.isCons()) {
+        eval(at->cons().head);
+        at = &at->cons().tail;
+    }
+    return &at->cons().head;
 }
 
 Value LispInterpreter::evalSequence(const Value& forms) {
-    Value result;
-    for (const Value* at = &forms; at->isCons(); at = &at->cons().tail) {
-        result = eval(at->cons().head);
+    const Value* const last = evalUpToLast(forms);
+    return last != nullptr ? eval(*last) : Value();
+}
+
+const Value* LispInterpreter::followBranches(const Value* form, Value& result) {
+    while (form != nullptr && form->isCons()) {
+        const Value& head = form->cons().head;
+        if (!head.isSymbol() || head.symbol()->value.kind() != Kind::subr) {
+            break;
+        }
+        const BranchForm branch = head.symbol()->value.as<Subr>().branch;
+        if (branch == nullptr) {
+            break;
+        }
+        try {
+            form = branch(*this, form->cons().tail, result);
+        } catch (Error& error) {
+            noteExpression(error, *form);
+            throw;
+        }
     }
-    return result;
+    return form;
 }
 
 Value LispInterpreter::evalCall(const Value& form) {
     ensureStack();
     tick();
-    const Value& head = form.cons().head;
-    const Value& rest = form.cons().tail;
+    Value result;
+    const Value* const last = followBranches(&form, result);
+    if (last == nullptr) {
+        return result;
+    }
+    if (!last->isCons()) {
+        return eval(*last);
+    }
     try {
-        // A copy, so that a function which replaces itself goes on living while it runs.
-        const Value function = head.isSymbol() ? head.symbol()->value : head;
-        if (function.kind() == Kind::subr) {
-            const Subr& subr = function.as<Subr>();
-            if (subr.special != nullptr) {
-                return subr.special(*this, rest);
-            }
-        }
-        Frame frame(*this);
-        const Value* at = &rest;
-        for (; at->isCons(); at = &at->cons().tail) {
-            frame.push(eval(at->cons().head));
-        }
-        if (!at->isNil()) {
-            throw Error(L"调用的参数表有缺陷");
-        }
-        if (function.isNil() && head.isSymbol()) {
-            throw Error(L"没有函数定义: " + head.symbol()->name);
-        }
-        return callFrame(function, frame);
+        return evalPlainCall(*last);
     } catch (Error& error) {
-        if (error.expression.empty()) {
-            StackReserve reserve;
-            error.expression = printedShort(form);
-        }
+        noteExpression(error, *last);
         throw;
     }
+}
+
+Value LispInterpreter::evalPlainCall(const Value& form) {
+    const Value& head = form.cons().head;
+    const Value& rest = form.cons().tail;
+    // A copy, so that a function which replaces itself goes on living while it runs.
+    const Value function = head.isSymbol() ? head.symbol()->value : head;
+    if (function.kind() == Kind::subr && function.as<Subr>().special != nullptr) {
+        return function.as<Subr>().special(*this, rest);
+    }
+    Frame frame(*this);
+    const Value* at = &rest;
+    for (; at->isCons(); at = &at->cons().tail) {
+        frame.push(eval(at->cons().head));
+    }
+    if (!at->isNil()) {
+        throw Error(L"调用的参数表有缺陷");
+    }
+    if (function.isNil() && head.isSymbol()) {
+        throw Error(L"没有函数定义: " + head.symbol()->name);
+    }
+    return callFrame(function, frame);
 }
 
 Value LispInterpreter::callFrame(const Value& function, Frame& frame) {
     switch (function.kind()) {
     case Kind::subr:
+        if (function.as<Subr>().traced) [[unlikely]] {
+            return callTraced(function, frame);
+        }
         return callSubr(function.as<Subr>(), frame.arguments());
     case Kind::userFunction:
+        if (function.as<UserFunction>().traced) [[unlikely]] {
+            return callTraced(function, frame);
+        }
         return runFunction(function.as<UserFunction>(), frame);
     case Kind::external:
         if (!mSurroundings.callExternal) {
@@ -272,6 +326,25 @@ Value LispInterpreter::callFrame(const Value& function, Frame& frame) {
         return callFrame(resolved, frame);
     }
     }
+}
+
+Value LispInterpreter::callTraced(const Value& function, Frame& frame) {
+    struct Depth {
+        explicit Depth(int& depth) : count(depth) { ++count; }
+        ~Depth() { --count; }
+        int& count;
+    } const depth(mTraceDepth);
+    const bool isSubr = function.kind() == Kind::subr;
+    const std::wstring indent = L"\n" + std::wstring(static_cast<std::size_t>(mTraceDepth) * 2 - 2, L' ');
+    std::wstring call = isSubr ? function.as<Subr>().name : function.as<UserFunction>().name;
+    for (const Value& argument : frame.arguments()) {
+        call += L" " + printedShort(argument);
+    }
+    print(indent + L"进入 (" + call + L")");
+    Value result = isSubr ? callSubr(function.as<Subr>(), frame.arguments())
+                          : runFunction(function.as<UserFunction>(), frame);
+    print(indent + L"结果: " + printedShort(result));
+    return result;
 }
 
 Value LispInterpreter::callSubr(const Subr& subr, Arguments arguments) {
@@ -308,17 +381,63 @@ Value LispInterpreter::runFunction(const UserFunction& function, Frame& frame) {
     }
     const Bindings bindings(function.variables, frame.base());
     try {
-        return evalSequence(function.body);
+        return runBody(function);
     } catch (Error& error) {
         onError(error); // the locals are still bound, *error* among them
         throw;
     }
 }
 
+/// Where the value of the body is that of a call of the same function, that call takes the place of the one
+/// that runs: it binds every variable anew that the outer one has bound, so nothing can see the outer ones.
+Value LispInterpreter::runBody(const UserFunction& function) {
+    for (;;) {
+        Value result;
+        const Value* const last = followBranches(evalUpToLast(function.body), result);
+        if (last == nullptr) {
+            return result;
+        }
+        if (!last->isCons() || !rebindForTailCall(function, *last)) {
+            return eval(*last);
+        }
+        tick();
+    }
+}
+
+/// False, with nothing done, when the form is no well-formed call of the function.
+bool LispInterpreter::rebindForTailCall(const UserFunction& function, const Value& form) {
+    const Value& head = form.cons().head;
+    if (!head.isSymbol() || head.symbol()->value.kind() != Kind::userFunction || function.traced ||
+        head.symbol()->value.object() != &function) {
+        return false;
+    }
+    std::size_t count = 0;
+    const Value* at = &form.cons().tail;
+    for (; at->isCons(); at = &at->cons().tail) {
+        ++count;
+    }
+    if (!at->isNil() || count != function.parameters) {
+        return false;
+    }
+    Frame frame(*this);
+    for (const Value& argument : Elements(form.cons().tail)) {
+        frame.push(eval(argument));
+    }
+    for (std::size_t index = 0; index < function.variables.size(); ++index) {
+        Value& value = function.variables[index]->value;
+        if (index < count) {
+            value.swap(frame.base()[index]);
+        } else {
+            value = Value();
+        }
+    }
+    return true;
+}
+
 Value LispInterpreter::resolveFunction(const Value& function) {
     switch (function.kind()) {
     case Kind::subr:
-        if (function.as<Subr>().special != nullptr) {
+        if (!function.as<Subr>().evaluatesArguments()) {
             throw Error(L"函数错误: " + function.as<Subr>().name);
         }
         return function;
@@ -355,7 +474,7 @@ Value LispInterpreter::apply(const Value& function, Arguments arguments) {
     ensureStack();
     tick();
     const Value resolved = resolveFunction(function);
-    if (resolved.kind() == Kind::subr) {
+    if (resolved.kind() == Kind::subr && !resolved.as<Subr>().traced) {
         return callSubr(resolved.as<Subr>(), arguments);
     }
     Frame frame(*this);
@@ -400,28 +519,40 @@ Value LispInterpreter::catchAll(const Value& function, Arguments arguments) {
     }
 }
 
+Reader LispInterpreter::readerOf(std::wstring_view source) {
+    return Reader(source, [this](std::wstring_view name) {
+        Symbol* const symbol = intern(name);
+        return symbol->name == L"NIL" ? Value() : Value(symbol);
+    });
+}
+
 Value LispInterpreter::readText(std::wstring_view source) {
-    Reader reader(source, [this](std::wstring_view name) {
-        Symbol* const symbol = intern(name);
-        return symbol->name == L"NIL" ? Value() : Value(symbol);
-    });
-    return reader.next().value_or(Value());
+    return readerOf(source).next().value_or(Value());
 }
 
-Value LispInterpreter::runProgram(std::wstring_view source) {
-    return runForms(source, false);
+Value LispInterpreter::runProgram(std::wstring_view source, std::wstring_view fileName) {
+    Reader reader = readerOf(source);
+    const auto read = [&] {
+        try {
+            return reader.next();
+        } catch (Error& error) {
+            error.message += L"，" + std::wstring(fileName) + L" 第 " +
+                             std::to_wstring(reader.faultLine()) + L" 行";
+            throw;
+        }
+    };
+    Value result;
+    while (const std::optional<Value> form = read()) {
+        result = eval(*form);
+    }
+    return result;
 }
 
-Value LispInterpreter::runForms(std::wstring_view source, bool typed) {
-    Reader reader(source, [this](std::wstring_view name) {
-        Symbol* const symbol = intern(name);
-        return symbol->name == L"NIL" ? Value() : Value(symbol);
-    });
+Value LispInterpreter::runTyped(std::wstring_view source) {
+    Reader reader = readerOf(source);
     Value result;
     while (const std::optional<Value> form = reader.next()) {
-        if (typed) {
-            mLine->outermost = form->isCons() ? printedShort(*form) : std::wstring();
-        }
+        mLine->outermost = form->isCons() ? printedShort(*form) : std::wstring();
         result = eval(*form);
     }
     return result;
@@ -458,7 +589,7 @@ LispEvaluation LispInterpreter::guarded(const std::function<Value()>& work) {
 }
 
 LispEvaluation LispInterpreter::evaluate(std::wstring_view source) {
-    return guarded([&] { return runForms(source, true); });
+    return guarded([&] { return runTyped(source); });
 }
 
 LispEvaluation LispInterpreter::call(std::wstring_view functionName, Arguments arguments) {

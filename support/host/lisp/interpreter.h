@@ -17,6 +17,10 @@
 
 namespace host {
 
+namespace lisp {
+class Reader;
+}
+
 /// What the evaluator asks of the program around it. Functions left empty have no effect.
 struct LispSurroundings {
     /// Text for the command line; a line begins with \n, as everywhere in the host.
@@ -80,6 +84,7 @@ public:
 
     void define(std::wstring_view name, lisp::Function function, int minimum, int maximum);
     void defineSpecial(std::wstring_view name, lisp::SpecialForm form);
+    void defineBranch(std::wstring_view name, lisp::BranchForm form);
 
     // Evaluation. Errors are thrown as lisp::Error.
 
@@ -91,6 +96,8 @@ public:
     }
     /// Evaluates the forms of a list; the value of the last.
     lisp::Value evalSequence(const lisp::Value& forms);
+    /// Evaluates them up to the last one, which is given back; null when there is none.
+    const lisp::Value* evalUpToLast(const lisp::Value& forms);
     /// Calls a function value, a symbol that names one, or a lambda list.
     lisp::Value apply(const lisp::Value& function, lisp::Arguments arguments);
     /// The function behind a value, for calling it many times; raises an error when there is none.
@@ -100,8 +107,9 @@ public:
     /// Calls with errors kept from *error* and given back as a value.
     lisp::Value catchAll(const lisp::Value& function, lisp::Arguments arguments);
     lisp::Value readText(std::wstring_view source);
-    /// Evaluates all expressions of a program's text; errors are thrown.
-    lisp::Value runProgram(std::wstring_view source);
+    /// Evaluates all expressions of a program's text; errors are thrown. What can't be read is told with the
+    /// name and the line.
+    lisp::Value runProgram(std::wstring_view source, std::wstring_view fileName);
 
     /// To be called in loops that run no calls: notices Escape.
     void tick() {
@@ -126,10 +134,17 @@ private:
     struct Line;
 
     lisp::Value evalCall(const lisp::Value& form);
+    /// Follows a call through forms that branch to the form that has its value; null when `result` has it.
+    const lisp::Value* followBranches(const lisp::Value* form, lisp::Value& result);
+    lisp::Value evalPlainCall(const lisp::Value& form);
     lisp::Value callFrame(const lisp::Value& function, Frame& frame);
+    lisp::Value callTraced(const lisp::Value& function, Frame& frame);
     lisp::Value callSubr(const lisp::Subr& subr, lisp::Arguments arguments);
     lisp::Value runFunction(const lisp::UserFunction& function, Frame& frame);
-    lisp::Value runForms(std::wstring_view source, bool typed);
+    lisp::Value runBody(const lisp::UserFunction& function);
+    bool rebindForTailCall(const lisp::UserFunction& function, const lisp::Value& form);
+    lisp::Reader readerOf(std::wstring_view source);
+    lisp::Value runTyped(std::wstring_view source);
     void checkBreak();
     LispEvaluation guarded(const std::function<lisp::Value()>& work);
     /// Tells *error* or the user, once, unless something catches the error.
@@ -145,6 +160,7 @@ private:
     std::vector<std::unique_ptr<Line>> mFreeLines;
     Line* mLine = nullptr; ///< the one that runs
     int mTicksLeft;
+    int mTraceDepth = 0;
     int mDepth = 0; ///< evaluations begun and not ended, those that stand still included
 };
 

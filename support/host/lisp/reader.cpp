@@ -4,6 +4,7 @@
 #include "host/lisp/stack.h"
 #include "host/rx/text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -45,8 +46,19 @@ void Reader::skipBlanks() {
     }
 }
 
+void Reader::fail(std::wstring_view message, std::size_t position) {
+    mFault = position;
+    throw Error(std::wstring(message));
+}
+
+std::size_t Reader::faultLine() const {
+    const std::wstring_view before = mSource.substr(0, std::min(mFault, mSource.size()));
+    return static_cast<std::size_t>(std::ranges::count(before, L'\n')) + 1;
+}
+
 std::optional<Value> Reader::next() {
     skipBlanks();
+    mFormBegin = mFault = mAt;
     if (mAt >= mSource.size()) {
         return std::nullopt;
     }
@@ -57,15 +69,14 @@ Value Reader::read() {
     ensureStack();
     skipBlanks();
     if (mAt >= mSource.size()) {
-        throw Error(L"输入的列表有缺陷");
+        fail(L"输入的列表有缺陷", mFormBegin);
     }
     switch (mSource[mAt]) {
     case L'(':
         ++mAt;
         return readList();
     case L')':
-        ++mAt;
-        throw Error(L"输入了多余的右括号");
+        fail(L"输入了多余的右括号", mAt++);
     case L'\'':
         ++mAt;
         return list(mIntern(L"QUOTE"), read());
@@ -82,7 +93,7 @@ Value Reader::readList() {
     for (;;) {
         skipBlanks();
         if (mAt >= mSource.size()) {
-            throw Error(L"输入的列表有缺陷");
+            fail(L"输入的列表有缺陷", mFormBegin);
         }
         if (mSource[mAt] == L')') {
             ++mAt;
@@ -95,15 +106,15 @@ Value Reader::readList() {
         }
         ++mAt;
         if (builder.empty()) {
-            throw Error(L"输入中的点位置不对");
+            fail(L"输入中的点位置不对", mAt);
         }
         builder.end(read());
         skipBlanks();
         if (mAt >= mSource.size()) {
-            throw Error(L"输入的列表有缺陷");
+            fail(L"输入的列表有缺陷", mFormBegin);
         }
         if (mSource[mAt] != L')') {
-            throw Error(L"输入中的点位置不对");
+            fail(L"输入中的点位置不对", mAt);
         }
         ++mAt;
         return builder.take();
@@ -152,6 +163,7 @@ wchar_t Reader::readEscape() {
 }
 
 Value Reader::readText() {
+    const std::size_t begin = mAt;
     std::wstring text;
     while (mAt < mSource.size()) {
         const wchar_t character = mSource[mAt++];
@@ -164,7 +176,7 @@ Value Reader::readText() {
             text += readEscape();
         }
     }
-    throw Error(L"输入的字符串有缺陷");
+    fail(L"输入的字符串有缺陷", begin);
 }
 
 Value Reader::readAtom() {
@@ -174,7 +186,7 @@ Value Reader::readAtom() {
     }
     const std::wstring_view word = mSource.substr(begin, mAt - begin);
     if (word == L".") {
-        throw Error(L"输入中的点位置不对");
+        fail(L"输入中的点位置不对", mAt);
     }
     if (std::optional<Value> number = parseNumber(word)) {
         return *number;

@@ -18,8 +18,11 @@ public:
 
     /// The next expression; nothing at the end of the text. Raises an Error for what can't be read.
     std::optional<Value> next();
+    /// The line, from 1, of what could not be read: for a list or text that does not end, where it begins.
+    std::size_t faultLine() const;
 
 private:
+    [[noreturn]] void fail(std::wstring_view message, std::size_t position);
     void skipBlanks();
     Value read();
     Value readList();
@@ -29,6 +32,8 @@ private:
 
     std::wstring_view mSource;
     std::size_t mAt = 0;
+    std::size_t mFormBegin = 0;
+    std::size_t mFault = 0;
     Interner mIntern;
 };
 

@@ -205,6 +205,17 @@ Value redraw(LispInterpreter&, Arguments arguments) {
     return {};
 }
 
+// Whether the drawing counts as changed, kept and put back around what should not count.
+Value pushChanged(LispInterpreter& lisp, Arguments) {
+    curDoc()->pushDbmod();
+    return lisp.truth();
+}
+
+Value popChanged(LispInterpreter& lisp, Arguments) {
+    curDoc()->popDbmod();
+    return lisp.truth();
+}
+
 Value nothing(LispInterpreter&, Arguments) {
     return {};
 }
@@ -220,7 +231,9 @@ constexpr FunctionRow rows[] = {
     {L"TRANS", transform, 3, 4},        {L"OSNAP", snap, 2, 2},
     {L"GRDRAW", drawVector, 3, 4},      {L"GRVECS", drawVectors, 1, 2},
     {L"GRTEXT", drawText, 0, 3},        {L"GRCLEAR", nothing, 0, 0},
-    {L"REDRAW", redraw, 0, 2},
+    {L"REDRAW", redraw, 0, 2},          {L"ACAD-PUSH-DBMOD", pushChanged, 0, 0},
+    {L"ACAD-POP-DBMOD", popChanged, 0, 0}, {L"INITDIA", nothing, 0, 1},
+    {L"SETFUNHELP", nothing, 1, 4},
 };
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "host/lisp/convert.h"
 #include "host/lisp/drawingbuiltins.h"
 
+#include <map>
+
 namespace host::lisp {
 
 namespace {
@@ -79,7 +81,27 @@ Value renameInDictionary(LispInterpreter&, Arguments arguments) {
     return status == RTNORM ? arguments[2] : Value();
 }
 
+// Names of the layouts in the order of their tabs, without the model's.
+Value layoutNames(LispInterpreter&, Arguments) {
+    const AcDbDatabase* const database = acdbCurDwg();
+    std::multimap<int, std::wstring> names;
+    const auto* layouts =
+        database != nullptr ? peek<AcDbDictionary>(database->layoutDictionaryId()) : nullptr;
+    for (const auto& entry : layouts != nullptr ? layouts->entries() : std::vector<AcDbDictionary::Entry>()) {
+        const auto* const layout = peek<AcDbLayout>(entry.id);
+        if (layout != nullptr && !layout->modelType()) {
+            names.emplace(layout->getTabOrder(), layout->layoutName().kwszPtr());
+        }
+    }
+    ListBuilder builder;
+    for (const auto& [order, name] : names) {
+        builder.add(makeText(name));
+    }
+    return builder.take();
+}
+
 constexpr FunctionRow rows[] = {
+    {L"LAYOUTLIST", layoutNames, 0, 0},
     {L"TBLSEARCH", searchTable, 2, 3},           {L"TBLNEXT", nextInTable, 1, 2},
     {L"TBLOBJNAME", recordName, 2, 2},           {L"SNVALID", isValidName, 1, 2},
     {L"NAMEDOBJDICT", namedObjects, 0, 0},       {L"DICTSEARCH", searchDictionary, 2, 3},

@@ -169,16 +169,25 @@ struct Text : Object {
 
 using Function = Value (*)(LispInterpreter&, Arguments);
 using SpecialForm = Value (*)(LispInterpreter&, const Value& forms);
+/// Runs a form up to the part whose value is its own: that part, still to be evaluated, or null with `result`
+/// set.
+using BranchForm = const Value* (*)(LispInterpreter&, const Value& forms, Value& result);
 
-/// A function of the language itself. A special form gets its arguments unevaluated.
+/// A function of the language itself. Special and branching forms get their arguments unevaluated.
 struct Subr : Object {
-    Subr(std::wstring_view subrName, Function call, SpecialForm form, int least, int most)
-        : Object(Kind::subr), name(subrName), function(call), special(form), minimum(least), maximum(most) {}
+    Subr(std::wstring_view subrName, Function call, int least, int most)
+        : Object(Kind::subr), name(subrName), function(call), minimum(least), maximum(most) {}
+    Subr(std::wstring_view subrName, SpecialForm form, BranchForm branchForm)
+        : Object(Kind::subr), name(subrName), special(form), branch(branchForm) {}
+    bool evaluatesArguments() const { return function != nullptr; }
+
     std::wstring name;
-    Function function;
-    SpecialForm special;
-    int minimum;
-    int maximum; ///< -1: any number
+    Function function = nullptr;
+    SpecialForm special = nullptr;
+    BranchForm branch = nullptr;
+    int minimum = 0;
+    int maximum = -1; ///< -1: any number
+    bool traced = false;
 };
 
 /// A function written in the language.
@@ -189,6 +198,7 @@ struct UserFunction : Object {
     std::size_t parameters = 0;
     Value body;
     Value definition; ///< parameter list as written, for printing it back
+    bool traced = false;
 };
 
 /// A function that a module has defined.
