@@ -174,6 +174,34 @@ TEST_F(LispCore, EndsEndlessRecursionAndLoopsWithAnError) {
     EXPECT_EQ(run("(defun f () (setq k 0) (while t (setq k (1+ k)))) (f)"), "!函数被取消");
 }
 
+TEST_F(LispCore, RunsTailCallsAsLoops) {
+    check({
+        {"(defun f (n) (if (= n 0) 'done (f (1- n)))) (f 300000)", "DONE"},
+        {"(defun f (n s / k) (cond ((= n 0) (list s k)) (t (setq k n) (progn (f (1- n) (+ s k)))))) (f "
+         "100000 0.0)",
+         "(5.00005e+09 nil)"},
+        {"(setq n 'out) (f 3 0) n", "OUT"},
+        // Only a call that is the value itself, and of the same function, takes the place.
+        {"(defun f (n) (if (= n 0) 0 (1+ (f (1- n))))) (f 100)", "100"},
+        {"(defun f (n) (defun f (n) (list 'new n)) (f (1+ n))) (f 1)", "(NEW 2)"},
+        {"(defun f (n) (if (= n 0) (g) (f (1- n)))) (defun g () n) (f 3)", "0"},
+        {"(defun f (n) (if (= n 0) (car 1) (f))) (f 1)", "!参数太少"},
+        {"(defun f (n / *error*) (defun *error* (m) (setq told n)) (if (= n 0) (car 1) (f (1- n)))) (f 2)",
+         "!参数类型错误: consp 1"},
+        {"(list told n)", "(0 OUT)"},
+    });
+}
+
+TEST_F(LispCore, TracesCalls) {
+    EXPECT_EQ(run("(defun f (n) (if (= n 0) 0 (f (1- n)))) (trace f) (f 1)"), "0");
+    EXPECT_EQ(printed(), "\n进入 (F 1)\n  进入 (F 0)\n  结果: 0\n结果: 0");
+    EXPECT_EQ(run("(trace strcat) (apply 'strcat '(\"a\" \"b\"))"), "\"ab\"");
+    EXPECT_EQ(printed(), "\n进入 (STRCAT \"a\" \"b\")\n结果: \"ab\"");
+    EXPECT_EQ(run("(untrace f strcat) (f 1) (strcat \"a\")"), "\"a\"");
+    EXPECT_EQ(printed(), "");
+    EXPECT_EQ(run("(trace no-such)"), "!没有函数定义: NO-SUCH");
+}
+
 TEST_F(LispCore, LoopsDoNotGrowMemory) {
     const char* program = "(setq i 0) (while (< i 2000) (setq i (1+ i) l (list i (strcat \"a\" (itoa i)))))"
                           "(repeat 2000 (mapcar '(lambda (x) (* x 2)) '(1 2 3)))"

@@ -2,6 +2,10 @@
 // functions.
 #include "lispsession.h"
 
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
 namespace host {
 namespace {
 
@@ -178,6 +182,153 @@ TEST_F(LispDrawing, TablesVariablesAndUnits) {
         {"(list (wcmatch \"W12\" \"W#*\") (wcmatch \"w1\" \"W*\") (wcmatch \"ab\" \"~a*\"))", "(T nil nil)"},
         {"(trans '(1 2 3) 0 1)", "(1.0 2.0 3.0)"},
     });
+}
+
+TEST_F(LispDrawing, SelectsInEveryWay) {
+    run("(foreach x '(0 10 20 30) (entmake (list '(0 . \"CIRCLE\") (list 10 x 0 0) '(40 . 1.0))))"
+        "(entmake '((0 . \"LINE\") (8 . \"锁\") (10 0 50 0) (11 10 50 0)))"
+        "(defun n (ss) (if ss (sslength ss)))");
+    check({
+        {"(list (n (ssget \"W\" '(-2 -2) '(10.5 2))) (n (ssget \"C\" '(-2 -2) '(10.5 2))))", "(1 2)"},
+        {"(list (n (ssget \"_CP\" '((-2 -2) (9.5 -2) (9.5 2) (-2 2)))) (n (ssget \"F\" '((0 -5) (0 60)))))",
+         "(2 2)"},
+        {"(n (ssget \"F\" '((-5 0) (35 0)) '((0 . \"CIRCLE\"))))", "4"},
+        {"(n (ssget '(1 0)))", "1"},
+        {"(ssget '(5 5))", "nil"},
+        {"(ssget \"L\") (cdr (assoc 0 (entget (ssname (ssget \"_P\") 0))))", "\"LINE\""},
+        {"(list (n (ssget \"A\")) (n (ssget \"_X\" '((-4 . \">\") (40 . 0.5)))))", "(5 4)"},
+        {"(list (n (ssget \"X\" '((0 . \"CIRCLE\") (-4 . \">,*,*\") (10 15 0 0)))) (n (ssget \"X\" '((-4 . "
+         "\"<NOT\") (0 . "
+         "\"CIRCLE\") (-4 . \"NOT>\")))))",
+         "(2 1)"},
+        {"(sssetfirst nil (ssget \"W\" '(-2 -2) '(22 2))) (n (ssget \"_I\"))", "3"},
+        {"(n (ssget \"_:S\" '((8 . \"无\"))))", "nil"},
+        {"(ssget \"X\" '((-4 . \"<OR\") (0 . \"LINE\")))", "nil"},
+    });
+    script(
+        "(setq s1 (ssget \":S\"))\n11,0\n(setq s2 (ssget \"_:L\" '((0 . \"CIRCLE\"))))\nC\n-2,-2\n12,60\n\n");
+    EXPECT_EQ(run("(list (n s1) (n s2))"), "(1 2)") << caught.shown;
+    check({
+        {"(setq a (ssname s2 0) b (ssname s2 1)) (list (eq a (ssmemb a s2)) (n (ssdel a s2)) (ssmemb a s2) "
+         "(ssdel a s2))",
+         "(T 1 nil nil)"},
+        {"(list (eq s2 (ssadd a s2)) (n s2) (n (ssadd a s2)) (length (ssnamex s2)))", "(T 2 2 2)"},
+        {"(entdel a) (list (n s2) (null (entget a)))", "(2 T)"},
+    });
+}
+
+TEST_F(LispDrawing, KeepsValuesInTheDrawing) {
+    check({
+        {"(setq v (list 1 -2.5 \"塔\" nil t 'sym '(1 . 2) '((a b) \"}\" . 3.25) 70000)) (equal v "
+         "(vlax-ldata-put \"我的数据\" "
+         "\"k\" v))",
+         "T"},
+        {"(list (equal v (vlax-ldata-get \"我的数据\" \"K\")) (vlax-ldata-get \"我的数据\" \"none\" 5) "
+         "(vlax-ldata-get "
+         "\"none\" \"k\"))",
+         "(T 5 nil)"},
+        {"(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 1.0))) (setq e (entlast)) (vlax-ldata-put e \"a\" 1) "
+         "(vlax-ldata-put "
+         "e \"b\" (list e)) (vlax-ldata-put e \"a\" '(2 3))",
+         "(2 3)"},
+        {"(mapcar '(lambda (k) (equal (vlax-ldata-get e k) (cdr (assoc k (vlax-ldata-list e))))) '(\"a\" "
+         "\"b\"))",
+         "(T T)"},
+        {"(list (vlax-ldata-get e \"a\") (equal (vlax-ldata-get e \"b\") (list e)))", "((2 3) T)"},
+        {"(list (vlax-ldata-delete e \"a\") (vlax-ldata-delete e \"a\") (vlax-ldata-get e \"a\"))",
+         "(T nil nil)"},
+        {"(list (vlax-ldata-test v) (vlax-ldata-test car))", "(T nil)"},
+        {"(vl-catch-all-error-p (vl-catch-all-apply 'vlax-ldata-put (list \"我的数据\" \"f\" (list car))))",
+         "T"},
+        {"(vlax-ldata-get \"我的数据\" \"f\")", "nil"},
+    });
+}
+
+TEST_F(LispDrawing, SharesValuesBetweenDrawings) {
+    run("(vl-bb-set '*shared* '(1 (a . \"b\") 2.5)) (setq everywhere '(x 1)) (vl-propagate 'everywhere)");
+    AcApDocument* const first = curDoc();
+    session.newDrawing();
+    check({
+        {"(list (vl-bb-ref '*shared*) (vl-bb-ref 'none) *shared* everywhere)",
+         "((1 (A . \"b\") 2.5) nil nil (X 1))"},
+        {"(eq (caadr (vl-bb-ref '*shared*)) 'a)", "T"},
+        {"(vl-bb-set '*shared* 7) (setq everywhere 2) (vl-propagate 'everywhere)", "nil"},
+        {"(vl-doc-set 'own 3) (list own (vl-doc-ref 'own))", "(3 3)"},
+    });
+    acDocManagerPtr()->activateDocument(first);
+    EXPECT_EQ(run("(list (vl-bb-ref '*shared*) everywhere own)"), "(7 2 nil)");
+    run("(vl-bb-set '*shared* nil) (setq everywhere nil) (vl-propagate 'everywhere)");
+}
+
+TEST_F(LispDrawing, KeepsSettings) {
+    check({
+        {"(list (vl-registry-write \"HKEY_CURRENT_USER\\\\Software\\\\LispTest\" \"文字\" \"值\") "
+         "(vl-registry-write "
+         "\"HKEY_CURRENT_USER\\\\Software\\\\LispTest\" \"n\" -5) (vl-registry-write "
+         "\"HKEY_CURRENT_USER\\\\Software\\\\LispTest\\\\Below\"))",
+         "(\"值\" -5 \"\")"},
+        {"(setq k \"HKEY_CURRENT_USER\\\\Software\\\\LispTest\") (list (vl-registry-read k \"文字\") "
+         "(vl-registry-read k "
+         "\"N\") (vl-registry-read k \"none\") (vl-registry-descendents k) (acad_strlsort "
+         "(vl-registry-descendents k \"\")))",
+         "(\"值\" -5 nil (\"Below\") (\"n\" \"文字\"))"},
+        {"(list (vl-registry-delete k \"n\") (vl-registry-read k \"n\") (vl-registry-delete (strcat k "
+         "\"\\\\Below\")) "
+         "(vl-registry-delete k) (vl-registry-read k \"文字\"))",
+         "(T nil T T nil)"},
+        {"(vl-registry-write \"NO_HIVE\\\\a\" \"b\" \"c\")", "nil"},
+        {"(setenv \"LispTest\" \"一\") (getenv \"LispTest\")", "\"一\""},
+        {"(setcfg \"AppData/LispTest/a\" \"二\") (getcfg \"AppData/LispTest/a\")", "\"二\""},
+        {"(list (fix (- (getvar \"CDATE\") (fix (getvar \"CDATE\")))) (> (getvar \"DATE\") 2450000) (numberp "
+         "(getvar "
+         "\"MILLISECS\")))",
+         "(0 T T)"},
+    });
+}
+
+TEST_F(LispDrawing, LoadsFromTrustedFoldersOnly) {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("lisp-trusted-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(folder / "code");
+    std::ofstream(folder / "code/own.lsp") << "(setq mine 5)";
+    const auto variable = [&](const char* name, const std::string& value) {
+        return run("(setvar \"" + std::string(name) + "\" \"" + value + "\")");
+    };
+    EXPECT_EQ(run("(load \"own\")"), "; 错误: LOAD 失败: \"own\"");
+    variable("TRUSTEDPATHS", "/none; " + (folder / "code").string());
+    EXPECT_EQ(run("(load \"own\") mine"), "5");
+    // A start-up program is loaded once for each drawing, before its first prompt.
+    std::ofstream(folder / "code/acaddoc.lsp") << "(setq begun (1+ (cond (begun) (0)))) (defun S::STARTUP () (setq up t))";
+    script("(setq a 1)\n(setq b 2)\n");
+    EXPECT_EQ(run("(list begun up)"), "(1 T)");
+    session.newDrawing();
+    script("(setq a 1)\n");
+    EXPECT_EQ(run("(list begun up)"), "(1 T)");
+    variable("TRUSTEDPATHS", "");
+    EXPECT_EQ(run("(load \"own\" 'no)"), "NO");
+    EXPECT_EQ(run("(open \"/srv/none/a.txt\" \"w\")"), "nil");
+    EXPECT_NE(caught.shown.find("不允许访问文件 /srv/none/a.txt"), std::string::npos);
+    std::filesystem::remove_all(folder);
+}
+
+TEST_F(LispDrawing, QuestionsKeepToWhatInitgetSaid) {
+    script("(progn (initget 7) (setq a (getint \"\\n数: \")))\n\n0\n-3\n4\n");
+    EXPECT_EQ(run("a"), "4") << caught.shown;
+    script("(progn (initget 1 \"Auto Bye\") (setq a (getreal)))\n\nb\n");
+    EXPECT_EQ(run("a"), "\"Bye\"") << caught.shown;
+    script("(progn (initget 128 \"Yes\") (setq a (getpoint)))\nwhatever\n");
+    EXPECT_EQ(run("a"), "\"whatever\"") << caught.shown;
+    script("(progn (initget \"LAyer LTtype\") (setq a (getkword)))\nla\n(setq b (getpoint '(1 1) \"\\n点: "
+           "\"))\n@2,0\n"
+           "(setq c (getcorner '(0 0)))\n5,6\n(setq d (getorient))\n45\n");
+    EXPECT_EQ(run("(list a b c (angtos d 0 0))"), "(\"LAyer\" (3.0 1.0 0.0) (5.0 6.0 0.0) \"45\")")
+        << caught.shown;
+    run("(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 5.0)))");
+    script("(setq a (entsel))\n5,0\n(setq b (entsel \"\\n选: \"))\n50,50\n(setq c (getvar \"ERRNO\"))\n");
+    EXPECT_EQ(run("(list (eq (car a) (entlast)) (cadr a) b c)"), "(T (5.0 0.0 0.0) nil 7)") << caught.shown;
+    script("(progn (initget \"All\") (setq a (entsel)))\nall\n(setq b (getstring t))\na b c\n(setq c "
+           "(getstring))\nab\n");
+    EXPECT_EQ(run("(list a b c)"), "(\"All\" \"a b c\" \"ab\")") << caught.shown;
 }
 
 TEST_F(LispDrawing, ModulesFunctionsGetAndGiveValues) {

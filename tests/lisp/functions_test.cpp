@@ -29,6 +29,14 @@ TEST_F(LispFunctions, Arithmetic) {
         {"(list (~ 5) (logand 7 12) (logior 1 8) (logxor 5 1) (lsh 1 31) (lsh -1 -1) (lsh 1 40))",
          "(-6 4 9 4 -2147483648 2147483647 0)"},
         {"(list (boole 1 12 10) (boole 6 12 10) (boole 7 12 10) (boole 8 12 10))", "(8 6 14 -15)"},
+        {"(list (lcm 4 6) (lcm 0 5) (gcd 0 0) (gcd 7))", "(12 0 0 7)"},
+        {"(lcm 65536 65535)", "!LCM: 结果超出整数范围"},
+        {"(list (expt 2 -1) (expt 0 0) (expt -8 3) (/ 5) (rem 5) (exp 1) (log 10))",
+         "(0 1 -512 5 5 2.71828 2.30259)"},
+        {"(list (atan 0 -1) (atan -1.0) (abs -2147483648) (- -2147483648) (fix -0.5) (max) (min 2 2.0))",
+         "(3.14159 -0.785398 2.14748e+09 2.14748e+09 0 0 2.0)"},
+        {"(list (1- -2147483648) (1+ 2147483647) (lsh 8 -2) (boole 2 12 10) (boole 4 12 10) (logand))",
+         "(-2.14748e+09 2.14748e+09 2 4 2 0)"},
         {"(list (zerop 0.0) (minusp -1) (numberp \"1\"))", "(T T nil)"},
     });
 }
@@ -189,8 +197,64 @@ TEST_F(LispFiles, KeepsToItsFolders) {
         {"ran", "nil"},
         {"(load \"good\")", "C:GOOD"},
         {"(load \"GOOD.LSP\") ran", "GOOD"},
+        {"(vl-file-copy (strcat other \"secret.txt\") (strcat data \"got.txt\"))", "nil"},
+        {"(vl-file-copy (strcat data \"evil.lsp\") (strcat code \"evil.lsp\"))", "nil"},
+        {"(vl-file-rename (strcat data \"evil.lsp\") (strcat code \"evil.lsp\"))", "nil"},
+        {"(vl-directory-files (strcat data \"link\"))", "nil"},
+        {"(list (vl-file-size (strcat other \"secret.txt\")) (vl-file-systime (strcat data \"link\")))",
+         "(nil nil)"},
     });
     EXPECT_TRUE(std::filesystem::exists(folder / "other/secret.txt"));
+}
+
+TEST_F(LispFiles, LoadingTellsWhatItCannotRead) {
+    put("code/open.lsp", "(setq a 1)\n(defun f ()\n  (car a)\n");
+    put("code/quote.lsp", ";c\n(setq a\n \"x)\n");
+    put("code/extra.lsp", "(setq b 2)\n\n(setq c 3))\n");
+    put("code/late.lsp", "(setq later (list 'loaded)) (defun c:late () (setq later (cons 1 later)))");
+    check({
+        {"(load \"open\")", "!输入的列表有缺陷，open.lsp 第 2 行"},
+        {"(load \"quote\")", "!输入的字符串有缺陷，quote.lsp 第 3 行"},
+        {"(load \"extra\")", "!输入了多余的右括号，extra.lsp 第 3 行"},
+        {"(list a b c)", "(1 2 3)"},
+        {"(load \"none\" '(lambda () 5))", "5"},
+        {"(defun instead () 'failed) (load \"none\" 'instead)", "FAILED"},
+        {"(load \"none\" \"no\")", "\"no\""},
+        {"(autoload \"late\" '(\"LATE\" \"OTHER\")) (list later (c:late) (c:late))",
+         "(nil (1 LOADED) (1 1 LOADED))"},
+    });
+}
+
+TEST_F(LispFiles, ManagesFiles) {
+    put("data/a.txt", "one\n");
+    check({
+        {"(list (vl-file-copy (strcat data \"a.txt\") (strcat data \"b.txt\")) (vl-file-copy (strcat data "
+         "\"a.txt\") (strcat data \"b.txt\")) (vl-file-copy (strcat data \"a.txt\") (strcat data \"b.txt\") "
+         "t) "
+         "(vl-file-size (strcat data \"b.txt\")))",
+         "(4 nil 4 8)"},
+        {"(list (vl-file-rename (strcat data \"b.txt\") (strcat data \"c.txt\")) (vl-file-rename (strcat "
+         "data "
+         "\"c.txt\") (strcat data \"a.txt\")) (vl-file-delete (strcat data \"c.txt\")))",
+         "(T nil T)"},
+        {"(list (vl-directory-files data nil 1) (vl-directory-files data nil -1) (vl-directory-files data "
+         "\"s*\"))",
+         "((\"a.txt\") (\".\" \"..\" \"sub\") (\"sub\"))"},
+        {"(list (vl-mkdir (strcat data \"new\")) (vl-file-directory-p (strcat data \"new\")) "
+         "(vl-file-directory-p "
+         "(strcat data \"a.txt\")))",
+         "(T T nil)"},
+        {"(list (length (vl-file-systime (strcat data \"a.txt\"))) (vl-file-systime (strcat data \"none\")))",
+         "(8 nil)"},
+        {"(list (vl-filename-base \"c:\\\\图\\\\a.b.dwg\") (vl-filename-extension \"c:\\\\a.b\\\\c\") "
+         "(vl-filename-directory \"/x/y/z.lsp\"))",
+         "(\"a.b\" nil \"/x/y\")"},
+        {"(setq n (vl-filename-mktemp \"tmp.lst\" data)) (close (open n \"w\"))", "nil"},
+        {"(list (vl-filename-base n) (vl-filename-extension n) (vl-filename-base (vl-filename-mktemp \"tmp\" "
+         "data "
+         "\"lst\")))",
+         "(\"tmp001\" \".lst\" \"tmp002\")"},
+    });
 }
 
 } // namespace

@@ -4,9 +4,12 @@
 #include "host/ed/ed.h"
 #include "host/lisp/lisp.h"
 #include "host/rx/text.h"
+#include "host/win/win.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace host {
 
@@ -21,6 +24,7 @@ public:
 class LispSession : public testing::Test {
 protected:
     LispSession() {
+        setSettingsFolder(settings);
         console().setSink(&caught);
         initializeLisp();
         session.newDrawing();
@@ -30,6 +34,8 @@ protected:
             acDocManagerPtr()->closeDocument(document);
         }
         console().setSink(nullptr);
+        setSettingsFolder({});
+        std::filesystem::remove_all(settings);
     }
 
     /// The value as printed; for an error its line.
@@ -55,6 +61,8 @@ protected:
         }
     }
 
+    const std::filesystem::path settings =
+        std::filesystem::temp_directory_path() / ("lisp-settings-" + std::to_string(::getpid()));
     CaughtConsole caught;
     Session session;
     bool lastScriptOk = false;

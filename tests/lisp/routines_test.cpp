@@ -1,4 +1,4 @@
-// Routines in the style people write them, run whole: numbering, sums, export of attributes.
+// Routines as people write them, loaded from their files and run whole: what they draw, write and restore.
 #include "lispsession.h"
 
 #include <filesystem>
@@ -8,123 +8,150 @@
 namespace host {
 namespace {
 
-class LispRoutines : public LispSession {};
+class LispRoutines : public LispSession {
+protected:
+    LispRoutines() { supportFolders().push_back(QDV_SOURCE_DIR "/tests/lisp/routines"); }
+    ~LispRoutines() override { supportFolders().pop_back(); }
 
-// Numbers the picked places one after the other, keeping and restoring the variables it changes.
-constexpr const char* numbering = R"(
-(defun C:BH (/ *error* oldcmd oldos pt n prefix ht)
-  (defun *error* (msg)
-    (if oldcmd (setvar "CMDECHO" oldcmd))
-    (if oldos (setvar "OSMODE" oldos))
-    (if (and msg (not (wcmatch (strcase msg) "*QUIT*,*EXIT*,*取消*")))
-      (princ (strcat "\n错误: " msg)))
-    (princ))
-  (setq oldcmd (getvar "CMDECHO") oldos (getvar "OSMODE"))
-  (setvar "CMDECHO" 0)
-  (setvar "OSMODE" 0)
-  (setq prefix (getstring "\n编号前缀: "))
-  (if (null (setq n (getint "\n起始编号 <1>: "))) (setq n 1))
-  (setq ht 2.5)
-  (while (setq pt (getpoint (strcat "\n" prefix (itoa n) " 的位置 <退出>: ")))
-    (entmake (list '(0 . "TEXT") (cons 10 pt) (cons 40 ht)
-                   (cons 1 (strcat prefix (if (< n 10) "0" "") (itoa n)))))
-    (setq n (1+ n)))
-  (*error* nil))
-)";
+    /// What a group holds in every entity that a filter finds, sorted, as a list.
+    std::string values(int code, const std::string& filter) {
+        return run("(vals " + std::to_string(code) + " '" + filter + ")");
+    }
+    void load(const std::string& name) {
+        run("(defun vals (code filter / ss i out) (if (setq ss (ssget \"_X\" filter)) (repeat (setq i "
+            "(sslength "
+            "ss)) (setq out (cons (cdr (assoc code (entget (ssname ss (setq i (1- i)))))) out))))"
+            " (vl-sort out '(lambda (a b) (< (vl-princ-to-string a) (vl-princ-to-string b)))))");
+        const std::string result = run("(load \"" + name + "\")");
+        ASSERT_EQ(result.find("错误"), std::string::npos) << result;
+    }
+    void polyline(const std::string& points, int closed = 0, const std::string& layer = "0") {
+        run("(setq pts '(" + points +
+            ")) (entmake (append (list '(0 . \"LWPOLYLINE\") '(100 . \"AcDbEntity\") "
+            "'(8 . \"" +
+            layer + "\") '(100 . \"AcDbPolyline\") (cons 90 (length pts)) (cons 70 " +
+            std::to_string(closed) + ")) (mapcar '(lambda (p) (cons 10 p)) pts)))");
+    }
+};
 
-TEST_F(LispRoutines, Numbering) {
-    run(numbering);
+TEST_F(LispRoutines, NumbersPickedPoints) {
+    load("numbering");
     run("(setvar \"OSMODE\" 37)");
     script("bh\nN-\n9\n0,0\n10,0\n20,0\n\n");
     EXPECT_TRUE(lastScriptOk) << caught.shown << caught.diagnostics;
-    check({
-        {"(setq ss (ssget \"X\" '((0 . \"TEXT\"))) i -1 texts nil)"
-         "(repeat (sslength ss) (setq texts (cons (cdr (assoc 1 (entget (ssname ss (setq i (1+ i)))))) "
-         "texts)))"
-         "(acad_strlsort texts)",
-         "(\"N-09\" \"N-10\" \"N-11\")"},
-        {"(getvar \"OSMODE\")", "37"},
-    });
+    EXPECT_EQ(values(1, "((0 . \"TEXT\"))"), "(\"N-09\" \"N-10\" \"N-11\")");
+    EXPECT_EQ(run("(getvar \"OSMODE\")"), "37");
     // Escape in the middle keeps what was drawn and restores the variables.
     script("bh\nM\n\n5,5\n^C\n");
     EXPECT_EQ(run("(list (sslength (ssget \"X\" '((1 . \"M*\")))) (getvar \"OSMODE\"))"), "(1 37)")
         << caught.shown;
 }
 
-constexpr const char* areaSum = R"(
-(vl-load-com)
-(defun areasum (ss / i total e)
-  (setq i 0 total 0.0)
-  (while (< i (sslength ss))
-    (setq e (ssname ss i)
-          total (+ total (vlax-curve-getArea e))
-          i (1+ i)))
-  total)
-(defun lwarea (e / pts sum p q)   ; shoelace over the vertices
-  (setq pts (mapcar 'cdr (vl-remove-if-not '(lambda (x) (= (car x) 10)) (entget e)))
-        sum 0.0)
-  (mapcar '(lambda (p q) (setq sum (+ sum (- (* (car p) (cadr q)) (* (car q) (cadr p))))))
-          pts (append (cdr pts) (list (car pts))))
-  (abs (/ sum 2.0)))
-)";
-
-TEST_F(LispRoutines, AreaSums) {
-    run(areaSum);
-    run("(defun rect (x y w h) (entmake (list '(0 . \"LWPOLYLINE\") '(100 . \"AcDbEntity\") '(100 . "
-        "\"AcDbPolyline\")"
-        " '(90 . 4) '(70 . 1) (list 10 x y) (list 10 (+ x w) y) (list 10 (+ x w) (+ y h)) (list 10 x (+ y "
-        "h)))))"
-        "(rect 0 0 10 5) (rect 20 0 3 3)");
-    check({
-        {"(rtos (areasum (ssget \"X\" '((0 . \"LWPOLYLINE\")))) 2 2)", "\"59\""},
-        {"(lwarea (entlast))", "9.0"},
-    });
+TEST_F(LispRoutines, NumbersAlongAPolyline) {
+    load("number-along");
+    polyline("(0 0) (100 0) (100 60) (40 60)");
+    run("(setvar \"OSMODE\" 33)");
+    const std::string shown = script("BHX\n50,0\n50\n2\n");
+    EXPECT_NE(shown.find("共编号 5 个。"), std::string::npos) << shown << caught.diagnostics;
+    EXPECT_EQ(values(1, "((8 . \"编号\"))"), "(\"N001\" \"N002\" \"N003\" \"N004\" \"N005\")");
+    // Beside the line at 100 along it, and upright on the way back.
+    EXPECT_EQ(
+        run("(mapcar '(lambda (c) (cdr (assoc c (entget (ssname (ssget \"X\" '((1 . \"N005\"))) 0))))) '(11 "
+            "50))"),
+        "((60.0 62.0 0.0) 0.0)");
+    EXPECT_EQ(run("(list (cdr (assoc 62 (tblsearch \"LAYER\" \"编号\"))) (getvar \"OSMODE\"))"), "(3 33)");
+    // A wrong object is asked for again, Escape restores.
+    run("(entmake '((0 . \"CIRCLE\") (10 300 0 0) (40 . 5.0)))");
+    EXPECT_NE(script("BHX\n305,0\n^C\n").find("请选择多段线。"), std::string::npos) << caught.shown;
+    EXPECT_EQ(run("(getvar \"OSMODE\")"), "33");
 }
 
-constexpr const char* attributeExport = R"(
-(defun attlist (e / d r)
-  (setq e (entnext e))
-  (while (and e (= (cdr (assoc 0 (setq d (entget e)))) "ATTRIB"))
-    (setq r (cons (cons (cdr (assoc 2 d)) (cdr (assoc 1 d))) r)
-          e (entnext e)))
-  (reverse r))
-(defun exportatts (file / f ss i)
-  (setq f (open file "w"))
-  (if f
-    (progn
-      (write-line "杆号,型号" f)
-      (setq ss (ssget "X" '((0 . "INSERT") (2 . "TOWER") (66 . 1))) i -1)
-      (foreach row (vl-sort (progn (setq rows nil)
-                                   (repeat (sslength ss)
-                                     (setq rows (cons (attlist (ssname ss (setq i (1+ i)))) rows))))
-                            '(lambda (a b) (< (cdr (assoc "NO" a)) (cdr (assoc "NO" b)))))
-        (write-line (strcat (cdr (assoc "NO" row)) "," (cdr (assoc "TYPE" row))) f))
-      (close f)
-      T)))
-(defun block ()
-  (entmake '((0 . "BLOCK") (2 . "TOWER") (70 . 2) (10 0 0 0)))
-  (entmake '((0 . "CIRCLE") (10 0 0 0) (40 . 1.0)))
-  (entmake '((0 . "ATTDEF") (10 0 2 0) (40 . 1.0) (1 . "") (3 . "no") (2 . "NO") (70 . 0)))
-  (entmake '((0 . "ATTDEF") (10 0 4 0) (40 . 1.0) (1 . "") (3 . "type") (2 . "TYPE") (70 . 0)))
-  (entmake '((0 . "ENDBLK"))))
-(defun place (x no type)
-  (entmake (list '(0 . "INSERT") '(2 . "TOWER") '(66 . 1) (list 10 x 0 0)))
-  (entmake (list '(0 . "ATTRIB") (list 10 x 2 0) '(40 . 1.0) (cons 1 no) '(2 . "NO") '(70 . 0)))
-  (entmake (list '(0 . "ATTRIB") (list 10 x 4 0) '(40 . 1.0) (cons 1 type) '(2 . "TYPE") '(70 . 0)))
-  (entmake '((0 . "SEQEND"))))
-)";
+TEST_F(LispRoutines, SumsAreas) {
+    load("area-sum");
+    polyline("(0 0) (100 0) (100 50) (0 50)", 1);
+    polyline("(200 0) (230 0) (230 30) (200 30)", 1);
+    polyline("(0 100) (50 100) (50 150)");
+    EXPECT_EQ(run("(mjh:shoelace (ssname (ssget \"C\" '(190 -1) '(240 40)) 0))"), "900.0");
+    const std::string shown = script("MJH\nALL\n\n10,10\n");
+    EXPECT_NE(shown.find("略去未闭合的 1 条。"), std::string::npos) << shown << caught.diagnostics;
+    EXPECT_EQ(values(1, "((0 . \"TEXT\"))"), "(\"合计 2 块，面积 8.850 亩 (5900.00 平方米)\")") << shown;
+    EXPECT_NE(script("MJH\n\n").find("没有选到多段线。"), std::string::npos) << caught.shown;
+}
 
-TEST_F(LispRoutines, AttributeExport) {
+TEST_F(LispRoutines, ExportsAttributes) {
+    load("attribute-export");
+    run("(entmake '((0 . \"BLOCK\") (2 . \"TOWER\") (70 . 2) (10 0 0 0)))"
+        "(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 1.0)))"
+        "(foreach tag '(\"NO\" \"TYPE\") (entmake (list '(0 . \"ATTDEF\") '(10 0 2 0) '(40 . 1.0) '(1 . "
+        "\"\") "
+        "'(3 . \"\") (cons 2 tag) '(70 . 0))))"
+        "(entmake '((0 . \"ENDBLK\")))"
+        "(defun place (x no type) (entmake (list '(0 . \"INSERT\") '(66 . 1) '(2 . \"TOWER\") (list 10 x 5.5 "
+        "0)))"
+        " (entmake (list '(0 . \"ATTRIB\") (list 10 x 2 0) '(40 . 1.0) (cons 1 no) '(2 . \"NO\") '(70 . 0)))"
+        " (entmake (list '(0 . \"ATTRIB\") (list 10 x 4 0) '(40 . 1.0) (cons 1 type) '(2 . \"TYPE\") '(70 . "
+        "0)))"
+        " (entmake '((0 . \"SEQEND\"))))"
+        "(place 50 \"N2\" \"耐张塔\") (place 0 \"N1\" \"直线\\\"塔\\\",双回\")");
     const std::filesystem::path file =
         std::filesystem::temp_directory_path() / ("lisp-atts-" + std::to_string(::getpid()) + ".csv");
-    run(attributeExport);
-    EXPECT_EQ(run("(block) (place 0 \"N2\" \"耐张塔\") (place 50 \"N1\" \"直线塔\") (exportatts \"" +
-                  file.string() + "\")"),
-              "T");
+    const std::string shown = script("SXDC\n\n" + file.string() + "\n");
+    EXPECT_NE(shown.find("已导出 2 行。"), std::string::npos) << shown << caught.diagnostics;
     std::stringstream content;
     content << std::ifstream(file).rdbuf();
     std::filesystem::remove(file);
-    EXPECT_EQ(content.str(), "杆号,型号\nN1,直线塔\nN2,耐张塔\n");
+    EXPECT_EQ(content.str(), "X,Y,NO,TYPE\n0.000,5.500,N1,\"直线\"\"塔\"\",双回\"\n50.000,5.500,N2,耐张塔\n");
+}
+
+TEST_F(LispRoutines, TidiesLayers) {
+    load("layer-tidy");
+    polyline("(0 0) (10 0)", 0, "DGX_100");
+    polyline("(0 5) (10 5)", 0, "dgx_200");
+    polyline("(0 9) (10 9)", 0, "县道路");
+    polyline("(0 12) (10 12)", 0, "其它");
+    run("(setvar \"CLAYER\" \"dgx_200\")");
+    const std::string shown = script("TCZL\n");
+    EXPECT_NE(shown.find("移动 3 个对象，删去 3 个图层。"), std::string::npos) << shown << caught.diagnostics;
+    EXPECT_EQ(values(8, "((0 . \"LWPOLYLINE\"))"),
+              "(\"其它\" \"地形-等高线\" \"地形-等高线\" \"地形-道路\")");
+    check({
+        {"(list (tblsearch \"LAYER\" \"DGX_100\") (cdr (assoc 62 (tblsearch \"LAYER\" \"地形-等高线\"))) "
+         "(getvar "
+         "\"CLAYER\"))",
+         "(nil 34 \"0\")"},
+    });
+}
+
+TEST_F(LispRoutines, RenamesInBatches) {
+    load("batch-rename");
+    polyline("(0 0) (10 0)", 0, "旧线路-1");
+    polyline("(0 5) (10 5)", 0, "旧线路-2");
+    polyline("(0 9) (10 9)", 0, "新线路-2");
+    run("(entmake '((0 . \"TEXT\") (10 0 0 0) (40 . 2.5) (1 . \"#1-#1塔\")))"
+        "(entmake '((0 . \"BLOCK\") (2 . \"塔A\") (70 . 0) (10 0 0 0)))"
+        "(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 1.0))) (entmake '((0 . \"ENDBLK\")))"
+        "(entmake '((0 . \"INSERT\") (2 . \"塔A\") (10 5 5 0)))");
+    std::string shown = script("PLGM\n\n旧\n新\n");
+    EXPECT_NE(shown.find("新线路-2 已存在"), std::string::npos) << shown << caught.diagnostics;
+    EXPECT_NE(shown.find("改了 1 处。"), std::string::npos) << shown;
+    EXPECT_EQ(values(8, "((0 . \"LWPOLYLINE\"))"), "(\"旧线路-2\" \"新线路-1\" \"新线路-2\")");
+    shown = script("PLGM\nT\n#1\nN 01\n");
+    EXPECT_EQ(values(1, "((0 . \"TEXT\"))"), "(\"N 01-N 01塔\")") << shown;
+    shown = script("PLGM\nB\nA\nB型\n");
+    EXPECT_EQ(values(2, "((0 . \"INSERT\"))"), "(\"塔B型\")") << shown << caught.diagnostics;
+}
+
+TEST_F(LispRoutines, DrawsACoordinateTable) {
+    load("coordinate-table");
+    polyline("(1000.5 2000.25) (1100 2000) (1100 2100.1254)");
+    const std::string shown = script("ZBB\n1050,2000.1246\n0,0\n");
+    EXPECT_NE(shown.find("共 3 点。"), std::string::npos) << shown << caught.diagnostics;
+    EXPECT_EQ(values(1, "((0 . \"TEXT\") (72 . 2))"),
+              "(\"1000.500\" \"1100.000\" \"1100.000\" \"2000.000\" \"2000.250\" \"2100.125\")");
+    EXPECT_EQ(run("(sslength (ssget \"X\" '((0 . \"LINE\") (8 . \"坐标表\"))))"), "9");
+    // The whole table is one step.
+    script("U\n");
+    EXPECT_EQ(run("(ssget \"X\" '((8 . \"坐标表\")))"), "nil") << caught.shown;
 }
 
 } // namespace

@@ -33,6 +33,8 @@ struct LispHook {
     std::function<bool(const std::wstring& symbol, const resbuf* value)> putSymbol;
     /// Calls a LISP function for acedInvoke: name, then arguments. False on an error.
     std::function<bool(const resbuf* call, ResbufList& result)> invoke;
+    /// Before every command prompt of a document: what each drawing begins with is loaded the first time.
+    std::function<void(AcApDocument&)> beforePrompt;
     /// A document's interpreter is no longer needed.
     std::function<void(AcApDocument&)> documentClosed;
 };

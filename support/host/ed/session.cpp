@@ -205,6 +205,9 @@ bool turn() {
     if (askForWaitingCommand()) {
         return true;
     }
+    if (lispHook().beforePrompt) {
+        lispHook().beforePrompt(*curDoc());
+    }
     const InputItem item = inputStream().readCommand(idlePrompt);
     switch (item.kind) {
     case InputItem::Kind::end:

@@ -2,6 +2,7 @@
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
 #include "host/lisp/drawingbuiltins.h"
+#include "host/lisp/fileaccess.h"
 #include "host/lisp/lisp.h"
 #include "host/lisp/printer.h"
 #include "host/lisp/stack.h"
@@ -22,6 +23,7 @@ struct DocumentLisp {
     explicit DocumentLisp(LispSurroundings surroundings) : interpreter(std::move(surroundings)) {}
     LispInterpreter interpreter;
     std::set<std::wstring> externals; ///< names whose definition was taken over, upper case
+    bool hasStarted = false;          ///< the start-up program was looked for
 };
 
 /// A program may close its own document, so whoever runs one holds the interpreter too.
@@ -279,6 +281,14 @@ bool invoke(const resbuf* call, ResbufList& result) {
     return true;
 }
 
+// The program acaddoc.lsp, from the folders for programs only, and then the function S::STARTUP.
+void loadStartupProgram(AcApDocument& document) {
+    const std::shared_ptr<DocumentLisp> lisp = documentLisp(document);
+    if (!std::exchange(lisp->hasStarted, true) && programFile(lisp->interpreter, L"acaddoc.lsp")) {
+        runLispLine(L"(progn (load \"acaddoc.lsp\") (if S::STARTUP (S::STARTUP)) (princ))");
+    }
+}
+
 } // namespace
 
 void lisp::forEachInterpreter(const std::function<void(LispInterpreter&)>& visit) {
@@ -300,6 +310,7 @@ void initializeLisp() {
     hook.getSymbol = getSymbol;
     hook.putSymbol = putSymbol;
     hook.invoke = invoke;
+    hook.beforePrompt = loadStartupProgram;
     hook.documentClosed = [](AcApDocument& document) { interpreters().erase(&document); };
 }
 
