@@ -8,7 +8,8 @@ namespace {
 
 /// Runs a call once before and then over and over; `evaluations` is how many forms with brackets one run
 /// evaluates.
-void measure(benchmark::State& state, std::wstring_view definitions, std::wstring_view call, double evaluations) {
+void measure(benchmark::State& state, std::wstring_view definitions, std::wstring_view call,
+             double evaluations) {
     host::LispInterpreter lisp;
     lisp.evaluate(definitions);
     if (const host::LispEvaluation first = lisp.evaluate(call); !first.ok) {
@@ -18,8 +19,8 @@ void measure(benchmark::State& state, std::wstring_view definitions, std::wstrin
     for (auto step : state) {
         benchmark::DoNotOptimize(lisp.evaluate(call).ok);
     }
-    state.counters["evaluations"] =
-        benchmark::Counter(evaluations * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["evaluations"] = benchmark::Counter(evaluations * static_cast<double>(state.iterations()),
+                                                       benchmark::Counter::kIsRate);
 }
 
 void countingLoop(benchmark::State& state) {
@@ -35,7 +36,8 @@ void arithmeticLoop(benchmark::State& state) {
 BENCHMARK(arithmeticLoop)->Unit(benchmark::kMillisecond);
 
 void recursiveCalls(benchmark::State& state) {
-    measure(state, L"(defun fib (n) (if (< n 2) n (+ (fib (1- n)) (fib (- n 2)))))", L"(fib 22)", 28656.0 * 6);
+    measure(state, L"(defun fib (n) (if (< n 2) n (+ (fib (1- n)) (fib (- n 2)))))", L"(fib 22)",
+            28656.0 * 6);
 }
 BENCHMARK(recursiveCalls)->Unit(benchmark::kMillisecond);
 

@@ -298,7 +298,8 @@ TEST_F(LispDrawing, LoadsFromTrustedFoldersOnly) {
     variable("TRUSTEDPATHS", "/none; " + (folder / "code").string());
     EXPECT_EQ(run("(load \"own\") mine"), "5");
     // A start-up program is loaded once for each drawing, before its first prompt.
-    std::ofstream(folder / "code/acaddoc.lsp") << "(setq begun (1+ (cond (begun) (0)))) (defun S::STARTUP () (setq up t))";
+    std::ofstream(folder / "code/acaddoc.lsp")
+        << "(setq begun (1+ (cond (begun) (0)))) (defun S::STARTUP () (setq up t))";
     script("(setq a 1)\n(setq b 2)\n");
     EXPECT_EQ(run("(list begun up)"), "(1 T)");
     session.newDrawing();

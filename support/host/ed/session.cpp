@@ -10,6 +10,7 @@
 #include "host/ed/console.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/externalfunctions.h"
+#include "host/ed/lisphook.h"
 #include "host/ed/runcontext.h"
 #include "host/ed/selection.h"
 #include "host/ed/sysvars.h"

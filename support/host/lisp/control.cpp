@@ -180,8 +180,8 @@ Value foreachForm(LispInterpreter& lisp, const Value& forms) {
     return result;
 }
 
-// (trace f ...) and (untrace f ...) take names of functions; calls of a traced one are told with arguments and
-// result. A new definition is not traced.
+// (trace f ...) and (untrace f ...) take names of functions; calls of a traced one are told with arguments
+// and result. A new definition is not traced.
 template <bool traces>
 Value traceForm(LispInterpreter&, const Value& forms) {
     Value last;
@@ -377,10 +377,18 @@ constexpr FunctionRow rows[] = {
 
 void addControlFunctions(LispInterpreter& lisp) {
     constexpr std::pair<const wchar_t*, SpecialForm> forms[] = {
-        {L"QUOTE", quoteForm},     {L"FUNCTION", functionForm},    {L"LAMBDA", lambdaForm},
-        {L"DEFUN", defunForm},     {L"DEFUN-Q", defunQForm},       {L"SETQ", setqForm},
-        {L"AND", andForm},         {L"OR", orForm},                {L"WHILE", whileForm},
-        {L"REPEAT", repeatForm},   {L"FOREACH", foreachForm},      {L"TRACE", traceForm<true>},
+        {L"QUOTE", quoteForm},
+        {L"FUNCTION", functionForm},
+        {L"LAMBDA", lambdaForm},
+        {L"DEFUN", defunForm},
+        {L"DEFUN-Q", defunQForm},
+        {L"SETQ", setqForm},
+        {L"AND", andForm},
+        {L"OR", orForm},
+        {L"WHILE", whileForm},
+        {L"REPEAT", repeatForm},
+        {L"FOREACH", foreachForm},
+        {L"TRACE", traceForm<true>},
         {L"UNTRACE", traceForm<false>},
     };
     for (const auto& [name, form] : forms) {

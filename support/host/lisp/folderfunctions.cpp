@@ -187,12 +187,18 @@ Value makeFolder(LispInterpreter& lisp, Arguments arguments) {
 }
 
 constexpr FunctionRow rows[] = {
-    {L"VL-FILENAME-BASE", baseName, 1, 1},       {L"VL-FILENAME-EXTENSION", extensionName, 1, 1},
-    {L"VL-FILENAME-DIRECTORY", folderName, 1, 1}, {L"VL-FILENAME-MKTEMP", temporaryName, 0, 3},
-    {L"VL-FILE-SIZE", fileSize, 1, 1},           {L"VL-FILE-DIRECTORY-P", isFolder, 1, 1},
-    {L"VL-FILE-SYSTIME", fileTime, 1, 1},        {L"VL-FILE-DELETE", deleteFile, 1, 1},
-    {L"VL-FILE-RENAME", renameFile, 2, 2},       {L"VL-FILE-COPY", copyFile, 2, 3},
-    {L"VL-DIRECTORY-FILES", folderFiles, 0, 3},  {L"VL-MKDIR", makeFolder, 1, 1},
+    {L"VL-FILENAME-BASE", baseName, 1, 1},
+    {L"VL-FILENAME-EXTENSION", extensionName, 1, 1},
+    {L"VL-FILENAME-DIRECTORY", folderName, 1, 1},
+    {L"VL-FILENAME-MKTEMP", temporaryName, 0, 3},
+    {L"VL-FILE-SIZE", fileSize, 1, 1},
+    {L"VL-FILE-DIRECTORY-P", isFolder, 1, 1},
+    {L"VL-FILE-SYSTIME", fileTime, 1, 1},
+    {L"VL-FILE-DELETE", deleteFile, 1, 1},
+    {L"VL-FILE-RENAME", renameFile, 2, 2},
+    {L"VL-FILE-COPY", copyFile, 2, 3},
+    {L"VL-DIRECTORY-FILES", folderFiles, 0, 3},
+    {L"VL-MKDIR", makeFolder, 1, 1},
 };
 
 } // namespace

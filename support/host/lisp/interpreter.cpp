@@ -536,8 +536,8 @@ Value LispInterpreter::runProgram(std::wstring_view source, std::wstring_view fi
         try {
             return reader.next();
         } catch (Error& error) {
-            error.message += L"，" + std::wstring(fileName) + L" 第 " +
-                             std::to_wstring(reader.faultLine()) + L" 行";
+            error.message +=
+                L"，" + std::wstring(fileName) + L" 第 " + std::to_wstring(reader.faultLine()) + L" 行";
             throw;
         }
     };

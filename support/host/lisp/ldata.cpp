@@ -231,8 +231,8 @@ Value canBeKept(LispInterpreter& lisp, Arguments arguments) {
 }
 
 constexpr FunctionRow rows[] = {
-    {L"VLAX-LDATA-PUT", put, 3, 4},       {L"VLAX-LDATA-GET", get, 2, 4},
-    {L"VLAX-LDATA-DELETE", remove, 2, 3}, {L"VLAX-LDATA-LIST", entries, 1, 2},
+    {L"VLAX-LDATA-PUT", put, 3, 4},        {L"VLAX-LDATA-GET", get, 2, 4},
+    {L"VLAX-LDATA-DELETE", remove, 2, 3},  {L"VLAX-LDATA-LIST", entries, 1, 2},
     {L"VLAX-LDATA-TEST", canBeKept, 1, 1},
 };
 

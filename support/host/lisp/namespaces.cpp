@@ -110,9 +110,9 @@ Value exportFunction(LispInterpreter&, Arguments arguments) {
 }
 
 constexpr FunctionRow rows[] = {
-    {L"VL-BB-SET", setShared, 2, 2},         {L"VL-BB-REF", sharedValue, 1, 1},
-    {L"VL-PROPAGATE", propagate, 1, 1},      {L"VL-DOC-SET", setDocumentValue, 2, 2},
-    {L"VL-DOC-REF", documentValue, 1, 1},    {L"VL-DOC-EXPORT", exportFunction, 1, 1},
+    {L"VL-BB-SET", setShared, 2, 2},          {L"VL-BB-REF", sharedValue, 1, 1},
+    {L"VL-PROPAGATE", propagate, 1, 1},       {L"VL-DOC-SET", setDocumentValue, 2, 2},
+    {L"VL-DOC-REF", documentValue, 1, 1},     {L"VL-DOC-EXPORT", exportFunction, 1, 1},
     {L"VL-ACAD-DEFUN", exportFunction, 1, 1}, {L"VL-ACAD-UNDEFUN", exportFunction, 1, 1},
 };
 

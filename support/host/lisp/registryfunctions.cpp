@@ -94,8 +94,9 @@ Value write(LispInterpreter&, Arguments arguments) {
                                 sizeof number);
     } else {
         const std::string bytes = toUtf16Le(textOf(value)) + std::string(2, '\0');
-        result = RegSetValueExW(key.get(), name.c_str(), 0, REG_SZ,
-                                reinterpret_cast<const BYTE*>(bytes.data()), static_cast<DWORD>(bytes.size()));
+        result =
+            RegSetValueExW(key.get(), name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(bytes.data()),
+                           static_cast<DWORD>(bytes.size()));
     }
     return result == ERROR_SUCCESS ? value : Value();
 }

@@ -101,12 +101,12 @@ Value layoutNames(LispInterpreter&, Arguments) {
 }
 
 constexpr FunctionRow rows[] = {
-    {L"LAYOUTLIST", layoutNames, 0, 0},
-    {L"TBLSEARCH", searchTable, 2, 3},           {L"TBLNEXT", nextInTable, 1, 2},
-    {L"TBLOBJNAME", recordName, 2, 2},           {L"SNVALID", isValidName, 1, 2},
-    {L"NAMEDOBJDICT", namedObjects, 0, 0},       {L"DICTSEARCH", searchDictionary, 2, 3},
-    {L"DICTNEXT", nextInDictionary, 1, 2},       {L"DICTADD", addToDictionary, 3, 3},
-    {L"DICTREMOVE", removeFromDictionary, 2, 2}, {L"DICTRENAME", renameInDictionary, 3, 3},
+    {L"LAYOUTLIST", layoutNames, 0, 0},        {L"TBLSEARCH", searchTable, 2, 3},
+    {L"TBLNEXT", nextInTable, 1, 2},           {L"TBLOBJNAME", recordName, 2, 2},
+    {L"SNVALID", isValidName, 1, 2},           {L"NAMEDOBJDICT", namedObjects, 0, 0},
+    {L"DICTSEARCH", searchDictionary, 2, 3},   {L"DICTNEXT", nextInDictionary, 1, 2},
+    {L"DICTADD", addToDictionary, 3, 3},       {L"DICTREMOVE", removeFromDictionary, 2, 2},
+    {L"DICTRENAME", renameInDictionary, 3, 3},
 };
 
 } // namespace
