@@ -1,6 +1,7 @@
 // The table of LISP functions, their definition in a document and their dispatch.
 #include "frame/lispfunctiontable.h"
 
+#include "frame/drawingfunctions.h"
 #include "frame/utilityfunctions.h"
 
 #include <string_view>
@@ -33,25 +34,25 @@ constexpr LispFunctionRow functions[] = {
     {L"c:hnoverb", notProvided, false},
     {L"c:hnoverb1", notProvided, false},
     {L"c:mxd", GetEntityList, false},
-    {L"_fid", notProvided, false},
-    {L"_midp", notProvided, false},
-    {L"_getsp", notProvided, false},
+    {L"_fid", FindByHandle, false},
+    {L"_midp", MidPoint, false},
+    {L"_getsp", CurveStartPoint, false},
     {L"dhatch", notProvided, false},
     {L"rad2ang", RadiansToDegrees, false},
     {L"ang2rad", DegreesToRadians, false},
-    {L"_setsh", notProvided, false},
-    {L"dodrag", notProvided, false},
-    {L"_strchg", notProvided, false},
+    {L"_setsh", SetTextStyle, false},
+    {L"dodrag", DragSelection, false},
+    {L"_strchg", ReplaceText, false},
     {L"_ubegin", BeginUndoGroup, false},
     {L"_uend", EndUndoGroup, false},
     {L"*error*", RestoreAfterError, false},
     {L"_errdo", RestoreAfterError, false},
     {L"mkngroup", notProvided, false},
-    {L"gcpoint", notProvided, false},
-    {L"_glpoint", notProvided, false},
+    {L"gcpoint", CentrePoint, false},
+    {L"_glpoint", CurveLastPoint, false},
     {L"c:V7_HLGX", notProvided, false},
-    {L"ssgetex", notProvided, false},
-    {L"c:mpedit", notProvided, false},
+    {L"ssgetex", SelectWithPrompt, false},
+    {L"c:mpedit", EditPolylines, false},
     {L"c:V7_SPline", notProvided, false},
     {L"c:V7_DFreeWay", notProvided, false},
     {L"c:V7_DrRoad", notProvided, false},

@@ -55,7 +55,7 @@ Value makeObject(LispInterpreter&, Arguments arguments) {
         return {};
     }
     const int status = acdbEntMakeX(listToGroups(arguments[0]).get(), object);
-    return madeOrNil(status, ads_name_nil(object) ? nil : entityValue(object));
+    return madeOrNil(status, ads_name_nil(object) ? arguments[0] : entityValue(object));
 }
 
 Value erase(LispInterpreter&, Arguments arguments) {

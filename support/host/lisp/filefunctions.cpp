@@ -63,8 +63,11 @@ Value readCharacter(LispInterpreter&, Arguments arguments) {
 
 /// What takes the place of a file that can't be loaded: a function is called, another value is the result.
 Value insteadOfLoading(LispInterpreter& lisp, const Value& onFailure) {
-    const bool isFunction = (onFailure.isSymbol() && lisp.isFunction(onFailure.symbol()->name)) ||
-                            onFailure.kind() == Kind::userFunction || onFailure.kind() == Kind::subr;
+    const bool isLambda =
+        onFailure.isCons() && onFailure.head().isSymbol() && onFailure.head().symbol()->name == L"LAMBDA";
+    const bool isFunction = isLambda || onFailure.kind() == Kind::userFunction ||
+                            onFailure.kind() == Kind::subr ||
+                            (onFailure.isSymbol() && lisp.isFunction(onFailure.symbol()->name));
     return isFunction ? lisp.apply(onFailure, {}) : onFailure;
 }
 

@@ -243,10 +243,11 @@ Value LispInterpreter::evalSequence(const Value& forms) {
 const Value* LispInterpreter::followBranches(const Value* form, Value& result) {
     while (form != nullptr && form->isCons()) {
         const Value& head = form->cons().head;
-        if (!head.isSymbol() || head.symbol()->value.kind() != Kind::subr) {
+        const Value& function = head.isSymbol() ? head.symbol()->value : head;
+        if (function.kind() != Kind::subr) {
             break;
         }
-        const BranchForm branch = head.symbol()->value.as<Subr>().branch;
+        const BranchForm branch = function.as<Subr>().branch;
         if (branch == nullptr) {
             break;
         }
