@@ -10,9 +10,10 @@ protected:
     /// What the expression's value is printed as.
     std::string value(const std::string& expression) {
         type("(setq r (vl-princ-to-string (vl-catch-all-apply '(lambda () " + expression + "))))\n");
-        const std::wstring shown = type("(princ (strcat \"<\" r \">\"))\n");
-        const std::size_t begin = shown.find(L'<') + 1;
-        return host::toUtf8(shown.substr(begin, shown.find(L'>', begin) - begin));
+        // The marks stand together only in what is printed, not in what is typed.
+        const std::wstring shown = type("(princ (strcat \"<\" \"<\" r \">\" \">\"))\n");
+        const std::size_t begin = shown.find(L"<<") + 2;
+        return host::toUtf8(shown.substr(begin, shown.find(L">>", begin) - begin));
     }
 };
 
