@@ -161,7 +161,7 @@ TEST_F(LispCore, CatchesErrorsOnRequest) {
 TEST_F(LispCore, EndsEndlessRecursionAndLoopsWithAnError) {
     check({
         {"(defun deep (n) (if (= n 0) 0 (1+ (deep (1- n))))) (deep 20000)", "20000"},
-        {"(defun f (x) (f (+ x 1))) (f 0)", "!已达到 LISP 堆栈的极限"},
+        {"(defun f (x) (1+ (f (+ x 1)))) (f 0)", "!已达到 LISP 堆栈的极限"},
         {"(defun f (x) (apply 'f (list x))) (f 0)", "!已达到 LISP 堆栈的极限"},
     });
     // Deep nesting of data ends in a value or in the error, by the size of the frames.

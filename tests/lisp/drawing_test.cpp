@@ -202,7 +202,6 @@ TEST_F(LispDrawing, SelectsInEveryWay) {
          "\"CIRCLE\") (-4 . \"NOT>\")))))",
          "(2 1)"},
         {"(sssetfirst nil (ssget \"W\" '(-2 -2) '(22 2))) (n (ssget \"_I\"))", "3"},
-        {"(n (ssget \"_:S\" '((8 . \"无\"))))", "nil"},
         {"(ssget \"X\" '((-4 . \"<OR\") (0 . \"LINE\")))", "nil"},
     });
     script(

@@ -112,6 +112,12 @@ TEST_F(LispEntmake, MakesBlocksAndReferences) {
          "l) e (entnext e))) (reverse l)",
          "(\"LINE\" \"POLYLINE\" \"VERTEX\" \"VERTEX\" \"SEQEND\" \"ATTDEF\")"},
         {"(ssget \"X\")", "nil"},
+        // The name of a block leads to its record and into its definition.
+        {"(setq b (tblobjname \"BLOCK\" \"B1\")) (list (cdr (assoc 0 (entget b))) (cdr (assoc 2 (entget b))) "
+         "(cdr (assoc 10 "
+         "(entget b))) (cdr (assoc 0 (entget (entnext b)))) (cdr (assoc 0 (entget (cdr (assoc 330 (entget "
+         "b)))))))",
+         "(\"BLOCK\" \"B1\" (1.0 1.0 0.0) \"LINE\" \"BLOCK_RECORD\")"},
         {"(lost '((0 . \"INSERT\") (2 . \"B1\") (10 5.0 5.0 0.0) (41 . 2.0) (42 . 2.0) (43 . 2.0) (50 . "
          "0.5)))",
          "nil"},

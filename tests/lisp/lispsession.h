@@ -1,6 +1,7 @@
 // A session with a drawing, its dialogue caught, for tests of LISP inside the editor.
 #pragma once
 
+#include "host/commands/commands.h"
 #include "host/ed/ed.h"
 #include "host/lisp/lisp.h"
 #include "host/rx/text.h"
@@ -26,6 +27,8 @@ protected:
     LispSession() {
         setSettingsFolder(settings);
         console().setSink(&caught);
+        static const bool commandsAreThere = (initializeCommands(), true);
+        EXPECT_TRUE(commandsAreThere);
         initializeLisp();
         session.newDrawing();
     }

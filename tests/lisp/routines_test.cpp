@@ -58,7 +58,7 @@ TEST_F(LispRoutines, NumbersAlongAPolyline) {
     EXPECT_EQ(
         run("(mapcar '(lambda (c) (cdr (assoc c (entget (ssname (ssget \"X\" '((1 . \"N005\"))) 0))))) '(11 "
             "50))"),
-        "((60.0 62.0 0.0) 0.0)");
+        "((60.0 62.0 0.0) 6.28319)");
     EXPECT_EQ(run("(list (cdr (assoc 62 (tblsearch \"LAYER\" \"编号\"))) (getvar \"OSMODE\"))"), "(3 33)");
     // A wrong object is asked for again, Escape restores.
     run("(entmake '((0 . \"CIRCLE\") (10 300 0 0) (40 . 5.0)))");
@@ -134,7 +134,10 @@ TEST_F(LispRoutines, RenamesInBatches) {
     std::string shown = script("PLGM\n\n旧\n新\n");
     EXPECT_NE(shown.find("新线路-2 已存在"), std::string::npos) << shown << caught.diagnostics;
     EXPECT_NE(shown.find("改了 1 处。"), std::string::npos) << shown;
-    EXPECT_EQ(values(8, "((0 . \"LWPOLYLINE\"))"), "(\"旧线路-2\" \"新线路-1\" \"新线路-2\")");
+    EXPECT_EQ(values(8, "((0 . \"LWPOLYLINE\"))"), "(\"新线路-1\" \"新线路-2\" \"旧线路-2\")");
+    EXPECT_EQ(
+        run("(list (tblsearch \"LAYER\" \"旧线路-1\") (cdr (assoc 2 (tblsearch \"LAYER\" \"新线路-1\"))))"),
+        "(nil \"新线路-1\")");
     shown = script("PLGM\nT\n#1\nN 01\n");
     EXPECT_EQ(values(1, "((0 . \"TEXT\"))"), "(\"N 01-N 01塔\")") << shown;
     shown = script("PLGM\nB\nA\nB型\n");

@@ -239,7 +239,8 @@ resbuf* acdbEntGet(const ads_name entity);
 /// With the extended data of the applications in the list (wildcards).
 resbuf* acdbEntGetX(const ads_name entity, const resbuf* applications);
 int acdbEntMod(const resbuf* list);
-/// POLYLINE, INSERT with attributes and BLOCK are complete with SEQEND or ENDBLK.
+/// POLYLINE, INSERT with attributes and BLOCK are complete with SEQEND or ENDBLK; null gives up one that is not
+/// complete. ENDBLK gives RTKWORD, with the block's name for acedGetInput.
 int acdbEntMake(const resbuf* list);
 int acdbEntMakeX(const resbuf* list, ads_name object);
 /// Erases an entity, or brings it back.
@@ -251,6 +252,7 @@ int acdbEntUpd(const ads_name entity);
 int acdbHandEnt(const ACHAR* handle, ads_name entity);
 resbuf* acdbTblSearch(const ACHAR* table, const ACHAR* name, int setNext);
 resbuf* acdbTblNext(const ACHAR* table, int rewind);
+/// Of a block its BLOCK entity, which names the record as owner; acdbEntNext goes on into the definition.
 int acdbTblObjName(const ACHAR* table, const ACHAR* name, ads_name object);
 int acdbNamedObjDict(ads_name dictionary);
 int acdbDictAdd(const ads_name dictionary, const ACHAR* key, const ads_name object);

@@ -45,6 +45,41 @@ void cutExtendedData(resbuf* list) {
     }
 }
 
+/// Coordinates that stand one by one, as kept groups do, become points.
+void joinCoordinates(resbuf* list) {
+    const auto takeNext = [](resbuf& point, int code, double& coordinate) {
+        resbuf* next = point.rbnext;
+        if (next == nullptr || next->restype != code || resbufKind(code) != ResbufKind::real) {
+            return false;
+        }
+        coordinate = next->resval.rreal;
+        point.rbnext = std::exchange(next->rbnext, nullptr);
+        acutRelRb(next);
+        return true;
+    };
+    for (resbuf* at = list; at != nullptr; at = at->rbnext) {
+        if (resbufKind(at->restype) == ResbufKind::point &&
+            takeNext(*at, at->restype + 10, at->resval.rpoint[1])) {
+            takeNext(*at, at->restype + 20, at->resval.rpoint[2]);
+        }
+    }
+}
+
+/// What a BLOCK entity says of its block.
+void appendBlock(ResbufBuilder& builder, const AcDbBlockTableRecord& block) {
+    const ReadAccess access(block);
+    const AcGePoint3d origin = block.origin();
+    const int flags = (block.isAnonymous() ? 1 : 0) | (block.hasAttributeDefinitions() ? 2 : 0);
+    builder.string(100, L"AcDbBlockBegin").integer(70, flags).point(10, origin.x, origin.y, origin.z);
+    builder.string(2, block.name().kwszPtr()).string(1, L"");
+    const std::vector<AcDbStub*>& entities = block.entities();
+    const auto first = std::ranges::find_if(entities, [](const AcDbStub* stub) { return !stub->erased; });
+    if (first != entities.end()) {
+        const ads_name name = {AcDbObjectId(*first).asOldId(), 0};
+        builder.name(-2, name);
+    }
+}
+
 /// Lists have the owner in front of the handle when nothing stands between them.
 void putOwnerFirst(resbuf* list) {
     if (list != nullptr && list->rbnext != nullptr && list->restype == 5 && list->rbnext->restype == 330) {
@@ -164,6 +199,7 @@ ResbufList objectList(AcDbObjectId id, const resbuf* applications) {
     cutExtendedData(groups.get());
     putOwnerFirst(groups.get());
     if (!object->isKindOf(AcDbXrecord::desc())) {
+        joinCoordinates(groups.get());
         turnIntoRadians(groups.get());
     }
     ads_name name;
@@ -172,6 +208,11 @@ ResbufList objectList(AcDbObjectId id, const resbuf* applications) {
     builder.name(entityCode, name);
     builder.string(0, fromUtf8(object->dxfRecordName()));
     builder.take(groups.release());
+    if (object->isKindOf(AcDbBlockBegin::desc())) {
+        if (const auto* block = peek<AcDbBlockTableRecord>(object->ownerId())) {
+            appendBlock(builder, *block);
+        }
+    }
     if (applications != nullptr) {
         addExtendedData(builder, *object, applications);
     }
@@ -191,6 +232,9 @@ AcDbObjectId nextMainEntity(AcDbObjectId after) {
         const auto* record = peek<AcDbBlockTableRecord>(block);
         if (record == nullptr) {
             return {};
+        }
+        if (record->blockBeginId() == after) {
+            return firstFrom(*record, 0);
         }
         if (const AcDbObjectId next = firstFrom(*record, positionOf(*record, after.stub()) + 1);
             !next.isNull()) {

@@ -91,28 +91,30 @@ private:
     bool mOwnerPending = true; ///< the first 330 in front of a subclass names the owner
 };
 
-/// A layer that an entity's list names is made when the drawing lacks it.
-void addMissingLayer(const resbuf* list, AcDbDatabase& database) {
+/// A layer that an entity's list names is made when the drawing lacks it. False when it can't be a layer's
+/// name.
+bool addMissingLayer(const resbuf* list, AcDbDatabase& database) {
     const std::wstring name = textOf(list, 8);
     AcDbLayerTable* table = nullptr;
-    if (name.empty() || acdbSNValid(name.c_str(), 0) != RTNORM ||
-        database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
-        return;
+    if (findGroup(list, 8) == nullptr || database.getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
+        return true;
     }
-    if (!table->has(name.c_str()) && table->upgradeOpen() == Acad::eOk) {
+    bool present = table->has(name.c_str());
+    if (!present && acdbSNValid(name.c_str(), 0) == RTNORM && table->upgradeOpen() == Acad::eOk) {
         auto layer = std::make_unique<AcDbLayerTableRecord>();
         layer->setName(name.c_str());
         layer->setLinetypeObjectId(database.continuousLinetype());
         if (table->add(layer.get()) == Acad::eOk) {
             layer.release()->close();
+            present = true;
         }
     }
     table->close();
+    return present;
 }
 
 /// What an entity takes from the drawing's current settings when its list does not say.
 ResbufList withCurrentProperties(const resbuf* list, AcDbDatabase& database) {
-    addMissingLayer(list, database);
     ReadableGroups groups(list);
     const auto name = [](AcDbObjectId id) {
         const auto* record = peek<AcDbSymbolTableRecord>(id);
@@ -172,6 +174,9 @@ AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
                                                        : L"AcDb2dPolyline";
         return acrxFindAcRxClass(className);
     }
+    if (equalNoCase(name, L"INSERT") && (integerOf(list, 70) > 1 || integerOf(list, 71) > 1)) {
+        return acrxFindAcRxClass(L"AcDbMInsertBlock");
+    }
     AcRxClass* found = classOfDxfName(name);
     return found != nullptr && found->isDerivedFrom(AcDbObject::desc()) ? found : nullptr;
 }
@@ -189,7 +194,7 @@ std::unique_ptr<T> createFrom(AcRxClass* descriptor) {
 /// Makes a new entity in a block. Null when the list does not describe one.
 AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& database) {
     std::unique_ptr<AcDbEntity> entity = createFrom<AcDbEntity>(classFor(textOf(list, 0), list));
-    if (entity == nullptr) {
+    if (entity == nullptr || !addMissingLayer(list, database)) {
         return nullptr;
     }
     const ResbufList groups = withCurrentProperties(list, database);
@@ -209,7 +214,7 @@ AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& dat
 bool appendPart(AcDbEntity& whole, const resbuf* list, AcDbDatabase& database) {
     std::unique_ptr<AcDbEntity> part = createFrom<AcDbEntity>(partClass(textOf(list, 0), whole));
     SubentityList* parts = whole.needSubentities();
-    if (part == nullptr || parts == nullptr) {
+    if (part == nullptr || parts == nullptr || !addMissingLayer(list, database)) {
         return false;
     }
     const ResbufList groups = withCurrentProperties(list, database);
@@ -257,7 +262,8 @@ AcDbObjectId makeRecordIn(const resbuf* list, AcDbDatabase& database) {
     if (!table->has(name.c_str())) {
         auto record = std::make_unique<Record>();
         const ResbufList groups = ReadableGroups(list).release();
-        if (readInto(*record, groups.get(), database) == Acad::eOk && table->add(id, record.get()) == Acad::eOk) {
+        if (readInto(*record, groups.get(), database) == Acad::eOk &&
+            table->add(id, record.get()) == Acad::eOk) {
             record.release()->close();
         }
     }
@@ -454,6 +460,12 @@ int makeNamed(const resbuf* list, ads_name result) {
     return code;
 }
 
+void giveUpPending() {
+    if (AcApDocument* document = curDoc()) {
+        document->state().pending = {};
+    }
+}
+
 int makeAnonymously(const resbuf* list) {
     AcDbObjectId made;
     return make(list, made, false);
@@ -528,8 +540,9 @@ int modify(const resbuf* list) {
         return RTERROR;
     }
     object->assertWriteEnabled();
-    if (object->isKindOf(AcDbEntity::desc())) {
-        addMissingLayer(groups.get(), *object->database());
+    if (object->isKindOf(AcDbEntity::desc()) && !addMissingLayer(groups.get(), *object->database())) {
+        object->cancel();
+        return RTERROR;
     }
     forgetKeptGroups(*object);
     if (readInto(*object, groups.get(), *object->database()) != Acad::eOk ||
@@ -545,7 +558,11 @@ int modify(const resbuf* list) {
 } // namespace host
 
 int acdbEntMake(const resbuf* list) {
-    return list != nullptr ? host::makeAnonymously(list) : RTERROR;
+    if (list == nullptr) {
+        host::giveUpPending();
+        return RTERROR;
+    }
+    return host::makeAnonymously(list);
 }
 
 int acdbEntMakeX(const resbuf* list, ads_name object) {

@@ -146,8 +146,16 @@ resbuf* acdbTblNext(const ACHAR* tableName, int rewind) {
 }
 
 int acdbTblObjName(const ACHAR* tableName, const ACHAR* name, ads_name object) {
-    const AcDbObjectId id = host::recordOf(tableName, name);
-    return id.isErased() ? RTERROR : host::giveName(id, object);
+    AcDbObjectId id = host::recordOf(tableName, name);
+    if (id.isErased()) {
+        return RTERROR;
+    }
+    // A block is named by the BLOCK entity that its definition begins with.
+    if (const auto* block = host::peek<AcDbBlockTableRecord>(id);
+        block != nullptr && block->blockBeginId().isValid()) {
+        id = block->blockBeginId();
+    }
+    return host::giveName(id, object);
 }
 
 int acdbNamedObjDict(ads_name dictionary) {

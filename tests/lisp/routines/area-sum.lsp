@@ -18,7 +18,9 @@
   (while (<= 0 (setq i (1- i)))
     (apply fun (list (ssname ss i)))))
 
-(defun c:MJH (/ ss sum count pt txt open)
+(defun c:MJH (/ ss sum count pt txt open zin)
+  (setq zin (getvar "DIMZIN"))
+  (setvar "DIMZIN" 0)
   (setq sum 0.0 count 0 open 0)
   (princ "\n选择闭合多段线: ")
   (if (setq ss (ssget '((0 . "LWPOLYLINE"))))
@@ -35,4 +37,5 @@
       (if (setq pt (getpoint "\n文字位置 <不标注>: "))
         (entmake (list '(0 . "TEXT") (cons 10 (trans pt 1 0)) '(40 . 5.0) (cons 1 txt) (cons 7 (getvar "TEXTSTYLE"))))))
     (princ "\n没有选到多段线。"))
+  (setvar "DIMZIN" zin)
   (princ))

@@ -21,7 +21,9 @@
     (apply 'strcat (cons (car lst) (mapcar '(lambda (s) (strcat sep s)) (cdr lst))))
     ""))
 
-(defun c:SXDC (/ name ss i rows tags file f)
+(defun c:SXDC (/ name ss i rows tags file f zin)
+  (setq zin (getvar "DIMZIN"))
+  (setvar "DIMZIN" 0)
   (setq name (getstring "\n块名 <全部>: "))
   (if (= name "") (setq name "*"))
   (cond
@@ -51,4 +53,5 @@
          f))
      (close f)
      (princ (strcat "\n已导出 " (itoa (length rows)) " 行。"))))
+  (setvar "DIMZIN" zin)
   (princ))

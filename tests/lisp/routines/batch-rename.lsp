@@ -32,9 +32,16 @@
          (setq n (1+ n))))))
   n)
 
+;; 查找内容里的通配符按字面理解
+(defun plgm:literal (s)
+  (vl-list->string
+    (apply 'append
+           (mapcar '(lambda (c) (if (member c '(35 64 46 42 63 126 91 93 45 44 96)) (list 96 c) (list c)))
+                   (vl-string->list s)))))
+
 (defun plgm:texts (old new / ss i d v n)
   (setq n 0)
-  (if (setq ss (ssget "_X" (list '(0 . "TEXT,MTEXT") (cons 1 (strcat "*" old "*")))))
+  (if (setq ss (ssget "_X" (list '(0 . "TEXT,MTEXT") (cons 1 (strcat "*" (plgm:literal old) "*")))))
     (repeat (setq i (sslength ss))
       (setq d (entget (ssname ss (setq i (1- i))))
             v (cdr (assoc 1 d)))

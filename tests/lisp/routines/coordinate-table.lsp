@@ -11,8 +11,9 @@
   (entmakex (list '(0 . "TEXT") '(8 . "坐标表") (cons 10 p) (cons 11 p) (cons 40 h) (cons 1 s)
                   (cons 72 just) '(73 . 2))))
 
-(defun c:ZBB (/ *error* e pts base h w rh cols x y i total)
+(defun c:ZBB (/ *error* e pts base h w rh cols x y i total zin)
   (defun *error* (m)
+    (if zin (setvar "DIMZIN" zin))
     (command "_.UNDO" "_End")
     (if (not (wcmatch m "*取消*,*abort*")) (princ (strcat "\n" m)))
     (princ))
@@ -22,6 +23,8 @@
            (setq base (getpoint "\n表格左上角: ")))
     (progn
       (command "_.UNDO" "_Begin")
+      (setq zin (getvar "DIMZIN"))
+      (setvar "DIMZIN" 0)
       (setq h 2.5 rh (* 2 h)
             cols '(("点号" 12.0) ("X" 30.0) ("Y" 30.0))
             w (apply '+ (mapcar 'cadr cols))
@@ -45,6 +48,7 @@
         (zbb:text (list (+ (car base) 41.0) y 0.0) (rtos (cadr p) 2 3) h 2)
         (zbb:text (list (+ (car base) 71.0) y 0.0) (rtos (car p) 2 3) h 2)
         (zbb:text (polar p (/ pi 4) h) (strcat "J" (itoa i)) h 0))
+      (setvar "DIMZIN" zin)
       (command "_.UNDO" "_End")
       (princ (strcat "\n共 " (itoa (length pts)) " 点。"))))
   (princ))
