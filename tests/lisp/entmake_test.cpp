@@ -121,10 +121,6 @@ TEST_F(LispEntmake, MakesBlocksAndReferences) {
         {"(lost '((0 . \"INSERT\") (2 . \"B1\") (10 5.0 5.0 0.0) (41 . 2.0) (42 . 2.0) (43 . 2.0) (50 . "
          "0.5)))",
          "nil"},
-        {"(lost '((0 . \"INSERT\") (100 . \"AcDbEntity\") (100 . \"AcDbMInsertBlock\") (2 . \"B1\") (10 5.0 "
-         "5.0 0.0) (70 . 3) "
-         "(71 . 2) (44 . 10.0) (45 . 20.0)))",
-         "nil"},
         {"(entmake '((0 . \"INSERT\") (66 . 1) (2 . \"B1\") (10 9 9 0)))"
          "(entmake '((0 . \"ATTRIB\") (10 9 11 0) (40 . 1.0) (1 . \"7\") (2 . \"NO\") (70 . 0)))"
          "(setq e (entmakex '((0 . \"SEQEND\")))) (mapcar '(lambda (c) (cdr (assoc c (entget (entnext e))))) "
