@@ -143,6 +143,9 @@ TEST_F(LispEntmake, RefusesWhatIsNoEntity) {
     check({
         {"(entmake '((0 . \"NO-SUCH\") (10 0 0 0)))", "nil"},
         {"(entmake '((10 0 0 0)))", "nil"},
+        {"(entmake '((0 . \"LINE\") (10 0 0 0)))", "nil"},
+        {"(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 0.0)))", "nil"},
+        {"(entmake '((0 . \"TEXT\") (10 0 0 0) (40 . 2.5)))", "nil"},
         {"(entmake '((0 . \"LINE\") (\"a\" . 1)))", "; 错误: 错误的 DXF 组: (\"a\" . 1)"},
         {"(entmake '((0 . \"LINE\") (10 0 0 0) (11 1 0 0) (8 . \"坏|名\")))", "nil"},
         {"(ssget \"X\")", "nil"},

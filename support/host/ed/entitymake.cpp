@@ -191,10 +191,32 @@ std::unique_ptr<T> createFrom(AcRxClass* descriptor) {
     return std::unique_ptr<T>(object);
 }
 
+/// Whether a list has the groups without which it describes no entity of its kind; a radius or height (40) is
+/// above zero.
+bool hasNeededGroups(const resbuf* list) {
+    struct Needed {
+        const wchar_t* name;
+        int codes[4]; ///< 0: none
+    };
+    constexpr Needed rows[] = {
+        {L"LINE", {10, 11}},           {L"CIRCLE", {10, 40}},     {L"ARC", {10, 40, 50, 51}},
+        {L"POINT", {10}},              {L"TEXT", {10, 40, 1}},    {L"ATTDEF", {10, 40, 2}},
+        {L"INSERT", {10, 2}},          {L"LWPOLYLINE", {10}},     {L"SOLID", {10, 11, 12}},
+        {L"TRACE", {10, 11, 12}},      {L"3DFACE", {10, 11, 12}}, {L"ELLIPSE", {10, 11, 40}},
+        {L"MTEXT", {10, 1}},           {L"RAY", {10, 11}},        {L"XLINE", {10, 11}},
+    };
+    const std::wstring name = textOf(list, 0);
+    const Needed* row = std::ranges::find_if(rows, [&](const Needed& r) { return equalNoCase(r.name, name); });
+    return row == std::end(rows) || std::ranges::all_of(row->codes, [&](int code) {
+               const resbuf* found = code != 0 ? findGroup(list, code) : list;
+               return found != nullptr && (code != 40 || found->resval.rreal > 0.0);
+           });
+}
+
 /// Makes a new entity in a block. Null when the list does not describe one.
 AcDbEntity* makeEntity(const resbuf* list, AcDbObjectId owner, AcDbDatabase& database) {
     std::unique_ptr<AcDbEntity> entity = createFrom<AcDbEntity>(classFor(textOf(list, 0), list));
-    if (entity == nullptr || !addMissingLayer(list, database)) {
+    if (entity == nullptr || !hasNeededGroups(list) || !addMissingLayer(list, database)) {
         return nullptr;
     }
     const ResbufList groups = withCurrentProperties(list, database);
