@@ -80,6 +80,30 @@ std::optional<AcGePoint3d> CentreOf(const AcDbEntity& entity) {
     return extents.minPoint() + (extents.maxPoint() - extents.minPoint()) / 2.0;
 }
 
+/// The entities of a set, or the one named.
+AcDbObjectIdArray EntitiesOf(CLispArguments& arguments) {
+    AcDbObjectIdArray ids;
+    if (const ads_name* set = arguments.SelectionSet()) {
+        Adesk::Int32 count = 0;
+        acedSSLength(*set, &count);
+        for (int index = 0; index < count; ++index) {
+            ads_name name;
+            AcDbObjectId id;
+            if (acedSSName(*set, index, name) == RTNORM && acdbGetObjectId(id, name) == Acad::eOk) {
+                ids.append(id);
+            }
+        }
+    } else if (const AcDbObjectId id = arguments.Entity(); !id.isNull()) {
+        ids.append(id);
+    }
+    return ids;
+}
+
+int ReturnEntity(AcDbObjectId id) {
+    ads_name name;
+    return acdbGetAdsName(name, id) == Acad::eOk ? acedRetName(name, RTENAME) : acedRetNil();
+}
+
 } // namespace
 
 int FindByHandle() {
@@ -214,4 +238,35 @@ int EditPolylines() {
         acedCommandS(RTSTR, L"_.PEDIT", RTSTR, L"_Multiple", RTPICKS, picks.Name(), RTSTR, L"", RTSTR, option,
                      RTREAL, width, RTSTR, L"", RTNONE);
     }
+}
+
+int MakeGroup() {
+    CLispArguments arguments;
+    const AcDbObjectIdArray members = EntitiesOf(arguments);
+    const ACHAR* name = arguments.Text();
+    if (members.isEmpty() || !arguments.AtEnd() || (name != nullptr && acdbSNValid(name, 0) != RTNORM)) {
+        return TellUsage(L"(mkngroup 选择集 [组名])");
+    }
+    CArxObjTemplate<AcDbDictionary> groups;
+    if (!groups.OpenObject(WorkingDatabase()->groupDictionaryId(), true)) {
+        return acedRetNil();
+    }
+    AcString key = name != nullptr ? name : L"";
+    for (int number = 1; name == nullptr && (key.isEmpty() || groups->has(key.kwszPtr())); ++number) {
+        key.format(L"*A%d", number);
+    }
+    if (groups->has(key.kwszPtr())) {
+        acutPrintf(L"\n组 %s 已存在。", key.kwszPtr());
+        return acedRetNil();
+    }
+    CArxObjTemplate<AcDbGroup> group;
+    group.New();
+    AcDbObjectId id;
+    if (name == nullptr) {
+        group->setAnonymous();
+    }
+    if (groups->setAt(key.kwszPtr(), group.Get(), id) != Acad::eOk || group->append(members) != Acad::eOk) {
+        return acedRetNil();
+    }
+    return ReturnEntity(id);
 }

@@ -48,7 +48,7 @@ constexpr LispFunctionRow functions[] = {
     {L"_uend", EndUndoGroup, false},
     {L"*error*", RestoreAfterError, false},
     {L"_errdo", RestoreAfterError, false},
-    {L"mkngroup", notProvided, false},
+    {L"mkngroup", MakeGroup, false},
     {L"gcpoint", CentrePoint, false},
     {L"_glpoint", CurveLastPoint, false},
     {L"c:V7_HLGX", notProvided, false},

@@ -55,6 +55,12 @@ TEST_F(LispFunctionsTest, SelectionsOfTheUser) {
         type("(setq s (ssgetex \"\\n选塔: \" '((0 . \"CIRCLE\") (-4 . \"<,*,*\") (10 15 0 0))))\nALL\n\n");
     EXPECT_NE(shown.find(L"选塔: "), std::wstring::npos);
     EXPECT_EQ(value("(sslength s)"), "2");
+    EXPECT_EQ(value("(list (cdr (assoc 0 (entget (mkngroup s \"甲组\")))) (mkngroup s \"甲组\"))"),
+              "(GROUP nil)");
+    EXPECT_EQ(value("(cdr (assoc 0 (entget (mkngroup (ssname s 0)))))"), "GROUP");
+    EXPECT_EQ(value("(mapcar 'cdr (vl-remove-if-not '(lambda (g) (= 3 (car g))) (dictsearch (namedobjdict) "
+                    "\"ACAD_GROUP\")))"),
+              "(甲组 *A1)");
     type("(setq n (ssgetex \"\\n选: \" '((0 . \"TEXT\"))))\nALL\n\n");
     EXPECT_EQ(value("n"), "nil");
     type("(setq d (dodrag s '(0 0) \"\\n到: \"))\n5,100\n");
