@@ -144,6 +144,7 @@ void VersionFilter::beginRecord(std::string_view name) {
     mRules.clear();
     mEmbedded = false;
     mInDictionary = false;
+    mInBraces = false;
     mName.reset();
     mOut.beginRecord(name);
 }
@@ -211,22 +212,28 @@ bool VersionFilter::isPlainVisualStyle(Adesk::UInt64 handle) const {
     return true;
 }
 
-bool VersionFilter::passesReference(short code, Adesk::UInt64 handle) {
+VersionFilter::Fate VersionFilter::fateOf(short code, Adesk::UInt64 handle) {
     const auto taken = take(code, [&](const VersionRule& rule) {
         return handle == 0 || (rule.loss == Loss::visualStyle && isPlainVisualStyle(handle));
     });
-    const bool stays = taken && !mLeftOut.contains(handle);
+    const bool dangles = mLeftOut.contains(handle);
+    Fate fate = !taken ? Fate::leftOut : dangles ? Fate::null : Fate::stays;
+    if (dangles && (mName.has_value() || mInBraces)) {
+        fate = Fate::leftOut;
+    }
     if (mName.has_value()) {
-        if (stays) {
+        if (fate == Fate::stays) {
             mOut.writeKept(3, *mName);
         }
         mName.reset();
     }
-    return stays;
+    return fate;
 }
 
 Acad::ErrorStatus VersionFilter::writeReference(short code, AcDbStub* id) {
-    return passesReference(code, id != nullptr ? id->handle : 0) ? mOut.writeReference(code, id) : Acad::eOk;
+    const Fate fate = fateOf(code, id != nullptr ? id->handle : 0);
+    return fate == Fate::leftOut ? Acad::eOk
+                                 : mOut.writeReference(code, fate == Fate::stays ? id : nullptr);
 }
 
 Acad::ErrorStatus VersionFilter::writeBinary(short code, const void* bytes, std::size_t count) {
@@ -246,7 +253,11 @@ Acad::ErrorStatus VersionFilter::writeKept(short code, std::string_view text) {
     if (referenceKind(code) != ReferenceKind::none) {
         std::uint64_t handle = 0;
         parseHandle(text, handle);
-        return passesReference(code, handle) ? mOut.writeKept(code, text) : Acad::eOk;
+        const Fate fate = fateOf(code, handle);
+        return fate == Fate::leftOut ? Acad::eOk : mOut.writeKept(code, fate == Fate::stays ? text : "0");
+    }
+    if (code == 102) {
+        mInBraces = text.starts_with('{');
     }
     if (mInDictionary && code == 3) {
         mName = text;

@@ -48,8 +48,10 @@ private:
     /// with which nothing is lost.
     template <class Harmless>
     std::optional<short> take(short code, Harmless&& harmless);
-    /// A reference goes out unless it names something that is left out.
-    bool passesReference(short code, Adesk::UInt64 handle);
+    /// What becomes of a reference: in lists it goes when it names something that is left out, elsewhere it
+    /// becomes null.
+    enum class Fate { stays, null, leftOut };
+    Fate fateOf(short code, Adesk::UInt64 handle);
 
     GroupWriter& mOut;
     std::unordered_set<Adesk::UInt64> mLeftOut;
@@ -66,6 +68,7 @@ private:
     std::vector<int> mSeen;          ///< how often the codes of the rules came
     bool mEmbedded = false;          ///< within an object embedded in another, which is left out
     bool mInDictionary = false;
+    bool mInBraces = false; ///< in a list of references
     std::optional<std::string> mName; ///< of a dictionary entry, until what it names is known to stay
 };
 
