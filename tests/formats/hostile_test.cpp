@@ -100,6 +100,7 @@ TEST(DxfHostile, linesOfMegabytes) {
     EXPECT_EQ(drawing.model().size(), 1U);
     EXPECT_LT(drawing.report().size(), 1000U);
     EXPECT_LT(failure(longText).size(), 1000U);
+    EXPECT_LT(failure(std::string(std::size_t{4} << 20, ' ')).size(), 1000U);
     EXPECT_LT(failure(groups({{0, longText}})).size(), 1000U);
     survives(entities(groups({{0, longText}, {8, "0"}})) + eof);
 }

@@ -2,6 +2,7 @@
 #include "host/win/fileio.h"
 #include "host/win/paths.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -18,6 +19,9 @@ namespace {
 
 constexpr std::size_t mapFrom = std::size_t{4}
                                 << 20; // smaller files are read: as fast, and nothing can change
+
+// What has no size of its own may never end (a device): more than this is no drawing.
+constexpr std::size_t mostStreamed = std::size_t{1} << 30;
 
 // The mappings there are now, readable from the signal handler. A slot is free while its size is 0.
 struct Mapping {
@@ -122,8 +126,13 @@ bool MappedFile::readAll(int descriptor, std::size_t expected) {
     memory_.resize(expected + 1); // one more, so that the end is met without growing
     std::size_t length = 0;
     for (;;) {
-        if (length == memory_.size())
+        if (length == memory_.size()) {
+            if (length > std::max(expected + 1, mostStreamed)) {
+                memory_ = {};
+                return fail(EFBIG);
+            }
             memory_.resize(memory_.size() * 2);
+        }
         const ssize_t count = ::read(descriptor, memory_.data() + length, memory_.size() - length);
         if (count < 0 && errno == EINTR)
             continue;

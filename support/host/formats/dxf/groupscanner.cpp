@@ -173,8 +173,9 @@ bool GroupScanner::slowCode(const char* lineEnd, int& code) {
             return false;
         }
     }
+    const bool isWhole = lineEnd == mEnd || *lineEnd == '\n';
     const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), code);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
+    if (!isWhole || result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         throw FormatError(formatted(L"第 %I64d 行: 组码 \"%s\" 不是整数",
                                     static_cast<long long>(mGroup * 2 + 1), shown(text).c_str()));
     }
@@ -194,9 +195,10 @@ bool GroupScanner::nextText(Token& token) {
     const bool some = at != digits;
     at += at != mEnd && *at == '\r' ? 1 : 0;
     if (!some || at == mEnd || *at != '\n') {
-        const auto* found =
-            static_cast<const char*>(std::memchr(mAt, '\n', static_cast<std::size_t>(mEnd - mAt)));
-        at = found != nullptr ? found : mEnd;
+        // No code takes a longer line; the file may be one line of any size.
+        constexpr std::ptrdiff_t longest = 256;
+        const char* const limit = mEnd - mAt > longest ? mAt + longest : mEnd;
+        at = std::find(mAt, limit, '\n');
         if (!slowCode(at, code)) {
             mAt = mEnd;
             return false;
