@@ -24,7 +24,6 @@ void Reader::finish() {
     if (mFiler.version() < AcDb::kDHL_1012) {
         upgradeFromRelease12(mDatabase);
     }
-    inferOwners();
     reportDangling();
     if (mFiler.decoder().wrongEncoding()) {
         report(L"部分文字不是 UTF-8, 按代码页读取", Done::repaired, 0, 0);
@@ -35,6 +34,7 @@ void Reader::finish() {
             report(added, Done::repaired, 0, 0);
         }
     });
+    inferOwners();
     if (mHasProxies) {
         reviveProxies(mDatabase);
     }

@@ -232,8 +232,7 @@ VersionFilter::Fate VersionFilter::fateOf(short code, Adesk::UInt64 handle) {
 
 Acad::ErrorStatus VersionFilter::writeReference(short code, AcDbStub* id) {
     const Fate fate = fateOf(code, id != nullptr ? id->handle : 0);
-    return fate == Fate::leftOut ? Acad::eOk
-                                 : mOut.writeReference(code, fate == Fate::stays ? id : nullptr);
+    return fate == Fate::leftOut ? Acad::eOk : mOut.writeReference(code, fate == Fate::stays ? id : nullptr);
 }
 
 Acad::ErrorStatus VersionFilter::writeBinary(short code, const void* bytes, std::size_t count) {
