@@ -420,3 +420,34 @@ TEST(ReadReport, countsBeyondItsLimit) {
     EXPECT_NE(report.text().find(L"还有 5 处"), std::wstring::npos);
     EXPECT_EQ(report.entries()[3].text(), L"第 3 行: x (句柄 1F), 已略去");
 }
+
+TEST(DxfReader, commonGroupsAmongOthersAreTakenWithoutMarkers) {
+    // A kind the host may not know, with its layer behind a group of its own; an object before any dictionary.
+    const Drawing drawing(header("AC1015") +
+                          entities(groups({{0, "THING"},
+                                           {5, "30"},
+                                           {40, "1"},
+                                           {8, "墙"},
+                                           {102, "{A"},
+                                           {1, "x"},
+                                           {102, "}"},
+                                           {370, "25"},
+                                           {71, "2"}})) +
+                          section("OBJECTS", groups({{0, "THING"}, {5, "31"}, {1, "x"}})) +
+                          section("TABLES", groups({{0, "TABLE"},
+                                                    {2, "LTYPE"},
+                                                    {0, "LTYPE"},
+                                                    {2, "A"},
+                                                    {74, "2"},
+                                                    {9, "stray"},
+                                                    {49, "1"},
+                                                    {0, "ENDTAB"}})) +
+                          eof);
+    ASSERT_EQ(drawing.model().size(), 1U);
+    EXPECT_EQ(layerOf(entityAt(drawing.model(), 0)), "墙");
+    EXPECT_EQ(drawing.at(0x31)->ownerId(), drawing.database->namedObjectsDictionaryId());
+    const std::string once = drawing.written();
+    EXPECT_NE(once.find("370\r\n25\r\n 40\r\n1\r\n 71\r\n2\r\n"), std::string::npos) << once;
+    EXPECT_EQ(once.find("stray"), std::string::npos);
+    EXPECT_EQ(difference(Drawing(once).written(), once), "");
+}

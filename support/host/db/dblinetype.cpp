@@ -125,10 +125,8 @@ bool AcDbLinetypeTableRecord::takeRecordGroup(AcDbDxfFiler*, const host::DxfGrou
     default:
         break;
     }
-    if (mDashes.empty()) {
-        return false;
-    }
-    Dash& dash = mDashes.back();
+    Dash none; // before the first element there is nothing to describe
+    Dash& dash = mDashes.empty() ? none : mDashes.back();
     switch (group.code) {
     case 74:
         dash.absoluteRotation = (group.integer & absoluteElement) != 0;

@@ -106,8 +106,12 @@ Acad::ErrorStatus KeptEntity::dwgInFields(AcDbDwgFiler* filer) {
 
 Acad::ErrorStatus KeptEntity::dxfInFields(AcDbDxfFiler* filer) {
     AcDbEntity::dxfInFields(filer);
+    bool unmarked = true; // before the first marker the common groups stand among the others
     while (const DxfGroup* group = filer->nextGroup()) {
-        if (group->code < 1000 || !takeObjectGroup(filer, *group)) {
+        unmarked = unmarked && group->code != 100 && group->code != 101;
+        const bool common = unmarked ? takeEntityGroup(filer, *group) || takeObjectGroup(filer, *group)
+                                     : group->code >= 1000 && takeObjectGroup(filer, *group);
+        if (!common) {
             record.groups.add(*group);
         }
     }

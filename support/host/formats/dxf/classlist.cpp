@@ -44,7 +44,8 @@ ClassList::ClassList(const AcDbDatabase& database) : mClasses(database.impl().cl
 }
 
 int ClassList::find(const AcString& className, const AcString& dxfName) const {
-    for (std::size_t index = 0; index < mClasses.size(); ++index) {
+    for (std::size_t index = 0; index < mClasses.size() && !(className.isEmpty() && dxfName.isEmpty());
+         ++index) {
         if (mClasses[index].className == className && mClasses[index].dxfName == dxfName) {
             return static_cast<int>(index);
         }
@@ -81,7 +82,7 @@ int ClassList::indexForClass(const AcRxClass& objectClass) {
 
 int ClassList::indexForRecord(const std::string& recordName, bool isEntity) {
     const auto [found, added] = mByRecord.try_emplace(recordName, none);
-    if (!added) {
+    if (!added || recordName.empty()) {
         return found->second;
     }
     const std::wstring name = fromUtf8(recordName);
@@ -97,7 +98,8 @@ int ClassList::indexForRecord(const std::string& recordName, bool isEntity) {
 }
 
 int ClassList::indexForProxy(const ProxyData& proxy, bool isEntity) {
-    if (const int index = find(proxy.className, proxy.dxfName); index != none) {
+    const bool isNamed = !proxy.className.isEmpty() || !proxy.dxfName.isEmpty();
+    if (const int index = find(proxy.className, proxy.dxfName); index != none || !isNamed) {
         return index;
     }
     DatabaseImpl::FileClass listed;

@@ -53,8 +53,8 @@ public:
     /// Of texts before release 2007; UTF-8 later.
     CodePage codePage() const { return mPage; }
 
-    /// Group 0.
-    virtual void beginRecord(std::string_view name) { writeText(0, name); }
+    /// Group 0; the name is in the form of files.
+    virtual void beginRecord(std::string_view name) { writeKept(0, name); }
     virtual void writeHandle(short code, Adesk::UInt64 handle) = 0;
     Acad::ErrorStatus writePoint(short code, double x, double y, double z, int dimensions) override;
     Acad::ErrorStatus writeReference(short code, AcDbStub* id) override;

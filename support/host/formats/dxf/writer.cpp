@@ -69,7 +69,7 @@ void Writer::completeBlocks() {
 
 void Writer::beginSection(std::string_view name) {
     record("SECTION");
-    mOut.writeText(2, name);
+    mOut.writeKept(2, name);
 }
 
 void Writer::endSection() {
