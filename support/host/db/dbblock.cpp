@@ -1,7 +1,19 @@
 // Block table records: the entities they own, and their filing.
 #include "host/db/dbdatabase.h"
+#include "host/db/entities/blockextents.h"
+#include "host/db/entities/blockreference.h"
 
 #include <algorithm>
+
+AcDbBlockTableRecord::AcDbBlockTableRecord() = default;
+AcDbBlockTableRecord::~AcDbBlockTableRecord() = default;
+
+host::BlockExtents& AcDbBlockTableRecord::measuredExtents() const {
+    if (mMeasured == nullptr) {
+        mMeasured = std::make_unique<host::BlockExtents>();
+    }
+    return *mMeasured;
+}
 
 Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbEntity* entity) {
     AcDbObjectId id;
@@ -19,6 +31,13 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
         mPending.emplace_back(entity);
         id.setNull();
         return Acad::eOk;
+    }
+    // A layout cannot be part of a block, so only itself may not stand in it.
+    if (const auto* reference = AcDbBlockReference::cast(entity)) {
+        const AcDbObjectId shown = reference->data().block;
+        if (isLayout() ? shown == objectId() : host::blockContains(shown, objectId())) {
+            return Acad::eSelfReference;
+        }
     }
     // Properties that were never set come from the drawing's current ones.
     entity->completeProperties(*target);

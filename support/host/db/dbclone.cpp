@@ -1,5 +1,6 @@
 // Cloning within and between databases. Objects are copied first, with the ids of their sources; when all
 // are there, their fields are read again with every id replaced by that of its copy.
+#include "host/db/entities/blockreference.h"
 #include "host/db/dbtrans.h"
 #include "host/rx/text.h"
 
@@ -370,6 +371,9 @@ Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& block, const ACHAR* blockNa
                                        bool) {
     if (source == nullptr || source == this) {
         return Acad::eWrongDatabase;
+    }
+    if (host::wouldHoldItself(*this, blockName, *source)) {
+        return Acad::eSelfReference;
     }
     const host::Opened<AcDbBlockTable> table(blockTableId(), AcDb::kForWrite);
     if (!table) {

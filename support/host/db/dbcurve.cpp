@@ -175,10 +175,16 @@ Acad::ErrorStatus AcDbCurve::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMa
     if (marker > 0 && static_cast<std::size_t>(marker) <= all.size()) {
         pieces = pieces.subspan(static_cast<std::size_t>(marker) - 1, 1);
     }
+    host::addOsnapPoints(pieces, mode, pick, last, view, points);
+    return Acad::eOk;
+}
+
+void host::addOsnapPoints(std::span<const CurvePiece> pieces, AcDb::OsnapMode mode, const AcGePoint3d& pick,
+                          const AcGePoint3d& last, const AcGeMatrix3d& view, AcGePoint3dArray& points) {
     const int begin = points.length();
     if (mode == AcDb::kOsModeNear) {
         addNearest(pieces, pick, view, points);
-        return Acad::eOk;
+        return;
     }
     for (const host::CurvePiece& piece : pieces) {
         switch (mode) {
@@ -214,5 +220,4 @@ Acad::ErrorStatus AcDbCurve::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMa
             break;
         }
     }
-    return Acad::eOk;
 }

@@ -298,6 +298,9 @@ public:
     std::string codePage = "ANSI_936";
     std::wstring fileName;
 
+    /// Grows whenever an object may have changed: what was computed before is then out of date.
+    Adesk::UInt64 changeStamp = 1;
+
     UndoLog undo;
     SpatialIndexes places; ///< where entities lie
     std::vector<AcDbDatabaseReactor*> reactors;

@@ -85,6 +85,7 @@ void AcDbObject::assertWriteEnabled(bool autoUndo, bool recordModified) {
     if (!mStub->openForWrite && !undo.isApplying()) {
         refuseAccess(true);
     }
+    ++mStub->database->impl().changeStamp;
     if (autoUndo && !mUndoDisabled && mImageEpoch != undo.epoch()) {
         undo.recordImage(*this);
     }
@@ -246,6 +247,7 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
         return status;
     }
     mStub->database->undoLog().recordErase(*mStub);
+    ++mStub->database->impl().changeStamp;
     mStub->erased = erasing;
     mEraseToggled = true;
     return Acad::eOk;

@@ -320,12 +320,20 @@ private:
 };
 
 class AcDbBlockTableRecordIterator;
+class AcDbSortentsTable;
+
+namespace host {
+class BlockExtents;
+}
 
 /// A block: model space, a paper space layout, or a definition. Owns its entities in drawing order.
 class AcDbBlockTableRecord : public AcDbSymbolTableRecord {
     ACRX_DECLARE_MEMBERS(AcDbBlockTableRecord);
 
 public:
+    AcDbBlockTableRecord();
+    ~AcDbBlockTableRecord() override;
+    /// eSelfReference for a reference of a block that holds this one.
     Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
     Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
     Acad::ErrorStatus newIterator(AcDbBlockTableRecordIterator*& iterator, bool atBeginning = true,
@@ -362,6 +370,12 @@ public:
     }
     bool isModelSpace() const;
     bool isPaperSpace() const; ///< any layout but model space
+    /// The table that orders the drawing of the entities; made when there is none and it is wanted.
+    /// eKeyNotFound without one.
+    Acad::ErrorStatus getSortentsTable(AcDbSortentsTable*& table, AcDb::OpenMode mode = AcDb::kForRead,
+                                       bool createIfNecessary = false);
+    /// What references of the block have measured of it.
+    host::BlockExtents& measuredExtents() const;
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
@@ -394,6 +408,7 @@ private:
     Adesk::Int16 mInsertUnits = 0;
     bool mExplodable = true;
     bool mUniformScaling = false;
+    mutable std::unique_ptr<host::BlockExtents> mMeasured;
 };
 
 class AcDbBlockTableRecordIterator {

@@ -1,6 +1,7 @@
 // What every complete drawing has: tables and their standard records, spaces and layouts, dictionaries. Made
 // for new drawings, and for what old or damaged files leave out.
 #include "host/db/dbdatabase.h"
+#include "host/db/entities/mlinestyle.h"
 #include "host/rx/text.h"
 
 namespace host {
@@ -20,21 +21,6 @@ constexpr StandardGroup activeViewport[] = {
     {74, "3"},    {75, "0"},    {76, "0"},    {77, "0"},    {78, "0"},     {281, "0"},    {65, "1"},
     {110, "0.0"}, {120, "0.0"}, {130, "0.0"}, {111, "1.0"}, {121, "0.0"},  {131, "0.0"},  {112, "0.0"},
     {122, "1.0"}, {132, "0.0"}, {79, "0"},    {146, "0.0"}};
-
-constexpr StandardGroup multilineStyle[] = {{100, "AcDbMlineStyle"},
-                                            {2, "STANDARD"},
-                                            {70, "0"},
-                                            {3, ""},
-                                            {62, "256"},
-                                            {51, "90.0"},
-                                            {52, "90.0"},
-                                            {71, "2"},
-                                            {49, "0.5"},
-                                            {62, "256"},
-                                            {6, "BYLAYER"},
-                                            {49, "-0.5"},
-                                            {62, "256"},
-                                            {6, "BYLAYER"}};
 
 constexpr StandardGroup plotSettings[] = {
     {1, ""},      {2, "none_device"}, {4, ""},      {6, ""},      {40, "0.0"},  {41, "0.0"},
@@ -206,9 +192,9 @@ private:
         dictionary(L"ACAD_PLOTSETTINGS");
         auto* styles = peek<AcDbDictionary>(mContainers.mlineStyles);
         if (!styles->has(L"Standard")) {
-            auto* style = add(new KeptObject, mContainers.mlineStyles);
-            style->record.recordName = "MLINESTYLE";
-            style->record.groups = groupsOf(multilineStyle);
+            auto* style = new AcDbMlineStyle;
+            style->setStandard(mContainers.byLayer);
+            add(style, mContainers.mlineStyles);
             styles->adopt(L"Standard", style->objectId());
         }
     }

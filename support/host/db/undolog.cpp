@@ -98,6 +98,7 @@ void UndoLog::restoreLatestImage(AcDbObject& object) {
 }
 
 void UndoLog::apply(Record& record) {
+    ++mDatabase.impl().changeStamp;
     switch (record.kind) {
     case Kind::image: {
         AcDbObject& object = *record.stub->object;

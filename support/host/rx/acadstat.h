@@ -117,6 +117,9 @@ enum ErrorStatus {
     eNotInBlock = 110,
     eBlockNotFound = 111,
     eNoUndoRecords = 112,
+    eHatchTooDense = 113,
+    eAlreadyInGroup = 114,
+    eNotInGroup = 115,
     eOsnapped = 0x80,
     eBadDxfFile = 200,
     eMakeMeProxy = 301

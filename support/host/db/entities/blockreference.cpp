@@ -2,13 +2,15 @@
 #include "host/db/entities/blockreference.h"
 
 #include "host/db/dbdatabase.h"
+#include "host/db/dbsortents.h"
+#include "host/db/entities/blockextents.h"
 #include "host/db/entities/curvepiece.h"
+#include "host/db/entities/explodedparts.h"
 #include "host/db/entities/fields.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbBlockReference, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, INSERT,
                         ObjectDBX Classes)
@@ -77,13 +79,28 @@ void forShown(const AcDbBlockTableRecord& block, Visit&& visit) {
 
 } // namespace
 
+namespace {
+
+std::optional<AcDbExtents> extentsOfShown(const AcDbBlockTableRecord& block, const AcGeMatrix3d& linear) {
+    AcDbExtents box;
+    forShown(block, [&](const AcDbEntity& entity) {
+        AcDbExtents part;
+        if (entity.getExtentsUnder(linear, part) == Acad::eOk) {
+            box.addExt(part);
+        }
+    });
+    return box.isEmpty() ? std::nullopt : std::optional(box);
+}
+
+} // namespace
+
 bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw) {
     const VisitScope scope(&block);
     if (!scope.entered()) {
         return true;
     }
     const bool isReferenced = !block.isLayout();
-    for (AcDbStub* stub : block.entities()) {
+    for (AcDbStub* stub : drawOrder(block)) {
         auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
         if (entity == nullptr || draw->regenAbort()) {
             continue;
@@ -95,28 +112,6 @@ bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw) {
         }
     }
     return true;
-}
-
-bool blockContains(AcDbObjectId outer, AcDbObjectId inner) {
-    std::unordered_set<AcDbStub*> seen;
-    std::vector<AcDbStub*> open{outer.stub()};
-    while (!open.empty()) {
-        AcDbStub* at = open.back();
-        open.pop_back();
-        if (at == inner.stub()) {
-            return true;
-        }
-        const auto* block = seen.insert(at).second ? peek<AcDbBlockTableRecord>(AcDbObjectId(at)) : nullptr;
-        if (block == nullptr) {
-            continue;
-        }
-        for (AcDbStub* stub : block->entities()) {
-            if (const auto* reference = peek<AcDbBlockReference>(AcDbObjectId(stub))) {
-                open.push_back(reference->data().block.stub());
-            }
-        }
-    }
-    return false;
 }
 
 } // namespace host
@@ -319,8 +314,11 @@ void AcDbBlockReference::visitBlock(Visit&& visit) const {
     const auto* block = host::peek<AcDbBlockTableRecord>(m.block);
     const host::VisitScope scope(block);
     if (scope.entered()) {
-        const AcGeMatrix3d transform = blockTransform();
-        host::forShown(*block, [&](AcDbEntity& entity) { visit(entity, transform); });
+        const AcGeMatrix3d own = blockTransform();
+        forShowings(Showings::all, [&](const AcGeVector3d& shift) {
+            const AcGeMatrix3d transform = AcGeMatrix3d::translation(shift) * own;
+            host::forShown(*block, [&](AcDbEntity& entity) { visit(entity, transform); });
+        });
     }
 }
 
@@ -340,11 +338,20 @@ Acad::ErrorStatus AcDbBlockReference::subGetExtentsUnder(const AcGeMatrix3d& tra
     assertReadEnabled();
     AcDbExtents box;
     AcDbExtents part;
-    visitBlock([&](const AcDbEntity& entity, const AcGeMatrix3d& own) {
-        if (entity.getExtentsUnder(transform * own, part) == Acad::eOk) {
-            box.addExt(part);
-        }
-    });
+    const auto* block = host::peek<AcDbBlockTableRecord>(m.block);
+    if (const host::VisitScope scope(block); scope.entered()) {
+        const AcGeMatrix3d whole = transform * blockTransform();
+        const std::optional<AcDbExtents> own = block->measuredExtents().under(
+            whole, block->database()->impl().changeStamp, [&](const AcGeMatrix3d& linear) {
+                return host::extentsOfShown(*block, linear);
+            });
+        forShowings(Showings::corners, [&](const AcGeVector3d& shift) {
+            if (own.has_value()) {
+                const AcGeVector3d way = whole.translation() + transform * shift;
+                box.addExt(AcDbExtents(own->minPoint() + way, own->maxPoint() + way));
+            }
+        });
+    }
     if (mAttributes != nullptr) {
         mAttributes->forEach<AcDbAttribute>([&](const AcDbAttribute& attribute) {
             if (!attribute.isInvisible() && attribute.getExtentsUnder(transform, part) == Acad::eOk) {
@@ -424,36 +431,6 @@ Acad::ErrorStatus AcDbBlockReference::subGetOsnapPoints(AcDb::OsnapMode mode, Ad
     return Acad::eOk;
 }
 
-namespace {
-
-/// A transformed copy of an entity, or of its parts where it cannot take the transform itself.
-Acad::ErrorStatus transformedParts(const AcDbEntity& entity, const AcGeMatrix3d& transform,
-                                   std::vector<std::unique_ptr<AcDbEntity>>& parts, int depth) {
-    AcDbEntity* copy = nullptr;
-    const Acad::ErrorStatus status = entity.getTransformedCopy(transform, copy);
-    if (status == Acad::eOk) {
-        parts.emplace_back(copy);
-        return Acad::eOk;
-    }
-    AcDbVoidPtrArray own;
-    if (depth == 0 || entity.explode(own) != Acad::eOk) {
-        return status;
-    }
-    std::vector<std::unique_ptr<AcDbEntity>> pieces;
-    for (void* piece : own) {
-        pieces.emplace_back(static_cast<AcDbEntity*>(piece));
-    }
-    for (const std::unique_ptr<AcDbEntity>& piece : pieces) {
-        if (const Acad::ErrorStatus inner = transformedParts(*piece, transform, parts, depth - 1);
-            inner != Acad::eOk) {
-            return inner;
-        }
-    }
-    return Acad::eOk;
-}
-
-} // namespace
-
 Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbVoidPtrArray& parts) const {
     assertReadEnabled();
     const auto* block = host::peek<AcDbBlockTableRecord>(m.block);
@@ -472,7 +449,7 @@ Acad::ErrorStatus AcDbBlockReference::subExplode(AcDbVoidPtrArray& parts) const 
             continue;
         }
         const host::ReadAccess access(*entity);
-        if (const Acad::ErrorStatus status = transformedParts(*entity, transform, made, deepest);
+        if (const Acad::ErrorStatus status = host::transformedParts(*entity, transform, made, deepest);
             status != Acad::eOk) {
             return status;
         }
@@ -506,15 +483,25 @@ Adesk::UInt32 AcDbBlockReference::subSetAttributes(AcGiDrawableTraits* traits) {
 
 bool AcDbBlockReference::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
-    if (auto* block = host::peek<AcDbBlockTableRecord>(m.block)) {
-        draw->geometry().pushModelTransform(blockTransform());
-        draw->geometry().draw(block);
-        draw->geometry().popModelTransform();
-    }
-    if (mAttributes != nullptr) {
-        mAttributes->forEach<AcDbAttribute>([&](const AcDbAttribute& attribute) {
-            draw->geometry().draw(const_cast<AcDbAttribute*>(&attribute));
-        });
-    }
+    auto* block = host::peek<AcDbBlockTableRecord>(m.block);
+    const AcGeMatrix3d own = blockTransform();
+    forShowings(Showings::all, [&](const AcGeVector3d& shift) {
+        if (draw->regenAbort()) {
+            return;
+        }
+        const AcGeMatrix3d move = AcGeMatrix3d::translation(shift);
+        if (block != nullptr) {
+            draw->geometry().pushModelTransform(move * own);
+            draw->geometry().draw(block);
+            draw->geometry().popModelTransform();
+        }
+        if (mAttributes != nullptr) {
+            draw->geometry().pushModelTransform(move);
+            mAttributes->forEach<AcDbAttribute>([&](const AcDbAttribute& attribute) {
+                draw->geometry().draw(const_cast<AcDbAttribute*>(&attribute));
+            });
+            draw->geometry().popModelTransform();
+        }
+    });
     return true;
 }

@@ -4,6 +4,9 @@
 #include "host/db/entities/attribute.h"
 #include "host/db/entities/subentities.h"
 
+#include <functional>
+#include <string>
+
 namespace host {
 
 struct BlockReferenceData {
@@ -101,6 +104,18 @@ protected:
     bool takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view subclass) override;
     Acad::ErrorStatus dxfGroupsRead(AcDbDxfFiler* filer) override;
 
+    // What differs for a reference in rows and columns.
+
+    /// Marker of the subclass in files.
+    virtual std::string_view referenceSubclass() const { return "AcDbBlockReference"; }
+    /// Groups 70, 71, 44 and 45.
+    virtual void writeArrayGroups(AcDbDxfFiler* filer) const;
+    enum class Showings { all, corners };
+    /// Calls visit with the way from the position to each showing of the block, in world coordinates.
+    virtual void forShowings(Showings, const std::function<void(const AcGeVector3d&)>& visit) const {
+        visit(AcGeVector3d());
+    }
+
 private:
     host::SubentityList& needAttributes();
     /// The entities of the block with the transform to the world; nothing within a block that is already
@@ -116,7 +131,13 @@ namespace host {
 
 /// Draws the entities of a block in its own coordinates, as a reference shows them.
 bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw);
-/// Whether a block holds another one, at any depth.
+/// Whether a block is another one or holds it, at any depth.
 bool blockContains(AcDbObjectId outer, AcDbObjectId inner);
+/// Whether a block of that name, filled with the model space of another drawing, would come to hold itself.
+bool wouldHoldItself(const AcDbDatabase& database, const ACHAR* blockName, const AcDbDatabase& source);
+/// Takes out the references by which blocks hold themselves (of damaged files), and tells each in one line with
+/// its handle.
+void breakBlockCycles(AcDbDatabase& database,
+                      const std::function<void(const std::wstring& what, Adesk::UInt64 handle)>& report);
 
 } // namespace host

@@ -106,7 +106,7 @@ Acad::ErrorStatus AcDbBlockReference::dxfOutFields(AcDbDxfFiler* filer) const {
     if (const Acad::ErrorStatus status = AcDbEntity::dxfOutFields(filer); status != Acad::eOk) {
         return status;
     }
-    filer->writeText(100, "AcDbBlockReference");
+    filer->writeText(100, referenceSubclass());
     bool hasAttributes = false;
     if (mAttributes != nullptr) {
         mAttributes->forEach<AcDbEntity>([&](const AcDbEntity&) { hasAttributes = true; });
@@ -120,13 +120,17 @@ Acad::ErrorStatus AcDbBlockReference::dxfOutFields(AcDbDxfFiler* filer) const {
     host::writeUnlessDefault(filer, 42, m.scale.sy, 1.0);
     host::writeUnlessDefault(filer, 43, m.scale.sz, 1.0);
     host::writeAngleUnlessZero(filer, 50, m.rotation);
+    writeArrayGroups(filer);
+    host::writeNormal(filer, m.normal);
+    writeKeptGroups(filer, referenceSubclass());
+    return filer->filerStatus();
+}
+
+void AcDbBlockReference::writeArrayGroups(AcDbDxfFiler* filer) const {
     if (filer->includesDefaultValues()) {
         filer->writeInteger(70, 0);
         filer->writeInteger(71, 0);
         filer->writeReal(44, 0.0);
         filer->writeReal(45, 0.0);
     }
-    host::writeNormal(filer, m.normal);
-    writeKeptGroups(filer, "AcDbBlockReference");
-    return filer->filerStatus();
 }

@@ -10,7 +10,9 @@ void host::initializeEntityClasses() {
         AcDbPolyline::rxInit,       AcDbVertex::rxInit,         AcDb2dVertex::rxInit,
         AcDb2dPolyline::rxInit,     AcDbText::rxInit,           AcDbAttributeDefinition::rxInit,
         AcDbAttribute::rxInit,      AcDbBlockReference::rxInit, AcDbTrace::rxInit,
-        AcDbSolid::rxInit,
+        AcDbSolid::rxInit,          AcDbHatch::rxInit,          AcDbMline::rxInit,
+        AcDbMInsertBlock::rxInit,   AcDbMlineStyle::rxInit,
+        AcDbSortentsTable::rxInit,
     };
     for (void (*registration)() : registrations) {
         registration();

@@ -21,6 +21,7 @@ public:
         (put(fields), ...);
     }
     void hardPointer(const AcDbObjectId& id) { mFiler.writeHardPointerId(AcDbHardPointerId(id)); }
+    void softPointer(const AcDbObjectId& id) { mFiler.writeSoftPointerId(AcDbSoftPointerId(id)); }
 
 private:
     void put(double value) { mFiler.writeDouble(value); }
@@ -55,6 +56,11 @@ public:
     void hardPointer(AcDbObjectId& id) {
         AcDbHardPointerId pointer;
         mFiler.readHardPointerId(&pointer);
+        id = pointer;
+    }
+    void softPointer(AcDbObjectId& id) {
+        AcDbSoftPointerId pointer;
+        mFiler.readSoftPointerId(&pointer);
         id = pointer;
     }
 

@@ -1,5 +1,6 @@
 // What is done when a whole DXF file has been read: names of header variables, containers, owners, what old
 // releases did not have, and the list of what is missing.
+#include "host/db/entities/blockreference.h"
 #include "host/formats/dxf/reader.h"
 #include "host/formats/dxf/upgrade.h"
 #include "host/rx/format.h"
@@ -25,6 +26,9 @@ void Reader::finish() {
         upgradeFromRelease12(mDatabase);
     }
     inferOwners();
+    breakBlockCycles(mDatabase, [this](const std::wstring& what, Adesk::UInt64 handle) {
+        report(what, Done::leftOut, 0, handle);
+    });
     reportDangling();
     if (mFiler.decoder().wrongEncoding()) {
         report(L"部分文字不是 UTF-8, 按代码页读取", Done::repaired, 0, 0);
