@@ -45,6 +45,10 @@ void initializeFormats() {
     linetypeLoader() = [](const ACHAR* name, const ACHAR* file, AcDbDatabase& database) {
         return loadLinetypes(name, file, database);
     };
+    hatchPatternLoader() = [](const std::wstring& name, AcDbDatabase* database,
+                              std::vector<HatchPatternLine>& lines, std::wstring& message) {
+        return loadHatchPattern(name, database, lines, message);
+    };
 }
 
 } // namespace host

@@ -229,7 +229,7 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 type, const AcDbObjectIdArr
         const auto* polyline = AcDbPolyline::cast(entity);
         if (polyline != nullptr && objects.length() == 1 && polyline->normal() == m.normal) {
             loop.type |= kPolyline;
-            loop.path = polyline->data().path;
+            loop.path = polyline->bulgePath();
             loop.path.closed = true;
             loop.hasBulges = polyline->hasBulges();
         } else {

@@ -185,10 +185,11 @@ const AcDbMlineStyle* AcDbMline::styleObject() const {
 
 void AcDbMline::subSetDatabaseDefaults(AcDbDatabase* database) {
     const auto* styles = host::peek<AcDbDictionary>(database->mLStyleDictionaryId());
-    const auto name = std::get_if<std::wstring>(&database->variable(*host::findHeaderVariable("CMLSTYLE")));
+    const host::HeaderValue current = database->variable(*host::findHeaderVariable("CMLSTYLE"));
+    const auto* name = std::get_if<AcString>(&current);
     AcDbObjectId id;
     if (styles != nullptr && m.style.isNull() &&
-        ((name != nullptr && styles->getAt(name->c_str(), id) == Acad::eOk) ||
+        ((name != nullptr && styles->getAt(name->kwszPtr(), id) == Acad::eOk) ||
          styles->getAt(L"Standard", id) == Acad::eOk)) {
         setStyle(id);
     }

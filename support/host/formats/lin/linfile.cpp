@@ -1,46 +1,15 @@
 // Lines of a linetype file: comments, a name line with an asterisk, and the pattern below it.
 #include "host/formats/lin/linfile.h"
 
+#include "host/formats/definitiontext.h"
 #include "host/ge/ge.h"
-#include "host/rx/codepage.h"
 #include "host/rx/format.h"
 #include "host/rx/text.h"
 
-#include <charconv>
-#include <cmath>
 #include <optional>
 
 namespace host::lin {
 namespace {
-
-std::wstring textOf(std::string_view bytes) {
-    if (bytes.starts_with("\xFF\xFE")) {
-        return fromUtf16Le(bytes.substr(2));
-    }
-    if (bytes.starts_with("\xFE\xFF")) {
-        std::string swapped;
-        for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {
-            swapped.push_back(bytes[at + 1]);
-            swapped.push_back(bytes[at]);
-        }
-        return fromUtf16Le(swapped);
-    }
-    if (bytes.starts_with("\xEF\xBB\xBF")) {
-        bytes.remove_prefix(3);
-    }
-    return isValidUtf8(bytes) ? fromUtf8(bytes) : decode(bytes, CodePage::ansi936);
-}
-
-std::optional<double> number(std::wstring_view text) {
-    const std::string ascii = toUtf8(trim(text));
-    const char* begin = ascii.data();
-    const char* const end = begin + ascii.size();
-    begin += begin != end && *begin == '+' ? 1 : 0;
-    double value = 0.0;
-    const std::from_chars_result result = std::from_chars(begin, end, value);
-    return result.ec == std::errc() && result.ptr == end && std::isfinite(value) ? std::optional(value)
-                                                                                 : std::nullopt;
-}
 
 /// Degrees, or with a letter behind them radians (r) or gradians (g).
 std::optional<double> angle(std::wstring_view text) {
@@ -55,7 +24,7 @@ std::optional<double> angle(std::wstring_view text) {
     } else if (!text.empty() && (text.back() | 0x20) == L'd') {
         text.remove_suffix(1);
     }
-    const std::optional<double> value = number(text);
+    const std::optional<double> value = definitionNumber(text);
     return value.has_value() ? std::optional(*value * unit) : std::nullopt;
 }
 
@@ -98,7 +67,7 @@ bool takeSetting(std::wstring_view field, Element& element) {
         element.rotation = given.value_or(0.0);
         return given.has_value();
     }
-    const std::optional<double> given = number(value);
+    const std::optional<double> given = definitionNumber(value);
     switch (key) {
     case L'S':
         element.scale = given.value_or(1.0);
@@ -153,7 +122,7 @@ std::wstring takePattern(std::wstring_view text, std::vector<Element>& elements)
             }
             continue;
         }
-        const std::optional<double> length = number(field);
+        const std::optional<double> length = definitionNumber(field);
         if (!length.has_value()) {
             return L"\"" + std::wstring(field) + L"\" 不是数";
         }
@@ -163,33 +132,14 @@ std::wstring takePattern(std::wstring_view text, std::vector<Element>& elements)
     return elements.empty() ? L"图案没有元素" : L"";
 }
 
-/// The lines of a file, without comments and empty ones, with their numbers.
-struct Line {
-    std::wstring_view text;
-    std::size_t number;
-};
-
-std::vector<Line> linesOf(std::wstring_view text) {
-    std::vector<Line> lines;
-    for (std::size_t start = 0, line = 1; start < text.size(); ++line) {
-        const std::size_t end = std::min(text.find(L'\n', start), text.size());
-        const std::wstring_view content = trim(text.substr(start, end - start));
-        if (!content.empty() && content.front() != L';') {
-            lines.push_back({content, line});
-        }
-        start = end + 1;
-    }
-    return lines;
-}
-
 } // namespace
 
 std::vector<Definition> parse(std::string_view bytes) {
-    const std::wstring text = textOf(bytes);
-    const std::vector<Line> lines = linesOf(text);
+    const std::wstring text = definitionText(bytes);
+    const std::vector<DefinitionLine> lines = definitionLines(text);
     std::vector<Definition> definitions;
     for (std::size_t index = 0; index < lines.size();) {
-        const Line& head = lines[index++];
+        const DefinitionLine& head = lines[index++];
         if (head.text.front() != L'*') {
             continue; // a pattern without a name, or stray text
         }

@@ -1,4 +1,5 @@
 // Definitions of a linetype file as records of a drawing.
+#include "host/formats/definitiontext.h"
 #include "host/formats/formats.h"
 #include "host/formats/lin/linfile.h"
 #include "host/rx/text.h"
@@ -10,23 +11,6 @@
 
 namespace host {
 namespace {
-
-/// The file as given, or where the application finds it.
-std::filesystem::path findLinetypeFile(const std::wstring& file, AcDbDatabase& database) {
-    std::error_code error;
-    const std::filesystem::path given = toNativePath(file);
-    if (std::filesystem::is_regular_file(given, error)) {
-        return given;
-    }
-    constexpr int maximum = 4096;
-    std::vector<ACHAR> found(maximum);
-    AcDbHostApplicationServices* services = acdbHostApplicationServices();
-    if (services != nullptr &&
-        services->findFile(found.data(), maximum, file.c_str(), &database) == Acad::eOk) {
-        return toNativePath(found.data());
-    }
-    return {};
-}
 
 AcDbObjectId shapeFileStyle(AcDbDatabase& database, const std::wstring& file) {
     const Opened<AcDbTextStyleTable> table(database.textStyleTableId(), AcDb::kForRead);
@@ -118,7 +102,7 @@ Acad::ErrorStatus loadLinetypes(const std::wstring& name, const std::wstring& fi
     std::wstring ignored;
     std::wstring& text = message != nullptr ? *message : ignored;
     MappedFile mapped;
-    const std::filesystem::path path = findLinetypeFile(file, database);
+    const std::filesystem::path path = findDefinitionFile(file, &database);
     if (path.empty() || !mapped.open(path)) {
         text = path.empty() ? L"找不到线型文件 " + file : mapped.errorText();
         return path.empty() ? Acad::eFileNotFound : Acad::eFileAccessErr;
