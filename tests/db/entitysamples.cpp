@@ -84,6 +84,54 @@ void enrichTrace(AcDbTrace& trace, Drawing&) {
     trace.setThickness(4);
 }
 
+void enrichHatch(AcDbHatch& hatch, Drawing& drawing) {
+    hatch.setNormal(tilted);
+    hatch.setElevation(4);
+    AcGePoint2dArray vertices;
+    AcGeDoubleArray bulges;
+    for (const AcGePoint2d& point : {AcGePoint2d(0, 0), AcGePoint2d(20, 0), AcGePoint2d(20, 15)}) {
+        vertices.append(point);
+        bulges.append(point.x == 20 && point.y == 0 ? 0.5 : 0.0);
+    }
+    hatch.appendLoop(AcDbHatch::kExternal | AcDbHatch::kDerived, vertices, bulges);
+    AcGeVoidPointerArray edges;
+    AcGeIntArray types;
+    edges.append(new AcGeLineSeg2d(AcGePoint2d(8, 3), AcGePoint2d(12, 3)));
+    edges.append(new AcGeCircArc2d(AcGePoint2d(12, 4), 1.0, 0.0, host::pi, AcGeVector2d(0, -1)));
+    edges.append(new AcGeEllipArc2d(AcGePoint2d(10, 5), AcGeVector2d(1, 0), AcGeVector2d(0, 1), 2.0, 1.0, 0.0,
+                                    host::pi));
+    hatch.appendLoop(AcDbHatch::kDefault, edges, types);
+    hatch.setAssociative(true);
+    AcDbObjectIdArray sources;
+    sources.append(drawing.block);
+    hatch.setAssocObjIdsAt(1, sources);
+    hatch.setPatternAngle(0.3);
+    hatch.setPatternScale(2.0);
+    hatch.setPatternDouble(true);
+    hatch.setPatternLines(AcDbHatch::kCustomDefined, L"CUSTOM",
+                          {{0.5, {1, 2}, {0.25, 1.5}, {1.0, -0.5, 0.0, -0.25}}, {2.0, {}, {0, 1}, {}}});
+    hatch.setHatchStyle(AcDbHatch::kOuter);
+    hatch.setSeedPointAt(0, {3, 1});
+}
+
+void enrichMline(AcDbMline& line, Drawing& drawing) {
+    line.setNormal(tilted);
+    line.setStyle(drawing.mlineStyle);
+    line.setScale(2.5);
+    line.setJustification(Mline::kBottom);
+    line.setSupressEndCaps(true);
+    const AcGeMatrix3d plane = AcGeMatrix3d::planeToWorld(tilted);
+    for (const AcGePoint3d& point : {AcGePoint3d(0, 0, 2), AcGePoint3d(10, 0, 2), AcGePoint3d(15, 8, 2)}) {
+        line.appendSeg(plane * point);
+    }
+    AcGeDoubleArray cuts;
+    AcGeDoubleArray fill;
+    line.getParametersAt(0, 1, cuts, fill);
+    cuts.append(3.0);
+    cuts.append(4.0);
+    line.setParametersAt(0, 1, cuts);
+}
+
 } // namespace
 
 Drawing::Drawing() {
@@ -92,6 +140,26 @@ Drawing::Drawing() {
     record->setName(L"道路");
     layers->add(layer, record);
     record->close();
+    const host::Opened<AcDbDictionary> lineStyles(database.mLStyleDictionaryId(), AcDb::kForWrite);
+    auto* lineStyle = new AcDbMlineStyle;
+    int index = 0;
+    lineStyle->setName(L"道路边线");
+    for (const double offset : {1.0, -1.0, 0.25}) {
+        lineStyle->addElement(index, offset, AcCmColor(), database.byLayerLinetype());
+    }
+    lineStyle->setStartRoundCap(true);
+    lineStyle->setEndSquareCap(true);
+    lineStyle->setStartAngle(1.2);
+    lineStyles->setAt(L"道路边线", lineStyle, mlineStyle);
+    lineStyle->close();
+    AcDbObjectId images;
+    AcDbRasterImageDef::createImageDictionary(&database, images);
+    const host::Opened<AcDbDictionary> imageDictionary(images, AcDb::kForWrite);
+    auto* image = new AcDbRasterImageDef;
+    image->setSourceFileName(L"底图.png");
+    image->setSize({200, 100});
+    imageDictionary->setAt(L"底图", image, imageDefinition);
+    image->close();
     const host::Opened<AcDbTextStyleTable> styles(database.textStyleTableId(), AcDb::kForWrite);
     auto* textStyle = new AcDbTextStyleTableRecord;
     textStyle->setName(L"注记");
@@ -237,6 +305,60 @@ const std::vector<Sample>& samples() {
             [](AcDbBlockReference& reference, Drawing& drawing) {
                 reference.setBlockTableRecord(drawing.block);
             }),
+        sample<AcDbMInsertBlock>(
+            "MInsertBlock", L"AcDbMInsertBlock", "INSERT",
+            [](AcDbMInsertBlock& reference, Drawing& drawing) {
+                reference.setBlockTableRecord(drawing.block);
+                reference.setNormal(tilted);
+                reference.setPosition({10, 20, 3});
+                reference.setScaleFactors({2, -2, 2});
+                reference.setRotation(1.1);
+                reference.setColumns(3);
+                reference.setRows(4);
+                reference.setColumnSpacing(12.5);
+                reference.setRowSpacing(-7);
+            },
+            [](AcDbMInsertBlock& reference, Drawing& drawing) {
+                reference.setBlockTableRecord(drawing.block);
+            }),
+        sample<AcDbHatch>("Hatch", L"AcDbHatch", "HATCH", enrichHatch,
+                          [](AcDbHatch& hatch, Drawing&) {
+                              AcGePoint2dArray vertices;
+                              vertices.append({0, 0});
+                              vertices.append({4, 0});
+                              vertices.append({0, 3});
+                              hatch.appendLoop(AcDbHatch::kExternal, vertices, AcGeDoubleArray());
+                          }),
+        sample<AcDbMline>("Mline", L"AcDbMline", "MLINE", enrichMline,
+                          [](AcDbMline& line, Drawing& drawing) {
+                              AcDbObjectId standard;
+                              host::peek<AcDbDictionary>(drawing.database.mLStyleDictionaryId())
+                                  ->getAt(L"Standard", standard);
+                              line.setStyle(standard);
+                              line.appendSeg({0, 0, 0});
+                              line.appendSeg({5, 0, 0});
+                          }),
+        sample<AcDbRasterImage>("RasterImage", L"AcDbRasterImage", "IMAGE",
+                                [](AcDbRasterImage& image, Drawing& drawing) {
+                                    image.setImageDefId(drawing.imageDefinition);
+                                    image.setOrientation({10, 20, 3}, {30, 5, 1}, {-4, 25, 2});
+                                    AcGePoint2dArray clip;
+                                    clip.append({10, 20});
+                                    clip.append({150, 90});
+                                    image.setClipBoundary(AcDbRasterImage::kRect, clip);
+                                    image.setDisplayOpt(AcDbRasterImage::kTransparent, true);
+                                    image.setBrightness(60);
+                                    image.setContrast(40);
+                                    image.setFade(10);
+                                }),
+        sample<AcDbWipeout>("Wipeout", L"AcDbWipeout", "WIPEOUT",
+                            [](AcDbWipeout& wipeout, Drawing&) {
+                                AcGePoint3dArray corners;
+                                corners.append({0, 0, 2});
+                                corners.append({20, 3, 2});
+                                corners.append({11, 14, 2});
+                                wipeout.setOutline(corners);
+                            }),
         sample<AcDbTrace>("Trace", L"AcDbTrace", "TRACE", enrichTrace),
         sample<AcDbSolid>("Solid", L"AcDbSolid", "SOLID",
                           [](AcDbSolid& solid, Drawing& d) { enrichTrace(solid, d); }),

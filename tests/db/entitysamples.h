@@ -17,6 +17,8 @@ struct Drawing {
     AcDbDatabase database;
     AcDbObjectId layer;
     AcDbObjectId style;
+    AcDbObjectId mlineStyle;
+    AcDbObjectId imageDefinition;
     AcDbObjectId block; ///< a line, a circle, a nested reference
 };
 

@@ -14,6 +14,8 @@
 #include "host/db/entities/mline.h"
 #include "host/db/entities/polyline.h"
 #include "host/db/entities/polyline2d.h"
+#include "host/db/entities/rasterimage.h"
 #include "host/db/entities/solid.h"
 #include "host/db/entities/subentities.h"
 #include "host/db/entities/text.h"
+#include "host/db/entities/viewport.h"

@@ -71,6 +71,8 @@ double readableLongSide(const PlotWindow& window, double margin, double textHeig
 }
 
 std::uint32_t paperColor(const Pen& pen, const PaperLook& look) {
+    if (pen.color.isNone())
+        return 0xFFFFFF; // what hides others has the colour of the paper
     return look.isMonochrome || pen.color.isForeground() ? 0 : pen.color.trueColor();
 }
 

@@ -11,8 +11,9 @@ void host::initializeEntityClasses() {
         AcDb2dPolyline::rxInit,     AcDbText::rxInit,           AcDbAttributeDefinition::rxInit,
         AcDbAttribute::rxInit,      AcDbBlockReference::rxInit, AcDbTrace::rxInit,
         AcDbSolid::rxInit,          AcDbHatch::rxInit,          AcDbMline::rxInit,
-        AcDbMInsertBlock::rxInit,   AcDbMlineStyle::rxInit,
-        AcDbSortentsTable::rxInit,
+        AcDbMInsertBlock::rxInit,   AcDbMlineStyle::rxInit,     AcDbSortentsTable::rxInit,
+        AcDbRasterImage::rxInit,    AcDbWipeout::rxInit,        AcDbRasterImageDef::rxInit,
+        AcDbViewport::rxInit,
     };
     for (void (*registration)() : registrations) {
         registration();
