@@ -329,9 +329,6 @@ AcDbObjectId AcDbDatabase::mLStyleDictionaryId() const {
 AcDbObjectId AcDbDatabase::modelSpaceId() const {
     return mImpl->containers.modelSpace;
 }
-AcDbObjectId AcDbDatabase::paperSpaceId() const {
-    return mImpl->containers.paperSpace;
-}
 AcDbObjectId AcDbDatabase::currentSpaceId() const {
     return tilemode() ? modelSpaceId() : paperSpaceId();
 }
@@ -515,6 +512,7 @@ void initializeDatabaseClasses() {
     AcDbDatabaseReactor::rxInit();
     AcDbDatabase::rxInit();
     AcDbHostApplicationServices::rxInit();
+    AcDbLayoutManager::rxInit();
     AcTransaction::rxInit();
     AcDbTransactionManager::rxInit();
     AcDbEntity::rxInit();

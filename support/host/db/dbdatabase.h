@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/db/dbdict.h"
+#include "host/db/dblayout.h"
 #include "host/db/dbsymtb.h"
 #include "host/db/headervars.h"
 #include "host/db/spatialindex.h"
@@ -376,6 +377,8 @@ public:
     virtual Acad::ErrorStatus findFile(ACHAR* path, int maximum, const ACHAR* name,
                                        AcDbDatabase* database = nullptr, int hint = 0);
     virtual bool userBreak(bool = true) const { return false; }
+    /// Never null.
+    AcDbLayoutManager* layoutManager() const;
 
 private:
     AcDbDatabase* mWorking = nullptr;

@@ -11,7 +11,6 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbDictionary, AcDbObject, AcDb::kDHL_CURRENT, 0, 0, DI
 ACRX_DXF_DEFINE_MEMBERS(AcDbDictionaryWithDefault, AcDbDictionary, AcDb::kDHL_CURRENT, 0, 0,
                         ACDBDICTIONARYWDFLT, host)
 ACRX_DXF_DEFINE_MEMBERS(AcDbXrecord, AcDbObject, AcDb::kDHL_CURRENT, 0, 0, XRECORD, host)
-ACRX_DXF_DEFINE_MEMBERS(AcDbLayout, AcDbObject, AcDb::kDHL_CURRENT, 0, 0, LAYOUT, host)
 ACRX_DXF_DEFINE_MEMBERS(AcDbPlaceHolder, AcDbObject, AcDb::kDHL_CURRENT, 0, 0, ACDBPLACEHOLDER, host)
 
 namespace host {
@@ -20,6 +19,7 @@ void initializeDictionaryClasses() {
     AcDbDictionary::rxInit();
     AcDbDictionaryWithDefault::rxInit();
     AcDbXrecord::rxInit();
+    AcDbPlotSettings::rxInit();
     AcDbLayout::rxInit();
     AcDbPlaceHolder::rxInit();
     AcDbGroup::rxInit();
@@ -398,110 +398,4 @@ Acad::ErrorStatus AcDbXrecord::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeText(100, "AcDbXrecord");
     filer->writeInt16(280, mMergeStyle);
     return filer->writeKept(mGroups);
-}
-
-// Layouts.
-
-Acad::ErrorStatus AcDbLayout::getLayoutName(AcString& name) const {
-    name = mName;
-    return Acad::eOk;
-}
-Acad::ErrorStatus AcDbLayout::setLayoutName(const ACHAR* name) {
-    assertWriteEnabled();
-    mName = name;
-    return Acad::eOk;
-}
-Acad::ErrorStatus AcDbLayout::setBlockTableRecordId(AcDbObjectId block) {
-    assertWriteEnabled();
-    mBlock = block;
-    return Acad::eOk;
-}
-void AcDbLayout::setTabOrder(int order) {
-    assertWriteEnabled();
-    mTabOrder = order;
-}
-
-Acad::ErrorStatus AcDbLayout::dwgOutFields(AcDbDwgFiler* filer) const {
-    if (const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer); status != Acad::eOk) {
-        return status;
-    }
-    filer->writeString(mName);
-    filer->writeInt32(mTabOrder);
-    filer->writeSoftPointerId(mBlock);
-    mPlotSettings.dwgOut(filer, database());
-    mGroups.dwgOut(filer, database());
-    return filer->filerStatus();
-}
-
-Acad::ErrorStatus AcDbLayout::dwgInFields(AcDbDwgFiler* filer) {
-    if (const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer); status != Acad::eOk) {
-        return status;
-    }
-    filer->readString(mName);
-    Adesk::Int32 order = 0;
-    filer->readInt32(&order);
-    mTabOrder = order;
-    AcDbSoftPointerId block;
-    filer->readSoftPointerId(&block);
-    mBlock = block;
-    mPlotSettings.dwgIn(filer);
-    mGroups.dwgIn(filer);
-    return filer->filerStatus();
-}
-
-Acad::ErrorStatus AcDbLayout::dxfInFields(AcDbDxfFiler* filer) {
-    mPlotSettings.clear();
-    mGroups.clear();
-    AcDbObject::dxfInFields(filer);
-    bool plotSettings = true;
-    while (const host::DxfGroup* group = filer->nextGroup()) {
-        if (group->code == 100 && (group->text == "AcDbPlotSettings" || group->text == "AcDbLayout")) {
-            plotSettings = group->text == "AcDbPlotSettings";
-        } else if (group->code == 100 || group->code >= 1000) {
-            if (!takeObjectGroup(filer, *group)) {
-                keepGroup("", *group);
-                break;
-            }
-        } else if (plotSettings) {
-            mPlotSettings.add(*group);
-        } else if (group->code == 1) {
-            mName = group->string();
-        } else if (group->code == 71) {
-            mTabOrder = group->int32();
-        } else if (group->code == 330 && mBlock.isNull()) {
-            mBlock = AcDbObjectId(group->id);
-        } else {
-            mGroups.add(*group);
-        }
-    }
-    keepRest(filer);
-    return filer->filerStatus();
-}
-
-Acad::ErrorStatus AcDbLayout::dxfOutFields(AcDbDxfFiler* filer) const {
-    AcDbObject::dxfOutFields(filer);
-    filer->writeText(100, "AcDbPlotSettings");
-    filer->writeKept(mPlotSettings);
-    filer->writeText(100, "AcDbLayout");
-    filer->writeString(1, mName);
-    bool blockWritten = false;
-    bool orderWritten = false;
-    for (const host::GroupList::Group group : mGroups) {
-        if (!orderWritten && group.code != 70) {
-            filer->writeInt16(71, static_cast<Adesk::Int16>(mTabOrder));
-            orderWritten = true;
-        }
-        if (!blockWritten && (group.code == 331 || group.code == 345 || group.code == 346)) {
-            filer->writeObjectId(330, mBlock);
-            blockWritten = true;
-        }
-        filer->writeKept(group.code, group.text);
-    }
-    if (!orderWritten) {
-        filer->writeInt16(71, static_cast<Adesk::Int16>(mTabOrder));
-    }
-    if (!blockWritten) {
-        filer->writeObjectId(330, mBlock);
-    }
-    return filer->filerStatus();
 }

@@ -1,4 +1,4 @@
-// Named-object dictionaries, records of free data, layouts, and objects whose code the host does not have.
+// Named-object dictionaries, records of free data, and objects whose code the host does not have.
 #pragma once
 
 #include "host/db/dbentity.h"
@@ -123,38 +123,6 @@ public:
 private:
     host::GroupList mGroups;
     Adesk::Int16 mMergeStyle = 1;
-};
-
-/// A layout: plot settings, tab order, and the block it shows. Fields beyond name, order and block are kept.
-class AcDbLayout : public AcDbObject {
-    ACRX_DECLARE_MEMBERS(AcDbLayout);
-
-public:
-    Acad::ErrorStatus getLayoutName(AcString& name) const;
-    const AcString& layoutName() const { return mName; }
-    Acad::ErrorStatus setLayoutName(const ACHAR* name);
-    AcDbObjectId getBlockTableRecordId() const { return mBlock; }
-    Acad::ErrorStatus setBlockTableRecordId(AcDbObjectId block);
-    int getTabOrder() const { return mTabOrder; }
-    void setTabOrder(int order);
-    /// Takes plot settings and further fields as groups of a file.
-    void setDefaults(host::GroupList plotSettings, host::GroupList fields) {
-        mPlotSettings = std::move(plotSettings);
-        mGroups = std::move(fields);
-    }
-    bool modelType() const { return mName.compareNoCase(L"Model") == 0; }
-
-    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
-    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
-    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
-    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
-
-private:
-    AcString mName;
-    AcDbObjectId mBlock;
-    int mTabOrder = 0;
-    host::GroupList mPlotSettings; ///< groups of AcDbPlotSettings
-    host::GroupList mGroups;       ///< further groups of AcDbLayout
 };
 
 class AcDbPlaceHolder : public AcDbObject {

@@ -22,27 +22,6 @@ constexpr StandardGroup activeViewport[] = {
     {110, "0.0"}, {120, "0.0"}, {130, "0.0"}, {111, "1.0"}, {121, "0.0"},  {131, "0.0"},  {112, "0.0"},
     {122, "1.0"}, {132, "0.0"}, {79, "0"},    {146, "0.0"}};
 
-constexpr StandardGroup plotSettings[] = {
-    {1, ""},      {2, "none_device"}, {4, ""},      {6, ""},      {40, "0.0"},  {41, "0.0"},
-    {42, "0.0"},  {43, "0.0"},        {44, "0.0"},  {45, "0.0"},  {46, "0.0"},  {47, "0.0"},
-    {48, "0.0"},  {49, "0.0"},        {140, "0.0"}, {141, "0.0"}, {142, "1.0"}, {143, "1.0"},
-    {70, "688"},  {72, "1"},          {73, "0"},    {74, "5"},    {7, ""},      {75, "16"},
-    {147, "1.0"}, {76, "0"},          {77, "2"},    {78, "300"},  {148, "0.0"}, {149, "0.0"}};
-
-constexpr StandardGroup layoutFields[] = {
-    {70, "1"},    {10, "0.0"},   {20, "0.0"},   {11, "420.0"}, {21, "297.0"},  {12, "0.0"},    {22, "0.0"},
-    {32, "0.0"},  {14, "1e+20"}, {24, "1e+20"}, {34, "1e+20"}, {15, "-1e+20"}, {25, "-1e+20"}, {35, "-1e+20"},
-    {146, "0.0"}, {13, "0.0"},   {23, "0.0"},   {33, "0.0"},   {16, "1.0"},    {26, "0.0"},    {36, "0.0"},
-    {17, "0.0"},  {27, "1.0"},   {37, "0.0"},   {76, "0"}};
-
-GroupList groupsOf(std::span<const StandardGroup> table) {
-    GroupList groups;
-    for (const StandardGroup& group : table) {
-        groups.add(group.code, group.text);
-    }
-    return groups;
-}
-
 /// One completion of one drawing.
 class Completion {
 public:
@@ -234,7 +213,6 @@ private:
                 name = L"布局" + std::to_wstring(number);
             }
             auto* layout = new AcDbLayout;
-            layout->setDefaults(groupsOf(plotSettings), groupsOf(layoutFields));
             layout->setLayoutName(name.c_str());
             layout->setTabOrder(model ? 0 : ++order);
             layout->setBlockTableRecordId(block->objectId());

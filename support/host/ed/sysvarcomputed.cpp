@@ -171,9 +171,8 @@ bool setCurrentLayout(AcDbDatabase& database, std::wstring_view name) {
     if (equalNoCase(name, modelTab)) {
         return database.setTilemode(true) == Acad::eOk;
     }
-    const AcDbLayout* layout = layoutOf(database.paperSpaceId());
-    return layout != nullptr && equalNoCase(name, layout->layoutName().kwszPtr()) &&
-           database.setTilemode(false) == Acad::eOk;
+    return acdbHostApplicationServices()->layoutManager()->setCurrentLayout(std::wstring(name).c_str(),
+                                                                            &database) == Acad::eOk;
 }
 
 VariableError setComputedVariable(std::wstring_view name, const VariableValue& value,

@@ -100,7 +100,9 @@ bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw) {
         return true;
     }
     const bool isReferenced = !block.isLayout();
-    for (AcDbStub* stub : drawOrder(block)) {
+    const AcDbSortentsTable* table = sortentsOf(block);
+    const std::vector<AcDbStub*> sorted = table != nullptr ? table->drawOrder(block) : std::vector<AcDbStub*>();
+    for (AcDbStub* stub : table != nullptr ? sorted : block.entities()) {
         auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
         if (entity == nullptr || draw->regenAbort()) {
             continue;

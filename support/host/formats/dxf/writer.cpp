@@ -17,8 +17,8 @@ AcString recordName(AcDbObjectId id) {
 }
 
 /// Entities of the two spaces of release 12 stand in the entities section, all others in their block.
-bool isMainSpace(const DatabaseImpl::Containers& known, const AcDbBlockTableRecord& block) {
-    return block.objectId() == known.modelSpace || block.objectId() == known.paperSpace;
+bool isMainSpace(const AcDbDatabase& database, const AcDbBlockTableRecord& block) {
+    return block.objectId() == database.modelSpaceId() || block.objectId() == database.paperSpaceId();
 }
 
 /// The name of a kept section, which is its first group.
@@ -209,7 +209,7 @@ void Writer::writeBlocks() {
     beginSection("BLOCKS");
     forEachBlock(mDatabase, [this](const AcDbBlockTableRecord& block) {
         writeBlockBegin(block);
-        if (!isMainSpace(mImpl.containers, block)) {
+        if (!isMainSpace(mDatabase, block)) {
             writeEntitiesOf(block);
         }
         if (const auto* end = peek<AcDbBlockEnd>(block.blockEndId())) {
@@ -249,7 +249,7 @@ void Writer::writeBlockBegin(const AcDbBlockTableRecord& block) {
 
 void Writer::writeEntities() {
     beginSection("ENTITIES");
-    for (const AcDbObjectId id : {mImpl.containers.modelSpace, mImpl.containers.paperSpace}) {
+    for (const AcDbObjectId id : {mDatabase.modelSpaceId(), mDatabase.paperSpaceId()}) {
         if (const auto* space = peek<AcDbBlockTableRecord>(id)) {
             writeEntitiesOf(*space);
         }
