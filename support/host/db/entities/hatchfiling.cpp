@@ -70,6 +70,10 @@ Acad::ErrorStatus AcDbHatch::dwgInFields(AcDbDwgFiler* filer) {
     if (status == Acad::eOk) {
         status = host::readFields(filer, m);
     }
+    // Copies into other drawings leave the objects behind that the boundary was made from.
+    for (host::HatchLoop& loop : m.loops) {
+        std::erase_if(loop.sources, [](const AcDbObjectId& id) { return id.isNull(); });
+    }
     changed();
     return status;
 }

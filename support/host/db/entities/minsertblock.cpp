@@ -71,9 +71,12 @@ void AcDbMInsertBlock::forShowings(Showings which,
     const int rows = std::max<int>(mArray.rows, 1);
     const int columns = std::max<int>(mArray.columns, 1);
     const bool all = which == Showings::all;
-    for (int rowIndex = 0; rowIndex < rows; rowIndex += all ? 1 : std::max(rows - 1, 1)) {
+    constexpr int most = 1'000'000; // what a damaged file may ask for has no end
+    int shown = 0;
+    for (int rowIndex = 0; rowIndex < rows && shown < most; rowIndex += all ? 1 : std::max(rows - 1, 1)) {
         for (int columnIndex = 0; columnIndex < columns; columnIndex += all ? 1 : std::max(columns - 1, 1)) {
             visit(column * columnIndex + row * rowIndex);
+            ++shown;
         }
     }
 }
