@@ -4,6 +4,8 @@
 #include "host/db/dbdatabase.h"
 
 #include <charconv>
+#include <cmath>
+#include <span>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbPlotSettings, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, PLOTSETTINGS,
                         ObjectDBX Classes)

@@ -4,6 +4,9 @@
 
 #include "host/db/dbobject.h"
 
+#include <initializer_list>
+#include <utility>
+
 /// A page setup. Paper is measured in millimetres, plot windows in drawing units.
 class AcDbPlotSettings : public AcDbObject {
     ACRX_DECLARE_MEMBERS(AcDbPlotSettings);
