@@ -318,7 +318,10 @@ TEST_F(KindTest, BlocksThatHoldThemselvesEnd) {
     auto* reference = new AcDbBlockReference({0, 0, 0}, drawing.block);
     {
         const host::Opened<AcDbBlockTableRecord> block(drawing.block, AcDb::kForWrite);
-        block->appendAcDbEntity(reference); // as a damaged file may have it
+        AcDbObjectId id; // as a damaged file may have it
+        drawing.database.addAcDbObject(id, reference);
+        reference->setOwnerId(drawing.block);
+        block->entitiesForReaders().push_back(id.stub());
         reference->close();
     }
     AcDbBlockReference outside({0, 0, 0}, drawing.block);

@@ -203,6 +203,8 @@ TEST_F(LayoutTest, ViewportsShowTheModelToScale) {
 
 TEST_F(LayoutTest, ViewportsKeepTheirFields) {
     const std::unique_ptr<AcDbViewport> made(viewport());
+    made->setLayer(database.layerZero());
+    made->setLinetype(database.byLayerLinetype());
     made->setTwistAngle(0.25);
     made->setViewDirection({1, 1, 1});
     made->setViewTarget({5, 6, 7});
@@ -216,6 +218,7 @@ TEST_F(LayoutTest, ViewportsKeepTheirFields) {
     host::ResbufDxfReader reader(&database, list.get());
     AcDbViewport back;
     ASSERT_EQ(back.dxfIn(&reader), Acad::eOk);
+    EXPECT_EQ(back.linetypeId(), database.byLayerLinetype());
     EXPECT_EQ(groupsOf(back), groupsOf(*made));
     EXPECT_TRUE(back.isLocked());
     EXPECT_TRUE(back.isLayerFrozenInViewport(database.layerZero()));

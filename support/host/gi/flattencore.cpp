@@ -52,6 +52,7 @@ AcCmEntityColor FlattenCore::colorOf(const TraitsState& state) const {
         return mBlock.color;
     case AcCmEntityColor::kByACI:
     case AcCmEntityColor::kByColor:
+    case AcCmEntityColor::kNone: // the background's
         return state.color;
     default:
         return LayerLook::colorOf(AcCmEntityColor::kACIforeground);
