@@ -242,7 +242,7 @@ Acad::ErrorStatus AcDbMlineStyle::dxfOutFields(AcDbDxfFiler* filer) const {
         filer->writeReal(49, element.offset);
         writeColor(filer, element.color);
         const AcString linetype = host::recordName(element.linetype);
-        filer->writeString(6, linetype.isEmpty() ? AcString(L"BYLAYER") : linetype);
+        filer->writeString(6, linetype.isEmpty() ? AcString(L"ByLayer") : linetype);
     }
     writeKeptGroups(filer, "AcDbMlineStyle");
     return filer->filerStatus();
