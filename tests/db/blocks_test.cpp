@@ -1,4 +1,4 @@
-// Blocks: extents of references, uneven scales, blocks that would hold themselves, groups and drawing order.
+// Blocks: extents of references, uneven scales, blocks that would hold themselves, drawing order.
 #include "entitysamples.h"
 
 #include <algorithm>
@@ -220,43 +220,6 @@ TEST_F(BlocksTest, DrawingOrder) {
     const AcDbObjectId late = drawing.append(new AcDbLine({0, 0, 0}, {9, 0, 0}));
     ids.append(late);
     EXPECT_EQ(told(), "432105") << "what comes later is drawn later";
-}
-
-TEST_F(BlocksTest, Groups) {
-    AcDbObjectIdArray ids;
-    for (int index = 0; index < 4; ++index) {
-        ids.append(drawing.append(new AcDbLine({0, 0, 0}, {1.0 + index, 0, 0})));
-    }
-    AcDbObjectId id;
-    auto* group = new AcDbGroup(L"四条线");
-    {
-        const host::Opened<AcDbDictionary> groups(drawing.database.groupDictionaryId(), AcDb::kForWrite);
-        ASSERT_EQ(groups->setAt(L"FOUR", group, id), Acad::eOk);
-    }
-    EXPECT_EQ(group->append(ids), Acad::eOk);
-    EXPECT_EQ(group->append(ids[2]), Acad::eAlreadyInGroup);
-    EXPECT_EQ(group->append(drawing.layer), Acad::eInvalidInput);
-    EXPECT_EQ(std::wstring(group->getName().kwszPtr()), L"FOUR");
-    EXPECT_EQ(group->transfer(0, 2, 2), Acad::eOk);
-    AcDbObjectIdArray members;
-    EXPECT_EQ(group->allEntityIds(members), 4U);
-    EXPECT_EQ(members[0], ids[2]);
-    EXPECT_EQ(members[3], ids[1]);
-    group->close();
-    host::Opened<AcDbEntity>(ids[2], AcDb::kForWrite)->erase();
-    EXPECT_EQ(group->numEntities(), 3U);
-    const std::vector<std::string> groups = groupsOf(*group);
-    EXPECT_EQ(std::count(groups.begin(), groups.end(), "300=四条线"), 1);
-    const std::string bytes = bytesOf(*group);
-    AcDbGroup copy;
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-        host::MemoryDwgFiler damaged(AcDb::kCopyFiler, nullptr, std::string_view(bytes).substr(0, size));
-        EXPECT_NE(copy.dwgIn(&damaged), Acad::eOk);
-        EXPECT_EQ(copy.numEntities(), 0U);
-    }
-    host::MemoryDwgFiler whole(AcDb::kCopyFiler, nullptr, bytes);
-    EXPECT_EQ(copy.dwgIn(&whole), Acad::eOk);
-    EXPECT_EQ(bytesOf(copy), bytes);
 }
 
 } // namespace

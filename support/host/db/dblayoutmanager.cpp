@@ -1,7 +1,5 @@
 // Layouts by name: making, copying, renaming, deleting, and which one is current.
 #include "host/db/dbdatabase.h"
-#include "host/db/dbgroup.h"
-#include "host/db/entities/viewport.h"
 #include "host/rx/text.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include "host/db/entities/viewport.h"
 
 #include "host/db/dbdatabase.h"
-#include "host/db/dbgroup.h"
+#include "host/db/dbsortents.h"
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
