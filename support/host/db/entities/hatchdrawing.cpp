@@ -5,7 +5,7 @@
 #include "host/db/entities/transforms.h"
 
 #include <algorithm>
-#include <numeric>
+#include <unordered_map>
 
 namespace {
 
@@ -132,14 +132,16 @@ private:
         finish(std::move(now), low);
     }
 
-    /// Ends the trapezoids that do not go on; both lists are ordered from left to right.
+    /// Ends the trapezoids that do not go on.
     void finish(std::vector<Open> now, double level) {
+        std::unordered_map<std::size_t, Open*> byLeft;
+        for (Open& open : now) {
+            byLeft.emplace(open.left, &open);
+        }
         for (const Open& open : mOpen) {
-            const auto same = std::find_if(now.begin(), now.end(), [&](const Open& other) {
-                return other.left == open.left && other.right == open.right;
-            });
-            if (same != now.end()) {
-                same->from = open.from;
+            const auto same = byLeft.find(open.left);
+            if (same != byLeft.end() && same->second->right == open.right) {
+                same->second->from = open.from;
                 continue;
             }
             const Edge& left = mEdges[open.left];
