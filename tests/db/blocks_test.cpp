@@ -1,4 +1,4 @@
-// Blocks: extents of references, uneven scales, blocks that would hold themselves, groups and drawing order.
+// Blocks: extents of references, uneven scales, blocks that would hold themselves, drawing order.
 #include "entitysamples.h"
 
 #include <algorithm>
@@ -25,8 +25,8 @@ protected:
         record->close();
         return id;
     }
-    static AcDbBlockReference* reference(AcDbObjectId id, const AcGePoint3d& at = {},
-                                         const AcGeScale3d& scale = {}, double rotation = 0) {
+    static AcDbBlockReference* reference(AcDbObjectId id, const AcGePoint3d& at = {}, const AcGeScale3d& scale = {},
+                                         double rotation = 0) {
         auto* made = new AcDbBlockReference(at, id);
         made->setScaleFactors(scale);
         made->setRotation(rotation);
@@ -60,7 +60,9 @@ TEST_F(BlocksTest, MeasuredExtentsFollowEveryChange) {
     AcDbCircle* round = circle();
     const AcDbObjectId inner = block(L"IN", {round});
     const AcDbObjectId id = drawing.append(reference(block(L"OUT", {reference(inner)})));
-    const auto width = [&] { return extentsOf(*host::peek<AcDbBlockReference>(id)).maxPoint().x; };
+    const auto width = [&] {
+        return extentsOf(*host::peek<AcDbBlockReference>(id)).maxPoint().x;
+    };
     EXPECT_NEAR(width(), 1, 1e-9);
     host::UndoLog& undo = drawing.database.undoLog();
     undo.beginCommand(L"EDIT");
@@ -113,8 +115,8 @@ TEST_F(BlocksTest, ExplodingNestedUnevenReferencesIsTheDirectMap) {
     EXPECT_NEAR(sum.maxPoint().x, expected.maxPoint().x, slack);
     EXPECT_NEAR(sum.maxPoint().y, expected.maxPoint().y, slack);
     // The line is not chopped: it is the direct image of its ends.
-    const auto* shown =
-        host::peek<AcDbBlockReference>(AcDbObjectId(host::peek<AcDbBlockTableRecord>(middle)->entities()[0]));
+    const auto* shown = host::peek<AcDbBlockReference>(
+        AcDbObjectId(host::peek<AcDbBlockTableRecord>(middle)->entities()[0]));
     const host::ReadAccess access(*shown);
     const AcGeMatrix3d whole = outer->blockTransform() * shown->blockTransform();
     EXPECT_NEAR(length, (whole * AcGePoint3d(-3, 0, 0)).distanceTo(whole * AcGePoint3d(0, 7, 0)), 1e-9);
@@ -157,8 +159,7 @@ TEST_F(BlocksTest, ArraysOfBlocksCoverAllTheirPlaces) {
     AcDbMInsertBlock array({0, 0, 0}, round, 3, 2, 10, 20);
     EXPECT_NEAR(extentsOf(array).maxPoint().x, 21, 1e-9);
     EXPECT_NEAR(extentsOf(array).maxPoint().y, 21, 1e-9);
-    ASSERT_EQ(array.transformBy(AcGeMatrix3d::mirroring(AcGePlane({0, 0, 0}, AcGeVector3d::kXAxis))),
-              Acad::eOk);
+    ASSERT_EQ(array.transformBy(AcGeMatrix3d::mirroring(AcGePlane({0, 0, 0}, AcGeVector3d::kXAxis))), Acad::eOk);
     EXPECT_NEAR(extentsOf(array).minPoint().x, -21, 1e-9);
     EXPECT_NEAR(extentsOf(array).maxPoint().y, 21, 1e-9);
     array.setColumns(32767);
@@ -175,8 +176,7 @@ TEST_F(BlocksTest, DrawingOrder) {
     }
     const auto told = [&] {
         std::string text;
-        for (AcDbStub* stub :
-             host::drawOrder(*host::peek<AcDbBlockTableRecord>(drawing.database.modelSpaceId()))) {
+        for (AcDbStub* stub : host::drawOrder(*host::peek<AcDbBlockTableRecord>(drawing.database.modelSpaceId()))) {
             text += static_cast<char>('0' + ids.find(AcDbObjectId(stub)));
         }
         return text;
@@ -220,43 +220,6 @@ TEST_F(BlocksTest, DrawingOrder) {
     const AcDbObjectId late = drawing.append(new AcDbLine({0, 0, 0}, {9, 0, 0}));
     ids.append(late);
     EXPECT_EQ(told(), "432105") << "what comes later is drawn later";
-}
-
-TEST_F(BlocksTest, Groups) {
-    AcDbObjectIdArray ids;
-    for (int index = 0; index < 4; ++index) {
-        ids.append(drawing.append(new AcDbLine({0, 0, 0}, {1.0 + index, 0, 0})));
-    }
-    AcDbObjectId id;
-    auto* group = new AcDbGroup(L"四条线");
-    {
-        const host::Opened<AcDbDictionary> groups(drawing.database.groupDictionaryId(), AcDb::kForWrite);
-        ASSERT_EQ(groups->setAt(L"FOUR", group, id), Acad::eOk);
-    }
-    EXPECT_EQ(group->append(ids), Acad::eOk);
-    EXPECT_EQ(group->append(ids[2]), Acad::eAlreadyInGroup);
-    EXPECT_EQ(group->append(drawing.layer), Acad::eInvalidInput);
-    EXPECT_EQ(std::wstring(group->getName().kwszPtr()), L"FOUR");
-    EXPECT_EQ(group->transfer(0, 2, 2), Acad::eOk);
-    AcDbObjectIdArray members;
-    EXPECT_EQ(group->allEntityIds(members), 4U);
-    EXPECT_EQ(members[0], ids[2]);
-    EXPECT_EQ(members[3], ids[1]);
-    group->close();
-    host::Opened<AcDbEntity>(ids[2], AcDb::kForWrite)->erase();
-    EXPECT_EQ(group->numEntities(), 3U);
-    const std::vector<std::string> groups = groupsOf(*group);
-    EXPECT_EQ(std::count(groups.begin(), groups.end(), "300=四条线"), 1);
-    const std::string bytes = bytesOf(*group);
-    AcDbGroup copy;
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-        host::MemoryDwgFiler damaged(AcDb::kCopyFiler, nullptr, std::string_view(bytes).substr(0, size));
-        EXPECT_NE(copy.dwgIn(&damaged), Acad::eOk);
-        EXPECT_EQ(copy.numEntities(), 0U);
-    }
-    host::MemoryDwgFiler whole(AcDb::kCopyFiler, nullptr, bytes);
-    EXPECT_EQ(copy.dwgIn(&whole), Acad::eOk);
-    EXPECT_EQ(bytesOf(copy), bytes);
 }
 
 } // namespace

@@ -118,8 +118,6 @@ enum ErrorStatus {
     eBlockNotFound = 111,
     eNoUndoRecords = 112,
     eHatchTooDense = 113,
-    eAlreadyInGroup = 114,
-    eNotInGroup = 115,
     eOsnapped = 0x80,
     eBadDxfFile = 200,
     eMakeMeProxy = 301

@@ -1,10 +1,11 @@
 // Drawing and exploding of hatches: lines, solid and gradient fillings.
-#include "host/db/dbents.h"
 #include "host/db/entities/hatch.h"
+
+#include "host/db/dbents.h"
 #include "host/db/entities/transforms.h"
 
 #include <algorithm>
-#include <numeric>
+#include <unordered_map>
 
 namespace {
 
@@ -50,8 +51,8 @@ Polygon clipped(const Polygon& polygon, const AcGeVector2d& normal, double offse
     return result;
 }
 
-/// Fills the region of polygons with trapezoids between horizontal lines, by a sweep upwards. An edge that
-/// goes on in the same pair makes one trapezoid however many corners lie beside it.
+/// Fills the region of polygons with trapezoids between horizontal lines, by a sweep upwards. An edge that goes
+/// on in the same pair makes one trapezoid however many corners lie beside it.
 class Trapezoids {
 public:
     struct Trapezoid {
@@ -109,8 +110,9 @@ private:
 
     void slab(double low, double high) {
         const double middle = (low + high) / 2.0;
-        std::sort(mActive.begin(), mActive.end(),
-                  [&](std::size_t a, std::size_t b) { return mEdges[a].at(middle) < mEdges[b].at(middle); });
+        std::sort(mActive.begin(), mActive.end(), [&](std::size_t a, std::size_t b) {
+            return mEdges[a].at(middle) < mEdges[b].at(middle);
+        });
         std::vector<char> inside(mLoops, 0);
         std::vector<Open> now;
         int depth = 0;
@@ -130,14 +132,16 @@ private:
         finish(std::move(now), low);
     }
 
-    /// Ends the trapezoids that do not go on; both lists are ordered from left to right.
+    /// Ends the trapezoids that do not go on.
     void finish(std::vector<Open> now, double level) {
+        std::unordered_map<std::size_t, Open*> byLeft;
+        for (Open& open : now) {
+            byLeft.emplace(open.left, &open);
+        }
         for (const Open& open : mOpen) {
-            const auto same = std::find_if(now.begin(), now.end(), [&](const Open& other) {
-                return other.left == open.left && other.right == open.right;
-            });
-            if (same != now.end()) {
-                same->from = open.from;
+            const auto same = byLeft.find(open.left);
+            if (same != byLeft.end() && same->second->right == open.right) {
+                same->second->from = open.from;
                 continue;
             }
             const Edge& left = mEdges[open.left];
@@ -158,8 +162,7 @@ private:
     std::size_t mLoops = 0;
 };
 
-std::vector<Polygon> polygonsOf(const std::vector<std::vector<host::BoundaryPiece>>& loops,
-                                double deviation) {
+std::vector<Polygon> polygonsOf(const std::vector<std::vector<host::BoundaryPiece>>& loops, double deviation) {
     std::vector<Polygon> polygons;
     polygons.reserve(loops.size());
     for (const std::vector<host::BoundaryPiece>& loop : loops) {
@@ -202,8 +205,8 @@ std::optional<host::HatchGradient> AcDbHatch::gradient() const {
             break;
         case 421: {
             const long rgb = std::strtol(text.c_str(), nullptr, 10);
-            found.colors.emplace_back(static_cast<Adesk::UInt8>(rgb >> 16),
-                                      static_cast<Adesk::UInt8>(rgb >> 8), static_cast<Adesk::UInt8>(rgb));
+            found.colors.emplace_back(static_cast<Adesk::UInt8>(rgb >> 16), static_cast<Adesk::UInt8>(rgb >> 8),
+                                      static_cast<Adesk::UInt8>(rgb));
             break;
         }
         case 470:
@@ -314,8 +317,7 @@ void AcDbHatch::drawGradient(AcGiWorldDraw* draw, const Loops& loops,
             std::vector<const Polygon*> shown;
             parts.reserve(list.size());
             for (const std::size_t index : list) {
-                shown.push_back(
-                    &parts.emplace_back(clipped(clipped(polygons[index], along, -from), -along, to)));
+                shown.push_back(&parts.emplace_back(clipped(clipped(polygons[index], along, -from), -along, to)));
             }
             fill(draw, shown, world);
         }

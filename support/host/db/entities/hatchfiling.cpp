@@ -1,5 +1,6 @@
 // Hatches in files.
 #include "host/db/entities/hatch.h"
+
 #include "host/db/entities/transforms.h"
 
 namespace host {

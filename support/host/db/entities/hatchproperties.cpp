@@ -1,6 +1,7 @@
 // Pattern and style of hatches.
-#include "host/db/dbdatabase.h"
 #include "host/db/entities/hatch.h"
+
+#include "host/db/dbdatabase.h"
 
 bool AcDbHatch::isGradient() const {
     assertReadEnabled();

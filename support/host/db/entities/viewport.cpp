@@ -2,7 +2,7 @@
 #include "host/db/entities/viewport.h"
 
 #include "host/db/dbdatabase.h"
-#include "host/db/dbgroup.h"
+#include "host/db/dbsortents.h"
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
@@ -194,8 +194,7 @@ Acad::ErrorStatus AcDbViewport::subTransformBy(const AcGeMatrix3d& transform) {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbViewport::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
-                                                 AcDbIntArray&) const {
+Acad::ErrorStatus AcDbViewport::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&, AcDbIntArray&) const {
     assertReadEnabled();
     if (!isSheet()) {
         points.append(m.center);
@@ -236,10 +235,9 @@ Acad::ErrorStatus AcDbViewport::subMoveGripPointsAt(const AcDbIntArray& indices,
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbViewport::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker,
-                                                  const AcGePoint3d& pick, const AcGePoint3d& last,
-                                                  const AcGeMatrix3d& view, AcGePoint3dArray& points,
-                                                  AcDbIntArray&) const {
+Acad::ErrorStatus AcDbViewport::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker, const AcGePoint3d& pick,
+                                                  const AcGePoint3d& last, const AcGeMatrix3d& view,
+                                                  AcGePoint3dArray& points, AcDbIntArray&) const {
     assertReadEnabled();
     std::vector<host::CurvePiece> pieces;
     curvePieces(pieces);
