@@ -2,20 +2,19 @@
 #include "host/db/dbgroup.h"
 
 #include "host/db/dbdatabase.h"
-#include "host/db/entities/hatchboundary.h"
 
 #include <algorithm>
-#include <utility>
 
-ACRX_DXF_DEFINE_MEMBERS(AcDbGroup, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, GROUP,
-                        ObjectDBX Classes)
+ACRX_DXF_DEFINE_MEMBERS(AcDbGroup, AcDbObject, AcDb::kDHL_CURRENT, 0, 0, GROUP, host)
 
 namespace {
 
+constexpr std::string_view subclassName = "AcDbGroup";
+
 /// The entity tells that it is in the group, or no longer.
-void tell(AcDbObjectId entity, AcDbObjectId group, bool isMember) {
+void tell(AcDbStub* entity, AcDbObjectId group, bool isMember) {
     AcDbObject* object = nullptr;
-    if (group.isNull() || acdbOpenAcDbObject(object, entity, AcDb::kForWrite) != Acad::eOk) {
+    if (group.isNull() || acdbOpenAcDbObject(object, AcDbObjectId(entity), AcDb::kForWrite) != Acad::eOk) {
         return; // open elsewhere or on a locked layer: the group knows its members itself
     }
     if (isMember) {
@@ -28,164 +27,113 @@ void tell(AcDbObjectId entity, AcDbObjectId group, bool isMember) {
 
 } // namespace
 
-AcString AcDbGroup::getName() const {
-    AcString name;
-    if (const auto* owner = host::peek<AcDbDictionary>(ownerId())) {
-        owner->nameAt(objectId(), name);
-    }
-    return name;
-}
-
 Acad::ErrorStatus AcDbGroup::setDescription(const ACHAR* description) {
     assertWriteEnabled();
     mDescription = description;
     return Acad::eOk;
 }
+
 Acad::ErrorStatus AcDbGroup::setSelectable(bool selectable) {
     assertWriteEnabled();
     mSelectable = selectable;
     return Acad::eOk;
 }
-Acad::ErrorStatus AcDbGroup::setAnonymous(bool anonymous) {
+
+Acad::ErrorStatus AcDbGroup::setAnonymous() {
     assertWriteEnabled();
-    mAnonymous = anonymous;
+    mAnonymous = true;
     return Acad::eOk;
 }
 
-bool AcDbGroup::has(AcDbObjectId id) const {
-    return std::find(mIds.begin(), mIds.end(), id) != mIds.end();
+Acad::ErrorStatus AcDbGroup::getName(AcString& name) const {
+    const auto* dictionary = host::peek<AcDbDictionary>(ownerId());
+    if (dictionary == nullptr) {
+        return Acad::eNoDatabase;
+    }
+    const host::ReadAccess access(*dictionary);
+    return dictionary->nameAt(objectId(), name);
 }
 
-Acad::ErrorStatus AcDbGroup::append(AcDbObjectId id) {
-    return insertAt(static_cast<Adesk::UInt32>(mIds.size()), id);
-}
-
-Acad::ErrorStatus AcDbGroup::append(const AcDbObjectIdArray& ids) {
-    assertWriteEnabled();
-    std::unordered_map<AcDbStub*, bool> known;
-    for (const AcDbObjectId& id : mIds) {
-        known.emplace(id.stub(), true);
-    }
-    for (const AcDbObjectId& id : ids) {
-        if (host::peek<AcDbEntity>(id) == nullptr) {
-            return Acad::eInvalidInput;
-        }
-    }
-    for (const AcDbObjectId& id : ids) {
-        if (known.emplace(id.stub(), true).second) {
-            mIds.push_back(id);
-            tell(id, objectId(), true);
-        }
-    }
-    return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDbGroup::insertAt(Adesk::UInt32 index, AcDbObjectId id) {
-    if (index > mIds.size()) {
-        return Acad::eInvalidIndex;
-    }
-    if (host::peek<AcDbEntity>(id) == nullptr) {
+Acad::ErrorStatus AcDbGroup::append(AcDbObjectId entity) {
+    if (host::peek<AcDbEntity>(entity) == nullptr) {
         return Acad::eInvalidInput;
     }
-    if (has(id)) {
-        return Acad::eAlreadyInGroup;
+    if (std::find(mMembers.begin(), mMembers.end(), entity.stub()) != mMembers.end()) {
+        return Acad::eDuplicateKey;
     }
     assertWriteEnabled();
-    mIds.insert(mIds.begin() + index, id);
-    tell(id, objectId(), true);
+    mMembers.push_back(entity.stub());
+    tell(entity.stub(), objectId(), true);
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbGroup::remove(AcDbObjectId id) {
-    Adesk::UInt32 index = 0;
-    const Acad::ErrorStatus status = getIndex(id, index);
-    return status == Acad::eOk ? removeAt(index) : status;
-}
-
-Acad::ErrorStatus AcDbGroup::removeAt(Adesk::UInt32 index) {
-    if (index >= mIds.size()) {
-        return Acad::eInvalidIndex;
-    }
+Acad::ErrorStatus AcDbGroup::append(const AcDbObjectIdArray& entities) {
+    std::vector<AcDbStub*> known = mMembers;
+    std::sort(known.begin(), known.end());
     assertWriteEnabled();
-    const AcDbObjectId removed = mIds[index];
-    mIds.erase(mIds.begin() + index);
-    tell(removed, objectId(), false);
+    for (const AcDbObjectId id : entities) {
+        if (host::peek<AcDbEntity>(id) != nullptr &&
+            !std::binary_search(known.begin(), known.end(), id.stub())) {
+            mMembers.push_back(id.stub());
+            tell(id.stub(), objectId(), true);
+        }
+    }
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbGroup::replace(AcDbObjectId old, AcDbObjectId id) {
-    Adesk::UInt32 index = 0;
-    if (const Acad::ErrorStatus status = getIndex(old, index); status != Acad::eOk) {
-        return status;
-    }
-    if (host::peek<AcDbEntity>(id) == nullptr || has(id)) {
-        return has(id) ? Acad::eAlreadyInGroup : Acad::eInvalidInput;
+Acad::ErrorStatus AcDbGroup::remove(AcDbObjectId entity) {
+    const auto found = std::find(mMembers.begin(), mMembers.end(), entity.stub());
+    if (found == mMembers.end()) {
+        return Acad::eKeyNotFound;
     }
     assertWriteEnabled();
-    mIds[index] = id;
-    tell(old, objectId(), false);
-    tell(id, objectId(), true);
-    return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDbGroup::transfer(Adesk::UInt32 from, Adesk::UInt32 to, Adesk::UInt32 count) {
-    if (from + count > mIds.size() || to + count > mIds.size()) {
-        return Acad::eInvalidIndex;
-    }
-    assertWriteEnabled();
-    const auto begin = mIds.begin();
-    if (to < from) {
-        std::rotate(begin + to, begin + from, begin + from + count);
-    } else {
-        std::rotate(begin + from, begin + from + count, begin + to + count);
-    }
+    mMembers.erase(found);
+    tell(entity.stub(), objectId(), false);
     return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbGroup::clear() {
     assertWriteEnabled();
-    for (const AcDbObjectId& id : std::exchange(mIds, {})) {
-        tell(id, objectId(), false);
+    for (AcDbStub* member : std::exchange(mMembers, {})) {
+        tell(member, objectId(), false);
     }
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbGroup::reverse() {
-    assertWriteEnabled();
-    std::reverse(mIds.begin(), mIds.end());
-    return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDbGroup::getIndex(AcDbObjectId id, Adesk::UInt32& index) const {
-    const auto found = std::find(mIds.begin(), mIds.end(), id);
-    if (found == mIds.end()) {
-        return Acad::eNotInGroup;
-    }
-    index = static_cast<Adesk::UInt32>(found - mIds.begin());
-    return Acad::eOk;
+bool AcDbGroup::has(const AcDbEntity* entity) const {
+    assertReadEnabled();
+    return entity != nullptr &&
+           std::find(mMembers.begin(), mMembers.end(), entity->objectId().stub()) != mMembers.end();
 }
 
 Adesk::UInt32 AcDbGroup::allEntityIds(AcDbObjectIdArray& ids) const {
-    for (const AcDbObjectId& id : mIds) {
-        if (!id.isErased()) {
-            ids.append(id);
+    assertReadEnabled();
+    for (AcDbStub* member : mMembers) {
+        if (host::peek<AcDbEntity>(AcDbObjectId(member)) != nullptr) {
+            ids.append(AcDbObjectId(member));
         }
     }
-    return numEntities();
+    return static_cast<Adesk::UInt32>(ids.length());
 }
 
 Adesk::UInt32 AcDbGroup::numEntities() const {
-    return static_cast<Adesk::UInt32>(
-        std::count_if(mIds.begin(), mIds.end(), [](const AcDbObjectId& id) { return !id.isErased(); }));
+    assertReadEnabled();
+    return static_cast<Adesk::UInt32>(std::count_if(mMembers.begin(), mMembers.end(), [](AcDbStub* member) {
+        return host::peek<AcDbEntity>(AcDbObjectId(member)) != nullptr;
+    }));
 }
 
 Acad::ErrorStatus AcDbGroup::dwgOutFields(AcDbDwgFiler* filer) const {
     if (const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer); status != Acad::eOk) {
         return status;
     }
-    host::FieldWriter walk(*filer);
-    walk(mDescription, mSelectable, mAnonymous);
-    host::walkList(walk, mIds, [&](const AcDbObjectId& id) { walk.hardPointer(id); });
+    filer->writeString(mDescription);
+    filer->writeBool(mAnonymous);
+    filer->writeBool(mSelectable);
+    filer->writeUInt32(static_cast<Adesk::UInt32>(mMembers.size()));
+    for (AcDbStub* member : mMembers) {
+        filer->writeHardPointerId(AcDbHardPointerId(member));
+    }
     return filer->filerStatus();
 }
 
@@ -193,70 +141,61 @@ Acad::ErrorStatus AcDbGroup::dwgInFields(AcDbDwgFiler* filer) {
     if (const Acad::ErrorStatus status = AcDbObject::dwgInFields(filer); status != Acad::eOk) {
         return status;
     }
-    AcString description;
-    bool selectable = true;
-    bool anonymous = false;
-    std::vector<AcDbObjectId> ids;
-    host::FieldReader walk(*filer);
-    walk(description, selectable, anonymous);
-    host::walkList(walk, ids, [&](AcDbObjectId& id) { walk.hardPointer(id); });
-    if (filer->filerStatus() == Acad::eOk) {
-        mDescription = description;
-        mSelectable = selectable;
-        mAnonymous = anonymous;
-        std::erase_if(ids, [](const AcDbObjectId& id) { return id.isNull(); });
-        mIds = std::move(ids);
+    Adesk::UInt32 count = 0;
+    filer->readString(mDescription);
+    filer->readBool(&mAnonymous);
+    filer->readBool(&mSelectable);
+    filer->readUInt32(&count);
+    mMembers.clear();
+    for (; count > 0 && filer->filerStatus() == Acad::eOk; --count) {
+        AcDbHardPointerId member;
+        filer->readHardPointerId(&member);
+        if (!member.isNull()) {
+            mMembers.push_back(member.stub());
+        }
     }
     return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbGroup::dxfInFields(AcDbDxfFiler* filer) {
-    assertWriteEnabled();
-    mDescription = L"";
-    mSelectable = true;
-    mAnonymous = false;
-    mIds.clear();
-    return readDxfGroups(filer);
-}
-
-std::string_view AcDbGroup::dxfSubclass(std::string_view marker) const {
-    return marker == "AcDbGroup" ? "AcDbGroup" : std::string_view();
-}
-
-bool AcDbGroup::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std::string_view) {
-    switch (group.code) {
-    case 300:
-        mDescription = group.string();
-        return true;
-    case 70:
-        mAnonymous = group.boolean();
-        return true;
-    case 71:
-        mSelectable = group.boolean();
-        return true;
-    case 340:
-        if (group.id != nullptr) {
-            mIds.emplace_back(group.id);
+    AcDbObject::dxfInFields(filer);
+    mMembers.clear();
+    while (const host::DxfGroup* group = filer->nextGroup()) {
+        switch (group->code) {
+        case 300:
+            mDescription = group->string();
+            break;
+        case 70:
+            mAnonymous = group->boolean();
+            break;
+        case 71:
+            mSelectable = group->boolean();
+            break;
+        case 340:
+            if (group->id != nullptr) {
+                mMembers.push_back(group->id);
+            }
+            break;
+        default:
+            if ((group->code != 100 || group->text != subclassName) && !takeObjectGroup(filer, *group)) {
+                keepGroup(subclassName, *group);
+            }
         }
-        return true;
-    default:
-        return false;
     }
+    return filer->filerStatus();
 }
 
 Acad::ErrorStatus AcDbGroup::dxfOutFields(AcDbDxfFiler* filer) const {
-    if (const Acad::ErrorStatus status = AcDbObject::dxfOutFields(filer); status != Acad::eOk) {
-        return status;
-    }
-    filer->writeText(100, "AcDbGroup");
+    AcDbObject::dxfOutFields(filer);
+    filer->writeText(100, subclassName);
     filer->writeString(300, mDescription);
     filer->writeInt16(70, mAnonymous ? 1 : 0);
     filer->writeInt16(71, mSelectable ? 1 : 0);
-    for (const AcDbObjectId& id : mIds) {
-        if (!id.isErased()) {
-            filer->writeObjectId(340, id);
+    for (AcDbStub* member : mMembers) {
+        if (!member->erased) {
+            filer->writeReference(340, member);
         }
     }
-    writeKeptGroups(filer, "AcDbGroup");
+    writeKeptGroups(filer, subclassName);
     return filer->filerStatus();
 }

@@ -1,13 +1,12 @@
-// Named sets of entities (AcDbGroup, in the dictionary ACAD_GROUP), and the drawing order of a block's
-// entities (AcDbSortentsTable, in the extension dictionary of the block's record).
+// AcDbGroup: a named collection of entities that are selected together. The drawing's groups are in its
+// group dictionary, which has their names.
 #pragma once
 
-#include "host/db/dbgroupedobject.h"
-#include "host/db/dbsymtb.h"
+#include "host/db/dbentity.h"
 
-#include <unordered_map>
+#include <vector>
 
-class AcDbGroup : public host::GroupedObject {
+class AcDbGroup : public AcDbObject {
     ACRX_DECLARE_MEMBERS(AcDbGroup);
 
 public:
@@ -15,30 +14,23 @@ public:
     explicit AcDbGroup(const ACHAR* description, bool selectable = true)
         : mDescription(description), mSelectable(selectable) {}
 
-    /// The name of its entry in the dictionary; empty for a group in none.
-    AcString getName() const;
-    const AcString& description() const { return mDescription; }
+    const ACHAR* description() const { return mDescription.kwszPtr(); }
     Acad::ErrorStatus setDescription(const ACHAR* description);
-    /// Picking one entity selects all.
     bool isSelectable() const { return mSelectable; }
     Acad::ErrorStatus setSelectable(bool selectable);
+    /// Without a name that the user gave.
     bool isAnonymous() const { return mAnonymous; }
-    Acad::ErrorStatus setAnonymous(bool anonymous = true);
+    Acad::ErrorStatus setAnonymous();
+    /// Its name in the group dictionary.
+    Acad::ErrorStatus getName(AcString& name) const;
 
-    /// eAlreadyInGroup for an entity that is a member. Members have the group as a persistent reactor.
-    Acad::ErrorStatus append(AcDbObjectId id);
-    Acad::ErrorStatus append(const AcDbObjectIdArray& ids);
-    Acad::ErrorStatus insertAt(Adesk::UInt32 index, AcDbObjectId id);
-    Acad::ErrorStatus remove(AcDbObjectId id);
-    Acad::ErrorStatus removeAt(Adesk::UInt32 index);
-    Acad::ErrorStatus replace(AcDbObjectId old, AcDbObjectId id);
-    Acad::ErrorStatus transfer(Adesk::UInt32 from, Adesk::UInt32 to, Adesk::UInt32 count);
+    /// eDuplicateKey for a member. The entity gets the group as a persistent reactor.
+    Acad::ErrorStatus append(AcDbObjectId entity);
+    Acad::ErrorStatus append(const AcDbObjectIdArray& entities);
+    Acad::ErrorStatus remove(AcDbObjectId entity);
     Acad::ErrorStatus clear();
-    Acad::ErrorStatus reverse();
-    Acad::ErrorStatus getIndex(AcDbObjectId id, Adesk::UInt32& index) const;
-    bool has(AcDbObjectId id) const;
-    bool has(const AcDbEntity* entity) const { return entity != nullptr && has(entity->objectId()); }
-    /// Members that are not erased; the ids of all of them are added to the array.
+    bool has(const AcDbEntity* entity) const;
+    /// Members that are not erased, in order.
     Adesk::UInt32 allEntityIds(AcDbObjectIdArray& ids) const;
     Adesk::UInt32 numEntities() const;
 
@@ -47,79 +39,9 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
-protected:
-    std::string_view dxfSubclass(std::string_view marker) const override;
-    bool takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view subclass) override;
-
 private:
     AcString mDescription;
+    std::vector<AcDbStub*> mMembers;
     bool mSelectable = true;
     bool mAnonymous = false;
-    std::vector<AcDbObjectId> mIds; ///< in order, erased ones included
 };
-
-/// Entities are drawn by their sort handles, the smallest first; one without an entry has its own handle.
-class AcDbSortentsTable : public host::GroupedObject {
-    ACRX_DECLARE_MEMBERS(AcDbSortentsTable);
-
-public:
-    AcDbObjectId blockId() const { return mBlock; }
-    /// For the table's maker.
-    Acad::ErrorStatus setBlockId(AcDbObjectId block);
-    Acad::ErrorStatus sortAs(AcDbObjectId id, const AcDbHandle& handle);
-    void getSortHandle(AcDbObjectId id, AcDbHandle& handle) const;
-    Acad::ErrorStatus remove(AcDbObjectId id);
-
-    // Moves keep the order of the moved among each other. eInvalidInput for what is not in the block.
-    Acad::ErrorStatus moveToTop(const AcDbObjectIdArray& ids);
-    Acad::ErrorStatus moveToBottom(const AcDbObjectIdArray& ids);
-    Acad::ErrorStatus moveAbove(const AcDbObjectIdArray& ids, AcDbObjectId target);
-    Acad::ErrorStatus moveBelow(const AcDbObjectIdArray& ids, AcDbObjectId target);
-    Acad::ErrorStatus swapOrder(AcDbObjectId first, AcDbObjectId second);
-    /// Puts the entities, in the given order, into the places that they hold together.
-    Acad::ErrorStatus setRelativeDrawOrder(const AcDbObjectIdArray& ids);
-    /// All entities of the block that are not erased, the lowest first.
-    Acad::ErrorStatus getFullDrawOrder(AcDbObjectIdArray& ids, Adesk::UInt8 honorSortentsMask = 0) const;
-    Acad::ErrorStatus getRelativeDrawOrder(AcDbObjectIdArray& ids, Adesk::UInt8 honorSortentsMask = 0) const;
-    Acad::ErrorStatus firstEntityIsDrawnBeforeSecond(AcDbObjectId first, AcDbObjectId second,
-                                                     bool& before) const;
-    /// The block's entities in drawing order, erased ones included; n + m log m for m entries.
-    std::vector<AcDbStub*> drawOrder(const AcDbBlockTableRecord& block) const;
-
-    Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
-    Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
-    Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
-    Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
-
-protected:
-    std::string_view dxfSubclass(std::string_view marker) const override;
-    bool takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view subclass) override;
-
-private:
-    struct Entry {
-        AcDbStub* entity = nullptr;
-        Adesk::UInt64 handle = 0;
-    };
-    Adesk::UInt64 keyOf(AcDbStub* entity) const;
-    void set(AcDbStub* entity, Adesk::UInt64 handle);
-    std::vector<AcDbStub*> present() const;
-    /// Gives the entities of `order` the sort handles that `before`, the same entities, has, in its order.
-    void giveKeys(const std::vector<AcDbStub*>& before, const std::vector<AcDbStub*>& order);
-    Acad::ErrorStatus moveBeside(const AcDbObjectIdArray& ids, AcDbObjectId target, bool above);
-    Acad::ErrorStatus moveToEnd(const AcDbObjectIdArray& ids, bool top);
-    bool allInBlock(const AcDbObjectIdArray& ids) const;
-    void reindex();
-
-    AcDbObjectId mBlock;
-    std::vector<Entry> mEntries; ///< in the order of the file
-    std::unordered_map<AcDbStub*, std::size_t> mIndex;
-};
-
-namespace host {
-
-/// The drawing order table of a block; null when it has none.
-AcDbSortentsTable* sortentsOf(const AcDbBlockTableRecord& block);
-/// The block's entities as they are drawn, erased ones included.
-std::vector<AcDbStub*> drawOrder(const AcDbBlockTableRecord& block);
-
-} // namespace host

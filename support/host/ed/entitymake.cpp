@@ -174,6 +174,9 @@ AcRxClass* classFor(const std::wstring& name, const resbuf* list) {
                                                        : L"AcDb2dPolyline";
         return acrxFindAcRxClass(className);
     }
+    if (equalNoCase(name, L"DIMENSION")) {
+        return acrxFindAcRxClass(dimensionClassName(integerOf(list, 70)));
+    }
     if (equalNoCase(name, L"INSERT")) {
         const bool several = integerOf(list, 70) > 1 || integerOf(list, 71) > 1;
         return acrxFindAcRxClass(several ? L"AcDbMInsertBlock" : L"AcDbBlockReference");

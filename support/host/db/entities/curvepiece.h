@@ -93,9 +93,4 @@ std::vector<PieceHit> intersectProjected(std::span<const CurvePiece> first,
 void addOsnapPoints(std::span<const CurvePiece> pieces, AcDb::OsnapMode mode, const AcGePoint3d& pick,
                     const AcGePoint3d& last, const AcGeMatrix3d& view, AcGePoint3dArray& points);
 
-/// Zeros in [0, 2 pi) of a0 + a1 cos t + b1 sin t + a2 cos 2t + b2 sin 2t. A value within the tolerance of
-/// zero at an extreme counts as a zero (a touch).
-std::vector<double> trigonometricZeros(double a0, double a1, double b1, double a2, double b2,
-                                       double tolerance);
-
 } // namespace host
