@@ -12,4 +12,4 @@ int SetTextStyle();     ///< _setsh
 int SelectWithPrompt(); ///< ssgetex
 int DragSelection();    ///< dodrag
 int EditPolylines();    ///< c:mpedit
-int MakeGroup();          ///< mkngroup
+int MakeGroup();        ///< mkngroup

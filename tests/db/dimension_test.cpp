@@ -1,5 +1,5 @@
-// Dimensions: measurement and its text, the picture of every kind, the anonymous block, overrides, leaders and
-// tolerances.
+// Dimensions: measurement and its text, the picture of every kind, the anonymous block, overrides, leaders
+// and tolerances.
 #include "entitysamples.h"
 
 #include "host/db/entities/arrowheads.h"
@@ -125,27 +125,113 @@ TEST_F(DimensionTest, LengthsBecomeText) {
     using V = host::DimVariables;
     const TextCase table[] = {
         {"decimal", [](V& v) { v.dec = 3; }, 12.5, L"", L"12.500"},
-        {"zeros", [](V& v) { v.dec = 3; v.zin = 12; }, 0.5, L"", L".5"},
-        {"comma", [](V& v) { v.dec = 2; v.dsep = ','; }, 1504.679, L"", L"1504,68"},
-        {"rounded", [](V& v) { v.dec = 2; v.rnd = 0.25; }, 3.4, L"", L"3.50"},
-        {"factor", [](V& v) { v.dec = 0; v.lfac = 1000; }, 3.4, L"", L"3400"},
-        {"layout factor", [](V& v) { v.dec = 1; v.lfac = -2; }, 3.4, L"", L"3.4"},
-        {"suffix", [](V& v) { v.dec = 0; v.post = L" m"; }, 7, L"", L"7 m"},
-        {"prefix and suffix", [](V& v) { v.dec = 0; v.post = L"L=<>m"; }, 7, L"", L"L=7m"},
+        {"zeros",
+         [](V& v) {
+             v.dec = 3;
+             v.zin = 12;
+         },
+         0.5, L"", L".5"},
+        {"comma",
+         [](V& v) {
+             v.dec = 2;
+             v.dsep = ',';
+         },
+         1504.679, L"", L"1504,68"},
+        {"rounded",
+         [](V& v) {
+             v.dec = 2;
+             v.rnd = 0.25;
+         },
+         3.4, L"", L"3.50"},
+        {"factor",
+         [](V& v) {
+             v.dec = 0;
+             v.lfac = 1000;
+         },
+         3.4, L"", L"3400"},
+        {"layout factor",
+         [](V& v) {
+             v.dec = 1;
+             v.lfac = -2;
+         },
+         3.4, L"", L"3.4"},
+        {"suffix",
+         [](V& v) {
+             v.dec = 0;
+             v.post = L" m";
+         },
+         7, L"", L"7 m"},
+        {"prefix and suffix",
+         [](V& v) {
+             v.dec = 0;
+             v.post = L"L=<>m";
+         },
+         7, L"", L"L=7m"},
         {"override", [](V& v) { v.dec = 0; }, 7, L"about <> and <>", L"about 7 and 7"},
         {"replaced", [](V& v) { v.dec = 0; }, 7, L"none", L"none"},
         {"suppressed", [](V& v) { v.dec = 0; }, 7, L" ", L""},
-        {"symmetric", [](V& v) { v.dec = 1; v.tol = 1; v.tp = v.tm = 0.05; v.tdec = 2; }, 7, L"",
-         L"7.0%%p0.05"},
-        {"deviations", [](V& v) { v.dec = 1; v.tol = 1; v.tp = 0.2; v.tm = 0.1; v.tdec = 1; v.tfac = 0.7; },
+        {"symmetric",
+         [](V& v) {
+             v.dec = 1;
+             v.tol = 1;
+             v.tp = v.tm = 0.05;
+             v.tdec = 2;
+         },
+         7, L"", L"7.0%%p0.05"},
+        {"deviations",
+         [](V& v) {
+             v.dec = 1;
+             v.tol = 1;
+             v.tp = 0.2;
+             v.tm = 0.1;
+             v.tdec = 1;
+             v.tfac = 0.7;
+         },
          7, L"", L"\\A1;7.0{\\H0.7x;\\S+0.2^ -0.1;}"},
-        {"limits", [](V& v) { v.dec = 1; v.lim = 1; v.tp = 0.2; v.tm = 0.1; }, 7, L"", L"{\\S7.2^ 6.9;}"},
-        {"alternate", [](V& v) { v.dec = 0; v.alt = 1; v.altf = 0.1; v.altd = 1; v.apost = L" cm"; }, 70, L"",
-         L"70 [7.0 cm]"},
-        {"architectural", [](V& v) { v.lunit = 4; v.dec = 4; v.frac = 2; }, 15.5, L"", L"1'-3 1/2\""},
-        {"stacked", [](V& v) { v.lunit = 5; v.dec = 4; v.frac = 0; }, 15.5, L"", L"15{\\H0.7x;\\S1/2;}"},
-        {"slanted", [](V& v) { v.lunit = 5; v.dec = 4; v.frac = 1; }, 0.25, L"", L"{\\H0.7x;\\S1#4;}"},
-        {"scientific", [](V& v) { v.lunit = 1; v.dec = 2; }, 1234, L"", L"1.23E+03"},
+        {"limits",
+         [](V& v) {
+             v.dec = 1;
+             v.lim = 1;
+             v.tp = 0.2;
+             v.tm = 0.1;
+         },
+         7, L"", L"{\\S7.2^ 6.9;}"},
+        {"alternate",
+         [](V& v) {
+             v.dec = 0;
+             v.alt = 1;
+             v.altf = 0.1;
+             v.altd = 1;
+             v.apost = L" cm";
+         },
+         70, L"", L"70 [7.0 cm]"},
+        {"architectural",
+         [](V& v) {
+             v.lunit = 4;
+             v.dec = 4;
+             v.frac = 2;
+         },
+         15.5, L"", L"1'-3 1/2\""},
+        {"stacked",
+         [](V& v) {
+             v.lunit = 5;
+             v.dec = 4;
+             v.frac = 0;
+         },
+         15.5, L"", L"15{\\H0.7x;\\S1/2;}"},
+        {"slanted",
+         [](V& v) {
+             v.lunit = 5;
+             v.dec = 4;
+             v.frac = 1;
+         },
+         0.25, L"", L"{\\H0.7x;\\S1#4;}"},
+        {"scientific",
+         [](V& v) {
+             v.lunit = 1;
+             v.dec = 2;
+         },
+         1234, L"", L"1.23E+03"},
     };
     for (const TextCase& row : table) {
         host::DimVariables v;
@@ -161,11 +247,36 @@ TEST_F(DimensionTest, AnglesBecomeText) {
     using V = host::DimVariables;
     const TextCase table[] = {
         {"degrees", [](V& v) { v.adec = 1; }, pi / 6, L"", L"30.0%%d"},
-        {"as lengths", [](V& v) { v.adec = -1; v.dec = 2; }, pi / 6, L"", L"30.00%%d"},
-        {"without zeros", [](V& v) { v.adec = 3; v.azin = 2; }, pi / 8, L"", L"22.5%%d"},
-        {"minutes", [](V& v) { v.aunit = 1; v.adec = 3; }, 30.5083333333333 * pi / 180, L"", L"30%%d30'30\""},
-        {"gradians", [](V& v) { v.aunit = 2; v.adec = 0; }, pi / 2, L"", L"100g"},
-        {"radians", [](V& v) { v.aunit = 3; v.adec = 2; }, 1.5, L"", L"1.50r"},
+        {"as lengths",
+         [](V& v) {
+             v.adec = -1;
+             v.dec = 2;
+         },
+         pi / 6, L"", L"30.00%%d"},
+        {"without zeros",
+         [](V& v) {
+             v.adec = 3;
+             v.azin = 2;
+         },
+         pi / 8, L"", L"22.5%%d"},
+        {"minutes",
+         [](V& v) {
+             v.aunit = 1;
+             v.adec = 3;
+         },
+         30.5083333333333 * pi / 180, L"", L"30%%d30'30\""},
+        {"gradians",
+         [](V& v) {
+             v.aunit = 2;
+             v.adec = 0;
+         },
+         pi / 2, L"", L"100g"},
+        {"radians",
+         [](V& v) {
+             v.aunit = 3;
+             v.adec = 2;
+         },
+         1.5, L"", L"1.50r"},
     };
     for (const TextCase& row : table) {
         host::DimVariables v;
@@ -181,17 +292,15 @@ TEST_F(DimensionTest, AnglesBecomeText) {
 
 TEST_F(DimensionTest, RotatedDimension) {
     AcDbRotatedDimension dimension(0.0, {0, 0, 0}, {100, 10, 0}, {100, 20, 0});
-    EXPECT_EQ(picture(dimension),
-              (Lines{"line 0,1 0,21.5", "line 100,11 100,21.5", "line 2,20 98,20", "arrow 0,20",
-                     "arrow 100,20", "text 50,21.5 0 100.00"}));
+    EXPECT_EQ(picture(dimension), (Lines{"line 0,1 0,21.5", "line 100,11 100,21.5", "line 2,20 98,20",
+                                         "arrow 0,20", "arrow 100,20", "text 50,21.5 0 100.00"}));
     double value = 0.0;
     dimension.getMeasurement(value);
     EXPECT_EQ(value, 100.0);
     // Upright it is read from the right side.
     AcDbRotatedDimension upright(host::halfPi, {0, 0, 0}, {10, 100, 0}, {20, 100, 0});
-    EXPECT_EQ(picture(upright),
-              (Lines{"line 1,0 21.5,0", "line 11,100 21.5,100", "line 20,2 20,98", "arrow 20,0",
-                     "arrow 20,100", "text 18.5,50 90 100.00"}));
+    EXPECT_EQ(picture(upright), (Lines{"line 1,0 21.5,0", "line 11,100 21.5,100", "line 20,2 20,98",
+                                       "arrow 20,0", "arrow 20,100", "text 18.5,50 90 100.00"}));
 }
 
 TEST_F(DimensionTest, AlignedDimensionAndSuppression) {
@@ -275,7 +384,8 @@ TEST_F(DimensionTest, TextWhereTheUserPutsIt) {
 }
 
 TEST_F(DimensionTest, AngularDimensions) {
-    AcDb3PointAngularDimension corner({0, 0, 0}, {20, 0, 0}, {0, 20, 0}, {30 * std::sqrt(0.5), 30 * std::sqrt(0.5), 0});
+    AcDb3PointAngularDimension corner({0, 0, 0}, {20, 0, 0}, {0, 20, 0},
+                                      {30 * std::sqrt(0.5), 30 * std::sqrt(0.5), 0});
     picture(corner);
     corner.setDimadec(0);
     const Lines lines = picture(corner);
@@ -292,8 +402,8 @@ TEST_F(DimensionTest, AngularDimensions) {
     corner.getMeasurement(value);
     EXPECT_NEAR(value, 1.5 * pi, 1e-12);
     // Four sectors of two lines that cross at (5, 5).
-    const std::pair<AcGePoint3d, double> sectors[] = {{{20, 8, 0}, pi / 4}, {{5, 20, 0}, 3 * pi / 4},
-                                                      {{-20, 0, 0}, pi / 4}, {{6, -20, 0}, 3 * pi / 4}};
+    const std::pair<AcGePoint3d, double> sectors[] = {
+        {{20, 8, 0}, pi / 4}, {{5, 20, 0}, 3 * pi / 4}, {{-20, 0, 0}, pi / 4}, {{6, -20, 0}, 3 * pi / 4}};
     for (const auto& [arcPoint, angle] : sectors) {
         AcDb2LineAngularDimension lines2({0, 5, 0}, {10, 5, 0}, {0, 0, 0}, {10, 10, 0}, arcPoint);
         lines2.getMeasurement(value);
@@ -357,11 +467,10 @@ TEST_F(DimensionTest, TicksBlocksAndFlippedArrows) {
     EXPECT_EQ(picture(dimension)[3], "block 0,20 0");
     dimension.setDimblk(host::arrowBlock(drawing.database, L"_None"));
     EXPECT_EQ(picture(dimension).size(), 4U);
-    for (const wchar_t* name : {L"_Dot", L"_DotSmall", L"_DotBlank", L"_Small", L"_Origin", L"_Origin2", L"_Open",
-                                L"_Open90", L"_Open30", L"_Closed", L"_ClosedBlank", L"_Oblique", L"_BoxFilled",
-                                L"_BoxBlank", L"_DatumFilled", L"_DatumBlank", L"_Integral"}) {
-        const auto* block =
-            host::peek<AcDbBlockTableRecord>(host::arrowBlock(drawing.database, name));
+    for (const wchar_t* name : {L"_Dot", L"_DotSmall", L"_DotBlank", L"_Small", L"_Origin", L"_Origin2",
+                                L"_Open", L"_Open90", L"_Open30", L"_Closed", L"_ClosedBlank", L"_Oblique",
+                                L"_BoxFilled", L"_BoxBlank", L"_DatumFilled", L"_DatumBlank", L"_Integral"}) {
+        const auto* block = host::peek<AcDbBlockTableRecord>(host::arrowBlock(drawing.database, name));
         ASSERT_NE(block, nullptr) << host::toUtf8(name);
         EXPECT_FALSE(block->entities().empty()) << host::toUtf8(name);
     }
@@ -494,8 +603,8 @@ TEST_F(DimensionTest, CurrentValuesBecomeOverridesOfNewDimensions) {
     ASSERT_EQ(drawing.database.setDimstyleData(style), Acad::eOk);
     const host::DimVariables current = host::currentDimVariables(drawing.database);
     for (std::size_t index = 0; index < host::dimVariables().size(); ++index) {
-        EXPECT_TRUE(host::equalDimVariable(
-            current, host::peek<AcDbDimStyleTableRecord>(style)->dimVariables(), index))
+        EXPECT_TRUE(host::equalDimVariable(current,
+                                           host::peek<AcDbDimStyleTableRecord>(style)->dimVariables(), index))
             << host::dimVariables()[index].name;
     }
     AcDbAlignedDimension same({0, 0, 0}, {10, 0, 0}, {0, 5, 0});
@@ -546,9 +655,9 @@ TEST_F(DimensionTest, OverridesLeaveOtherDataAsItIs) {
     expected[7] = "1040=3.0";
     EXPECT_EQ(texts(host::withDimOverride(added, v, *host::findDimVariable(41))), expected);
     // Where there is no list yet.
-    EXPECT_EQ(texts(host::withDimOverride({}, v, *host::findDimVariable(41))),
-              (std::vector<std::string>{"1001=ACAD", "1000=DSTYLE", "1002={", "1070=41", "1040=3.0",
-                                        "1002=}"}));
+    EXPECT_EQ(
+        texts(host::withDimOverride({}, v, *host::findDimVariable(41))),
+        (std::vector<std::string>{"1001=ACAD", "1000=DSTYLE", "1002={", "1070=41", "1040=3.0", "1002=}"}));
 }
 
 TEST_F(DimensionTest, StylesKeepWhatFilesGive) {

@@ -58,7 +58,7 @@ TEST_F(MTextTest, CodesAreReadAndLeftOut) {
         {L"\\\\ \\{ \\}", L"\\ { }"},
         {L"{\\H2.5;\\C1;x}y", L"xy"},
         {L"{\\fSimSun|b1|i0|c134|p2;\x5B8B}\\Ftxt,gbcbig;z", L"\x5B8B"
-                                                           L"z"},
+                                                             L"z"},
         {L"\\W0.8;\\Q15;\\T1.2;\\A1;\\c255;v", L"v"},
         {L"\\Lu\\l\\Oo\\o\\Kk\\k", L"uok"},
         {L"\\pi-2,l4,t4,c8;item^", L"item^"},
@@ -113,9 +113,11 @@ TEST_F(MTextTest, LinesBreakWhereTheyMay) {
         {L"aaa bbb ccc", L"aaa bbb", {L"aaa bbb", L"ccc"}},
         {L"aaa bbb ccc", L"aaa bb", {L"aaa", L"bbb", L"ccc"}},
         {L"unbreakable", L"unb", {L"unbreakable"}},
-        {L"aaa\\~bbb ccc", L"aaa bb", {L"aaa\xA0"
-                                       L"bbb",
-                                       L"ccc"}},
+        {L"aaa\\~bbb ccc",
+         L"aaa bb",
+         {L"aaa\xA0"
+          L"bbb",
+          L"ccc"}},
         {L"一二三四五", L"一二三", {L"一二三", L"四五"}},
         {L"一二三，四", L"一二三", {L"一二", L"三，四"}},
         {L"一二（三四", L"一二（", {L"一二", L"（三四"}},
@@ -338,9 +340,9 @@ TEST_F(MTextTest, ScalingTakesHeightsInCodesAlong) {
 }
 
 TEST_F(MTextTest, GripOfTheFrameChangesTheWidth) {
-    for (const auto& [attachment, change] : {std::pair(AcDbMText::kTopLeft, 5.0),
-                                             std::pair(AcDbMText::kTopCenter, 10.0),
-                                             std::pair(AcDbMText::kTopRight, -5.0)}) {
+    for (const auto& [attachment, change] :
+         {std::pair(AcDbMText::kTopLeft, 5.0), std::pair(AcDbMText::kTopCenter, 10.0),
+          std::pair(AcDbMText::kTopRight, -5.0)}) {
         const auto made = text(L"a", 40.0);
         made->setAttachment(attachment);
         AcDbIntArray second;

@@ -422,7 +422,8 @@ TEST(ReadReport, countsBeyondItsLimit) {
 }
 
 TEST(DxfReader, commonGroupsAmongOthersAreTakenWithoutMarkers) {
-    // A kind the host may not know, with its layer behind a group of its own; an object before any dictionary.
+    // A kind the host may not know, with its layer behind a group of its own; an object before any
+    // dictionary.
     const Drawing drawing(header("AC1015") +
                           entities(groups({{0, "THING"},
                                            {5, "30"},

@@ -48,7 +48,7 @@ using DimVariableSet = std::bitset<dimVariableCount>;
 /// Position of a variable by its group code, or of its member.
 std::optional<std::size_t> findDimVariable(short code);
 template <class T>
-std::size_t dimVariableIndex(T DimVariables::* member) {
+std::size_t dimVariableIndex(T DimVariables::*member) {
     const std::span<const DimVariable> all = dimVariables();
     std::size_t index = 0;
     while (index < all.size() && !(all[index].member == decltype(DimVariable::member)(member))) {
@@ -82,11 +82,11 @@ GroupList withDimOverride(const GroupList& xdata, const DimVariables& variables,
 template <class Owner>
 class DimVariableAccess {
     template <class T>
-    T dimValue(T DimVariables::* member) const {
+    T dimValue(T DimVariables::*member) const {
         return static_cast<const Owner&>(*this).dimVariables().*member;
     }
     template <class T>
-    Acad::ErrorStatus putDimValue(T DimVariables::* member, const T& value) {
+    Acad::ErrorStatus putDimValue(T DimVariables::*member, const T& value) {
         DimVariables changed = static_cast<const Owner&>(*this).dimVariables();
         changed.*member = value;
         const std::size_t index = dimVariableIndex(member);
@@ -231,7 +231,9 @@ public:
     Acad::ErrorStatus setDimtdec(int v) { return putDimValue(&V::tdec, dimNumber(v)); }
     Acad::ErrorStatus setDimtfac(double v) { return putDimValue(&V::tfac, v); }
     Acad::ErrorStatus setDimtfill(int v) { return putDimValue(&V::tfill, dimNumber(v)); }
-    Acad::ErrorStatus setDimtfillclr(const AcCmColor& v) { return putDimValue(&V::tfillclr, dimColorIndex(v)); }
+    Acad::ErrorStatus setDimtfillclr(const AcCmColor& v) {
+        return putDimValue(&V::tfillclr, dimColorIndex(v));
+    }
     Acad::ErrorStatus setDimtih(bool v) { return putDimValue(&V::tih, dimFlag(v)); }
     Acad::ErrorStatus setDimtix(bool v) { return putDimValue(&V::tix, dimFlag(v)); }
     Acad::ErrorStatus setDimtm(double v) { return putDimValue(&V::tm, v); }

@@ -60,11 +60,23 @@ struct StandardArrow {
 };
 
 constexpr StandardArrow arrows[] = {
-    {L"_Dot", false, [](Parts& p) { disc(p, 0.5); line(p, {-0.5, 0, 0}, {-1, 0, 0}); }},
+    {L"_Dot", false,
+     [](Parts& p) {
+         disc(p, 0.5);
+         line(p, {-0.5, 0, 0}, {-1, 0, 0});
+     }},
     {L"_DotSmall", true, [](Parts& p) { disc(p, 0.125); }},
-    {L"_DotBlank", false, [](Parts& p) { circle(p, P::kOrigin, 0.5); line(p, {-0.5, 0, 0}, {-1, 0, 0}); }},
+    {L"_DotBlank", false,
+     [](Parts& p) {
+         circle(p, P::kOrigin, 0.5);
+         line(p, {-0.5, 0, 0}, {-1, 0, 0});
+     }},
     {L"_Small", true, [](Parts& p) { circle(p, P::kOrigin, 0.125); }},
-    {L"_Origin", true, [](Parts& p) { circle(p, P::kOrigin, 0.5); line(p, P::kOrigin, {-1, 0, 0}); }},
+    {L"_Origin", true,
+     [](Parts& p) {
+         circle(p, P::kOrigin, 0.5);
+         line(p, P::kOrigin, {-1, 0, 0});
+     }},
     {L"_Origin2", false,
      [](Parts& p) {
          circle(p, P::kOrigin, 0.25);
@@ -79,10 +91,17 @@ constexpr StandardArrow arrows[] = {
          line(p, P::kOrigin, {-1, 0, 0});
      }},
     {L"_Open30", true, [](Parts& p) { open(p, 0.26794919243112270); }},
-    {L"_Closed", true, [](Parts& p) { closed(p); line(p, P::kOrigin, {-1, 0, 0}); }},
+    {L"_Closed", true,
+     [](Parts& p) {
+         closed(p);
+         line(p, P::kOrigin, {-1, 0, 0});
+     }},
     {L"_ClosedBlank", false, [](Parts& p) { closed(p); }},
     {L"_None", true, [](Parts&) {}},
-    {L"_Oblique", true, [](Parts& p) { line(p, {-0.5, -0.5, 0}, {0.5, 0.5, 0}); }},
+    {L"_Oblique", true,
+     [](Parts& p) {
+         line(p, {-0.5, -0.5, 0}, {0.5, 0.5, 0});
+     }},
     {L"_ArchTick", true,
      [](Parts& p) {
          auto* polyline = new AcDbPolyline;
@@ -101,9 +120,13 @@ constexpr StandardArrow arrows[] = {
          line(p, {-0.5, 0, 0}, {-1, 0, 0});
      }},
     {L"_DatumFilled", false,
-     [](Parts& p) { add(p, new AcDbSolid({0, 0.57735027, 0}, {-1, 0, 0}, {0, -0.57735027, 0})); }},
+     [](Parts& p) {
+         add(p, new AcDbSolid({0, 0.57735027, 0}, {-1, 0, 0}, {0, -0.57735027, 0}));
+     }},
     {L"_DatumBlank", false,
-     [](Parts& p) { path(p, {{0, 0.57735027}, {-1, 0}, {0, -0.57735027}}, true); }},
+     [](Parts& p) {
+         path(p, {{0, 0.57735027}, {-1, 0}, {0, -0.57735027}}, true);
+     }},
     {L"_Integral", true,
      [](Parts& p) {
          add(p, new AcDbArc({0.44488802, -0.09133463, 0}, 0.45416667, 1.78023583, 2.93215314));
@@ -112,10 +135,11 @@ constexpr StandardArrow arrows[] = {
 };
 
 const StandardArrow* findArrow(std::wstring_view name) {
-    const auto* const found = std::find_if(std::begin(arrows), std::end(arrows), [&](const StandardArrow& one) {
-        return equalNoCase(name, std::wstring_view(one.name)) ||
-               equalNoCase(name, std::wstring_view(one.name).substr(1));
-    });
+    const auto* const found =
+        std::find_if(std::begin(arrows), std::end(arrows), [&](const StandardArrow& one) {
+            return equalNoCase(name, std::wstring_view(one.name)) ||
+                   equalNoCase(name, std::wstring_view(one.name).substr(1));
+        });
     return found != std::end(arrows) ? found : nullptr;
 }
 

@@ -17,7 +17,8 @@ bool isNoArrow(AcDbObjectId block);
 /// Name of a standard arrow; empty for other blocks.
 std::wstring_view standardArrowName(AcDbObjectId block);
 
-/// The arrow with its tip at a point of the XY plane, pointing in a direction; `block` null for the filled one.
+/// The arrow with its tip at a point of the XY plane, pointing in a direction; `block` null for the filled
+/// one.
 std::unique_ptr<AcDbEntity> makeArrow(AcDbObjectId block, const AcGePoint3d& tip, double angle, double size);
 
 } // namespace host

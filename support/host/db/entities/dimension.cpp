@@ -23,7 +23,7 @@ Acad::ErrorStatus AcDbDimension::setPoint(Point which, const AcGePoint3d& point)
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbDimension::setAngle(double host::DimensionData::* member, double angle) {
+Acad::ErrorStatus AcDbDimension::setAngle(double host::DimensionData::*member, double angle) {
     if (!std::isfinite(angle)) {
         return Acad::eInvalidInput;
     }
@@ -294,8 +294,8 @@ void AcDbDimension::subSetDatabaseDefaults(AcDbDatabase* database) {
     // Current values that differ from the style's become overrides.
     const host::DimVariables current = host::currentDimVariables(*database);
     for (std::size_t index = 0; index < host::dimVariables().size(); ++index) {
-        const bool isReference = std::holds_alternative<AcDbObjectId host::DimVariables::*>(
-            host::dimVariables()[index].member);
+        const bool isReference =
+            std::holds_alternative<AcDbObjectId host::DimVariables::*>(host::dimVariables()[index].member);
         if (!isReference && !host::equalDimVariable(current, style->dimVariables(), index)) {
             setDimVariable(current, index);
         }
@@ -346,7 +346,8 @@ void AcDbDimension::forShown(Visit&& visit) const {
     for (AcDbStub* stub : host::peek<AcDbBlockTableRecord>(m.block)->entities()) {
         // A dimension in a dimension's block would be one that shows itself.
         const auto* entity = host::peek<AcDbEntity>(AcDbObjectId(stub));
-        if (entity != nullptr && entity->visibility() == AcDb::kVisible && AcDbDimension::cast(entity) == nullptr) {
+        if (entity != nullptr && entity->visibility() == AcDb::kVisible &&
+            AcDbDimension::cast(entity) == nullptr) {
             const host::ReadAccess access(*entity);
             visit(*entity, transform);
         }

@@ -162,7 +162,7 @@ protected:
 
     AcGePoint3d point(Point which) const;
     Acad::ErrorStatus setPoint(Point which, const AcGePoint3d& point);
-    Acad::ErrorStatus setAngle(double host::DimensionData::* member, double angle);
+    Acad::ErrorStatus setAngle(double host::DimensionData::*member, double angle);
     /// In object coordinates, without elevation.
     AcGePoint2d flat(Point which) const;
     /// To be called before a change on which the picture depends.
@@ -203,9 +203,9 @@ private:
     void writeKindGroups(AcDbDxfFiler* filer) const;
     std::wstring shownText(const host::DimVariables& variables) const;
 
-    AcGeVector3d mMoved;       ///< by which the block is to be moved
-    bool mStale = false;       ///< the block shows what was before a change
-    bool mBorrowed = false;    ///< the block is that of the dimension this one is a copy of
+    AcGeVector3d mMoved;    ///< by which the block is to be moved
+    bool mStale = false;    ///< the block shows what was before a change
+    bool mBorrowed = false; ///< the block is that of the dimension this one is a copy of
 };
 
 class AcDbAlignedDimension : public AcDbDimension {

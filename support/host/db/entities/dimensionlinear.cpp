@@ -1,6 +1,5 @@
 // Rotated, aligned and ordinate dimensions.
 #include "host/db/entities/dimensionpainter.h"
-
 #include "host/db/entities/fields.h"
 
 #include <algorithm>
@@ -119,9 +118,8 @@ Lift liftOf(const DimensionPainter& painter, const LineFrame& frame, double text
             bool inside, double sideOfOrigins) {
     const host::DimVariables& v = painter.v;
     const double turned = std::fabs(std::sin(textAngle - frame.angle));
-    const double up = host::direction(painter.readable(frame.angle)).perpVector().dotProduct(frame.y) > 0.0
-                          ? 1.0
-                          : -1.0;
+    const double up =
+        host::direction(painter.readable(frame.angle)).perpVector().dotProduct(frame.y) > 0.0 ? 1.0 : -1.0;
     const double clear = painter.gap() + halfAcross;
     const bool liesAcross = turned > 1e-6 && inside && !painter.data().hasTextRotation;
     if (v.tad == 0 || (liesAcross && v.tad != 2)) {
@@ -267,8 +265,8 @@ private:
         double right = mFit.arrowsInside ? length : length + 2.0 * arrow;
         if (textBeyond) { // the line goes to the text, or on below it
             const double reach = mLineUnderText ? mHalf.x : -mHalf.x - mPainter.gap();
-            (mTextAlong > length ? right : left) =
-                mTextAlong > length ? std::max(right, mTextAlong + reach) : std::min(left, mTextAlong - reach);
+            (mTextAlong > length ? right : left) = mTextAlong > length ? std::max(right, mTextAlong + reach)
+                                                                       : std::min(left, mTextAlong - reach);
         }
         const double leftStart = mFit.arrowsInside ? 0.0 : -mPainter.arrowCut(false);
         const double rightStart = mFit.arrowsInside ? length : length + mPainter.arrowCut(true);

@@ -246,8 +246,7 @@ void DimensionPainter::definitionPoint(const AcGePoint3d& point) {
     auto made = std::make_unique<AcDbPoint>(point);
     add(std::move(made), 0, AcDb::kLnWtByBlock);
     if (mDatabase != nullptr) {
-        const AcDbObjectId layer(
-            findRecord<AcDbLayerTable>(mDatabase->layerTableId(), L"Defpoints"));
+        const AcDbObjectId layer(findRecord<AcDbLayerTable>(mDatabase->layerTableId(), L"Defpoints"));
         if (!layer.isNull()) {
             mParts.back()->setLayer(layer);
         }
@@ -274,8 +273,8 @@ std::vector<std::unique_ptr<AcDbEntity>> DimensionPainter::take() {
         const int across = (mData.textAttachment - 1) % 3 - 1;
         const int down = (mData.textAttachment - 1) / 3 - 1;
         const AcGeVector2d x = direction(mTextAngle);
-        const AcGePoint2d at = *mTextPlace + x * (0.5 * across * mTextWidth) -
-                               x.perpVector() * (0.5 * down * mTextHeight);
+        const AcGePoint2d at =
+            *mTextPlace + x * (0.5 * across * mTextWidth) - x.perpVector() * (0.5 * down * mTextHeight);
         text->setRotation(mTextAngle);
         text->setLocation(lifted(at));
         add(std::move(text), v.clrt, AcDb::kLnWtByBlock);

@@ -1,6 +1,5 @@
 // Angular, radial and diametric dimensions.
 #include "host/db/entities/dimensionpainter.h"
-
 #include "host/db/entities/fields.h"
 
 ACRX_DXF_DEFINE_MEMBERS(AcDb2LineAngularDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent,
@@ -12,11 +11,9 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbRadialDimension, AcDbDimension, AcDb::kDHL_CURRENT, 
 ACRX_DXF_DEFINE_MEMBERS(AcDbDiametricDimension, AcDbDimension, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
                         DIMENSION, ObjectDBX Classes)
 
-AcDb2LineAngularDimension::AcDb2LineAngularDimension(const AcGePoint3d& xLine1Start,
-                                                     const AcGePoint3d& xLine1End,
-                                                     const AcGePoint3d& xLine2Start,
-                                                     const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint,
-                                                     const ACHAR* text, AcDbObjectId style) {
+AcDb2LineAngularDimension::AcDb2LineAngularDimension(
+    const AcGePoint3d& xLine1Start, const AcGePoint3d& xLine1End, const AcGePoint3d& xLine2Start,
+    const AcGePoint3d& xLine2End, const AcGePoint3d& arcPoint, const ACHAR* text, AcDbObjectId style) {
     m.points = {xLine2End, xLine1Start, xLine1End, xLine2Start, arcPoint};
     m.text = text;
     m.style = style;
@@ -238,8 +235,7 @@ void CircleDimension::paint(DimensionPainter& painter) const {
     const AcGeVector2d out = (chord - other) / length;
     const double radius = isDiametric() ? 0.5 * length : length;
     const AcGePoint2d center = chord - out * radius;
-    const AcGeVector2d half =
-        painter.textHalfExtent(painter.textAngle(out.angle(), v.tih != 0), out.angle());
+    const AcGeVector2d half = painter.textHalfExtent(painter.textAngle(out.angle(), v.tih != 0), out.angle());
     const double wanted =
         2.0 * half.x + 2.0 * painter.gap() + painter.arrowSize() * (isDiametric() ? 2.0 : 1.0);
     const std::optional<AcGePoint2d> given = painter.givenTextPlace();
@@ -321,8 +317,9 @@ std::vector<AcDbDimension::FileSubclass> AcDbRadialDimension::fileSubclasses() c
     return {{"AcDbRadialDimension", {15, 40}}};
 }
 
-AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint, const AcGePoint3d& farChordPoint,
-                                               double leaderLength, const ACHAR* text, AcDbObjectId style) {
+AcDbDiametricDimension::AcDbDiametricDimension(const AcGePoint3d& chordPoint,
+                                               const AcGePoint3d& farChordPoint, double leaderLength,
+                                               const ACHAR* text, AcDbObjectId style) {
     m.points[Point::first] = farChordPoint;
     m.points[Point::fourth] = chordPoint;
     m.leaderLength = leaderLength;

@@ -16,8 +16,8 @@ struct NumberStyle {
     int units = 2; ///< 1 scientific, 2 decimal, 3 engineering, 4 architectural, 5 fractional, 6 as the system
     int digits = 4;
     int zeros = 0;
-    bool stacked = false;     ///< fractions one above the other
-    wchar_t divider = L'/';   ///< of stacked fractions
+    bool stacked = false;   ///< fractions one above the other
+    wchar_t divider = L'/'; ///< of stacked fractions
     double roundTo = 0.0;
     wchar_t point = L'.';
 };
@@ -68,7 +68,8 @@ NumberStyle mainStyle(const DimVariables& v, double roundTo) {
 }
 
 NumberStyle alternateStyle(const DimVariables& v) {
-    // 1 scientific, 2 decimal, 3 engineering, 4 and 5 with stacked fractions, 6 and 7 without, 8 the system's.
+    // 1 scientific, 2 decimal, 3 engineering, 4 and 5 with stacked fractions, 6 and 7 without, 8 the
+    // system's.
     constexpr int units[] = {2, 1, 2, 3, 4, 5, 4, 5, 6};
     NumberStyle style;
     style.units = v.altu >= 1 && v.altu <= 8 ? units[v.altu] : 2;
@@ -169,15 +170,15 @@ std::wstring dimensionText(const DimVariables& v, const DimTextRequest& request)
     tolerance.digits = v.tdec;
     tolerance.zeros = v.tzin;
     std::wstring measured =
-        isAngle ? withTolerance(v, value, v.tp * degree, v.tm * degree,
-                                [&](double one, bool isTolerance, bool) {
-                                    return isTolerance ? angle(one, v, v.tdec, v.tzin)
-                                                       : dimensionNumber(v, DimMeasure::angle, one);
-                                })
-                : withTolerance(v, value, v.tp, v.tm, [&](double one, bool isTolerance, bool isWhole) {
-                      return isTolerance && !isWhole ? number(one, tolerance)
-                                                     : number(one, mainStyle(v, v.rnd));
-                  });
+        isAngle
+            ? withTolerance(v, value, v.tp * degree, v.tm * degree,
+                            [&](double one, bool isTolerance, bool) {
+                                return isTolerance ? angle(one, v, v.tdec, v.tzin)
+                                                   : dimensionNumber(v, DimMeasure::angle, one);
+                            })
+            : withTolerance(v, value, v.tp, v.tm, [&](double one, bool isTolerance, bool isWhole) {
+                  return isTolerance && !isWhole ? number(one, tolerance) : number(one, mainStyle(v, v.rnd));
+              });
     const std::wstring_view post = v.post.view();
     const std::size_t mark = post.find(L"<>");
     const bool hasPrefix = mark != std::wstring_view::npos && mark > 0;

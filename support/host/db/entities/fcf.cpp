@@ -112,8 +112,8 @@ void AcDbFcf::setOrientation(const AcGeVector3d& normal, const AcGeVector3d& dir
     assertWriteEnabled();
     m.normal = host::unitNormal(normal);
     const AcGeVector3d across = direction - m.normal * direction.dotProduct(m.normal);
-    m.direction = across.isZeroLength() ? host::toWorld(m.normal, AcGeVector3d::kXAxis)
-                                        : host::unitNormal(across);
+    m.direction =
+        across.isZeroLength() ? host::toWorld(m.normal, AcGeVector3d::kXAxis) : host::unitNormal(across);
 }
 AcDbObjectId AcDbFcf::dimensionStyle() const {
     assertReadEnabled();
@@ -284,8 +284,8 @@ Acad::ErrorStatus AcDbFcf::subMoveGripPointsAt(const AcDbIntArray& indices, cons
     return host::forGrips(indices, 1, [&](int) { m.location += offset; });
 }
 Acad::ErrorStatus AcDbFcf::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker, const AcGePoint3d&,
-                                             const AcGePoint3d&, const AcGeMatrix3d&, AcGePoint3dArray& points,
-                                             AcDbIntArray&) const {
+                                             const AcGePoint3d&, const AcGeMatrix3d&,
+                                             AcGePoint3dArray& points, AcDbIntArray&) const {
     if (mode == AcDb::kOsModeIns || mode == AcDb::kOsModeNode) {
         points.append(location());
     }

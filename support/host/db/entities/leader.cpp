@@ -18,7 +18,8 @@ double scaleOf(const host::DimVariables& variables) {
 }
 
 /// Second derivatives of the natural cubic spline through values at the given parameters.
-std::vector<AcGeVector3d> splineMoments(const std::vector<AcGePoint3d>& points, const std::vector<double>& at) {
+std::vector<AcGeVector3d> splineMoments(const std::vector<AcGePoint3d>& points,
+                                        const std::vector<double>& at) {
     const std::size_t count = points.size();
     std::vector<AcGeVector3d> moments(count);
     std::vector<double> upper(count, 0.0);
@@ -59,8 +60,8 @@ std::vector<AcGePoint3d> splinePoints(const std::vector<AcGePoint3d>& given) {
         for (int piece = 1; piece <= pieces; ++piece) {
             const double b = static_cast<double>(piece) / pieces;
             const double a = 1.0 - b;
-            const AcGeVector3d bend = (moments[i] * (a * a * a - a) + moments[i + 1] * (b * b * b - b)) *
-                                      (h * h / 6.0);
+            const AcGeVector3d bend =
+                (moments[i] * (a * a * a - a) + moments[i + 1] * (b * b * b - b)) * (h * h / 6.0);
             result.push_back(points[i] + (points[i + 1] - points[i]) * b + bend);
         }
     }

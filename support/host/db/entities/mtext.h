@@ -206,7 +206,8 @@ protected:
                                        AcDbIntArray& geometryIds) const override;
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     Acad::ErrorStatus subGetStretchPoints(AcGePoint3dArray& points) const override;
-    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
+    Acad::ErrorStatus subMoveStretchPointsAt(const AcDbIntArray& indices,
+                                             const AcGeVector3d& offset) override;
     Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker marker, const AcGePoint3d& pick,
                                         const AcGePoint3d& last, const AcGeMatrix3d& view,
                                         AcGePoint3dArray& points, AcDbIntArray& geometryIds) const override;
@@ -225,6 +226,6 @@ private:
     void drawBackground(AcGiWorldDraw* draw, const host::MTextLayout& layout) const;
 
     host::MTextData m;
-    std::string mRead; ///< contents while groups are read, in the form of files
+    std::string mRead;           ///< contents while groups are read, in the form of files
     bool mHasColumnData = false; ///< a file has given the embedded part, be there columns or not
 };

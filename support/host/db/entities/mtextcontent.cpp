@@ -216,9 +216,8 @@ private:
         }
         while (at != std::wstring_view::npos) {
             const std::size_t next = given.find(L'|', at + 1);
-            const std::wstring_view part = given.substr(at + 1, next == std::wstring_view::npos
-                                                                    ? std::wstring_view::npos
-                                                                    : next - at - 1);
+            const std::wstring_view part = given.substr(
+                at + 1, next == std::wstring_view::npos ? std::wstring_view::npos : next - at - 1);
             if (part.starts_with(L'b') || part.starts_with(L'B')) {
                 font.bold = part.substr(1) == L"1";
             } else if (part.starts_with(L'i') || part.starts_with(L'I')) {
@@ -226,9 +225,9 @@ private:
             }
             at = next;
         }
-        const bool isFile = isShapeFont || equalNoCase(name.substr(name.size() - std::min<std::size_t>(
-                                                                                     4, name.size())),
-                                                       std::wstring_view(L".shx"));
+        const bool isFile =
+            isShapeFont || equalNoCase(name.substr(name.size() - std::min<std::size_t>(4, name.size())),
+                                       std::wstring_view(L".shx"));
         if (isFile) {
             const std::size_t comma = name.find(L',');
             font.file = std::wstring(name.substr(0, comma));
@@ -328,8 +327,8 @@ private:
         const std::wstring_view value = part.substr(1);
         if (part[0] == L'q') {
             constexpr std::pair<wchar_t, MTextJustification> kinds[] = {
-                {L'l', MTextJustification::left},      {L'c', MTextJustification::center},
-                {L'r', MTextJustification::right},     {L'j', MTextJustification::justified},
+                {L'l', MTextJustification::left},        {L'c', MTextJustification::center},
+                {L'r', MTextJustification::right},       {L'j', MTextJustification::justified},
                 {L'd', MTextJustification::distributed}, {L'*', MTextJustification::byAttachment}};
             for (const auto& [letter, kind] : kinds) {
                 mFormat.justification = value[0] == letter ? kind : mFormat.justification;

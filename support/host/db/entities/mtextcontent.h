@@ -46,8 +46,8 @@ struct MTextParagraphFormat {
 struct MTextPiece {
     enum class Kind { text, stack, tab };
     Kind kind = Kind::text;
-    std::wstring text;  ///< of a stack what stands above
-    std::wstring below; ///< of a stack
+    std::wstring text;   ///< of a stack what stands above
+    std::wstring below;  ///< of a stack
     wchar_t divider = 0; ///< of a stack: '/' a bar, '#' a slanted bar, '^' none
     MTextLook look;
 };

@@ -92,8 +92,8 @@ bool AcDbMText::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, s
         m.definedHeight = group.real > 0.0 ? group.real : 0.0;
         return true;
     case 50: // instead of a direction; with the normal, which stands behind it
-        m.direction = AcGeVector3d(std::cos(host::radiansOf(group.real)),
-                                   std::sin(host::radiansOf(group.real)), 0.0);
+        m.direction =
+            AcGeVector3d(std::cos(host::radiansOf(group.real)), std::sin(host::radiansOf(group.real)), 0.0);
         return true;
     case 63: {
         AcCmEntityColor color;
@@ -145,8 +145,8 @@ Acad::ErrorStatus AcDbMText::dxfGroupsRead(AcDbDxfFiler* filer) {
     const bool isUnit = std::fabs(m.direction.length() - 1.0) <= 1e-9;
     if (!isUnit || std::fabs(m.direction.dotProduct(m.normal)) > 1e-9) {
         const AcGeVector3d across = m.direction - m.normal * m.direction.dotProduct(m.normal);
-        m.direction = across.length() > 1e-9 ? host::unitNormal(across)
-                                             : host::toWorld(m.normal, AcGeVector3d::kXAxis);
+        m.direction =
+            across.length() > 1e-9 ? host::unitNormal(across) : host::toWorld(m.normal, AcGeVector3d::kXAxis);
     }
     return Acad::eOk;
 }

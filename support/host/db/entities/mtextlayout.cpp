@@ -121,8 +121,8 @@ private:
     void alignLines();
     void justify(Line& line, double space);
     void place();
-    void placeRun(std::wstring_view text, const MTextLook& look, const TextFormat& format, double x,
-                  double y, double width);
+    void placeRun(std::wstring_view text, const MTextLook& look, const TextFormat& format, double x, double y,
+                  double width);
     void placeStack(const Atom& atom, double x, double y);
     double columnHeight(int column) const;
     double columnLeft(int column) const;
@@ -296,7 +296,7 @@ double Layouter::columnHeight(int column) const {
     const MTextColumns& columns = mSettings.columns;
     const auto index = static_cast<std::size_t>(column);
     return index < columns.heights.size() && columns.heights[index] > 0.0 ? columns.heights[index]
-                                                                           : columns.height;
+                                                                          : columns.height;
 }
 
 /// Gives lines their base lines, downwards from 0 in every column.

@@ -34,11 +34,11 @@ struct MTextColumns {
 
 struct MTextSettings {
     MTextLook look;
-    double width = 0.0;          ///< of the text's frame; 0: lines end only where paragraphs do
-    int attachment = 1;          ///< 1 to 9: top left to bottom right
+    double width = 0.0; ///< of the text's frame; 0: lines end only where paragraphs do
+    int attachment = 1; ///< 1 to 9: top left to bottom right
     double spacingFactor = 1.0;
     bool exactSpacing = false;
-    MTextColumns columns;        ///< with a width of 0 there are none
+    MTextColumns columns; ///< with a width of 0 there are none
 };
 
 struct MTextLayout {
