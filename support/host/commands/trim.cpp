@@ -176,7 +176,6 @@ void Cutting::forEachEdge(const AcDbCurve& curve, bool everywhere, Visit&& visit
         if (&edge != static_cast<const AcDbEntity*>(&curve)) {
             visit(static_cast<const AcDbEntity&>(edge));
         }
-        return true;
     };
     if (!mAll) {
         for (const AcDbObjectId id : mEdges) {
@@ -187,12 +186,15 @@ void Cutting::forEachEdge(const AcDbCurve& curve, bool everywhere, Visit&& visit
         return;
     }
     AcDbExtents extents;
-    PlanBox box{-1e300, -1e300, 1e300, 1e300};
+    Box2d box{{-1e300, -1e300}, {1e300, 1e300}};
     if (!everywhere && curve.getGeomExtents(extents) == Acad::eOk) {
-        box = {extents.minPoint().x, extents.minPoint().y, extents.maxPoint().x, extents.maxPoint().y};
+        box = {{extents.minPoint().x, extents.minPoint().y}, {extents.maxPoint().x, extents.maxPoint().y}};
     }
-    spatialQuery().overlapping(currentDatabase().currentSpaceId(), box,
-                               [&](AcDbEntity& edge) { return !isSelectable(edge) || one(edge); });
+    for (const Placed& placed : spatialQuery().overlapping(currentDatabase().currentSpaceId(), box)) {
+        if (auto* edge = peek<AcDbEntity>(AcDbObjectId(placed.stub)); edge != nullptr && isSelectable(*edge)) {
+            one(*edge);
+        }
+    }
 }
 
 void Cutting::trim(AcDbObjectId id, const AcGePoint3d& pick) {

@@ -469,6 +469,18 @@ host::UndoLog& AcDbDatabase::undoLog() const {
     return mImpl->undo;
 }
 
+Acad::ErrorStatus AcDbDatabase::getMLStyleDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode) {
+    return acdbOpenObject(dictionary, mLStyleDictionaryId(), mode);
+}
+
+Acad::ErrorStatus AcDbDatabase::getGroupDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode) {
+    return acdbOpenObject(dictionary, groupDictionaryId(), mode);
+}
+
+Acad::ErrorStatus AcDbDatabase::loadLineTypeFile(const ACHAR* linetypeName, const ACHAR* fileName) {
+    return acdbLoadLineTypeFile(linetypeName, fileName, this);
+}
+
 Acad::ErrorStatus acdbLoadLineTypeFile(const ACHAR* linetypeName, const ACHAR* fileName,
                                        AcDbDatabase* database) {
     if (linetypeName == nullptr || fileName == nullptr || database == nullptr) {

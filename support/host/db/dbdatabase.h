@@ -118,6 +118,10 @@ public:
     AcDbObjectId groupDictionaryId() const;
     AcDbObjectId layoutDictionaryId() const;
     AcDbObjectId mLStyleDictionaryId() const;
+    Acad::ErrorStatus getMLStyleDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode = AcDb::kForRead);
+    Acad::ErrorStatus getGroupDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode = AcDb::kForRead);
+    /// The linetype of a linetype file; as acdbLoadLineTypeFile.
+    Acad::ErrorStatus loadLineTypeFile(const ACHAR* linetypeName, const ACHAR* fileName);
     template <class Table>
     Acad::ErrorStatus getSymbolTable(Table*& table, AcDb::OpenMode mode = AcDb::kForRead) const;
     Acad::ErrorStatus getBlockTable(AcDbBlockTable*& table, AcDb::OpenMode mode = AcDb::kForRead) const {

@@ -60,6 +60,16 @@ enum OsnapMask {
     kOsMaskNoneOverride = 0x200000
 };
 
+/// Of a block that stands for another drawing.
+enum XrefStatus {
+    kXrfNotAnXref = 0,
+    kXrfResolved,
+    kXrfUnloaded,
+    kXrfUnreferenced,
+    kXrfFileNotFound,
+    kXrfUnresolved
+};
+
 enum SubentType { kNullSubentType = 0, kFaceSubentType = 1, kEdgeSubentType = 2, kVertexSubentType = 3 };
 enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
 

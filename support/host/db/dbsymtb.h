@@ -376,6 +376,11 @@ public:
     bool hasAttributeDefinitions() const;
     bool isFromExternalReference() const { return (mFlags & 4) != 0; }
     bool isFromOverlayReference() const { return (mFlags & 8) != 0; }
+    AcDb::XrefStatus xrefStatus() const {
+        return !isFromExternalReference() ? AcDb::kXrfNotAnXref
+               : isResolved()             ? AcDb::kXrfResolved
+                                          : AcDb::kXrfUnresolved;
+    }
     bool isLayout() const { return !mLayout.isNull(); }
     AcDbObjectId getLayoutId() const { return mLayout; }
     Acad::ErrorStatus setLayoutId(AcDbObjectId layout);
