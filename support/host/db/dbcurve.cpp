@@ -69,8 +69,7 @@ Acad::ErrorStatus closestOnPieces(const AcDbCurve& curve, const AcGePoint3d& giv
         return Acad::eDegenerateGeometry;
     }
     if (extend && !curve.isClosed()) {
-        pieces.front().openBefore = true;
-        pieces.back().openAfter = true;
+        host::openEnds(pieces);
     }
     AcGeMatrix3d projection;
     if (direction != nullptr) {

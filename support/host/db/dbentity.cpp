@@ -388,9 +388,8 @@ namespace {
 /// Opens the ends of a curve that are to be extended.
 void extendEnds(const AcDbEntity& entity, std::vector<host::CurvePiece>& pieces) {
     const auto* curve = AcDbCurve::cast(&entity);
-    if (curve != nullptr && !curve->isClosed() && !pieces.empty()) {
-        pieces.front().openBefore = true;
-        pieces.back().openAfter = true;
+    if (curve != nullptr && !curve->isClosed()) {
+        host::openEnds(pieces);
     }
 }
 

@@ -1,6 +1,8 @@
 // Circles and ellipses: every question becomes the roots of a trigonometric polynomial of degree two.
 #include "host/ge/conics.h"
 
+#include "host/ge/rootsearch.h"
+
 #include <algorithm>
 
 namespace host {
@@ -10,24 +12,6 @@ namespace {
 constexpr int sampleCount = 128;
 // Values below this part of the coefficients are rounding.
 constexpr double rounding = 1e-13;
-
-// The root between two arguments at which the function has different signs: bisection, then Newton's method.
-template <class Function, class Slope>
-double bracketedRoot(Function&& value, Slope&& slope, double low, double high) {
-    const bool lowIsNegative = value(low) < 0.0;
-    double t = 0.5 * (low + high);
-    for (int step = 0; step < 100 && high - low > 1e-16 * (1.0 + std::fabs(low)); ++step) {
-        const double f = value(t);
-        ((f < 0.0) == lowIsNegative ? low : high) = t;
-        const double d = slope(t), next = d != 0.0 ? t - f / d : low;
-        const double middle = 0.5 * (low + high);
-        const double candidate = next > low && next < high ? next : middle;
-        if (std::fabs(candidate - t) <= 1e-16 * (1.0 + std::fabs(t)))
-            return candidate;
-        t = step % 4 == 3 ? middle : candidate;
-    }
-    return t;
-}
 
 } // namespace
 
@@ -41,44 +25,40 @@ double TrigonometricQuadratic::derivative(double t) const {
     return s1 * c - c1 * s + 2.0 * (s2 * (c * c - s * s) - 2.0 * c2 * s * c);
 }
 
-std::vector<double> TrigonometricQuadratic::roots() const {
+std::vector<double> TrigonometricQuadratic::roots(double tolerance) const {
     const double size = std::fabs(c0) + std::fabs(c1) + std::fabs(s1) + std::fabs(c2) + std::fabs(s2);
-    const double noise = rounding * size;
-    std::vector<double> result;
+    const double slack = std::max(tolerance, rounding * size);
     if (!(size > 0.0) || !std::isfinite(size) ||
-        std::max({std::fabs(c1), std::fabs(s1), std::fabs(c2), std::fabs(s2)}) <= noise)
-        return result;
+        std::max({std::fabs(c1), std::fabs(s1), std::fabs(c2), std::fabs(s2)}) <= rounding * size)
+        return {};
     const auto f = [this](double t) { return value(t); };
     const auto slope = [this](double t) { return derivative(t); };
     const auto bend = [this](double t) {
         return -c1 * std::cos(t) - s1 * std::sin(t) - 4.0 * (c2 * std::cos(2.0 * t) + s2 * std::sin(2.0 * t));
     };
-    const auto at = [](int i) { return twoPi * i / sampleCount; };
-    double values[sampleCount + 1], slopes[sampleCount + 1];
-    for (int i = 0; i <= sampleCount; ++i) {
-        values[i] = f(at(i % sampleCount));
-        slopes[i] = slope(at(i % sampleCount));
+    // Between its extremes the function is monotonous. A degree of two leaves at most four extremes, which
+    // lie far enough apart to show in the samples or are no extremes that matter.
+    constexpr double step = twoPi / sampleCount;
+    constexpr double begin = 0.1234567; // off the axes, where symmetric cases have their extremes
+    std::vector<double> extremes;
+    bool before = slope(begin) < 0.0;
+    for (int i = 1; i <= sampleCount; ++i) {
+        const double t = begin + i * step;
+        const bool now = slope(t) < 0.0;
+        if (now != before)
+            extremes.push_back(bracketedRoot(slope, bend, t - step, t));
+        before = now;
     }
-    for (int i = 0; i < sampleCount; ++i) {
-        const double low = at(i), high = at(i + 1);
-        if ((values[i] < 0.0) != (values[i + 1] < 0.0)) {
-            result.push_back(bracketedRoot(f, slope, low, high));
-            continue;
-        }
-        // No change of sign, but a turning point toward zero: a double root, or two close ones.
-        if ((slopes[i] < 0.0) == (slopes[i + 1] < 0.0) || (values[i] < 0.0) == (slopes[i] < 0.0))
-            continue;
-        const double turning = bracketedRoot(slope, bend, low, high);
-        const double extreme = f(turning);
-        if (std::fabs(extreme) <= noise) {
-            result.push_back(turning);
-        } else if ((extreme < 0.0) != (values[i] < 0.0)) {
-            result.push_back(bracketedRoot(f, slope, low, turning));
-            result.push_back(bracketedRoot(f, slope, turning, high));
-        }
+    std::vector<double> result;
+    for (std::size_t i = 0; i < extremes.size(); ++i) {
+        const double low = extremes[i];
+        const double high = i + 1 < extremes.size() ? extremes[i + 1] : extremes.front() + twoPi;
+        const double atLow = f(low), atHigh = f(high);
+        if (std::fabs(atLow) <= slack)
+            result.push_back(normalizedAngle(low));
+        else if (std::fabs(atHigh) > slack && (atLow < 0.0) != (atHigh < 0.0))
+            result.push_back(normalizedAngle(bracketedRoot(f, slope, low, high)));
     }
-    for (double& root : result)
-        root = normalizedAngle(root);
     std::sort(result.begin(), result.end());
     return result;
 }

@@ -37,9 +37,9 @@ struct TrigonometricQuadratic {
 
     double value(double t) const;
     double derivative(double t) const;
-    // The roots in [0, 2 pi), ascending; a double root (within rounding) once. None when it vanishes
-    // everywhere.
-    std::vector<double> roots() const;
+    // The roots in [0, 2 pi), ascending. An extreme within the tolerance of zero (at least within rounding) is
+    // one root, a touch. None when the function vanishes everywhere.
+    std::vector<double> roots(double tolerance = 0.0) const;
 };
 
 // Angles at which the perpendicular from the point meets the ellipse: two to four; none when every angle

@@ -113,14 +113,19 @@ public:
     virtual double paramAtLength(double datum, double distance, bool forward = true,
                                  double tolerance = 1e-10) const {
         const AcGeInterval range = interval();
-        double low = datum, high = forward ? range.upperBound() : range.lowerBound();
-        if (length(low, high, tolerance) <= distance)
-            return high;
-        for (int step = 0; step < 80 && std::fabs(high - low) > 1e-15 * (1.0 + std::fabs(low)); ++step) {
-            const double middle = 0.5 * (low + high);
-            (length(datum, middle, tolerance) < distance ? low : high) = middle;
+        const double end = forward ? range.upperBound() : range.lowerBound();
+        // The span between samples that the place is in, then Newton's method within it.
+        const std::vector<double> grid = sampleParameters(std::min(datum, end), std::max(datum, end));
+        double rest = distance;
+        for (std::size_t i = 0; i + 1 < grid.size(); ++i) {
+            const std::size_t at = forward ? i : grid.size() - 1 - i;
+            const double from = grid[at], to = grid[forward ? at + 1 : at - 1];
+            const double whole = length(from, to, tolerance);
+            if (whole > rest)
+                return placeWithin(from, to, rest, tolerance);
+            rest -= whole;
         }
-        return 0.5 * (low + high);
+        return end;
     }
 
     // Two new curves, owned by the caller; null where the parameter leaves nothing, or where the curve can't
@@ -203,6 +208,25 @@ protected:
     }
 
 private:
+    // The parameter between two at a length from the first; the whole length is more.
+    double placeWithin(double from, double to, double distance, double tolerance) const {
+        double low = from, high = to, t = from;
+        double reached = 0.0; // length from `from` to t
+        for (int step = 0; step < 80; ++step) {
+            const double rest = distance - reached;
+            (rest >= 0.0 ? low : high) = t;
+            const double speed = firstDerivative(t).length();
+            double next = speed > 0.0 ? t + std::copysign(rest / speed, (to - from) * rest) : 0.5 * (low + high);
+            if (!((next - low) * (high - next) >= 0.0))
+                next = 0.5 * (low + high);
+            if (std::fabs(next - t) <= 1e-15 * (1.0 + std::fabs(t)))
+                return next;
+            reached += (next - t) * (to - from) > 0.0 ? length(t, next, tolerance) : -length(t, next, tolerance);
+            t = next;
+        }
+        return t;
+    }
+
     double refinedFoot(const Point& point, double low, double high) const {
         double t = 0.5 * (low + high);
         for (int step = 0; step < 30; ++step) {

@@ -5,22 +5,7 @@
 #include "host/ge/line3d.h"
 #include "host/ge/polyline_points.h"
 
-namespace {
-
-// A control point in homogeneous coordinates.
-struct Weighted {
-    double x = 0.0, y = 0.0, z = 0.0, w = 0.0;
-
-    Weighted operator+(const Weighted& o) const { return {x + o.x, y + o.y, z + o.z, w + o.w}; }
-    Weighted operator-(const Weighted& o) const { return {x - o.x, y - o.y, z - o.z, w - o.w}; }
-    Weighted operator*(double f) const { return {x * f, y * f, z * f, w * f}; }
-};
-
-Weighted homogeneous(const AcGePoint3d& point, double weight) {
-    return {point.x * weight, point.y * weight, point.z * weight, weight};
-}
-
-} // namespace
+using host::WeightedPoint;
 
 AcGeKnotVector::AcGeKnotVector(int count, const double* knots, double tolerance) : m_tolerance(tolerance) {
     for (int i = 0; i < count; ++i)
@@ -144,10 +129,14 @@ AcGeNurbCurve3d::AcGeNurbCurve3d(const AcGeEllipArc3d& arc) : m_degree(2) {
     m_knots.append(arc.endAng());
 }
 
-bool AcGeNurbCurve3d::isValid() const {
-    return m_degree >= 1 && m_points.length() > m_degree &&
+bool AcGeNurbCurve3d::hasShape() const {
+    return m_degree >= 1 && m_degree <= host::highestDegree && m_points.length() > m_degree &&
            m_knots.length() == m_points.length() + m_degree + 1 &&
-           (m_weights.isEmpty() || m_weights.length() == m_points.length()) &&
+           (m_weights.isEmpty() || m_weights.length() == m_points.length());
+}
+
+bool AcGeNurbCurve3d::isValid() const {
+    return hasShape() &&
            std::is_sorted(m_knots.asArrayPtr(), m_knots.asArrayPtr() + m_knots.length()) &&
            m_knots[m_degree] < m_knots[m_points.length()] &&
            std::all_of(m_weights.begin(), m_weights.end(), [](double weight) { return weight > 0.0; });
@@ -168,7 +157,7 @@ AcGeNurbCurve3d& AcGeNurbCurve3d::reverseParam() {
 
 void AcGeNurbCurve3d::getInterval(AcGeInterval& interval) const {
     interval =
-        isValid() ? AcGeInterval(m_knots[m_degree], m_knots[m_points.length()]) : AcGeInterval(0.0, 0.0);
+        hasShape() ? AcGeInterval(m_knots[m_degree], m_knots[m_points.length()]) : AcGeInterval(0.0, 0.0);
 }
 
 bool AcGeNurbCurve3d::setInterval(const AcGeInterval& range) {
@@ -227,18 +216,19 @@ int AcGeNurbCurve3d::spanOf(double parameter) const {
 AcGePoint3d AcGeNurbCurve3d::evaluate(double parameter, int derivativeCount,
                                       AcGeVector3d* derivatives) const {
     std::fill_n(derivatives, derivativeCount, AcGeVector3d());
-    if (!isValid())
+    if (!hasShape())
         return AcGePoint3d::kOrigin;
     const int p = m_degree, span = spanOf(parameter);
     const int orders = std::min(derivativeCount, p);
-    std::vector<Weighted> local, homogeneousDerivatives(static_cast<std::size_t>(orders) + 1);
+    using Row = std::array<WeightedPoint, host::highestDegree + 1>;
+    Row local, homogeneousDerivatives;
     // The k-th derivative is a spline of degree p - k over differences of the control points; each is
     // evaluated with de Boor's algorithm.
-    for (int i = span - p; i <= span; ++i)
-        local.push_back(homogeneous(m_points[i], weightAt(i)));
+    for (int i = 0; i <= p; ++i)
+        local[static_cast<std::size_t>(i)] = weightedAt(span - p + i);
     for (int k = 0; k <= orders; ++k) {
         const int degree = p - k;
-        std::vector<Weighted> d(local);
+        Row d = local;
         for (int r = 1; r <= degree; ++r)
             for (int j = degree; j >= r; --j) {
                 const double low = m_knots[span - degree + j], high = m_knots[span + 1 + j - r];
@@ -253,14 +243,13 @@ AcGePoint3d AcGeNurbCurve3d::evaluate(double parameter, int derivativeCount,
                 (local[static_cast<std::size_t>(j + 1)] - local[static_cast<std::size_t>(j)]) *
                 (degree / width);
         }
-        local.resize(static_cast<std::size_t>(degree));
     }
     // The quotient rule for C = A / w: A(k) = sum of binomial(k, i) w(i) C(k - i).
-    const Weighted& a = homogeneousDerivatives[0];
+    const WeightedPoint& a = homogeneousDerivatives[0];
     const AcGePoint3d point(a.x / a.w, a.y / a.w, a.z / a.w);
     for (int k = 1; k <= derivativeCount; ++k) {
-        const Weighted numerator =
-            k <= orders ? homogeneousDerivatives[static_cast<std::size_t>(k)] : Weighted();
+        const WeightedPoint numerator =
+            k <= orders ? homogeneousDerivatives[static_cast<std::size_t>(k)] : WeightedPoint();
         AcGeVector3d value(numerator.x, numerator.y, numerator.z);
         double binomial = 1.0;
         for (int i = 1; i <= k; ++i) {
@@ -316,11 +305,11 @@ AcGeNurbCurve3d& AcGeNurbCurve3d::insertKnot(double parameter) {
     const int p = m_degree, span = spanOf(parameter);
     AcGePoint3dArray points;
     AcGeDoubleArray weights;
-    const auto append = [&](const Weighted& value) {
-        points.append({value.x / value.w, value.y / value.w, value.z / value.w});
+    const auto append = [&](const WeightedPoint& value) {
+        points.append(value.point());
         weights.append(value.w);
     };
-    const auto at = [&](int i) { return homogeneous(m_points[i], weightAt(i)); };
+    const auto at = [&](int i) { return weightedAt(i); };
     for (int i = 0; i <= m_points.length(); ++i) {
         if (i <= span - p) {
             append(at(i));

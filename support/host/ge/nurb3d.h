@@ -1,6 +1,7 @@
 // Curves of space given by points: polylines and NURBS curves, and their knot vector.
 #pragma once
 
+#include "host/ge/bezier.h"
 #include "host/ge/curve3d.h"
 
 #include <initializer_list>
@@ -109,6 +110,14 @@ public:
     explicit AcGeNurbCurve3d(const AcGeLineSeg3d& line);
     // Exact, quadratic and rational, with the arc's angles as the range of the knots.
     explicit AcGeNurbCurve3d(const AcGeEllipArc3d& arc);
+    // Through the points: cubic, its curvature continuous, the knots at the distances along the chords. Where
+    // a tangent is not defined the curve runs out without curvature. Repeated points count once.
+    AcGeNurbCurve3d(const AcGePoint3dArray& fitPoints, const AcGeVector3d& startTangent,
+                    const AcGeVector3d& endTangent, bool startTangentDefined = true,
+                    bool endTangentDefined = true, const AcGeTol& fitTolerance = AcGeContext::gTol);
+    // The same for a closed curve, as smooth at its first point as anywhere; the last point need not be the
+    // first one again.
+    static AcGeNurbCurve3d throughClosed(const AcGePoint3dArray& fitPoints);
 
     AcGe::EntityId type() const override { return AcGe::kNurbCurve3d; }
     bool isKindOf(AcGe::EntityId entityType) const override {
@@ -121,6 +130,7 @@ public:
     bool setInterval(const AcGeInterval& range) override;
     // Outside its interval the curve is continued with its first or last piece.
     AcGePoint3d evaluate(double parameter, int derivativeCount, AcGeVector3d* derivatives) const override;
+    double closestParameter(const AcGePoint3d& point) const override;
     std::vector<double> sampleParameters(double from, double to) const override;
     bool isPeriodic(double& period) const override;
 
@@ -141,11 +151,20 @@ public:
     }
     // Adds a knot without changing the curve (Boehm's algorithm); only within the interval.
     AcGeNurbCurve3d& insertKnot(double parameter);
+    // Raises the degree without changing the curve.
+    AcGeNurbCurve3d& elevateDegree(int plusDegree);
+    // Appends a curve that begins where this one ends; its parameters go on from this one's end.
+    AcGeNurbCurve3d& joinWith(const AcGeNurbCurve3d& curve);
+    // The blossom of the piece between the knots span and span + 1: what control points are values of. The
+    // arguments are as many as the degree.
+    host::WeightedPoint blossom(int span, const double* arguments) const;
     void getDefinitionData(int& degree, bool& rational, bool& periodic, AcGeKnotVector& knots,
                            AcGePoint3dArray& controlPoints, AcGeDoubleArray& weights) const;
 
 private:
+    bool hasShape() const; // the counts fit together
     int spanOf(double parameter) const;
+    host::WeightedPoint weightedAt(int index) const { return {m_points[index], weightAt(index)}; }
 
     int m_degree = 0;
     AcGeKnotVector m_knots;

@@ -1,6 +1,7 @@
 // Circular arcs.
 #include "host/db/entities/circle.h"
 #include "host/db/entities/curvepiece.h"
+#include "host/db/entities/ellipse.h"
 #include "host/db/entities/fields.h"
 #include "host/db/entities/transforms.h"
 #include "host/ge/path_segment.h"
@@ -320,6 +321,15 @@ bool AcDbArc::subCurvePieces(std::vector<host::CurvePiece>& pieces) const {
 Acad::ErrorStatus AcDbArc::subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const {
     assertReadEnabled();
     return m.extentsUnder(m.piece(m.startAngle, m.startAngle + m.sweep()), transform, extents);
+}
+
+Acad::ErrorStatus AcDbArc::subGetTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const {
+    const Acad::ErrorStatus status = AcDbCurve::subGetTransformedCopy(transform, copy);
+    if (status != Acad::eCannotScaleNonUniformly) {
+        return status;
+    }
+    copy = host::newEllipse(*this, m.piece(m.startAngle, m.startAngle + m.sweep()), m.normal, transform).release();
+    return copy != nullptr ? Acad::eOk : status;
 }
 
 Acad::ErrorStatus AcDbArc::subTransformBy(const AcGeMatrix3d& transform) {

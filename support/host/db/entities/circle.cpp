@@ -2,6 +2,7 @@
 #include "host/db/entities/circle.h"
 
 #include "host/db/entities/curvepiece.h"
+#include "host/db/entities/ellipse.h"
 #include "host/db/entities/fields.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
@@ -327,6 +328,15 @@ bool AcDbCircle::subCurvePieces(std::vector<host::CurvePiece>& pieces) const {
 Acad::ErrorStatus AcDbCircle::subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const {
     assertReadEnabled();
     return m.extentsUnder(m.piece(0.0, twoPi), transform, extents);
+}
+
+Acad::ErrorStatus AcDbCircle::subGetTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const {
+    const Acad::ErrorStatus status = AcDbCurve::subGetTransformedCopy(transform, copy);
+    if (status != Acad::eCannotScaleNonUniformly) {
+        return status;
+    }
+    copy = host::newEllipse(*this, m.piece(0.0, twoPi), m.normal, transform).release();
+    return copy != nullptr ? Acad::eOk : status;
 }
 
 Acad::ErrorStatus AcDbCircle::subTransformBy(const AcGeMatrix3d& transform) {

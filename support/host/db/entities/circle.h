@@ -113,6 +113,8 @@ protected:
     bool subCurvePieces(std::vector<host::CurvePiece>& pieces) const override;
     Acad::ErrorStatus subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    /// An ellipse where the transform does not keep circles.
+    Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const override;
     /// Centre, then the quadrants at 0, 90, 180 and 270 degrees.
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& snapModes,
                                        AcDbIntArray& geometryIds) const override;
@@ -186,6 +188,8 @@ protected:
     bool subCurvePieces(std::vector<host::CurvePiece>& pieces) const override;
     Acad::ErrorStatus subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    /// An ellipse where the transform does not keep circles.
+    Acad::ErrorStatus subGetTransformedCopy(const AcGeMatrix3d& transform, AcDbEntity*& copy) const override;
     /// Start, end, middle, centre. Moving one of the first three keeps the arc through the other two.
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& snapModes,
                                        AcDbIntArray& geometryIds) const override;

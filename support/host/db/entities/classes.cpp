@@ -10,7 +10,9 @@ void host::initializeEntityClasses() {
         AcDbPolyline::rxInit,       AcDbVertex::rxInit,         AcDb2dVertex::rxInit,
         AcDb2dPolyline::rxInit,     AcDbText::rxInit,           AcDbAttributeDefinition::rxInit,
         AcDbAttribute::rxInit,      AcDbBlockReference::rxInit, AcDbTrace::rxInit,
-        AcDbSolid::rxInit,
+        AcDbSolid::rxInit,          AcDbEllipse::rxInit,        AcDbSpline::rxInit,
+        AcDbRay::rxInit,            AcDbXline::rxInit,          AcDb3dPolylineVertex::rxInit,
+        AcDb3dPolyline::rxInit,     AcDbFace::rxInit,
     };
     for (void (*registration)() : registrations) {
         registration();

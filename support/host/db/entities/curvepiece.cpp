@@ -26,6 +26,15 @@ CurvePiece CurvePiece::arc(const AcGePoint3d& center, const AcGeVector3d& u, con
     return piece;
 }
 
+CurvePiece CurvePiece::bezierCurve(BezierCurve curve, double from, double to) {
+    CurvePiece piece;
+    piece.kind = Kind::bezier;
+    piece.bezier = std::move(curve);
+    piece.from = from;
+    piece.to = to;
+    return piece;
+}
+
 bool CurvePiece::isCircular() const {
     const double uu = u.lengthSqrd();
     const double vv = v.lengthSqrd();
@@ -37,15 +46,27 @@ bool CurvePiece::isFull() const {
 }
 
 AcGePoint3d CurvePiece::pointAt(double t) const {
+    if (isBezier()) {
+        return bezier.pointAt(curveParameter(t));
+    }
     return isArc() ? origin + u * std::cos(t) + v * std::sin(t) : origin + u * t;
 }
 
 AcGeVector3d CurvePiece::derivativeAt(double t) const {
+    if (isBezier()) {
+        AcGeVector3d derivative;
+        bezier.evaluate(curveParameter(t), 1, &derivative);
+        return derivative / (to - from);
+    }
     return isArc() ? v * std::cos(t) - u * std::sin(t) : u;
 }
 
 CurvePiece CurvePiece::transformed(const AcGeMatrix3d& transform) const {
     CurvePiece piece(*this);
+    if (isBezier()) {
+        piece.bezier = bezier.transformed(transform);
+        return piece;
+    }
     piece.origin = transform * origin;
     piece.u = transform * u;
     piece.v = transform * v;
@@ -55,6 +76,9 @@ CurvePiece CurvePiece::transformed(const AcGeMatrix3d& transform) const {
 void CurvePiece::addExtents(AcDbExtents& extents) const {
     extents.addPoint(start());
     extents.addPoint(end());
+    if (isBezier()) {
+        addBezierExtents(extents);
+    }
     if (!isArc()) {
         return;
     }
@@ -67,6 +91,35 @@ void CurvePiece::addExtents(AcDbExtents& extents) const {
             }
         }
     }
+}
+
+void CurvePiece::addBezierExtents(AcDbExtents& extents) const {
+    for (const AcGeVector3d& axis : {AcGeVector3d::kXAxis, AcGeVector3d::kYAxis, AcGeVector3d::kZAxis}) {
+        for (const double t : bezier.turns(axis)) {
+            extents.addPoint(bezier.pointAt(t));
+        }
+    }
+}
+
+void openEnds(std::vector<CurvePiece>& pieces) {
+    if (pieces.empty()) {
+        return;
+    }
+    // A spline's continuation has the parameters of the spline, as the spline's own piece would.
+    const auto tangent = [](const CurvePiece& piece, double at) {
+        const AcGeVector3d along = piece.derivativeAt(at);
+        CurvePiece line = CurvePiece::line(piece.pointAt(at) - along * at, piece.pointAt(at) + along * (1.0 - at));
+        line.from = line.to = at;
+        return line;
+    };
+    if (pieces.front().isBezier()) {
+        pieces.insert(pieces.begin(), tangent(pieces.front(), pieces.front().from));
+    }
+    if (pieces.back().isBezier()) {
+        pieces.push_back(tangent(pieces.back(), pieces.back().to));
+    }
+    pieces.front().openBefore = true;
+    pieces.back().openAfter = true;
 }
 
 bool CurvePiece::contains(double& t, double slack) const {
@@ -98,6 +151,9 @@ bool CurvePiece::contains(double& t, double slack) const {
 }
 
 double CurvePiece::closestParameter(const AcGePoint3d& point) const {
+    if (isBezier()) {
+        return pieceParameter(bezier.closestParameter(point));
+    }
     if (!isArc()) {
         const double square = u.lengthSqrd();
         double t = square > 0.0 ? (point - origin).dotProduct(u) / square : from;
@@ -125,6 +181,11 @@ double CurvePiece::closestParameter(const AcGePoint3d& point) const {
 }
 
 std::vector<double> CurvePiece::perpendicularParameters(const AcGePoint3d& point) const {
+    if (isBezier()) {
+        std::vector<double> feet = bezier.feet(point);
+        std::transform(feet.begin(), feet.end(), feet.begin(), [&](double t) { return pieceParameter(t); });
+        return feet;
+    }
     if (!isArc()) {
         const double square = u.lengthSqrd();
         return square > 0.0 ? std::vector<double>{(point - origin).dotProduct(u) / square}
@@ -141,12 +202,21 @@ std::vector<double> CurvePiece::perpendicularParameters(const AcGePoint3d& point
         return {t, t + pi};
     }
     // (P - point) . P' = 0
-    return trigonometricZeros(0.0, -arm.dotProduct(v), arm.dotProduct(u), u.dotProduct(v),
-                              0.5 * (v.lengthSqrd() - u.lengthSqrd()), 0.0);
+    const TrigonometricQuadratic condition{0.0, -arm.dotProduct(v), arm.dotProduct(u), u.dotProduct(v),
+                                           0.5 * (v.lengthSqrd() - u.lengthSqrd())};
+    return condition.roots();
 }
 
 std::vector<double> CurvePiece::tangentParameters(const AcGePoint3d& point) const {
     std::vector<double> result;
+    if (isBezier()) {
+        const AcGeVector3d plane = bezier.planeNormal();
+        for (const double t :
+             plane.isZeroLength() ? std::vector<double>() : bezier.touches(point, plane)) {
+            result.push_back(pieceParameter(t));
+        }
+        return result;
+    }
     if (!isArc()) {
         return result;
     }
@@ -174,66 +244,6 @@ std::vector<double> CurvePiece::tangentParameters(const AcGePoint3d& point) cons
     return result;
 }
 
-namespace {
-
-struct Trigonometric {
-    double a0, a1, b1, a2, b2;
-    double operator()(double t) const {
-        const double c = std::cos(t);
-        const double s = std::sin(t);
-        return a0 + a1 * c + b1 * s + a2 * (c * c - s * s) + b2 * 2.0 * s * c;
-    }
-    Trigonometric derivative() const { return {0.0, b1, -a1, 2.0 * b2, -2.0 * a2}; }
-};
-
-/// The zero between two places where the function has different signs.
-double bisect(const Trigonometric& f, double low, double high) {
-    const bool rising = f(low) < 0.0;
-    for (int step = 0; step < 60 && high - low > 1e-16; ++step) {
-        const double middle = 0.5 * (low + high);
-        ((f(middle) < 0.0) == rising ? low : high) = middle;
-    }
-    return 0.5 * (low + high);
-}
-
-} // namespace
-
-std::vector<double> trigonometricZeros(double a0, double a1, double b1, double a2, double b2,
-                                       double tolerance) {
-    const Trigonometric f{a0, a1, b1, a2, b2};
-    const Trigonometric slope = f.derivative();
-    // Between its extremes the function is monotonous. A degree of two leaves at most four extremes, which
-    // lie far enough apart to show in the samples or are no extremes that matter.
-    constexpr int samples = 128;
-    constexpr double step = twoPi / samples;
-    constexpr double begin = 0.1234567; // off the axes, where symmetric cases have their extremes
-    std::vector<double> extremes;
-    bool before = slope(begin) < 0.0;
-    for (int index = 1; index <= samples; ++index) {
-        const double t = begin + index * step;
-        const bool now = slope(t) < 0.0;
-        if (now != before) {
-            extremes.push_back(bisect(slope, t - step, t));
-        }
-        before = now;
-    }
-    std::vector<double> zeros;
-    for (std::size_t index = 0; index < extremes.size(); ++index) {
-        const double low = extremes[index];
-        const bool last = index + 1 == extremes.size();
-        const double high = last ? extremes.front() + twoPi : extremes[index + 1];
-        const double atLow = f(low);
-        const double atHigh = f(high);
-        if (std::fabs(atLow) <= tolerance) {
-            zeros.push_back(normalizedAngle(low));
-        } else if (std::fabs(atHigh) > tolerance && (atLow < 0.0) != (atHigh < 0.0)) {
-            zeros.push_back(normalizedAngle(bisect(f, low, high)));
-        }
-    }
-    std::sort(zeros.begin(), zeros.end());
-    return zeros;
-}
-
 double pointTolerance(double magnitude) {
     return 1e-9 + 1e-14 * magnitude;
 }
@@ -241,6 +251,10 @@ double pointTolerance(double magnitude) {
 double pointTolerance(std::span<const CurvePiece> pieces) {
     double largest = 0.0;
     for (const CurvePiece& piece : pieces) {
+        for (const WeightedPoint& control : piece.bezier.points()) {
+            const AcGePoint3d point = control.point();
+            largest = std::max({largest, std::fabs(point.x), std::fabs(point.y), std::fabs(point.z)});
+        }
         largest = std::max({largest, std::fabs(piece.origin.x), std::fabs(piece.origin.y),
                             std::fabs(piece.origin.z), std::fabs(piece.u.x), std::fabs(piece.u.y),
                             std::fabs(piece.u.z)});

@@ -1,5 +1,5 @@
-// Pieces of curves in space: straight lines and arcs of circles and ellipses. Both kinds stay what they are
-// under every affine map, projections among them, so that one set of functions serves intersection, closest
+// Pieces of curves in space: straight lines, arcs of circles and ellipses, Bezier curves. All kinds stay what
+// they are under every affine map, projections among them, so that one set of functions serves intersection, closest
 // points, snapping and extents of all entities, within blocks of any scale too.
 #pragma once
 
@@ -12,14 +12,17 @@
 namespace host {
 
 struct CurvePiece {
-    enum class Kind : Adesk::UInt8 { line, arc };
+    enum class Kind : Adesk::UInt8 { line, arc, bezier };
 
     static CurvePiece line(const AcGePoint3d& start, const AcGePoint3d& end);
     /// origin + cos t u + sin t v for t in [from, to].
     static CurvePiece arc(const AcGePoint3d& center, const AcGeVector3d& u, const AcGeVector3d& v,
                           double from, double to);
+    /// The curve runs over [0, 1] while t does over [from, to].
+    static CurvePiece bezierCurve(BezierCurve curve, double from, double to);
 
     bool isArc() const { return kind == Kind::arc; }
+    bool isBezier() const { return kind == Kind::bezier; }
     /// u and v have equal lengths and stand at right angles.
     bool isCircular() const;
     /// A whole circle or ellipse.
@@ -41,7 +44,7 @@ struct CurvePiece {
     bool contains(double& t, double slack) const;
     /// Parameters at which the line from the point to the curve stands at right angles to the curve.
     std::vector<double> perpendicularParameters(const AcGePoint3d& point) const;
-    /// Parameters at which the line from a point in the arc's plane touches it.
+    /// Parameters at which the line from a point in the curve's plane touches it.
     std::vector<double> tangentParameters(const AcGePoint3d& point) const;
 
     Kind kind = Kind::line;
@@ -52,7 +55,17 @@ struct CurvePiece {
     AcGeVector3d v;     ///< the radius at t = pi/2
     double from = 0.0;
     double to = 1.0;
+    BezierCurve bezier; ///< of a Bezier piece, which uses none of origin, u and v
+
+private:
+    /// Between the parameter of a Bezier piece and its curve's.
+    double curveParameter(double t) const { return (t - from) / (to - from); }
+    double pieceParameter(double t) const { return t == 1.0 ? to : from + (to - from) * t; }
+    void addBezierExtents(AcDbExtents& extents) const;
 };
+
+/// Opens the two ends of an open curve: lines and arcs go on along themselves, a spline along its tangents.
+void openEnds(std::vector<CurvePiece>& pieces);
 
 /// A common point of two curves: the pieces, the parameters on them, the point on the first.
 struct PieceHit {
@@ -74,10 +87,5 @@ std::vector<PieceHit> intersect(std::span<const CurvePiece> first, std::span<con
 /// Common points of the curves projected onto a plane; the points given are those of the first curve itself.
 std::vector<PieceHit> intersectProjected(std::span<const CurvePiece> first,
                                          std::span<const CurvePiece> second, const AcGePlane& plane);
-
-/// Zeros in [0, 2 pi) of a0 + a1 cos t + b1 sin t + a2 cos 2t + b2 sin 2t. A value within the tolerance of
-/// zero at an extreme counts as a zero (a touch).
-std::vector<double> trigonometricZeros(double a0, double a1, double b1, double a2, double b2,
-                                       double tolerance);
 
 } // namespace host

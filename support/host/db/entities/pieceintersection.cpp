@@ -48,7 +48,7 @@ private:
 };
 
 double slackOf(const CurvePiece& piece, double tolerance) {
-    const double size = piece.u.length();
+    const double size = piece.isBezier() ? 0.0 : piece.u.length();
     return size > 0.0 ? tolerance / size : 0.0;
 }
 
@@ -70,7 +70,7 @@ void addIfOnSecond(Hits& hits, const CurvePiece& first, const CurvePiece& second
 }
 
 bool isPoint(const CurvePiece& piece) {
-    return !piece.isArc() && piece.u.lengthSqrd() == 0.0;
+    return piece.kind == CurvePiece::Kind::line && piece.u.lengthSqrd() == 0.0;
 }
 
 /// Two pieces on one line or circle: an end they share, when that is all.
@@ -226,9 +226,10 @@ void conicWithConic(Hits& hits, const CurvePiece& first, const CurvePiece& secon
     const double uu = u.x * u.x + u.y * u.y;
     const double vv = v.x * v.x + v.y * v.y;
     const double slack = 2.0 * tolerance / frame.size();
-    for (const double t :
-         trigonometricZeros(c.x * c.x + c.y * c.y - 1.0 + 0.5 * (uu + vv), 2.0 * (c.x * u.x + c.y * u.y),
-                            2.0 * (c.x * v.x + c.y * v.y), 0.5 * (uu - vv), u.x * v.x + u.y * v.y, slack)) {
+    const TrigonometricQuadratic condition{c.x * c.x + c.y * c.y - 1.0 + 0.5 * (uu + vv),
+                                           2.0 * (c.x * u.x + c.y * u.y), 2.0 * (c.x * v.x + c.y * v.y),
+                                           0.5 * (uu - vv), u.x * v.x + u.y * v.y};
+    for (const double t : condition.roots(slack)) {
         const Plain at = frame.point(second.pointAt(t));
         addHit(hits, first, second, std::atan2(at.y, at.x), t, tolerance);
     }
@@ -265,6 +266,38 @@ void arcWithArc(Hits& hits, const CurvePiece& first, const CurvePiece& second, d
     }
 }
 
+/// Whether two curves share a stretch: it begins and ends at ends of either.
+bool liesAlong(const CurvePiece& first, const CurvePiece& second, double tolerance) {
+    std::vector<double> ends;
+    const auto consider = [&](double a, const AcGePoint3d& point) {
+        if (first.pointAt(a).distanceTo(point) <= tolerance) {
+            ends.push_back(a);
+        }
+    };
+    for (const double a : {first.from, first.to}) {
+        const AcGePoint3d point = first.pointAt(a);
+        consider(a, second.pointAt(second.closestParameter(point)));
+    }
+    for (const double b : {second.from, second.to}) {
+        const AcGePoint3d point = second.pointAt(b);
+        consider(first.closestParameter(point), point);
+    }
+    std::sort(ends.begin(), ends.end());
+    for (std::size_t index = 0; index + 1 < ends.size(); ++index) {
+        const double width = ends[index + 1] - ends[index];
+        bool shared = first.pointAt(ends[index]).distanceTo(first.pointAt(ends[index] + 0.5 * width)) >
+                      2.0 * tolerance;
+        for (const double part : {0.17, 0.41, 0.5, 0.83}) {
+            const AcGePoint3d point = first.pointAt(ends[index] + part * width);
+            shared = shared && second.pointAt(second.closestParameter(point)).distanceTo(point) <= tolerance;
+        }
+        if (shared) {
+            return true;
+        }
+    }
+    return false;
+}
+
 Hits intersectPieces(const CurvePiece& first, const CurvePiece& second, double tolerance);
 
 /// An arc seen from its edge is drawn over a straight stretch, once or twice.
@@ -297,6 +330,73 @@ void swapSides(Hits& hits, const CurvePiece& first) {
     }
 }
 
+/// The crossings of a Bezier curve at roots of a polynomial, as far as they are on the other piece.
+void addRoots(Hits& hits, const CurvePiece& curve, const CurvePiece& other, const BernsteinPolynomial& heights,
+              double slack, double tolerance) {
+    for (const double root : heights.roots(slack)) {
+        const double t = root == 1.0 ? curve.to : curve.from + (curve.to - curve.from) * root;
+        addIfOnSecond(hits, curve, other, t, tolerance);
+    }
+}
+
+/// The height of a Bezier curve over a line, in the plane in which it is seen best.
+BernsteinPolynomial heightsOverLine(const BezierCurve& curve, const CurvePiece& line) {
+    const AcGeVector3d along = line.u.normal();
+    const AcGeVector3d across = along.perpVector();
+    BernsteinPolynomial first = curve.heights(line.origin, across);
+    BernsteinPolynomial second = curve.heights(line.origin, along.crossProduct(across));
+    return first.bound() >= second.bound() ? first : second;
+}
+
+/// How far a Bezier curve is outside of an arc's conic, in its plane: |P|^2 - w^2 in the axes of the arc.
+BernsteinPolynomial heightsOverConic(const BezierCurve& curve, const CurvePiece& arc) {
+    const double uu = arc.u.lengthSqrd();
+    const double uv = arc.u.dotProduct(arc.v);
+    const double vv = arc.v.lengthSqrd();
+    const double det = uu * vv - uv * uv;
+    const BernsteinPolynomial x = curve.heights(arc.origin, (arc.u * vv - arc.v * uv) / det);
+    const BernsteinPolynomial y = curve.heights(arc.origin, (arc.v * uu - arc.u * uv) / det);
+    const BernsteinPolynomial w = curve.weights();
+    BernsteinPolynomial result = x * x;
+    result += y * y;
+    result -= w * w;
+    return result;
+}
+
+void bezierWithBezier(Hits& hits, const CurvePiece& first, const CurvePiece& second, double tolerance) {
+    for (const auto& [s, t] : intersectBeziers(first.bezier, second.bezier, tolerance)) {
+        addHit(hits, first, second, first.from + (first.to - first.from) * s,
+               second.from + (second.to - second.from) * t, tolerance);
+    }
+    if (hits.size() > 1 && liesAlong(first, second, tolerance)) {
+        hits.clear();
+        sharedEnds(hits, first, second, tolerance);
+    }
+}
+
+void bezierWith(Hits& hits, const CurvePiece& curve, const CurvePiece& other, double tolerance) {
+    if (other.isBezier()) {
+        bezierWithBezier(hits, curve, other, tolerance);
+        return;
+    }
+    if (!other.isArc()) {
+        const BernsteinPolynomial heights = heightsOverLine(curve.bezier, other);
+        heights.bound() > tolerance ? addRoots(hits, curve, other, heights, tolerance, tolerance)
+                                    : sharedEnds(hits, curve, other, tolerance);
+        return;
+    }
+    const ConicFrame frame(other);
+    const BernsteinPolynomial heights = curve.bezier.heights(other.origin, frame.normal());
+    if (heights.bound() > tolerance) {
+        addRoots(hits, curve, other, heights, tolerance, tolerance);
+        return;
+    }
+    const BernsteinPolynomial outside = heightsOverConic(curve.bezier, other);
+    const double slack = 2.0 * tolerance / frame.size();
+    outside.bound() > slack ? addRoots(hits, curve, other, outside, slack, tolerance)
+                            : sharedEnds(hits, curve, other, tolerance);
+}
+
 Hits intersectPieces(const CurvePiece& first, const CurvePiece& second, double tolerance) {
     Hits hits;
     if (isPoint(first)) {
@@ -315,6 +415,11 @@ Hits intersectPieces(const CurvePiece& first, const CurvePiece& second, double t
     } else if (secondFlat) {
         flatArcWith(hits, second, first, tolerance);
         swapSides(hits, first);
+    } else if (second.isBezier()) {
+        bezierWith(hits, second, first, tolerance);
+        swapSides(hits, first);
+    } else if (first.isBezier()) {
+        bezierWith(hits, first, second, tolerance);
     } else if (!first.isArc() && !second.isArc()) {
         lineWithLine(hits, first, second, tolerance);
     } else if (!first.isArc()) {
@@ -340,6 +445,11 @@ std::vector<Box> boxesOf(std::span<const CurvePiece> pieces, double tolerance) {
     const AcGeVector3d margin(tolerance, tolerance, tolerance);
     for (std::size_t index = 0; index < pieces.size(); ++index) {
         CurvePiece piece = pieces[index];
+        if (piece.isBezier()) {
+            const AcGeBoundBlock3d hull = piece.bezier.hull();
+            boxes.push_back({hull.minPoint() - margin, hull.maxPoint() + margin, index});
+            continue;
+        }
         if (piece.openBefore || piece.openAfter) {
             if (!piece.isArc()) {
                 boxes.push_back({{-infinity, -infinity, -infinity}, {infinity, infinity, infinity}, index});

@@ -27,7 +27,6 @@ constexpr int linetypeGeneration = 128;
 AcDb2dPolyline::AcDb2dPolyline(AcDb::Poly2dType type, const AcGePoint3dArray& vertices, double elevation,
                                bool closed, double defaultStartWidth, double defaultEndWidth,
                                const AcGeDoubleArray* bulges, const AcGeDoubleArray* vertexWidths) {
-    setPolyType(type);
     setFlag(closedPolyline, closed);
     m.elevation = elevation;
     m.startWidth = defaultStartWidth;
@@ -43,6 +42,9 @@ AcDb2dPolyline::AcDb2dPolyline(AcDb::Poly2dType type, const AcGePoint3dArray& ve
         auto* vertex = new AcDb2dVertex;
         vertex->setData(data);
         appendVertex(vertex);
+    }
+    if (type != AcDb::k2dSimplePoly) {
+        convertToPolyType(type);
     }
 }
 
@@ -449,28 +451,6 @@ Acad::ErrorStatus AcDb2dPolyline::subTransformBy(const AcGeMatrix3d& transform) 
     m.elevation = planar.elevation;
     m.thickness *= planar.normalScale;
     return status;
-}
-
-Acad::ErrorStatus AcDb2dPolyline::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
-                                                   AcDbIntArray&) const {
-    assertReadEnabled();
-    for (const Vertex2dData& vertex : drawnVertices()) {
-        points.append(toWorldPoint(host::to2d(vertex.position)));
-    }
-    return Acad::eOk;
-}
-
-Acad::ErrorStatus AcDb2dPolyline::subMoveGripPointsAt(const AcDbIntArray& indices,
-                                                      const AcGeVector3d& offset) {
-    std::vector<Vertex2dData> vertices = drawnVertices();
-    const AcGeVector3d move = host::toObject(m.normal, offset);
-    const Acad::ErrorStatus status =
-        host::forGrips(indices, static_cast<int>(vertices.size()), [&](int index) {
-            AcGePoint3d& position = vertices[static_cast<std::size_t>(index)].position;
-            position.x += move.x;
-            position.y += move.y;
-        });
-    return status == Acad::eOk ? assignVertices(vertices) : status;
 }
 
 bool AcDb2dPolyline::subWorldDraw(AcGiWorldDraw* draw) {

@@ -116,6 +116,16 @@ public:
 
     AcDb::Poly2dType polyType() const;
     Acad::ErrorStatus setPolyType(AcDb::Poly2dType type);
+    /// Takes out what fitting added and makes all segments straight.
+    Acad::ErrorStatus straighten();
+    /// Pairs of arcs through the vertices; directions of vertices that have one are kept.
+    Acad::ErrorStatus curveFit();
+    /// The chords of a spline that has the vertices as its frame, as SPLINETYPE and SPLINESEGS of the drawing
+    /// say.
+    Acad::ErrorStatus splineFit();
+    /// With a negative number of segments the spline is followed by arcs instead of chords.
+    Acad::ErrorStatus splineFit(AcDb::Poly2dType type, Adesk::Int16 segments);
+    Acad::ErrorStatus convertToPolyType(AcDb::Poly2dType type);
     Acad::ErrorStatus makeClosed();
     Acad::ErrorStatus makeOpen();
     double defaultStartWidth() const;
@@ -169,6 +179,7 @@ protected:
     void subBecameResident() override { mVertices.ownerBecameResident(*this); }
     Acad::ErrorStatus subErase(bool erasing) override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    /// The vertices; of a fitted polyline those that the fitting starts from.
     Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray& snapModes,
                                        AcDbIntArray& geometryIds) const override;
     Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
@@ -187,6 +198,13 @@ protected:
 private:
     void setFlag(int flag, bool on);
     std::vector<host::Vertex2dData> drawnVertices() const;
+    /// The vertices that fitting starts from.
+    std::vector<host::Vertex2dData> frameVertices() const;
+    static bool isAdded(const AcDb2dVertex& vertex);
+    Acad::ErrorStatus append(const host::Vertex2dData& data);
+    /// Fits again as the polyline is fitted now.
+    Acad::ErrorStatus fitAgain();
+    int fittedSegments() const;
     /// Gives the drawn vertices new data, in order.
     Acad::ErrorStatus assignVertices(const std::vector<host::Vertex2dData>& data);
 

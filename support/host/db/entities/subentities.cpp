@@ -106,18 +106,6 @@ Acad::ErrorStatus SubentityList::erase(bool erasing) {
     return status;
 }
 
-void SubentityList::clear(AcDbEntity& owner) {
-    owner.assertWriteEnabled();
-    for (AcDbStub* stub : mIds) {
-        const Opened<AcDbEntity> part(AcDbObjectId(stub), AcDb::kForWrite);
-        if (part) {
-            part->erase();
-        }
-    }
-    mIds.clear();
-    mLoose.clear();
-}
-
 void SubentityList::dwgOut(AcDbDwgFiler* filer) const {
     const bool carriesParts = filer->filerType() == AcDb::kCopyFiler;
     filer->writeBool(carriesParts);

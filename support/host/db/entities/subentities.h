@@ -102,7 +102,31 @@ public:
     /// Erases residents and unerases them again, the end of the sequence with them.
     Acad::ErrorStatus erase(bool erasing);
     /// Takes all parts out; residents are erased. The owner must be open for write.
-    void clear(AcDbEntity& owner);
+    void clear(AcDbEntity& owner) {
+        removeIf<AcDbEntity>(owner, [](const AcDbEntity&) { return true; });
+        mIds.clear();
+    }
+    /// Takes the parts out for which remove(const Part&) is true; residents are erased. The owner must be
+    /// open for write.
+    template <class Part, class Remove>
+    void removeIf(AcDbEntity& owner, Remove&& remove) {
+        owner.assertWriteEnabled();
+        std::erase_if(mIds, [&](AcDbStub* stub) {
+            if (stub->erased) {
+                return false;
+            }
+            const Opened<Part> part(AcDbObjectId(stub), AcDb::kForWrite);
+            const bool goes = part && remove(static_cast<const Part&>(*part.get()));
+            if (goes) {
+                part->erase();
+            }
+            return goes;
+        });
+        std::erase_if(mLoose, [&](const std::unique_ptr<AcDbEntity>& part) {
+            const Part* own = Part::cast(part.get());
+            return own != nullptr && remove(*own);
+        });
+    }
 
     /// Residents travel as owned ids; a plain copy carries the parts themselves.
     void dwgOut(AcDbDwgFiler* filer) const;
