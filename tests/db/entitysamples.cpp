@@ -240,6 +240,51 @@ const std::vector<Sample>& samples() {
         sample<AcDbTrace>("Trace", L"AcDbTrace", "TRACE", enrichTrace),
         sample<AcDbSolid>("Solid", L"AcDbSolid", "SOLID",
                           [](AcDbSolid& solid, Drawing& d) { enrichTrace(solid, d); }),
+        sample<AcDbEllipse>("Ellipse", L"AcDbEllipse", "ELLIPSE",
+                            [](AcDbEllipse& ellipse, Drawing&) {
+                                ellipse.set({1, 2, 3}, tilted, tilted.perpVector() * 7, 0.4, 0.5, 4.0);
+                            }),
+        sample<AcDbSpline>(
+            "Spline", L"AcDbSpline", "SPLINE",
+            [](AcDbSpline& spline, Drawing&) {
+                spline.setFitData({{0, 0, 0}, {10, 5, 1}, {20, -5, 2}, {25, 0, 3}}, 3, 0.001, {1, 1, 0},
+                                  {0, -1, 0});
+            },
+            [](AcDbSpline& spline, Drawing&) {
+                spline.setNurbsData(2, true, false, false, {{0, 0, 0}, {5, 8, 0}, {10, 0, 0}},
+                                    {0, 0, 0, 1, 1, 1}, {1, 0.5, 1});
+            }),
+        sample<AcDbRay>("Ray", L"AcDbRay", "RAY",
+                        [](AcDbRay& ray, Drawing&) {
+                            ray.setBasePoint({1, 2, 3});
+                            ray.setUnitDir({1, 2, 2});
+                        }),
+        sample<AcDbXline>("Xline", L"AcDbXline", "XLINE",
+                          [](AcDbXline& xline, Drawing&) {
+                              xline.setBasePoint({1, 2, 3});
+                              xline.setUnitDir({-1, 2, 2});
+                          }),
+        sample<AcDb3dPolyline>("Polyline3d", L"AcDb3dPolyline", "POLYLINE",
+                               [](AcDb3dPolyline& polyline, Drawing&) {
+                                   for (const AcGePoint3d& point :
+                                        {AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 5), AcGePoint3d(10, 8, 2)}) {
+                                       polyline.appendVertex(new AcDb3dPolylineVertex(point));
+                                   }
+                                   polyline.makeClosed();
+                                   polyline.splineFit(AcDb::k3dQuadSplinePoly, 4);
+                               }),
+        sample<AcDb3dPolylineVertex>("Vertex3d", L"AcDb3dPolylineVertex", "VERTEX",
+                                     [](AcDb3dPolylineVertex& vertex, Drawing&) {
+                                         vertex.setPosition({1, 2, 3});
+                                         vertex.setVertexType(AcDb::k3dControlVertex);
+                                     }),
+        sample<AcDbFace>("Face", L"AcDbFace", "3DFACE",
+                         [](AcDbFace& face, Drawing&) {
+                             for (Adesk::UInt16 index = 0; index < 4; ++index) {
+                                 face.setVertexAt(index, {index * 3.0, (index % 3) * 2.0, index * 1.0});
+                             }
+                             face.makeEdgeInvisibleAt(1);
+                         }),
     };
     return all;
 }

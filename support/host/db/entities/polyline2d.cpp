@@ -317,6 +317,21 @@ Acad::ErrorStatus AcDb2dPolyline::reverseCurve() {
     if (isClosed() && count > 0) {
         std::rotate(turned.begin(), turned.end() - 1, turned.end()); // the first vertex stays the first
     }
+    std::vector<Vertex2dData> frame;
+    mVertices.forEach<AcDb2dVertex>([&](const AcDb2dVertex& vertex) {
+        if ((vertex.data().flags & Vertex2dData::splineControl) != 0) {
+            frame.push_back(vertex.data());
+        }
+    });
+    if (!frame.empty()) {
+        std::reverse(frame.begin() + (isClosed() ? 1 : 0), frame.end());
+        std::size_t at = 0;
+        mVertices.change<AcDb2dVertex>([&](AcDb2dVertex& vertex) {
+            if ((vertex.data().flags & Vertex2dData::splineControl) != 0) {
+                vertex.setData(frame[at++]);
+            }
+        });
+    }
     return assignVertices(turned);
 }
 
