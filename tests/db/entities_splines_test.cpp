@@ -266,8 +266,9 @@ TEST_F(SplineTest, CrossingsLieOnBothCurvesAndNoneIsMissed) {
         // Chords that cross do so near a point that was found.
         const auto chords = [](const AcDbCurve& curve) {
             std::vector<AcGePoint3d> result;
+            const Range range(curve);
             for (int k = 0; k <= 400; ++k) {
-                result.push_back(pointOf(curve, Range(curve).at(k / 400.0)));
+                result.push_back(pointOf(curve, range.at(k / 400.0)));
             }
             return result;
         };
@@ -292,7 +293,8 @@ TEST_F(SplineTest, CrossingTable) {
     const AcDbEllipse ellipse({0, 0, 0}, AcGeVector3d::kZAxis, {5, 0, 0}, 0.6);
     const AcDbEllipse half({0, 0, 0}, AcGeVector3d::kZAxis, {5, 0, 0}, 0.6, 0, pi);
     const AcDbSpline wave({{0, 0, 0}, {5, 5, 0}, {10, -5, 0}, {15, 0, 0}});
-    const AcDbSpline straight(1, false, false, false, {{0, 0, 0}, {4, 0, 0}}, {0, 0, 1, 1}, {});
+    const AcDbSpline straight(1, false, false, false, {{0, 0, 0}, {4, 0, 0}}, {0, 0, 1, 1},
+                              AcGeDoubleArray());
     const AcDbLine across({-9, 1, 0}, {9, 1, 0}), touching({-9, 3, 0}, {9, 3, 0}), shorter({20, 0, 0}, {20, 4, 0});
     const AcDbLine above({0, 0, -5}, {5, 5, 5}), standing({5, 5, -5}, {5, 5, 5});
     AcDbRay ray;
@@ -440,7 +442,8 @@ TEST_F(SplineTest, SplineDataChangeTogether) {
     const std::string before = bytesOf(spline);
     EXPECT_EQ(spline.setWeightAt(0, -1.0), Acad::eInvalidInput);
     EXPECT_EQ(spline.setControlPointAt(99, {}), Acad::eInvalidIndex);
-    EXPECT_EQ(spline.setNurbsData(3, false, false, false, {{0, 0, 0}, {1, 1, 0}}, {0, 0, 1, 1}, {}),
+    EXPECT_EQ(spline.setNurbsData(3, false, false, false, {{0, 0, 0}, {1, 1, 0}}, {0, 0, 1, 1},
+                                  AcGeDoubleArray()),
               Acad::eInvalidInput);
     EXPECT_EQ(bytesOf(spline), before);
     AcDbCurve* made = nullptr;

@@ -51,11 +51,22 @@ Acad::ErrorStatus AcDb2dPolyline::append(const Vertex2dData& data) {
 
 Acad::ErrorStatus AcDb2dPolyline::straighten() {
     assertWriteEnabled();
+    // A vertex that arcs were fitted to has given the second half of its taper to the joint after it.
+    std::vector<double> endWidths;
+    mVertices.forEach<AcDb2dVertex>([&](const AcDb2dVertex& vertex) {
+        if (!isAdded(vertex)) {
+            endWidths.push_back(vertex.data().endWidth);
+        } else if ((vertex.data().flags & Vertex2dData::curveFit) != 0 && !endWidths.empty()) {
+            endWidths.back() = vertex.data().endWidth;
+        }
+    });
     mVertices.removeIf<AcDb2dVertex>(*this, [](const AcDb2dVertex& vertex) { return isAdded(vertex); });
     setPolyType(AcDb::k2dSimplePoly);
-    return mVertices.change<AcDb2dVertex>([](AcDb2dVertex& vertex) {
+    std::size_t at = 0;
+    return mVertices.change<AcDb2dVertex>([&](AcDb2dVertex& vertex) {
         Vertex2dData data = vertex.data();
         data.bulge = 0.0;
+        data.endWidth = endWidths[at++];
         data.flags = withBits(data.flags, fittingBits, 0);
         vertex.setData(data);
     });
@@ -63,6 +74,12 @@ Acad::ErrorStatus AcDb2dPolyline::straighten() {
 
 Acad::ErrorStatus AcDb2dPolyline::curveFit() {
     assertWriteEnabled();
+    if (frameVertices().size() < 2) {
+        return Acad::eDegenerateGeometry;
+    }
+    if (const Acad::ErrorStatus status = straighten(); status != Acad::eOk) {
+        return status;
+    }
     const std::vector<Vertex2dData> frame = frameVertices();
     std::vector<host::FitVertex> vertices;
     for (const Vertex2dData& vertex : frame) {
@@ -72,56 +89,40 @@ Acad::ErrorStatus AcDb2dPolyline::curveFit() {
             made.tangent = vertex.tangent;
         }
     }
-    if (vertices.size() < 2) {
-        return Acad::eDegenerateGeometry;
-    }
-    if (const Acad::ErrorStatus status = straighten(); status != Acad::eOk) {
-        return status;
-    }
-    // The joints go between the vertices, which are told apart by their places in the path.
     const host::BulgePath path = host::fitArcs(vertices, isClosed());
-    std::vector<AcDbObjectId> resident;
-    std::vector<AcDb2dVertex*> loose;
-    for (const std::unique_ptr<AcDbObjectIterator> at(vertexIterator()); !at->done(); at->step()) {
-        resident.push_back(at->objectId());
-        loose.push_back(AcDb2dVertex::cast(at->entity()));
-    }
+    std::vector<Vertex2dData> joints;
+    std::vector<std::size_t> order;
     std::size_t place = 0;
-    for (std::size_t index = 0; index < frame.size() && place < path.vertices.size(); ++index) {
-        const std::size_t next = (index + 1) % frame.size();
-        const bool isLast = !isClosed() && index + 1 == frame.size();
-        const bool hasJoint = !isLast && !vertices[index].point.isEqualTo(vertices[next].point);
+    std::size_t index = 0;
+    const auto hasJoint = [&](std::size_t at) {
+        const bool isLast = !isClosed() && at + 1 == frame.size();
+        return !isLast && !vertices[at].point.isEqualTo(vertices[(at + 1) % frame.size()].point);
+    };
+    mVertices.change<AcDb2dVertex>([&](AcDb2dVertex& vertex) {
         const host::SegmentWidths widths = widthsOf(frame[index], m.startWidth, m.endWidth);
         const double middle = 0.5 * (widths.start + widths.end);
-        Vertex2dData data = frame[index];
+        Vertex2dData data = vertex.data();
         data.bulge = path.vertices[place++].bulge;
-        data.flags = withBits(data.flags, fittingBits, 0);
-        Vertex2dData joint;
-        if (hasJoint) {
+        order.push_back(index);
+        if (hasJoint(index)) {
             data.startWidth = widths.start;
             data.endWidth = middle;
+            Vertex2dData joint;
             joint.position = host::to3d(path.vertices[place].point, m.elevation);
             joint.bulge = path.vertices[place++].bulge;
             joint.flags = Vertex2dData::curveFit;
             joint.startWidth = middle;
             joint.endWidth = widths.end;
+            order.push_back(frame.size() + joints.size());
+            joints.push_back(joint);
         }
-        AcDbObjectId id;
-        if (loose[index] != nullptr) {
-            loose[index]->setData(data);
-        } else if (const host::Opened<AcDb2dVertex> vertex(resident[index], AcDb::kForWrite); vertex) {
-            vertex->setData(data);
-        }
-        if (hasJoint) {
-            auto* made = new AcDb2dVertex;
-            made->setData(joint);
-            if (loose[index] != nullptr) {
-                insertVertexAt(loose[index], made);
-            } else if (insertVertexAt(id, resident[index], made) == Acad::eOk) {
-                made->close();
-            }
-        }
+        vertex.setData(data);
+        ++index;
+    });
+    for (const Vertex2dData& joint : joints) {
+        append(joint);
     }
+    mVertices.reorder(*this, order);
     return setPolyType(AcDb::k2dFitCurvePoly);
 }
 
@@ -136,17 +137,16 @@ Acad::ErrorStatus AcDb2dPolyline::splineFit(AcDb::Poly2dType type, Adesk::Int16 
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
-    // A curve fit has shared the widths of a segment out; the vertices added by it know where they ended.
-    const std::vector<Vertex2dData> frame = frameVertices();
-    if (frame.size() < 3) {
+    if (frameVertices().size() < 3) {
         return Acad::eDegenerateGeometry;
     }
-    const double startWidth = widthsOf(frame.front(), m.startWidth, m.endWidth).start;
-    const Vertex2dData& last = frame[frame.size() - (isClosed() ? 1 : 2)];
-    const double endWidth = widthsOf(last, m.startWidth, m.endWidth).end;
     if (const Acad::ErrorStatus status = straighten(); status != Acad::eOk) {
         return status;
     }
+    const std::vector<Vertex2dData> frame = frameVertices();
+    const double startWidth = widthsOf(frame.front(), m.startWidth, m.endWidth).start;
+    const Vertex2dData& last = frame[frame.size() - (isClosed() ? 1 : 2)];
+    const double endWidth = widthsOf(last, m.startWidth, m.endWidth).end;
     std::vector<AcGePoint3d> positions;
     for (const Vertex2dData& vertex : frame) {
         positions.push_back(vertex.position);

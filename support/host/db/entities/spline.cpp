@@ -15,7 +15,7 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbSpline, AcDbCurve, AcDb::kDHL_CURRENT, AcDb::kMRelea
                         ObjectDBX Classes)
 
 using host::SplineData;
-using host::SplineFlag;
+namespace SplineFlag = host::SplineFlag;
 
 AcDbSpline::AcDbSpline(const AcGePoint3dArray& fitPoints, const AcGeVector3d& startTangent,
                        const AcGeVector3d& endTangent, int order, double fitTolerance) {

@@ -7,7 +7,7 @@
 #include <algorithm>
 
 using host::SplineData;
-using host::SplineFlag;
+namespace SplineFlag = host::SplineFlag;
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "host/db/dbdatabase.h"
 
 #include <algorithm>
+#include <iterator>
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObjectIterator, AcRxObject)
 ACRX_DXF_DEFINE_MEMBERS(AcDbSequenceEnd, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, SEQEND,
@@ -104,6 +105,27 @@ Acad::ErrorStatus SubentityList::erase(bool erasing) {
     std::for_each(mIds.begin(), mIds.end(), eraseOne);
     eraseOne(mEnd);
     return status;
+}
+
+void SubentityList::reorder(AcDbEntity& owner, const std::vector<std::size_t>& order) {
+    owner.assertWriteEnabled();
+    std::vector<AcDbStub*> shown;
+    std::copy_if(mIds.begin(), mIds.end(), std::back_inserter(shown),
+                 [](const AcDbStub* stub) { return !stub->erased; });
+    if (order.size() != shown.size() + mLoose.size()) {
+        return;
+    }
+    auto from = order.begin();
+    for (AcDbStub*& stub : mIds) {
+        if (!stub->erased) {
+            stub = shown[*from++];
+        }
+    }
+    std::vector<std::unique_ptr<AcDbEntity>> loose(mLoose.size());
+    for (std::size_t index = 0; index < loose.size(); ++index) {
+        loose[index] = std::move(mLoose[order[index]]);
+    }
+    mLoose = std::move(loose);
 }
 
 void SubentityList::dwgOut(AcDbDwgFiler* filer) const {
