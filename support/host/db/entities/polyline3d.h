@@ -139,8 +139,8 @@ protected:
 
 private:
     void setFlag(int flag, bool on);
-    /// Positions of the vertices with one of the flags, or without all of them.
     std::vector<AcGePoint3d> drawn() const;
+    /// The vertices that fitting starts from.
     std::vector<AcGePoint3d> frame() const;
     /// The drawn vertices, and of a closed polyline the first one again.
     std::vector<AcGePoint3d> outline() const;

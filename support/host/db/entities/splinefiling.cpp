@@ -94,7 +94,8 @@ Acad::ErrorStatus AcDbSpline::dwgInFields(AcDbDwgFiler* filer) {
         const bool isPeriodic = (read.flags & SplineFlag::periodic) != 0;
         read.curve = AcGeNurbCurve3d(degree, AcGeKnotVector(knots), points, weights, isPeriodic);
         if (!host::isUsable(read.curve)) {
-            return filer->setFilerStatus(Acad::eInvalidInput);
+            filer->setFilerStatus(Acad::eInvalidInput);
+            return Acad::eInvalidInput;
         }
     }
     m = read;
@@ -103,7 +104,7 @@ Acad::ErrorStatus AcDbSpline::dwgInFields(AcDbDwgFiler* filer) {
 
 Acad::ErrorStatus AcDbSpline::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
-    m = {};
+    m = SplineData();
     mReading = std::make_unique<Reading>();
     Acad::ErrorStatus status = AcDbCurve::dxfInFields(filer);
     if (status == Acad::eOk) {
