@@ -87,8 +87,8 @@ TEST_F(FitTest, DrawingsSayHowSplinesAreFitted) {
     };
     set("SPLINETYPE", 5);
     set("SPLINESEGS", 3);
-    auto* polyline = new AcDb3dPolyline(AcDb::k3dSimplePoly, {{0, 0, 0}, {10, 0, 4}, {12, 7, -3}, {3, 9, 1}},
-                                        true);
+    auto* polyline =
+        new AcDb3dPolyline(AcDb::k3dSimplePoly, {{0, 0, 0}, {10, 0, 4}, {12, 7, -3}, {3, 9, 1}}, true);
     const AcDbObjectId id = drawing.append(polyline);
     const host::Opened<AcDb3dPolyline> opened(id, AcDb::kForWrite);
     ASSERT_EQ(polyline->splineFit(), Acad::eOk);

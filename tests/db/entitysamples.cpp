@@ -267,7 +267,8 @@ const std::vector<Sample>& samples() {
         sample<AcDb3dPolyline>("Polyline3d", L"AcDb3dPolyline", "POLYLINE",
                                [](AcDb3dPolyline& polyline, Drawing&) {
                                    for (const AcGePoint3d& point :
-                                        {AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 5), AcGePoint3d(10, 8, 2)}) {
+                                        {AcGePoint3d(0, 0, 0), AcGePoint3d(10, 0, 5),
+                                         AcGePoint3d(10, 8, 2)}) {
                                        polyline.appendVertex(new AcDb3dPolylineVertex(point));
                                    }
                                    polyline.makeClosed();

@@ -37,8 +37,8 @@ struct TrigonometricQuadratic {
 
     double value(double t) const;
     double derivative(double t) const;
-    // The roots in [0, 2 pi), ascending. An extreme within the tolerance of zero (at least within rounding) is
-    // one root, a touch. None when the function vanishes everywhere.
+    // The roots in [0, 2 pi), ascending. An extreme within the tolerance of zero (at least within rounding)
+    // is one root, a touch. None when the function vanishes everywhere.
     std::vector<double> roots(double tolerance = 0.0) const;
 };
 

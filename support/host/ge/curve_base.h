@@ -216,12 +216,14 @@ private:
             const double rest = distance - reached;
             (rest >= 0.0 ? low : high) = t;
             const double speed = firstDerivative(t).length();
-            double next = speed > 0.0 ? t + std::copysign(rest / speed, (to - from) * rest) : 0.5 * (low + high);
+            double next =
+                speed > 0.0 ? t + std::copysign(rest / speed, (to - from) * rest) : 0.5 * (low + high);
             if (!((next - low) * (high - next) >= 0.0))
                 next = 0.5 * (low + high);
             if (std::fabs(next - t) <= 1e-15 * (1.0 + std::fabs(t)))
                 return next;
-            reached += (next - t) * (to - from) > 0.0 ? length(t, next, tolerance) : -length(t, next, tolerance);
+            reached +=
+                (next - t) * (to - from) > 0.0 ? length(t, next, tolerance) : -length(t, next, tolerance);
             t = next;
         }
         return t;

@@ -136,8 +136,7 @@ bool AcGeNurbCurve3d::hasShape() const {
 }
 
 bool AcGeNurbCurve3d::isValid() const {
-    return hasShape() &&
-           std::is_sorted(m_knots.asArrayPtr(), m_knots.asArrayPtr() + m_knots.length()) &&
+    return hasShape() && std::is_sorted(m_knots.asArrayPtr(), m_knots.asArrayPtr() + m_knots.length()) &&
            m_knots[m_degree] < m_knots[m_points.length()] &&
            std::all_of(m_weights.begin(), m_weights.end(), [](double weight) { return weight > 0.0; });
 }

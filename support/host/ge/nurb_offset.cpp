@@ -24,8 +24,8 @@ public:
         : m_curve(&curve), m_up(up), m_distance(distance), m_low(low), m_high(high) {}
     // Around a corner: the parameter is the angle from the radius at 0.
     Track(const AcGePoint3d& center, const AcGeVector3d& radius, double angle, const AcGeVector3d& up)
-        : m_up(up), m_distance(0.0), m_low(0.0), m_high(std::fabs(angle)), m_center(center),
-          m_radius(radius), m_across((up * (angle < 0.0 ? -1.0 : 1.0)).crossProduct(radius)) {}
+        : m_up(up), m_distance(0.0), m_low(0.0), m_high(std::fabs(angle)), m_center(center), m_radius(radius),
+          m_across((up * (angle < 0.0 ? -1.0 : 1.0)).crossProduct(radius)) {}
 
     double low() const { return m_low; }
     double high() const { return m_high; }

@@ -223,8 +223,8 @@ double AcGeNurbCurve3d::closestParameter(const AcGePoint3d& point) const {
         const AcGeBoundBlock3d box = span.curve.hull();
         double least = 0.0;
         for (unsigned int axis = 0; axis < 3; ++axis) {
-            const double away = std::max(
-                {box.minPoint()[axis] - point[axis], point[axis] - box.maxPoint()[axis], 0.0});
+            const double away =
+                std::max({box.minPoint()[axis] - point[axis], point[axis] - box.maxPoint()[axis], 0.0});
             least += away * away;
         }
         if (least > bestSquared)

@@ -28,7 +28,7 @@ AcGeVector2d circleTangent(const AcGePoint2d& before, const AcGePoint2d& at, con
     const AcGeVector2d sum = in / inSize + out / outSize;
     // A polyline that turns back on itself goes round in a half circle.
     return sum.length() > 1e-12 / std::sqrt(std::min(inSize, outSize)) ? sum.normal()
-                                                                        : in.normal().perpVector();
+                                                                       : in.normal().perpVector();
 }
 
 // The direction at the other end of a chord, on the one arc that has the given direction at this end.

@@ -328,7 +328,8 @@ Acad::ErrorStatus AcDbArc::subGetTransformedCopy(const AcGeMatrix3d& transform, 
     if (status != Acad::eCannotScaleNonUniformly) {
         return status;
     }
-    copy = host::newEllipse(*this, m.piece(m.startAngle, m.startAngle + m.sweep()), m.normal, transform).release();
+    copy = host::newEllipse(*this, m.piece(m.startAngle, m.startAngle + m.sweep()), m.normal, transform)
+               .release();
     return copy != nullptr ? Acad::eOk : status;
 }
 

@@ -108,7 +108,8 @@ void openEnds(std::vector<CurvePiece>& pieces) {
     // A spline's continuation has the parameters of the spline, as the spline's own piece would.
     const auto tangent = [](const CurvePiece& piece, double at) {
         const AcGeVector3d along = piece.derivativeAt(at);
-        CurvePiece line = CurvePiece::line(piece.pointAt(at) - along * at, piece.pointAt(at) + along * (1.0 - at));
+        CurvePiece line =
+            CurvePiece::line(piece.pointAt(at) - along * at, piece.pointAt(at) + along * (1.0 - at));
         line.from = line.to = at;
         return line;
     };
@@ -211,8 +212,7 @@ std::vector<double> CurvePiece::tangentParameters(const AcGePoint3d& point) cons
     std::vector<double> result;
     if (isBezier()) {
         const AcGeVector3d plane = bezier.planeNormal();
-        for (const double t :
-             plane.isZeroLength() ? std::vector<double>() : bezier.touches(point, plane)) {
+        for (const double t : plane.isZeroLength() ? std::vector<double>() : bezier.touches(point, plane)) {
             result.push_back(pieceParameter(t));
         }
         return result;

@@ -1,6 +1,6 @@
 // Pieces of curves in space: straight lines, arcs of circles and ellipses, Bezier curves. All kinds stay what
-// they are under every affine map, projections among them, so that one set of functions serves intersection, closest
-// points, snapping and extents of all entities, within blocks of any scale too.
+// they are under every affine map, projections among them, so that one set of functions serves intersection,
+// closest points, snapping and extents of all entities, within blocks of any scale too.
 #pragma once
 
 #include "host/db/dbentity.h"

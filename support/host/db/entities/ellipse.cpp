@@ -52,8 +52,7 @@ host::CurvePiece EllipseData::piece() const {
 
 AcGeEllipArc3d EllipseData::arc() const {
     const double radius = majorAxis.length();
-    return {center, majorAxis,  minorAxis(),         radius, radius * radiusRatio,
-            startParam, startParam + sweep()};
+    return {center, majorAxis, minorAxis(), radius, radius * radiusRatio, startParam, startParam + sweep()};
 }
 
 double EllipseData::parameterTowards(const AcGePoint3d& point) const {
@@ -352,8 +351,8 @@ Acad::ErrorStatus AcDbEllipse::getOffsetCurves(double distance, AcDbVoidPtrArray
 
 Acad::ErrorStatus AcDbEllipse::getOrthoProjectedCurve(const AcGePlane& plane, AcDbCurve*& curve) const {
     assertReadEnabled();
-    auto projected = host::newEllipse(*this, m.piece(), m.normal,
-                                      AcGeMatrix3d::projection(plane, plane.normal()));
+    auto projected =
+        host::newEllipse(*this, m.piece(), m.normal, AcGeMatrix3d::projection(plane, plane.normal()));
     if (projected == nullptr) {
         return Acad::eDegenerateGeometry;
     }
@@ -421,7 +420,8 @@ Acad::ErrorStatus AcDbEllipse::subTransformBy(const AcGeMatrix3d& transform) {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbEllipse::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&, AcDbIntArray&) const {
+Acad::ErrorStatus AcDbEllipse::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
+                                                AcDbIntArray&) const {
     assertReadEnabled();
     points.append(m.center);
     for (int quarter = 0; quarter < 4; ++quarter) {

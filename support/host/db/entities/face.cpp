@@ -137,8 +137,7 @@ bool AcDbFace::isPlanar() const {
 
 Acad::ErrorStatus AcDbFace::getPlane(AcGePlane& plane, AcDb::Planarity& planarity) const {
     assertReadEnabled();
-    const AcGeVector3d normal =
-        (m.corners[2] - m.corners[0]).crossProduct(m.corners[3] - m.corners[1]);
+    const AcGeVector3d normal = (m.corners[2] - m.corners[0]).crossProduct(m.corners[3] - m.corners[1]);
     if (normal.isZeroLength()) {
         planarity = AcDb::kLinear;
         return Acad::eDegenerateGeometry;

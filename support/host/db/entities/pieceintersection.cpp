@@ -285,8 +285,8 @@ bool liesAlong(const CurvePiece& first, const CurvePiece& second, double toleran
     std::sort(ends.begin(), ends.end());
     for (std::size_t index = 0; index + 1 < ends.size(); ++index) {
         const double width = ends[index + 1] - ends[index];
-        bool shared = first.pointAt(ends[index]).distanceTo(first.pointAt(ends[index] + 0.5 * width)) >
-                      2.0 * tolerance;
+        bool shared =
+            first.pointAt(ends[index]).distanceTo(first.pointAt(ends[index] + 0.5 * width)) > 2.0 * tolerance;
         for (const double part : {0.17, 0.41, 0.5, 0.83}) {
             const AcGePoint3d point = first.pointAt(ends[index] + part * width);
             shared = shared && second.pointAt(second.closestParameter(point)).distanceTo(point) <= tolerance;
@@ -331,8 +331,8 @@ void swapSides(Hits& hits, const CurvePiece& first) {
 }
 
 /// The crossings of a Bezier curve at roots of a polynomial, as far as they are on the other piece.
-void addRoots(Hits& hits, const CurvePiece& curve, const CurvePiece& other, const BernsteinPolynomial& heights,
-              double slack, double tolerance) {
+void addRoots(Hits& hits, const CurvePiece& curve, const CurvePiece& other,
+              const BernsteinPolynomial& heights, double slack, double tolerance) {
     for (const double root : heights.roots(slack)) {
         const double t = root == 1.0 ? curve.to : curve.from + (curve.to - curve.from) * root;
         addIfOnSecond(hits, curve, other, t, tolerance);
@@ -364,13 +364,13 @@ BernsteinPolynomial heightsOverConic(const BezierCurve& curve, const CurvePiece&
 }
 
 void bezierWithBezier(Hits& hits, const CurvePiece& first, const CurvePiece& second, double tolerance) {
+    if (liesAlong(first, second, tolerance)) {
+        sharedEnds(hits, first, second, tolerance);
+        return;
+    }
     for (const auto& [s, t] : intersectBeziers(first.bezier, second.bezier, tolerance)) {
         addHit(hits, first, second, first.from + (first.to - first.from) * s,
                second.from + (second.to - second.from) * t, tolerance);
-    }
-    if (hits.size() > 1 && liesAlong(first, second, tolerance)) {
-        hits.clear();
-        sharedEnds(hits, first, second, tolerance);
     }
 }
 

@@ -114,9 +114,8 @@ Acad::ErrorStatus AcDb3dPolyline::append(const AcGePoint3d& position, int flags)
 
 Acad::ErrorStatus AcDb3dPolyline::straighten() {
     assertWriteEnabled();
-    mVertices.removeIf<AcDb3dPolylineVertex>(*this, [](const AcDb3dPolylineVertex& vertex) {
-        return vertex.vertexType() == AcDb::k3dFitVertex;
-    });
+    mVertices.removeIf<AcDb3dPolylineVertex>(
+        *this, [](const AcDb3dPolylineVertex& vertex) { return vertex.vertexType() == AcDb::k3dFitVertex; });
     setPolyType(AcDb::k3dSimplePoly);
     return mVertices.change<AcDb3dPolylineVertex>(
         [](AcDb3dPolylineVertex& vertex) { vertex.setVertexType(AcDb::k3dSimpleVertex); });
@@ -382,9 +381,8 @@ bool AcDb3dPolyline::subCurvePieces(std::vector<host::CurvePiece>& pieces) const
 
 Acad::ErrorStatus AcDb3dPolyline::subTransformBy(const AcGeMatrix3d& transform) {
     assertWriteEnabled();
-    return mVertices.change<AcDb3dPolylineVertex>([&](AcDb3dPolylineVertex& vertex) {
-        vertex.setPosition(transform * vertex.data().position);
-    });
+    return mVertices.change<AcDb3dPolylineVertex>(
+        [&](AcDb3dPolylineVertex& vertex) { vertex.setPosition(transform * vertex.data().position); });
 }
 
 Acad::ErrorStatus AcDb3dPolyline::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
@@ -400,9 +398,9 @@ Acad::ErrorStatus AcDb3dPolyline::subMoveGripPointsAt(const AcDbIntArray& indice
                                                       const AcGeVector3d& offset) {
     assertWriteEnabled();
     std::vector<AcGePoint3d> points = frame();
-    const Acad::ErrorStatus status =
-        host::forGrips(indices, static_cast<int>(points.size()),
-                       [&](int index) { points[static_cast<std::size_t>(index)] += offset; });
+    const Acad::ErrorStatus status = host::forGrips(indices, static_cast<int>(points.size()), [&](int index) {
+        points[static_cast<std::size_t>(index)] += offset;
+    });
     if (status != Acad::eOk) {
         return status;
     }

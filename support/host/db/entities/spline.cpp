@@ -30,8 +30,8 @@ AcDbSpline::AcDbSpline(const AcGePoint3d& center, const AcGeVector3d& unitNormal
                        double endAngle) {
     const double radius = majorAxis.length();
     const AcGeVector3d minorAxis = unitNormal.crossProduct(majorAxis);
-    setCurve(AcGeNurbCurve3d(AcGeEllipArc3d(center, majorAxis, minorAxis, radius, radius * radiusRatio,
-                                            startAngle, endAngle)));
+    setCurve(AcGeNurbCurve3d(
+        AcGeEllipArc3d(center, majorAxis, minorAxis, radius, radius * radiusRatio, startAngle, endAngle)));
 }
 
 AcDbSpline::AcDbSpline(int degree, bool rational, bool closed, bool periodic,
@@ -289,11 +289,10 @@ Acad::ErrorStatus AcDbSpline::setFitData(const AcGePoint3dArray& fitPoints, int,
     changed.fitTolerance = fitTolerance;
     changed.startTangent = startTangent.normal();
     changed.endTangent = endTangent.normal();
-    const bool returns =
-        fitPoints.length() > 3 && fitPoints.first().isEqualTo(fitPoints.last()) &&
-        changed.startTangent.isZeroLength() && changed.endTangent.isZeroLength();
-    changed.flags = static_cast<Adesk::Int16>((changed.flags & ~SplineFlag::periodic) | SplineFlag::fitMethod |
-                                              (returns ? SplineFlag::periodic : 0));
+    const bool returns = fitPoints.length() > 3 && fitPoints.first().isEqualTo(fitPoints.last()) &&
+                         changed.startTangent.isZeroLength() && changed.endTangent.isZeroLength();
+    changed.flags = static_cast<Adesk::Int16>((changed.flags & ~SplineFlag::periodic) |
+                                              SplineFlag::fitMethod | (returns ? SplineFlag::periodic : 0));
     return changeFit(changed);
 }
 
@@ -382,7 +381,8 @@ Acad::ErrorStatus AcDbSpline::toPolyline(AcDbCurve*& polyline) const {
 
 bool AcDbSpline::isClosed() const {
     assertReadEnabled();
-    return !isEmpty() && m.curve.isClosed(AcGeTol().setEqualPoint(host::onCurveTolerance(m.curve.startPoint())));
+    return !isEmpty() &&
+           m.curve.isClosed(AcGeTol().setEqualPoint(host::onCurveTolerance(m.curve.startPoint())));
 }
 
 bool AcDbSpline::isPeriodic() const {
@@ -427,8 +427,9 @@ Acad::ErrorStatus AcDbSpline::extend(double parameter) {
     if (along.isZeroLength() || reached.isEqualTo(at)) {
         return Acad::eDegenerateGeometry;
     }
-    AcGeNurbCurve3d line(1, AcGeKnotVector({std::min(parameter, end), std::min(parameter, end),
-                                            std::max(parameter, end), std::max(parameter, end)}),
+    AcGeNurbCurve3d line(1,
+                         AcGeKnotVector({std::min(parameter, end), std::min(parameter, end),
+                                         std::max(parameter, end), std::max(parameter, end)}),
                          start ? AcGePoint3dArray({reached, at}) : AcGePoint3dArray({at, reached}));
     if (start) {
         setCurve(line.joinWith(m.curve));

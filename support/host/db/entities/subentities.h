@@ -128,7 +128,8 @@ public:
         });
     }
 
-    /// Puts the parts that are not erased into a new order: order[k] is the place from which the k-th one comes.
+    /// Puts the parts that are not erased into a new order: order[k] is the place from which the k-th one
+    /// comes.
     void reorder(AcDbEntity& owner, const std::vector<std::size_t>& order);
 
     /// Residents travel as owned ids; a plain copy carries the parts themselves.
