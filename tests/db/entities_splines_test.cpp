@@ -487,6 +487,29 @@ TEST_F(SplineTest, FitPointsAloneMakeASplineInFiles) {
     EXPECT_EQ(AcDbSpline().dxfIn(&second), Acad::eInvalidInput);
 }
 
+TEST_F(SplineTest, HugeNumbersAndPlacesFarAwayEnd) {
+    const AcGePoint3dArray arch{{0, 0, 0}, {5, 8, 0}, {10, 0, 0}};
+    for (const double scale : {1.0, 1e-3, 1e120, 1e200}) {
+        for (const double shift : {0.0, 4e6}) {
+            AcGePoint3dArray points;
+            for (const AcGePoint3d& point : arch) {
+                points.append({point.x * scale + shift, point.y * scale + shift, 0.0});
+            }
+            const AcDbSpline spline(2, true, false, false, points, {0, 0, 0, 1, 1, 1}, {1, 0.2, 3});
+            double length = 0.0, parameter = 0.0;
+            EXPECT_EQ(spline.getDistAtParam(1.0, length), Acad::eOk);
+            AcGePoint3d closest;
+            spline.getClosestPointTo({1, 2, 3}, closest);
+            AcGePoint3dArray found;
+            spline.intersectWith(&spline, AcDb::kExtendBoth, found);
+            if (scale <= 1.0) {
+                EXPECT_NEAR(length / scale, 13.1, 1.5);
+                EXPECT_EQ(spline.getParamAtDist(length / 2, parameter), Acad::eOk);
+            }
+        }
+    }
+}
+
 TEST_F(SplineTest, InfiniteLinesHaveNoExtents) {
     AcDbRay ray;
     ray.setBasePoint({1, 1, 0});
