@@ -267,8 +267,8 @@ TEST_F(SplineTest, CrossingsLieOnBothCurvesAndNoneIsMissed) {
         const auto chords = [](const AcDbCurve& curve) {
             std::vector<AcGePoint3d> result;
             const Range range(curve);
-            for (int k = 0; k <= 200; ++k) {
-                result.push_back(pointOf(curve, range.at(k / 200.0)));
+            for (int k = 0; k <= 400; ++k) {
+                result.push_back(pointOf(curve, range.at(k / 400.0)));
             }
             return result;
         };
@@ -318,7 +318,7 @@ TEST_F(SplineTest, CrossingTable) {
         {"construction line and ellipse", xline, ellipse, AcDb::kOnBothOperands, 2},
         {"construction line and ray beside it", xline, ray, AcDb::kOnBothOperands, 0},
         {"an ellipse and itself", ellipse, ellipse, AcDb::kOnBothOperands, 0},
-        {"a spline and itself: the common ends of its pieces", wave, wave, AcDb::kOnBothOperands, 2},
+        {"a spline and itself: ends of its pieces", wave, wave, AcDb::kOnBothOperands, 2},
         {"beyond the spline's end", shorter, wave, AcDb::kOnBothOperands, 0},
         {"on the spline's tangent", shorter, wave, AcDb::kExtendBoth, 1},
         {"over the spline", above, wave, AcDb::kOnBothOperands, 0},
@@ -485,29 +485,6 @@ TEST_F(SplineTest, FitPointsAloneMakeASplineInFiles) {
     const host::ResbufList damaged = builder.release();
     host::ResbufDxfReader second(nullptr, damaged.get());
     EXPECT_EQ(AcDbSpline().dxfIn(&second), Acad::eInvalidInput);
-}
-
-TEST_F(SplineTest, HugeNumbersAndPlacesFarAwayEnd) {
-    const AcGePoint3dArray arch{{0, 0, 0}, {5, 8, 0}, {10, 0, 0}};
-    for (const double scale : {1.0, 1e-3, 1e120, 1e200}) {
-        for (const double shift : {0.0, 4e6}) {
-            AcGePoint3dArray points;
-            for (const AcGePoint3d& point : arch) {
-                points.append({point.x * scale + shift, point.y * scale + shift, 0.0});
-            }
-            const AcDbSpline spline(2, true, false, false, points, {0, 0, 0, 1, 1, 1}, {1, 0.2, 3});
-            double length = 0.0, parameter = 0.0;
-            EXPECT_EQ(spline.getDistAtParam(1.0, length), Acad::eOk);
-            AcGePoint3d closest;
-            spline.getClosestPointTo({1, 2, 3}, closest);
-            AcGePoint3dArray found;
-            spline.intersectWith(&spline, AcDb::kExtendBoth, found);
-            if (scale <= 1.0) {
-                EXPECT_NEAR(length / scale, 13.1, 1.5);
-                EXPECT_EQ(spline.getParamAtDist(length / 2, parameter), Acad::eOk);
-            }
-        }
-    }
 }
 
 TEST_F(SplineTest, InfiniteLinesHaveNoExtents) {
