@@ -43,7 +43,7 @@ public:
 
     void search(std::vector<double> c, double low, double high, int depth) {
         const auto [least, most] = std::minmax_element(c.begin(), c.end());
-        if (*least > m_tolerance || *most < -m_tolerance)
+        if (*least > m_tolerance || *most < -m_tolerance || m_visits++ > mostVisits)
             return;
         if (std::max(-*least, *most) <= m_tolerance || depth >= deepest) {
             found.push_back({low, high});
@@ -95,6 +95,7 @@ public:
 
 private:
     static constexpr int deepest = 46;
+    static constexpr int mostVisits = 20'000; // only what is hardly a polynomial needs more
 
     bool isWithin(double low, double high) const {
         if (high - low <= 1e-13)
@@ -108,6 +109,7 @@ private:
     const BernsteinPolynomial& m_polynomial;
     BernsteinPolynomial m_slope;
     double m_tolerance;
+    int m_visits = 0;
 };
 
 } // namespace
@@ -172,7 +174,9 @@ BernsteinPolynomial& BernsteinPolynomial::operator-=(const BernsteinPolynomial& 
 std::vector<double> BernsteinPolynomial::roots(double tolerance) const {
     const double size = bound();
     const double slack = std::max(tolerance, 1e-15 * size);
-    if (!(size > slack) || !std::isfinite(size))
+    const bool isFinite =
+        std::all_of(m_coefficients.begin(), m_coefficients.end(), [](double c) { return std::isfinite(c); });
+    if (!isFinite || !(size > slack))
         return {};
     Isolation isolation(*this, slack);
     isolation.search(m_coefficients, 0.0, 1.0, 0);

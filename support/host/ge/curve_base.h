@@ -260,13 +260,17 @@ private:
         }
         return refinedLength(from, to, gaussLength(from, to), tolerance, depth);
     }
-    double refinedLength(double from, double to, double whole, double tolerance, int depth) const {
+    double refinedLength(double from, double to, double whole, double tolerance, int depth,
+                         double differenceBefore = HUGE_VAL) const {
         const double middle = 0.5 * (from + to);
         const double left = gaussLength(from, middle), right = gaussLength(middle, to);
-        if (std::fabs(left + right - whole) <= std::max(tolerance, 1e-15 * whole) || depth > 30)
+        const double difference = std::fabs(left + right - whole);
+        // Rounding does not shrink as fast with the width as even the error at a cusp.
+        const bool isRounding = depth > 3 && difference > 0.35 * differenceBefore;
+        if (!(difference > std::max(tolerance, 1e-15 * whole)) || isRounding || depth > 30)
             return left + right;
-        return refinedLength(from, middle, left, 0.5 * tolerance, depth + 1) +
-               refinedLength(middle, to, right, 0.5 * tolerance, depth + 1);
+        return refinedLength(from, middle, left, 0.5 * tolerance, depth + 1, difference) +
+               refinedLength(middle, to, right, 0.5 * tolerance, depth + 1, difference);
     }
     double gaussLength(double from, double to) const {
         constexpr double nodes[] = {0.0, 0.5384693101056831, 0.9061798459386640};

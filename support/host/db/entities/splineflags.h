@@ -24,7 +24,9 @@ inline bool isUsable(const AcGeNurbCurve3d& curve) {
         const AcGePoint3d point = curve.controlPointAt(index);
         return std::isfinite(point.x + point.y + point.z + curve.weightAt(index));
     };
-    if (!curve.isValid() || !std::isfinite(curve.knots().startParam() + curve.knots().endParam())) {
+    const double* knots = curve.knots().asArrayPtr();
+    if (!curve.isValid() ||
+        !std::all_of(knots, knots + curve.numKnots(), [](double knot) { return std::isfinite(knot); })) {
         return false;
     }
     for (int index = 0; index < curve.numControlPoints(); ++index) {
