@@ -143,6 +143,30 @@ TEST_F(Lists, ChangingWholeAndPartly) {
     EXPECT_EQ(acdbEntMod(nameless.release().get()), RTERROR);
 }
 
+TEST_F(Lists, DimensionsAndObjectsWithReactors) {
+    ResbufBuilder builder = begin(L"DIMENSION");
+    builder.string(100, L"AcDbEntity").string(100, L"AcDbDimension").point(10, 100, 20).integer(70, 1);
+    builder.string(100, L"AcDbAlignedDimension").point(13, 0, 0).point(14, 100, 0);
+    ASSERT_EQ(make(builder), RTNORM);
+    const AcDbObjectId id = last();
+    EXPECT_EQ(value(listOf(id).get(), 42), "100");
+    host::Opened<AcDbEntity>(id, AcDb::kForWrite)->addPersistentReactor(addLine(0, 0, 1, 1));
+    ResbufList list = listOf(id);
+    for (resbuf* at = list.get(); at != nullptr; at = at->rbnext) {
+        if (at->restype == 14) {
+            at->resval.rpoint[0] = 40;
+        }
+    }
+    EXPECT_EQ(acdbEntMod(list.get()), RTNORM);
+    EXPECT_EQ(value(listOf(id).get(), 13), "0,0,0");
+    EXPECT_EQ(value(listOf(id).get(), 14), "40,0,0");
+    EXPECT_EQ(value(listOf(id).get(), 42), "40"); // made anew
+    const std::string before = shown(listOf(id).get());
+    EXPECT_EQ(acdbEntMod(listOf(id).get()), RTNORM);
+    EXPECT_EQ(acdbEntMod(listOf(id).get()), RTNORM);
+    EXPECT_EQ(shown(listOf(id).get()).size(), before.size());
+}
+
 TEST_F(Lists, ExtendedDataByApplication) {
     acdbRegApp(L"QDV_A");
     acdbRegApp(L"QDV_B");

@@ -59,7 +59,7 @@ public:
             const bool identity =
                 code == -1 || code == -2 || code == 0 || code == RTDXF0 || code == 5 || code == 105;
             if (inReactors || identity || (code == 330 && mOwnerPending)) {
-                mOwnerPending = mOwnerPending && code != 330;
+                mOwnerPending = mOwnerPending && (inReactors || code != 330);
                 continue;
             }
             mOwnerPending = mOwnerPending && code != 100;

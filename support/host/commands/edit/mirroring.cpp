@@ -8,13 +8,12 @@
 
 namespace host {
 
-AcGeMatrix3d readableMirroring(const AcDbText& text, const AcGeMatrix3d& mirror) {
-    AcGePoint3d corners[4];
-    text.getCorners(corners);
-    const AcGePoint3d middle = corners[0] + (corners[2] - corners[0]) * 0.5;
-    const AcGeVector3d along =
-        toWorld(text.normal(), AcGeVector3d(std::cos(text.rotation()), std::sin(text.rotation()), 0.0));
-    const AcGeVector3d up = text.normal().crossProduct(along);
+namespace {
+
+/// The same for a text whose middle, direction and normal are given.
+AcGeMatrix3d readableMotion(const AcGePoint3d& middle, const AcGeVector3d& along, const AcGeVector3d& normal,
+                            const AcGeMatrix3d& mirror) {
+    const AcGeVector3d up = normal.crossProduct(along);
     const AcGePoint3d newMiddle = mirror * middle;
     AcGeVector3d newAlong = (mirror * along).normal();
     AcGeVector3d newUp = (mirror * up).normal();
@@ -32,11 +31,31 @@ AcGeMatrix3d readableMirroring(const AcDbText& text, const AcGeMatrix3d& mirror)
     return frame(newMiddle, newAlong, newUp) * frame(middle, along, up).inverse();
 }
 
+} // namespace
+
+AcGeMatrix3d readableMirroring(const AcDbText& text, const AcGeMatrix3d& mirror) {
+    AcGePoint3d corners[4];
+    text.getCorners(corners);
+    const AcGeVector3d along =
+        toWorld(text.normal(), AcGeVector3d(std::cos(text.rotation()), std::sin(text.rotation()), 0.0));
+    return readableMotion(corners[0] + (corners[2] - corners[0]) * 0.5, along, text.normal(), mirror);
+}
+
+AcGeMatrix3d readableMirroring(const AcDbMText& text, const AcGeMatrix3d& mirror) {
+    AcGePoint3dArray corners;
+    text.boundingPoints(corners);
+    return readableMotion(corners[0] + (corners[3] - corners[0]) * 0.5, text.direction(), text.normal(),
+                          mirror);
+}
+
 Acad::ErrorStatus mirrorEntity(AcDbEntity& entity, const AcGeMatrix3d& mirror, bool mirrorsText) {
     if (mirrorsText) {
         return entity.transformBy(mirror);
     }
     if (const auto* text = AcDbText::cast(&entity)) {
+        return entity.transformBy(readableMirroring(*text, mirror));
+    }
+    if (const auto* text = AcDbMText::cast(&entity)) {
         return entity.transformBy(readableMirroring(*text, mirror));
     }
     // Attributes go along with their reference, and are then put right by what is left to do.

@@ -194,7 +194,7 @@ Acad::ErrorStatus AcDbDimension::dxfOutFields(AcDbDxfFiler* filer) const {
     if (m.hasTextRotation) {
         filer->writeAngle(53, m.textRotation);
     }
-    host::writeAngleUnlessZero(filer, 51, -m.horizontalRotation);
+    host::writeAngleUnlessZero(filer, 51, m.horizontalRotation == 0.0 ? 0.0 : -m.horizontalRotation);
     host::writeUnlessZero(filer, 74, m.flip & 1);
     host::writeUnlessZero(filer, 75, (m.flip >> 1) & 1);
     host::writeNormal(filer, m.normal);
