@@ -25,8 +25,8 @@ protected:
         record->close();
         return id;
     }
-    static AcDbBlockReference* reference(AcDbObjectId id, const AcGePoint3d& at = {}, const AcGeScale3d& scale = {},
-                                         double rotation = 0) {
+    static AcDbBlockReference* reference(AcDbObjectId id, const AcGePoint3d& at = {},
+                                         const AcGeScale3d& scale = {}, double rotation = 0) {
         auto* made = new AcDbBlockReference(at, id);
         made->setScaleFactors(scale);
         made->setRotation(rotation);
@@ -60,9 +60,7 @@ TEST_F(BlocksTest, MeasuredExtentsFollowEveryChange) {
     AcDbCircle* round = circle();
     const AcDbObjectId inner = block(L"IN", {round});
     const AcDbObjectId id = drawing.append(reference(block(L"OUT", {reference(inner)})));
-    const auto width = [&] {
-        return extentsOf(*host::peek<AcDbBlockReference>(id)).maxPoint().x;
-    };
+    const auto width = [&] { return extentsOf(*host::peek<AcDbBlockReference>(id)).maxPoint().x; };
     EXPECT_NEAR(width(), 1, 1e-9);
     host::UndoLog& undo = drawing.database.undoLog();
     undo.beginCommand(L"EDIT");
@@ -115,8 +113,8 @@ TEST_F(BlocksTest, ExplodingNestedUnevenReferencesIsTheDirectMap) {
     EXPECT_NEAR(sum.maxPoint().x, expected.maxPoint().x, slack);
     EXPECT_NEAR(sum.maxPoint().y, expected.maxPoint().y, slack);
     // The line is not chopped: it is the direct image of its ends.
-    const auto* shown = host::peek<AcDbBlockReference>(
-        AcDbObjectId(host::peek<AcDbBlockTableRecord>(middle)->entities()[0]));
+    const auto* shown =
+        host::peek<AcDbBlockReference>(AcDbObjectId(host::peek<AcDbBlockTableRecord>(middle)->entities()[0]));
     const host::ReadAccess access(*shown);
     const AcGeMatrix3d whole = outer->blockTransform() * shown->blockTransform();
     EXPECT_NEAR(length, (whole * AcGePoint3d(-3, 0, 0)).distanceTo(whole * AcGePoint3d(0, 7, 0)), 1e-9);
@@ -159,7 +157,8 @@ TEST_F(BlocksTest, ArraysOfBlocksCoverAllTheirPlaces) {
     AcDbMInsertBlock array({0, 0, 0}, round, 3, 2, 10, 20);
     EXPECT_NEAR(extentsOf(array).maxPoint().x, 21, 1e-9);
     EXPECT_NEAR(extentsOf(array).maxPoint().y, 21, 1e-9);
-    ASSERT_EQ(array.transformBy(AcGeMatrix3d::mirroring(AcGePlane({0, 0, 0}, AcGeVector3d::kXAxis))), Acad::eOk);
+    ASSERT_EQ(array.transformBy(AcGeMatrix3d::mirroring(AcGePlane({0, 0, 0}, AcGeVector3d::kXAxis))),
+              Acad::eOk);
     EXPECT_NEAR(extentsOf(array).minPoint().x, -21, 1e-9);
     EXPECT_NEAR(extentsOf(array).maxPoint().y, 21, 1e-9);
     array.setColumns(32767);
@@ -176,7 +175,8 @@ TEST_F(BlocksTest, DrawingOrder) {
     }
     const auto told = [&] {
         std::string text;
-        for (AcDbStub* stub : host::drawOrder(*host::peek<AcDbBlockTableRecord>(drawing.database.modelSpaceId()))) {
+        for (AcDbStub* stub :
+             host::drawOrder(*host::peek<AcDbBlockTableRecord>(drawing.database.modelSpaceId()))) {
             text += static_cast<char>('0' + ids.find(AcDbObjectId(stub)));
         }
         return text;

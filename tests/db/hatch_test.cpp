@@ -96,11 +96,13 @@ double area(const Loops& loops, HatchStyleKind style) {
 }
 
 TEST_F(HatchTest, LinesLieInsideAndCoverTheArea) {
-    const HatchLoop outer = polygon({{{0, 0}, 0.4}, {{30, -5}}, {{34, 20}, -0.6}, {{12, 26}, 1.1}, {{-6, 14}}});
+    const HatchLoop outer =
+        polygon({{{0, 0}, 0.4}, {{30, -5}}, {{34, 20}, -0.6}, {{12, 26}, 1.1}, {{-6, 14}}});
     const HatchLoop hole = circle({14, 10}, 6);
     const HatchLoop island = square(12, 15);
     const Loops loops = piecesOf({&outer, &hole, &island});
-    for (const HatchStyleKind style : {HatchStyleKind::normal, HatchStyleKind::outer, HatchStyleKind::ignore}) {
+    for (const HatchStyleKind style :
+         {HatchStyleKind::normal, HatchStyleKind::outer, HatchStyleKind::ignore}) {
         for (const double angle : {0.0, 0.7, host::halfPi, 2.5}) {
             const double spacing = 0.0503;
             std::vector<HatchLine> lines;
@@ -145,7 +147,8 @@ TEST_F(HatchTest, IslandsInTheThreeStyles) {
 
 TEST_F(HatchTest, LinesThroughCornersAndAlongEdgesDoNotLeak) {
     // Every corner lies on a line, edges lie along lines, arcs begin and end on lines and touch them.
-    const HatchLoop stairs = polygon({{{0, 0}}, {{6, 0}}, {{6, 2}}, {{4, 2}}, {{4, 4}}, {{2, 4}, -1}, {{0, 4}, 1}, {{0, 2}}});
+    const HatchLoop stairs =
+        polygon({{{0, 0}}, {{6, 0}}, {{6, 2}}, {{4, 2}}, {{4, 4}}, {{2, 4}, -1}, {{0, 4}, 1}, {{0, 2}}});
     const HatchLoop diamond = polygon({{{10, 0}}, {{12, 2}}, {{10, 4}}, {{8, 2}}});
     const HatchLoop round = circle({16, 2}, 2);
     const Loops loops = piecesOf({&stairs, &diamond, &round});
@@ -262,8 +265,10 @@ TEST_F(HatchTest, AnUnevenMapKeepsAreaAndLines) {
     AcDbHatch hatch;
     AcGePoint2dArray vertices;
     AcGeDoubleArray bulges;
-    for (const auto& [point, bulge] : {std::pair(AcGePoint2d(0, 0), 0.3), {AcGePoint2d(8, 1), -0.7},
-                                       {AcGePoint2d(9, 7), 1.0}, {AcGePoint2d(1, 6), 0.0}}) {
+    for (const auto& [point, bulge] : {std::pair(AcGePoint2d(0, 0), 0.3),
+                                       {AcGePoint2d(8, 1), -0.7},
+                                       {AcGePoint2d(9, 7), 1.0},
+                                       {AcGePoint2d(1, 6), 0.0}}) {
         vertices.append(point);
         bulges.append(bulge);
     }
@@ -293,7 +298,8 @@ TEST_F(HatchTest, AnUnevenMapKeepsAreaAndLines) {
 TEST_F(HatchTest, ExplodesIntoLinesAndSolids) {
     AcDbHatch hatch;
     AcGePoint2dArray outer, hole;
-    for (const AcGePoint2d& corner : {AcGePoint2d(0, 0), AcGePoint2d(10, 0), AcGePoint2d(12, 9), AcGePoint2d(0, 8)}) {
+    for (const AcGePoint2d& corner :
+         {AcGePoint2d(0, 0), AcGePoint2d(10, 0), AcGePoint2d(12, 9), AcGePoint2d(0, 8)}) {
         outer.append(corner);
         hole.append(corner * 0.5 + AcGeVector2d(2, 1));
     }
@@ -311,7 +317,8 @@ TEST_F(HatchTest, ExplodesIntoLinesAndSolids) {
         for (Adesk::UInt16 index = 0; index < 4; ++index) {
             solid->getPointAt(index, corners[index]);
         }
-        sum += (corners[1].x - corners[0].x + corners[3].x - corners[2].x) / 2 * (corners[2].y - corners[0].y);
+        sum +=
+            (corners[1].x - corners[0].x + corners[3].x - corners[2].x) / 2 * (corners[2].y - corners[0].y);
     }
     EXPECT_NEAR(sum, expected, 1e-9);
     parts.removeAll();

@@ -140,7 +140,9 @@ public:
         areas.push_back(pen.color);
         corners += area.points.size();
     }
-    void pushClip(std::span<const AcGePoint3d> polygon) override { clips.emplace_back(polygon[0], polygon[2]); }
+    void pushClip(std::span<const AcGePoint3d> polygon) override {
+        clips.emplace_back(polygon[0], polygon[2]);
+    }
     std::vector<std::pair<AcGePoint3d, AcGePoint3d>> lines, clips;
     std::vector<AcCmEntityColor> areas;
     std::size_t corners = 0;
@@ -243,7 +245,8 @@ TEST_F(LayoutTest, ViewportsKeepTheirFields) {
 TEST_F(LayoutTest, FillingsAreDrawn) {
     auto* hatch = new AcDbHatch;
     AcGePoint2dArray corners;
-    for (const AcGePoint2d& point : {AcGePoint2d(0, 0), AcGePoint2d(10, 0), AcGePoint2d(10, 10), AcGePoint2d(0, 10)}) {
+    for (const AcGePoint2d& point :
+         {AcGePoint2d(0, 0), AcGePoint2d(10, 0), AcGePoint2d(10, 10), AcGePoint2d(0, 10)}) {
         corners.append(point);
     }
     hatch->appendLoop(AcDbHatch::kExternal, corners, AcGeDoubleArray());

@@ -62,7 +62,8 @@ using Told = std::vector<std::string>;
 TEST_F(MlineTest, MitresByJustification) {
     style({1, -1})->close();
     const std::initializer_list<AcGePoint3d> corner{{0, 0, 0}, {10, 0, 0}, {10, 10, 0}};
-    EXPECT_EQ(pieces(*line(corner)), (Told{"line 0,1 9,1", "line 9,1 9,10", "line 0,-1 11,-1", "line 11,-1 11,10"}));
+    EXPECT_EQ(pieces(*line(corner)),
+              (Told{"line 0,1 9,1", "line 9,1 9,10", "line 0,-1 11,-1", "line 11,-1 11,10"}));
     EXPECT_EQ(pieces(*line(corner, false, Mline::kTop)),
               (Told{"line 0,0 10,0", "line 10,0 10,10", "line 0,-2 12,-2", "line 12,-2 12,10"}));
     EXPECT_EQ(pieces(*line(corner, false, Mline::kBottom)),
@@ -166,7 +167,8 @@ TEST_F(MlineTest, ExplodesWithTheLooksOfItsElements) {
 TEST_F(MlineTest, MirroredOnesCanBeLaidOutAnew) {
     style({2, 1, -0.5})->close();
     auto made = line({{0, 0, 0}, {10, 2, 0}, {15, 9, 0}}, false, Mline::kTop);
-    const AcGeMatrix3d mirror = AcGeMatrix3d::mirroring(AcGePlane({3, 1, 0}, AcGeVector3d(1, 0.5, 0).normal()));
+    const AcGeMatrix3d mirror =
+        AcGeMatrix3d::mirroring(AcGePlane({3, 1, 0}, AcGeVector3d(1, 0.5, 0).normal()));
     ASSERT_EQ(made->transformBy(mirror), Acad::eOk);
     const Told before = pieces(*made);
     made->setScale(made->scale());

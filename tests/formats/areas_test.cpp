@@ -6,29 +6,76 @@ using namespace formats_test;
 
 namespace {
 
-const std::string hatchRecord = groups({{0, "HATCH"}, {5, "80"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbHatch"},
-                                        {10, "0.0"}, {20, "0.0"}, {30, "2.5"}, {210, "0.0"}, {220, "0.0"},
-                                        {230, "1.0"}, {2, "MIXED"}, {70, "0"}, {71, "1"}, {91, "3"}});
-const std::string polylineLoop = groups({{92, "7"}, {72, "1"}, {73, "1"}, {93, "2"}, {10, "0.0"}, {20, "0.0"},
-                                         {42, "1.0"}, {10, "10.0"}, {20, "0.0"}, {42, "1.0"}, {97, "1"},
+const std::string hatchRecord = groups({{0, "HATCH"},
+                                        {5, "80"},
+                                        {100, "AcDbEntity"},
+                                        {8, "0"},
+                                        {100, "AcDbHatch"},
+                                        {10, "0.0"},
+                                        {20, "0.0"},
+                                        {30, "2.5"},
+                                        {210, "0.0"},
+                                        {220, "0.0"},
+                                        {230, "1.0"},
+                                        {2, "MIXED"},
+                                        {70, "0"},
+                                        {71, "1"},
+                                        {91, "3"}});
+const std::string polylineLoop = groups({{92, "7"},
+                                         {72, "1"},
+                                         {73, "1"},
+                                         {93, "2"},
+                                         {10, "0.0"},
+                                         {20, "0.0"},
+                                         {42, "1.0"},
+                                         {10, "10.0"},
+                                         {20, "0.0"},
+                                         {42, "1.0"},
+                                         {97, "1"},
                                          {330, "90"}});
-const std::string edgeLoop =
-    groups({{92, "16"}, {93, "2"}, {72, "2"}, {10, "5.0"}, {20, "0.0"}, {40, "2.0"}, {50, "0.0"}, {51, "180.0"},
-            {73, "1"}, {72, "1"}, {10, "3.0"}, {20, "0.0"}, {11, "7.0"}, {21, "0.0"}, {97, "0"}});
+const std::string edgeLoop = groups({{92, "16"},
+                                     {93, "2"},
+                                     {72, "2"},
+                                     {10, "5.0"},
+                                     {20, "0.0"},
+                                     {40, "2.0"},
+                                     {50, "0.0"},
+                                     {51, "180.0"},
+                                     {73, "1"},
+                                     {72, "1"},
+                                     {10, "3.0"},
+                                     {20, "0.0"},
+                                     {11, "7.0"},
+                                     {21, "0.0"},
+                                     {97, "0"}});
 const std::string splineLoop =
-    groups({{92, "0"}, {93, "2"}, {72, "4"}, {94, "2"}, {73, "0"}, {74, "0"}, {95, "6"}, {96, "3"}, {40, "0.0"},
-            {40, "0.0"}, {40, "0.0"}, {40, "1.0"}, {40, "1.0"}, {40, "1.0"}, {10, "1.0"}, {20, "-3.0"},
-            {10, "2.0"}, {20, "-1.0"}, {10, "3.0"}, {20, "-3.0"}});
-const std::string splineEnd =
-    groups({{72, "3"}, {10, "2.0"}, {20, "-3.0"}, {11, "1.0"}, {21, "0.0"}, {40, "0.5"}, {50, "180.0"},
-            {51, "360.0"}, {73, "0"}, {97, "0"}});
+    groups({{92, "0"},   {93, "2"},    {72, "4"},   {94, "2"},    {73, "0"},   {74, "0"},   {95, "6"},
+            {96, "3"},   {40, "0.0"},  {40, "0.0"}, {40, "0.0"},  {40, "1.0"}, {40, "1.0"}, {40, "1.0"},
+            {10, "1.0"}, {20, "-3.0"}, {10, "2.0"}, {20, "-1.0"}, {10, "3.0"}, {20, "-3.0"}});
+const std::string splineEnd = groups({{72, "3"},
+                                      {10, "2.0"},
+                                      {20, "-3.0"},
+                                      {11, "1.0"},
+                                      {21, "0.0"},
+                                      {40, "0.5"},
+                                      {50, "180.0"},
+                                      {51, "360.0"},
+                                      {73, "0"},
+                                      {97, "0"}});
 const std::string hatchEnd =
-    groups({{75, "1"}, {76, "2"}, {52, "30.0"}, {41, "2.0"}, {77, "0"}, {78, "1"}, {53, "30.0"}, {43, "1.0"},
-            {44, "2.0"}, {45, "-0.5"}, {46, "0.8"}, {79, "2"}, {49, "1.0"}, {49, "-0.5"}, {47, "0.25"}, {98, "1"},
-            {10, "4.0"}, {20, "5.0"}, {450, "0"}, {451, "0"}, {460, "0.0"}, {470, ""}});
-const std::string source =
-    groups({{0, "CIRCLE"}, {5, "90"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbCircle"}, {10, "5.0"}, {20, "0.0"},
-            {30, "0.0"}, {40, "5.0"}});
+    groups({{75, "1"},    {76, "2"},    {52, "30.0"}, {41, "2.0"},  {77, "0"},   {78, "1"},
+            {53, "30.0"}, {43, "1.0"},  {44, "2.0"},  {45, "-0.5"}, {46, "0.8"}, {79, "2"},
+            {49, "1.0"},  {49, "-0.5"}, {47, "0.25"}, {98, "1"},    {10, "4.0"}, {20, "5.0"},
+            {450, "0"},   {451, "0"},   {460, "0.0"}, {470, ""}});
+const std::string source = groups({{0, "CIRCLE"},
+                                   {5, "90"},
+                                   {100, "AcDbEntity"},
+                                   {8, "0"},
+                                   {100, "AcDbCircle"},
+                                   {10, "5.0"},
+                                   {20, "0.0"},
+                                   {30, "0.0"},
+                                   {40, "5.0"}});
 
 std::string file(const std::string& records) {
     return header("AC1032") + entities(source + records) + eof;
@@ -39,7 +86,8 @@ std::string file(const std::string& records) {
 TEST(HatchRecord, everyKindOfBoundaryComesBackEqual) {
     // With and without the count of fit points behind a spline, as files before 2010 have it.
     for (const std::string& fit : {groups({{97, "0"}}), std::string()}) {
-        const Drawing drawing(file(hatchRecord + polylineLoop + edgeLoop + splineLoop + fit + splineEnd + hatchEnd));
+        const Drawing drawing(
+            file(hatchRecord + polylineLoop + edgeLoop + splineLoop + fit + splineEnd + hatchEnd));
         const auto* hatch = AcDbHatch::cast(drawing.at(0x80));
         ASSERT_NE(hatch, nullptr) << drawing.report();
         const host::HatchData& data = hatch->data();
@@ -63,8 +111,8 @@ TEST(HatchRecord, everyKindOfBoundaryComesBackEqual) {
 }
 
 TEST(HatchRecord, whatDoesNotFitIsKeptAsItCame) {
-    const std::string wrongCount = groups({{92, "0"}, {93, "3"}, {72, "1"}, {10, "0.0"}, {20, "0.0"}, {11, "1.0"},
-                                           {21, "0.0"}, {97, "0"}});
+    const std::string wrongCount = groups(
+        {{92, "0"}, {93, "3"}, {72, "1"}, {10, "0.0"}, {20, "0.0"}, {11, "1.0"}, {21, "0.0"}, {97, "0"}});
     for (const std::string& records : {hatchRecord + polylineLoop + edgeLoop + wrongCount + hatchEnd,
                                        hatchRecord + polylineLoop + hatchEnd}) {
         const Drawing drawing(file(records));
@@ -77,13 +125,23 @@ TEST(HatchRecord, whatDoesNotFitIsKeptAsItCame) {
 
 TEST(BlockCycles, areBrokenWithALine) {
     const auto blockRecord = [](const std::string& name, const std::string& handle) {
-        return groups({{0, "BLOCK_RECORD"}, {5, handle}, {100, "AcDbSymbolTableRecord"},
-                       {100, "AcDbBlockTableRecord"}, {2, name}});
+        return groups({{0, "BLOCK_RECORD"},
+                       {5, handle},
+                       {100, "AcDbSymbolTableRecord"},
+                       {100, "AcDbBlockTableRecord"},
+                       {2, name}});
     };
     const auto block = [](const std::string& name, const std::string& shown, const std::string& handle) {
         return groups({{0, "BLOCK"}, {8, "0"}, {2, name}, {70, "0"}, {10, "0.0"}, {20, "0.0"}, {30, "0.0"}}) +
-               groups({{0, "INSERT"}, {5, handle}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbBlockReference"},
-                       {2, shown}, {10, "0.0"}, {20, "0.0"}, {30, "0.0"}}) +
+               groups({{0, "INSERT"},
+                       {5, handle},
+                       {100, "AcDbEntity"},
+                       {8, "0"},
+                       {100, "AcDbBlockReference"},
+                       {2, shown},
+                       {10, "0.0"},
+                       {20, "0.0"},
+                       {30, "0.0"}}) +
                groups({{0, "ENDBLK"}, {8, "0"}});
     };
     const Drawing drawing(
@@ -102,8 +160,17 @@ TEST(BlockCycles, areBrokenWithALine) {
 
 TEST(SortentsRecord, ordersTheDrawingAndComesBackEqual) {
     const auto line = [](const std::string& handle) {
-        return groups({{0, "LINE"}, {5, handle}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbLine"}, {10, "0.0"},
-                       {20, "0.0"}, {30, "0.0"}, {11, "1.0"}, {21, "0.0"}, {31, "0.0"}});
+        return groups({{0, "LINE"},
+                       {5, handle},
+                       {100, "AcDbEntity"},
+                       {8, "0"},
+                       {100, "AcDbLine"},
+                       {10, "0.0"},
+                       {20, "0.0"},
+                       {30, "0.0"},
+                       {11, "1.0"},
+                       {21, "0.0"},
+                       {31, "0.0"}});
     };
     Drawing drawing(header("AC1032") + entities(line("80") + line("81") + line("82")) + eof);
     const AcDbObjectId space = drawing.database->modelSpaceId();
@@ -113,7 +180,8 @@ TEST(SortentsRecord, ordersTheDrawingAndComesBackEqual) {
         ASSERT_EQ(block->getSortentsTable(table, AcDb::kForWrite, true), Acad::eOk);
     }
     ASSERT_EQ(table->swapOrder(AcDbObjectId(drawing.at(0x80)->objectId()),
-                               AcDbObjectId(drawing.at(0x82)->objectId())), Acad::eOk);
+                               AcDbObjectId(drawing.at(0x82)->objectId())),
+              Acad::eOk);
     table->close();
     const std::string once = drawing.written();
     EXPECT_NE(once.find("331\n80\n"), std::string::npos);
@@ -154,22 +222,48 @@ TEST(LayoutRecords, theCurrentSheetIsTheOneOfTheEntitiesSection) {
 }
 
 TEST(MlineRecord, comesBackEqualWithItsCuts) {
-    const std::string style =
-        section("OBJECTS",
-                groups({{0, "DICTIONARY"}, {5, "C"}, {330, "0"}, {100, "AcDbDictionary"}, {281, "1"},
-                        {3, "ACAD_MLINESTYLE"}, {350, "17"}, {0, "DICTIONARY"}, {5, "17"}, {330, "C"},
-                        {100, "AcDbDictionary"}, {281, "1"}, {3, "ROAD"}, {350, "18"}, {0, "MLINESTYLE"},
-                        {5, "18"}, {330, "17"}, {100, "AcDbMlineStyle"}, {2, "ROAD"}, {70, "18"}, {3, "two lines"},
-                        {62, "3"}, {51, "90.0"}, {52, "45.0"}, {71, "2"}, {49, "1.0"}, {62, "1"},
-                        {420, "16711680"}, {6, "BYLAYER"}, {49, "-1.0"}, {62, "256"}, {6, "BYLAYER"}}));
+    const std::string style = section("OBJECTS", groups({{0, "DICTIONARY"},
+                                                         {5, "C"},
+                                                         {330, "0"},
+                                                         {100, "AcDbDictionary"},
+                                                         {281, "1"},
+                                                         {3, "ACAD_MLINESTYLE"},
+                                                         {350, "17"},
+                                                         {0, "DICTIONARY"},
+                                                         {5, "17"},
+                                                         {330, "C"},
+                                                         {100, "AcDbDictionary"},
+                                                         {281, "1"},
+                                                         {3, "ROAD"},
+                                                         {350, "18"},
+                                                         {0, "MLINESTYLE"},
+                                                         {5, "18"},
+                                                         {330, "17"},
+                                                         {100, "AcDbMlineStyle"},
+                                                         {2, "ROAD"},
+                                                         {70, "18"},
+                                                         {3, "two lines"},
+                                                         {62, "3"},
+                                                         {51, "90.0"},
+                                                         {52, "45.0"},
+                                                         {71, "2"},
+                                                         {49, "1.0"},
+                                                         {62, "1"},
+                                                         {420, "16711680"},
+                                                         {6, "BYLAYER"},
+                                                         {49, "-1.0"},
+                                                         {62, "256"},
+                                                         {6, "BYLAYER"}}));
     const std::string line = groups(
-        {{0, "MLINE"}, {5, "80"}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbMline"}, {2, "ROAD"}, {340, "18"},
-         {40, "2.0"}, {70, "1"}, {71, "1"}, {72, "2"}, {73, "2"}, {10, "0.0"}, {20, "0.0"}, {30, "0.0"},
-         {210, "0.0"}, {220, "0.0"}, {230, "1.0"}, {11, "0.0"}, {21, "0.0"}, {31, "0.0"}, {12, "1.0"},
-         {22, "0.0"}, {32, "0.0"}, {13, "0.0"}, {23, "1.0"}, {33, "0.0"}, {74, "4"}, {41, "2.0"}, {41, "0.0"},
-         {41, "3.0"}, {41, "5.0"}, {75, "0"}, {74, "2"}, {41, "-2.0"}, {41, "0.0"}, {75, "0"}, {11, "10.0"},
-         {21, "0.0"}, {31, "0.0"}, {12, "1.0"}, {22, "0.0"}, {32, "0.0"}, {13, "0.0"}, {23, "1.0"}, {33, "0.0"},
-         {74, "2"}, {41, "2.0"}, {41, "0.0"}, {75, "0"}, {74, "2"}, {41, "-2.0"}, {41, "0.0"}, {75, "0"}});
+        {{0, "MLINE"}, {5, "80"},    {100, "AcDbEntity"}, {8, "0"},     {100, "AcDbMline"}, {2, "ROAD"},
+         {340, "18"},  {40, "2.0"},  {70, "1"},           {71, "1"},    {72, "2"},          {73, "2"},
+         {10, "0.0"},  {20, "0.0"},  {30, "0.0"},         {210, "0.0"}, {220, "0.0"},       {230, "1.0"},
+         {11, "0.0"},  {21, "0.0"},  {31, "0.0"},         {12, "1.0"},  {22, "0.0"},        {32, "0.0"},
+         {13, "0.0"},  {23, "1.0"},  {33, "0.0"},         {74, "4"},    {41, "2.0"},        {41, "0.0"},
+         {41, "3.0"},  {41, "5.0"},  {75, "0"},           {74, "2"},    {41, "-2.0"},       {41, "0.0"},
+         {75, "0"},    {11, "10.0"}, {21, "0.0"},         {31, "0.0"},  {12, "1.0"},        {22, "0.0"},
+         {32, "0.0"},  {13, "0.0"},  {23, "1.0"},         {33, "0.0"},  {74, "2"},          {41, "2.0"},
+         {41, "0.0"},  {75, "0"},    {74, "2"},           {41, "-2.0"}, {41, "0.0"},        {75, "0"}});
     const Drawing drawing(header("AC1032") + entities(line) + style + eof);
     const auto* made = AcDbMline::cast(drawing.at(0x80));
     ASSERT_NE(made, nullptr) << drawing.report();

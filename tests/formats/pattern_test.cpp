@@ -1,5 +1,5 @@
-// Hatch pattern files: their grammar, faults with their lines, the library's own patterns, and hatches that take
-// patterns by name.
+// Hatch pattern files: their grammar, faults with their lines, the library's own patterns, and hatches that
+// take patterns by name.
 #include "drawings.h"
 
 #include "host/formats/pat/patfile.h"
@@ -13,9 +13,9 @@ using host::HatchPatternLine;
 using host::pat::Definition;
 
 TEST(PatternFile, namesAndFamilies) {
-    const std::vector<Definition> all = host::pat::parse(
-        ";; comment\r\n*NET, grid, with commas\r\n0, 0,0, 0,.125\r\n90,0,0, 0,.125,\r\n\r\n"
-        "*Dots\n45,1,2,0.5,+.25,0,-.1\n; more\n");
+    const std::vector<Definition> all =
+        host::pat::parse(";; comment\r\n*NET, grid, with commas\r\n0, 0,0, 0,.125\r\n90,0,0, 0,.125,\r\n\r\n"
+                         "*Dots\n45,1,2,0.5,+.25,0,-.1\n; more\n");
     ASSERT_EQ(all.size(), 2U);
     EXPECT_EQ(all[0].name, L"NET");
     EXPECT_EQ(all[0].description, L"grid, with commas");
@@ -34,7 +34,9 @@ TEST(PatternFile, namesAndFamilies) {
 }
 
 TEST(PatternFile, faultsNameTheLine) {
-    const auto fault = [](const std::string& text) { return host::toUtf8(host::pat::parse(text).at(0).fault); };
+    const auto fault = [](const std::string& text) {
+        return host::toUtf8(host::pat::parse(text).at(0).fault);
+    };
     EXPECT_EQ(fault("*X,d\n0,0,0,0,x\n"), "第 2 行: 图案 \"X\": \"x\" 不是数");
     EXPECT_EQ(fault("\n*X\n0,0,0,0,1\n0,0,0,1\n"), "第 4 行: 图案 \"X\": 图案线应有角度、起点和偏移五个数");
     EXPECT_EQ(fault("*X\n0,0,0,1,0\n"), "第 2 行: 图案 \"X\": 平行线的间距不能为零");
@@ -51,7 +53,8 @@ TEST(PatternFile, hatchesTakeTheirLines) {
     std::ofstream(folder / "BAD.pat") << "*BAD\n0,0\n";
     std::vector<HatchPatternLine> lines;
     std::wstring message;
-    EXPECT_EQ(host::loadHatchPattern(L"mine", nullptr, lines, message, (folder / "MINE.pat").wstring()), Acad::eOk);
+    EXPECT_EQ(host::loadHatchPattern(L"mine", nullptr, lines, message, (folder / "MINE.pat").wstring()),
+              Acad::eOk);
     EXPECT_EQ(lines.size(), 1U);
     EXPECT_EQ(host::loadHatchPattern(L"OTHER", nullptr, lines, message, (folder / "MINE.pat").wstring()),
               Acad::eKeyNotFound);
@@ -84,7 +87,8 @@ TEST(PatternLibrary, definitionsAreGoodAndNamesUnique) {
             EXPECT_TRUE(names.insert(definition.name).second) << host::toUtf8(definition.name);
         }
         EXPECT_GT(names.size(), 60U);
-        for (const wchar_t* common : {L"ANSI31", L"ANSI37", L"AR-CONC", L"GRASS", L"EARTH", L"NET", L"HONEY"}) {
+        for (const wchar_t* common :
+             {L"ANSI31", L"ANSI37", L"AR-CONC", L"GRASS", L"EARTH", L"NET", L"HONEY"}) {
             EXPECT_TRUE(names.contains(common));
         }
     }

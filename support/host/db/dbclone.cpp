@@ -1,7 +1,7 @@
 // Cloning within and between databases. Objects are copied first, with the ids of their sources; when all
 // are there, their fields are read again with every id replaced by that of its copy.
-#include "host/db/entities/blockreference.h"
 #include "host/db/dbtrans.h"
+#include "host/db/entities/blockreference.h"
 #include "host/rx/text.h"
 
 #include <algorithm>

@@ -7,8 +7,8 @@
 #include <cmath>
 #include <span>
 
-ACRX_DXF_DEFINE_MEMBERS(AcDbPlotSettings, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, PLOTSETTINGS,
-                        ObjectDBX Classes)
+ACRX_DXF_DEFINE_MEMBERS(AcDbPlotSettings, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
+                        PLOTSETTINGS, ObjectDBX Classes)
 ACRX_DXF_DEFINE_MEMBERS(AcDbLayout, AcDbPlotSettings, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, LAYOUT,
                         ObjectDBX Classes)
 
@@ -152,7 +152,8 @@ Acad::ErrorStatus AcDbPlotSettings::getPlotPaperMargins(double& left, double& bo
     top = real(43);
     return Acad::eOk;
 }
-Acad::ErrorStatus AcDbPlotSettings::setPlotPaperMargins(double left, double bottom, double right, double top) {
+Acad::ErrorStatus AcDbPlotSettings::setPlotPaperMargins(double left, double bottom, double right,
+                                                        double top) {
     return setReals({{40, left}, {41, bottom}, {42, right}, {43, top}});
 }
 Acad::ErrorStatus AcDbPlotSettings::getPlotPaperSize(double& width, double& height) const {

@@ -126,7 +126,8 @@ public:
 
     Acad::ErrorStatus createLayout(const ACHAR* name, AcDbObjectId& layout, AcDbObjectId& block,
                                    AcDbDatabase* database = nullptr);
-    Acad::ErrorStatus renameLayout(const ACHAR* oldName, const ACHAR* newName, AcDbDatabase* database = nullptr);
+    Acad::ErrorStatus renameLayout(const ACHAR* oldName, const ACHAR* newName,
+                                   AcDbDatabase* database = nullptr);
     /// Erases the layout and what stands on it. A drawing keeps one: instead of the last a new one appears.
     Acad::ErrorStatus deleteLayout(const ACHAR* name, AcDbDatabase* database = nullptr);
     Acad::ErrorStatus copyLayout(const ACHAR* name, const ACHAR* newName, AcDbDatabase* database = nullptr);

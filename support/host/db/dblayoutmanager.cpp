@@ -21,8 +21,7 @@ const AcDbDictionary* dictionaryOf(const AcDbDatabase* database) {
 
 bool isLayoutName(const ACHAR* name) {
     const std::wstring_view text(name != nullptr ? name : L"");
-    return !text.empty() && text.size() <= longestName &&
-           text.find_first_of(L"<>/\\\":;?*|,=`") == text.npos;
+    return !text.empty() && text.size() <= longestName && text.find_first_of(L"<>/\\\":;?*|,=`") == text.npos;
 }
 
 /// Layouts of sheets, by tab order.
@@ -130,7 +129,8 @@ AcString AcDbLayoutManager::findActiveLayout(bool allowModel, const AcDbDatabase
     if (own == nullptr) {
         return {};
     }
-    const auto* block = host::peek<AcDbBlockTableRecord>(allowModel ? own->currentSpaceId() : own->paperSpaceId());
+    const auto* block =
+        host::peek<AcDbBlockTableRecord>(allowModel ? own->currentSpaceId() : own->paperSpaceId());
     const auto* layout = block != nullptr ? host::peek<AcDbLayout>(block->getLayoutId()) : nullptr;
     return layout != nullptr ? layout->layoutName() : AcString();
 }
@@ -153,8 +153,8 @@ Acad::ErrorStatus AcDbLayoutManager::setCurrentLayoutId(AcDbObjectId id) {
     return status == Acad::eOk ? database.setTilemode(false) : status;
 }
 
-Acad::ErrorStatus AcDbLayoutManager::createLayout(const ACHAR* name, AcDbObjectId& layout, AcDbObjectId& block,
-                                                  AcDbDatabase* given) {
+Acad::ErrorStatus AcDbLayoutManager::createLayout(const ACHAR* name, AcDbObjectId& layout,
+                                                  AcDbObjectId& block, AcDbDatabase* given) {
     AcDbDatabase* database = databaseOr(given);
     if (database == nullptr || !isLayoutName(name)) {
         return database == nullptr ? Acad::eNoDatabase : Acad::eInvalidInput;
@@ -256,7 +256,8 @@ Acad::ErrorStatus AcDbLayoutManager::deleteLayout(const ACHAR* name, AcDbDatabas
     return layout->erase();
 }
 
-Acad::ErrorStatus AcDbLayoutManager::copyLayout(const ACHAR* name, const ACHAR* newName, AcDbDatabase* given) {
+Acad::ErrorStatus AcDbLayoutManager::copyLayout(const ACHAR* name, const ACHAR* newName,
+                                                AcDbDatabase* given) {
     AcDbDatabase* database = databaseOr(given);
     const AcDbObjectId id = findLayoutNamed(name, database);
     if (id.isNull()) {

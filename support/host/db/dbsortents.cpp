@@ -170,7 +170,8 @@ Acad::ErrorStatus AcDbSortentsTable::moveToBottom(const AcDbObjectIdArray& ids) 
     return moveToEnd(ids, false);
 }
 
-Acad::ErrorStatus AcDbSortentsTable::moveBeside(const AcDbObjectIdArray& ids, AcDbObjectId target, bool above) {
+Acad::ErrorStatus AcDbSortentsTable::moveBeside(const AcDbObjectIdArray& ids, AcDbObjectId target,
+                                                bool above) {
     AcDbObjectIdArray all = ids;
     all.append(target);
     if (ids.isEmpty() || !allInBlock(all) || ids.contains(target)) {
@@ -359,8 +360,9 @@ Acad::ErrorStatus AcDbSortentsTable::dxfOutFields(AcDbDxfFiler* filer) const {
 AcDbSortentsTable* host::sortentsOf(const AcDbBlockTableRecord& block) {
     const auto* dictionary = peek<AcDbDictionary>(block.extensionDictionary());
     AcDbObjectId id;
-    return dictionary != nullptr && dictionary->getAt(entryName, id) == Acad::eOk ? peek<AcDbSortentsTable>(id)
-                                                                                   : nullptr;
+    return dictionary != nullptr && dictionary->getAt(entryName, id) == Acad::eOk
+               ? peek<AcDbSortentsTable>(id)
+               : nullptr;
 }
 
 std::vector<AcDbStub*> host::drawOrder(const AcDbBlockTableRecord& block) {

@@ -1,4 +1,5 @@
-// AcDbSortentsTable: the drawing order of a block's entities, in the extension dictionary of the block's record.
+// AcDbSortentsTable: the drawing order of a block's entities, in the extension dictionary of the block's
+// record.
 #pragma once
 
 #include "host/db/dbgroupedobject.h"

@@ -91,9 +91,9 @@ std::string dumpDrawing(AcDbDatabase& database, const DumpOptions& options = {})
 Acad::ErrorStatus loadLinetypes(const std::wstring& name, const std::wstring& file, AcDbDatabase& database,
                                 std::wstring* message = nullptr);
 
-/// The lines of a hatch pattern at scale 1 and angle 0, from a file or, without one, from acadiso.pat (acad.pat
-/// for a drawing in inches) or a file of the pattern's own name. eFileNotFound, eKeyNotFound when there is no
-/// such pattern, eInvalidInput for a faulty one; `message` then says what and where.
+/// The lines of a hatch pattern at scale 1 and angle 0, from a file or, without one, from acadiso.pat
+/// (acad.pat for a drawing in inches) or a file of the pattern's own name. eFileNotFound, eKeyNotFound when
+/// there is no such pattern, eInvalidInput for a faulty one; `message` then says what and where.
 Acad::ErrorStatus loadHatchPattern(const std::wstring& name, AcDbDatabase* database,
                                    std::vector<HatchPatternLine>& lines, std::wstring& message,
                                    const std::wstring& file = {});

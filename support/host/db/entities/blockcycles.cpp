@@ -34,7 +34,8 @@ bool forContents(AcDbObjectId outer, Visit&& visit) {
             return false;
         }
         if (block != nullptr) {
-            forReferences(*block, [&](AcDbBlockReference&, AcDbObjectId inner) { open.push_back(inner.stub()); });
+            forReferences(*block,
+                          [&](AcDbBlockReference&, AcDbObjectId inner) { open.push_back(inner.stub()); });
         }
     }
     return true;
@@ -43,8 +44,7 @@ bool forContents(AcDbObjectId outer, Visit&& visit) {
 } // namespace
 
 bool blockContains(AcDbObjectId outer, AcDbObjectId inner) {
-    return !forContents(outer,
-                        [&](AcDbStub* at, const AcDbBlockTableRecord*) { return at != inner.stub(); });
+    return !forContents(outer, [&](AcDbStub* at, const AcDbBlockTableRecord*) { return at != inner.stub(); });
 }
 
 bool wouldHoldItself(const AcDbDatabase& database, const ACHAR* blockName, const AcDbDatabase& source) {

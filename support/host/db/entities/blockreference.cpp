@@ -101,7 +101,8 @@ bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw) {
     }
     const bool isReferenced = !block.isLayout();
     const AcDbSortentsTable* table = sortentsOf(block);
-    const std::vector<AcDbStub*> sorted = table != nullptr ? table->drawOrder(block) : std::vector<AcDbStub*>();
+    const std::vector<AcDbStub*> sorted =
+        table != nullptr ? table->drawOrder(block) : std::vector<AcDbStub*>();
     for (AcDbStub* stub : table != nullptr ? sorted : block.entities()) {
         auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
         if (entity == nullptr || draw->regenAbort()) {
@@ -344,9 +345,8 @@ Acad::ErrorStatus AcDbBlockReference::subGetExtentsUnder(const AcGeMatrix3d& tra
     if (const host::VisitScope scope(block); scope.entered()) {
         const AcGeMatrix3d whole = transform * blockTransform();
         const std::optional<AcDbExtents> own = block->measuredExtents().under(
-            whole, block->database()->impl().changeStamp, [&](const AcGeMatrix3d& linear) {
-                return host::extentsOfShown(*block, linear);
-            });
+            whole, block->database()->impl().changeStamp,
+            [&](const AcGeMatrix3d& linear) { return host::extentsOfShown(*block, linear); });
         forShowings(Showings::corners, [&](const AcGeVector3d& shift) {
             if (own.has_value()) {
                 const AcGeVector3d way = whole.translation() + transform * shift;

@@ -135,8 +135,8 @@ bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw);
 bool blockContains(AcDbObjectId outer, AcDbObjectId inner);
 /// Whether a block of that name, filled with the model space of another drawing, would come to hold itself.
 bool wouldHoldItself(const AcDbDatabase& database, const ACHAR* blockName, const AcDbDatabase& source);
-/// Takes out the references by which blocks hold themselves (of damaged files), and tells each in one line with
-/// its handle.
+/// Takes out the references by which blocks hold themselves (of damaged files), and tells each in one line
+/// with its handle.
 void breakBlockCycles(AcDbDatabase& database,
                       const std::function<void(const std::wstring& what, Adesk::UInt64 handle)>& report);
 

@@ -32,7 +32,8 @@ std::unique_ptr<AcDbEntity> ellipticalEntity(const AcDbEntity& source, const Cur
     const AcGeVector3d normal = piece.normal().normal();
     auto polyline = newLike<AcDbPolyline>(source);
     const bool full = piece.isFull();
-    const int count = std::max(2, static_cast<int>(std::ceil((piece.to - piece.from) / twoPi * chordsPerTurn)));
+    const int count =
+        std::max(2, static_cast<int>(std::ceil((piece.to - piece.from) / twoPi * chordsPerTurn)));
     polyline->setNormal(normal);
     for (int index = 0; index < count + (full ? 0 : 1); ++index) {
         const AcGePoint3d point =
@@ -60,7 +61,8 @@ Acad::ErrorStatus pieceParts(const AcDbEntity& entity, const AcGeMatrix3d& trans
         } else if (moved.normal().isZeroLength()) {
             return Acad::eDegenerateGeometry;
         } else {
-            parts.push_back(moved.isCircular() ? circularEntity(entity, moved) : ellipticalEntity(entity, moved));
+            parts.push_back(moved.isCircular() ? circularEntity(entity, moved)
+                                               : ellipticalEntity(entity, moved));
         }
     }
     return Acad::eOk;

@@ -366,8 +366,8 @@ Acad::ErrorStatus AcDbHatch::getPlane(AcGePlane& plane, AcDb::Planarity& planari
 Acad::ErrorStatus AcDbHatch::subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const {
     assertReadEnabled();
     AcDbExtents box;
-    const AcGeMatrix3d plane = transform * AcGeMatrix3d::planeToWorld(m.normal) *
-                               AcGeMatrix3d::translation({0.0, 0.0, m.elevation});
+    const AcGeMatrix3d plane =
+        transform * AcGeMatrix3d::planeToWorld(m.normal) * AcGeMatrix3d::translation({0.0, 0.0, m.elevation});
     for (const host::HatchLoop& loop : m.loops) {
         for (const host::BoundaryPiece& piece : host::boundaryPieces(loop)) {
             const host::CurvePiece curve =

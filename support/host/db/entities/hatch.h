@@ -19,7 +19,7 @@ struct HatchData {
     double patternAngle = 0.0;    ///< radians
     double patternScale = 1.0;    ///< of a user-defined pattern the spacing of its lines
     bool patternDouble = false;
-    double pixelSize = 0.0; ///< group 47, kept
+    double pixelSize = 0.0;                ///< group 47, kept
     std::vector<HatchPatternLine> pattern; ///< as drawn: turned and scaled
     std::vector<AcGePoint2d> seeds;
 

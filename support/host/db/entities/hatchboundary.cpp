@@ -63,8 +63,8 @@ void addChords(const AcGeNurbCurve3d& curve, double from, double to, double devi
     const AcGePoint2d b = to2d(curve.evalPoint(to));
     const AcGePoint2d m = to2d(curve.evalPoint(middle));
     const AcGePoint2d quarter = to2d(curve.evalPoint((from + middle) / 2.0));
-    const bool close = PathSegment(a, b).distanceTo(m) <= deviation &&
-                       PathSegment(a, b).distanceTo(quarter) <= deviation;
+    const bool close =
+        PathSegment(a, b).distanceTo(m) <= deviation && PathSegment(a, b).distanceTo(quarter) <= deviation;
     if (depth == 0 || close) {
         points.push_back(b);
         return;
@@ -88,9 +88,10 @@ std::vector<AcGePoint2d> splinePoints(const HatchSpline& spline) {
     for (const double weight : spline.weights) {
         weights.append(weight);
     }
-    const AcGeNurbCurve3d curve = spline.rational && weights.length() == points.length()
-                                      ? AcGeNurbCurve3d(spline.degree, knots, points, weights, spline.periodic)
-                                      : AcGeNurbCurve3d(spline.degree, knots, points, spline.periodic);
+    const AcGeNurbCurve3d curve =
+        spline.rational && weights.length() == points.length()
+            ? AcGeNurbCurve3d(spline.degree, knots, points, weights, spline.periodic)
+            : AcGeNurbCurve3d(spline.degree, knots, points, spline.periodic);
     if (points.isEmpty() || !curve.isValid()) {
         return spline.fitPoints.empty() ? spline.controlPoints : spline.fitPoints;
     }

@@ -31,8 +31,8 @@ struct HatchEdge {
     enum class Kind : Adesk::UInt8 { line = 1, arc = 2, ellipse = 3, spline = 4 };
 
     Kind kind = Kind::line;
-    AcGePoint2d start; ///< of a line; centre of an arc
-    AcGePoint2d end;   ///< of a line
+    AcGePoint2d start;            ///< of a line; centre of an arc
+    AcGePoint2d end;              ///< of a line
     AcGeVector2d major{1.0, 0.0}; ///< longer half axis; of an arc (radius, 0)
     double ratio = 1.0;           ///< of the shorter half axis to the longer one
     double startAngle = 0.0;

@@ -1,7 +1,6 @@
 // Drawing and exploding of hatches: lines, solid and gradient fillings.
-#include "host/db/entities/hatch.h"
-
 #include "host/db/dbents.h"
+#include "host/db/entities/hatch.h"
 #include "host/db/entities/transforms.h"
 
 #include <algorithm>
@@ -51,8 +50,8 @@ Polygon clipped(const Polygon& polygon, const AcGeVector2d& normal, double offse
     return result;
 }
 
-/// Fills the region of polygons with trapezoids between horizontal lines, by a sweep upwards. An edge that goes
-/// on in the same pair makes one trapezoid however many corners lie beside it.
+/// Fills the region of polygons with trapezoids between horizontal lines, by a sweep upwards. An edge that
+/// goes on in the same pair makes one trapezoid however many corners lie beside it.
 class Trapezoids {
 public:
     struct Trapezoid {
@@ -110,9 +109,8 @@ private:
 
     void slab(double low, double high) {
         const double middle = (low + high) / 2.0;
-        std::sort(mActive.begin(), mActive.end(), [&](std::size_t a, std::size_t b) {
-            return mEdges[a].at(middle) < mEdges[b].at(middle);
-        });
+        std::sort(mActive.begin(), mActive.end(),
+                  [&](std::size_t a, std::size_t b) { return mEdges[a].at(middle) < mEdges[b].at(middle); });
         std::vector<char> inside(mLoops, 0);
         std::vector<Open> now;
         int depth = 0;
@@ -162,7 +160,8 @@ private:
     std::size_t mLoops = 0;
 };
 
-std::vector<Polygon> polygonsOf(const std::vector<std::vector<host::BoundaryPiece>>& loops, double deviation) {
+std::vector<Polygon> polygonsOf(const std::vector<std::vector<host::BoundaryPiece>>& loops,
+                                double deviation) {
     std::vector<Polygon> polygons;
     polygons.reserve(loops.size());
     for (const std::vector<host::BoundaryPiece>& loop : loops) {
@@ -205,8 +204,8 @@ std::optional<host::HatchGradient> AcDbHatch::gradient() const {
             break;
         case 421: {
             const long rgb = std::strtol(text.c_str(), nullptr, 10);
-            found.colors.emplace_back(static_cast<Adesk::UInt8>(rgb >> 16), static_cast<Adesk::UInt8>(rgb >> 8),
-                                      static_cast<Adesk::UInt8>(rgb));
+            found.colors.emplace_back(static_cast<Adesk::UInt8>(rgb >> 16),
+                                      static_cast<Adesk::UInt8>(rgb >> 8), static_cast<Adesk::UInt8>(rgb));
             break;
         }
         case 470:
@@ -317,7 +316,8 @@ void AcDbHatch::drawGradient(AcGiWorldDraw* draw, const Loops& loops,
             std::vector<const Polygon*> shown;
             parts.reserve(list.size());
             for (const std::size_t index : list) {
-                shown.push_back(&parts.emplace_back(clipped(clipped(polygons[index], along, -from), -along, to)));
+                shown.push_back(
+                    &parts.emplace_back(clipped(clipped(polygons[index], along, -from), -along, to)));
             }
             fill(draw, shown, world);
         }

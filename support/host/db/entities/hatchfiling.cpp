@@ -1,6 +1,5 @@
 // Hatches in files.
 #include "host/db/entities/hatch.h"
-
 #include "host/db/entities/transforms.h"
 
 namespace host {

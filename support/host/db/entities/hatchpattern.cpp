@@ -176,7 +176,8 @@ private:
                 const double from = std::max(at, begin);
                 const double to = std::min(at + dash, end);
                 if (dash == 0.0 ? at >= begin && at <= end : to - from > smallest) {
-                    lines.push_back({pointOf(level, dash == 0.0 ? at : from), pointOf(level, dash == 0.0 ? at : to)});
+                    lines.push_back(
+                        {pointOf(level, dash == 0.0 ? at : from), pointOf(level, dash == 0.0 ? at : to)});
                 }
                 at += std::fabs(dash);
             }

@@ -11,7 +11,8 @@ class AcDbDatabase;
 namespace host {
 
 /// A family of parallel lines. Dashes are positive, gaps negative, a dot is zero; without any the lines are
-/// continuous. The pattern of a line begins at its own base: the family's base plus a whole number of offsets.
+/// continuous. The pattern of a line begins at its own base: the family's base plus a whole number of
+/// offsets.
 struct HatchPatternLine {
     double angle = 0.0; ///< radians
     AcGePoint2d base;
@@ -58,9 +59,9 @@ bool hatchLines(std::span<const std::vector<BoundaryPiece>> loops, HatchStyleKin
 
 /// Gives the lines of a pattern by name, at scale 1 and angle 0; hung in by formats. The message is one line
 /// on why there are none.
-using HatchPatternLoader = std::function<Acad::ErrorStatus(
-    const std::wstring& name, AcDbDatabase* database, std::vector<HatchPatternLine>& lines,
-    std::wstring& message)>;
+using HatchPatternLoader =
+    std::function<Acad::ErrorStatus(const std::wstring& name, AcDbDatabase* database,
+                                    std::vector<HatchPatternLine>& lines, std::wstring& message)>;
 HatchPatternLoader& hatchPatternLoader();
 
 } // namespace host

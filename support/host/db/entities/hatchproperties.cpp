@@ -1,7 +1,6 @@
 // Pattern and style of hatches.
-#include "host/db/entities/hatch.h"
-
 #include "host/db/dbdatabase.h"
+#include "host/db/entities/hatch.h"
 
 bool AcDbHatch::isGradient() const {
     assertReadEnabled();

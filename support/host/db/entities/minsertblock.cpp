@@ -18,7 +18,8 @@ Adesk::Int16 counted(Adesk::UInt16 value) {
 
 AcDbMInsertBlock::AcDbMInsertBlock(const AcGePoint3d& position, AcDbObjectId block, Adesk::UInt16 columns,
                                    Adesk::UInt16 rows, double columnSpacing, double rowSpacing)
-    : AcDbBlockReference(position, block), mArray{counted(columns), counted(rows), columnSpacing, rowSpacing} {}
+    : AcDbBlockReference(position, block), mArray{counted(columns), counted(rows), columnSpacing,
+                                                  rowSpacing} {}
 
 Adesk::UInt16 AcDbMInsertBlock::columns() const {
     assertReadEnabled();
@@ -134,7 +135,9 @@ std::string_view AcDbMInsertBlock::dxfSubclass(std::string_view marker) const {
 
 bool AcDbMInsertBlock::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group,
                                     std::string_view subclass) {
-    const auto count = [&] { return static_cast<Adesk::Int16>(std::clamp<Adesk::Int64>(group.integer, 1, 32767)); };
+    const auto count = [&] {
+        return static_cast<Adesk::Int16>(std::clamp<Adesk::Int64>(group.integer, 1, 32767));
+    };
     switch (group.code) {
     case 70:
         mArray.columns = count();

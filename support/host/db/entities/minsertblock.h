@@ -25,8 +25,8 @@ class AcDbMInsertBlock : public AcDbBlockReference {
 
 public:
     AcDbMInsertBlock() = default;
-    AcDbMInsertBlock(const AcGePoint3d& position, AcDbObjectId block, Adesk::UInt16 columns, Adesk::UInt16 rows,
-                     double columnSpacing, double rowSpacing);
+    AcDbMInsertBlock(const AcGePoint3d& position, AcDbObjectId block, Adesk::UInt16 columns,
+                     Adesk::UInt16 rows, double columnSpacing, double rowSpacing);
 
     Adesk::UInt16 columns() const;
     Acad::ErrorStatus setColumns(Adesk::UInt16 columns);

@@ -393,9 +393,8 @@ void AcDbMline::drawFilling(AcGiWorldDraw* draw, const host::MlineStyleData& sty
     if (last < 1) {
         return;
     }
-    draw->subEntityTraits().setTrueColor(style.fillColor.isByLayer() || style.fillColor.isByBlock()
-                                             ? entityColor()
-                                             : style.fillColor);
+    draw->subEntityTraits().setTrueColor(
+        style.fillColor.isByLayer() || style.fillColor.isByBlock() ? entityColor() : style.fillColor);
     draw->subEntityTraits().setFillType(kAcGiFillAlways);
     for (std::size_t segment = 0; segment < segmentCount(); ++segment) {
         const AcGePoint3d corners[] = {placeAt(segment, 0), placeAt(next(segment), 0),

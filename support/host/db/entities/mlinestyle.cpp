@@ -107,9 +107,8 @@ Acad::ErrorStatus AcDbMlineStyle::addElement(int& index, double offset, const Ac
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
-    const auto at = std::find_if(m.elements.begin(), m.elements.end(), [&](const host::MlineElement& element) {
-        return element.offset < offset;
-    });
+    const auto at = std::find_if(m.elements.begin(), m.elements.end(),
+                                 [&](const host::MlineElement& element) { return element.offset < offset; });
     index = static_cast<int>(at - m.elements.begin());
     m.elements.insert(at, {offset, color.entityColor(), linetype});
     return Acad::eOk;

@@ -8,9 +8,10 @@
 
 #include <algorithm>
 
-ACRX_DXF_DEFINE_MEMBERS(AcDbRasterImage, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 2175, IMAGE, ISM)
-ACRX_DXF_DEFINE_MEMBERS(AcDbWipeout, AcDbRasterImage, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 127, WIPEOUT,
-                        WipeOut)
+ACRX_DXF_DEFINE_MEMBERS(AcDbRasterImage, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 2175, IMAGE,
+                        ISM)
+ACRX_DXF_DEFINE_MEMBERS(AcDbWipeout, AcDbRasterImage, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 127,
+                        WIPEOUT, WipeOut)
 
 AcDbObjectId AcDbRasterImage::imageDefId() const {
     assertReadEnabled();
@@ -73,8 +74,7 @@ const std::vector<AcGePoint2d>& AcDbRasterImage::clipBoundary() const {
 }
 Acad::ErrorStatus AcDbRasterImage::setClipBoundary(ClipBoundaryType type, const AcGePoint2dArray& points) {
     const bool rectangle = type == kRect && points.length() == 2;
-    const bool polygon =
-        type == kPoly && points.length() >= 4 && points.first().isEqualTo(points.last());
+    const bool polygon = type == kPoly && points.length() >= 4 && points.first().isEqualTo(points.last());
     if (!rectangle && !polygon) {
         return Acad::eInvalidInput;
     }
@@ -213,9 +213,9 @@ Acad::ErrorStatus AcDbRasterImage::subMoveGripPointsAt(const AcDbIntArray& indic
     std::vector<AcGePoint2d> corners = clipPolygon();
     const AcGeMatrix3d toModel = pixelToModel();
     const AcGeVector2d move = host::to2d(toModel.inverse() * offset);
-    const Acad::ErrorStatus status = host::forGrips(indices, static_cast<int>(corners.size()), [&](int index) {
-        corners[static_cast<std::size_t>(index)] += move;
-    });
+    const Acad::ErrorStatus status =
+        host::forGrips(indices, static_cast<int>(corners.size()),
+                       [&](int index) { corners[static_cast<std::size_t>(index)] += move; });
     if (status != Acad::eOk || indices.isEmpty()) {
         return status;
     }

@@ -1,5 +1,5 @@
-// AcDbRasterImage and AcDbWipeout: a picture from a file, and an area that hides what lies below it; both with
-// a clip boundary. AcDbRasterImageDef names the file and stands in the dictionary ACAD_IMAGE_DICT.
+// AcDbRasterImage and AcDbWipeout: a picture from a file, and an area that hides what lies below it; both
+// with a clip boundary. AcDbRasterImageDef names the file and stands in the dictionary ACAD_IMAGE_DICT.
 #pragma once
 
 #include "host/db/dbentity.h"
@@ -14,10 +14,10 @@ struct RasterImageData {
     static constexpr Adesk::Int16 polygon = 2;
 
     Adesk::Int32 classVersion = 0;
-    AcGePoint3d origin;                     ///< lower left corner
-    AcGeVector3d u = AcGeVector3d::kXAxis;  ///< one pixel along
-    AcGeVector3d v = AcGeVector3d::kYAxis;  ///< one pixel up
-    double width = 1.0;                     ///< pixels
+    AcGePoint3d origin;                    ///< lower left corner
+    AcGeVector3d u = AcGeVector3d::kXAxis; ///< one pixel along
+    AcGeVector3d v = AcGeVector3d::kYAxis; ///< one pixel up
+    double width = 1.0;                    ///< pixels
     double height = 1.0;
     AcDbObjectId definition;
     AcDbObjectId reactor; ///< the object that tells the image of changes of its definition

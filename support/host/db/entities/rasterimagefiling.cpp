@@ -2,7 +2,8 @@
 #include "host/db/dbdatabase.h"
 #include "host/db/entities/rasterimage.h"
 
-ACRX_DXF_DEFINE_MEMBERS(AcDbRasterImageDef, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, IMAGEDEF, ISM)
+ACRX_DXF_DEFINE_MEMBERS(AcDbRasterImageDef, AcDbObject, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0,
+                        IMAGEDEF, ISM)
 
 namespace {
 

@@ -194,7 +194,8 @@ Acad::ErrorStatus AcDbViewport::subTransformBy(const AcGeMatrix3d& transform) {
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbViewport::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&, AcDbIntArray&) const {
+Acad::ErrorStatus AcDbViewport::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
+                                                 AcDbIntArray&) const {
     assertReadEnabled();
     if (!isSheet()) {
         points.append(m.center);
@@ -235,9 +236,10 @@ Acad::ErrorStatus AcDbViewport::subMoveGripPointsAt(const AcDbIntArray& indices,
     return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbViewport::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker, const AcGePoint3d& pick,
-                                                  const AcGePoint3d& last, const AcGeMatrix3d& view,
-                                                  AcGePoint3dArray& points, AcDbIntArray&) const {
+Acad::ErrorStatus AcDbViewport::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::GsMarker,
+                                                  const AcGePoint3d& pick, const AcGePoint3d& last,
+                                                  const AcGeMatrix3d& view, AcGePoint3dArray& points,
+                                                  AcDbIntArray&) const {
     assertReadEnabled();
     std::vector<host::CurvePiece> pieces;
     curvePieces(pieces);

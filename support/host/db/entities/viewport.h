@@ -14,7 +14,8 @@ struct ViewportData {
     double height = 0.0;
     Adesk::Int16 status = 1; ///< place in the stack of active viewports; 0 off, -1 not on the screen
     Adesk::Int16 number = 2; ///< 1 is the sheet itself
-    AcGePoint2d viewCenter; ///< in display coordinates: origin at the target, turned to the view and by the twist
+    AcGePoint2d
+        viewCenter; ///< in display coordinates: origin at the target, turned to the view and by the twist
     AcGePoint2d snapBase;
     AcGePoint2d snapSpacing{10.0, 10.0};
     AcGePoint2d gridSpacing{10.0, 10.0};

@@ -70,10 +70,9 @@ std::vector<Definition> parse(std::string_view bytes) {
     }
     for (Definition& definition : definitions) {
         if (definition.fault.empty() && (definition.name.empty() || definition.lines.empty())) {
-            definition.fault =
-                formatted(L"第 %I64d 行: ", static_cast<long long>(definition.line)) +
-                (definition.name.empty() ? std::wstring(L"图案没有名称")
-                                         : L"图案 \"" + definition.name + L"\": 没有图案线");
+            definition.fault = formatted(L"第 %I64d 行: ", static_cast<long long>(definition.line)) +
+                               (definition.name.empty() ? std::wstring(L"图案没有名称")
+                                                        : L"图案 \"" + definition.name + L"\": 没有图案线");
         }
     }
     return definitions;
