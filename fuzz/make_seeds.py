@@ -22,12 +22,14 @@ def binary(groups, wide=True):
             out += bytes([code]) if code < 255 else b"\xff" + struct.pack("<h", code)
         if 10 <= code < 60 or 110 <= code < 150 or 210 <= code < 240 or 1010 <= code < 1060:
             out += struct.pack("<d", float(value))
-        elif 60 <= code < 80 or 170 <= code < 180 or 270 <= code < 290 or 1060 <= code < 1071:
+        elif 60 <= code < 80 or 170 <= code < 180 or 270 <= code < 290 or 370 <= code < 390 or 1060 <= code < 1071:
             out += struct.pack("<h", int(value))
         elif 290 <= code < 300:
             out += struct.pack("<B", int(value))
         elif 90 <= code < 100 or 420 <= code < 430 or code == 1071:
             out += struct.pack("<i", int(value))
+        elif 160 <= code < 170:
+            out += struct.pack("<q", int(value))
         elif 310 <= code < 320 or code == 1004:
             data = bytes.fromhex(value)
             out += bytes([len(data)]) + data

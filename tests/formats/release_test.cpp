@@ -133,7 +133,7 @@ TEST(DxfReleases, oldTextsAreInTheCodePageWithEscapes) {
 
 TEST(DxfReleases, objectsThatCannotBeHeldGoWithWhatNamesThem) {
     const Drawing drawing(
-        header("AC1032") +
+        header("AC1032", groups({{9, "$INTERFEREOBJVS"}, {345, "91"}})) +
         entities(groups(
             {{0, "3DSOLID"}, {5, "90"}, {8, "0"}, {100, "AcDbModelerGeometry"}, {290, "1"}, {2, "{GUID}"}})) +
         section("OBJECTS", groups({{0, "DICTIONARY"},
