@@ -1,6 +1,11 @@
 // The interface's questions with their result codes turned into values.
 #include "host/commands/ask.h"
 
+#include "host/ed/drive.h"
+#include "host/ed/question.h"
+#include "host/ed/runcontext.h"
+#include "host/rx/text.h"
+
 namespace host {
 namespace {
 
@@ -108,15 +113,85 @@ TextAnswer askText(const std::wstring& prompt, bool blanks) {
     return answer;
 }
 
-Selection Selection::ask() {
+namespace {
+
+/// Takes what was answered to the question for an entity: a name, a name with a point, a set, "last", or a
+/// point on it. False for anything else.
+bool takeEntity(const InputItem& item, EntityAnswer& answer) {
+    if (item.kind == InputItem::Kind::value && item.value != nullptr) {
+        const resbuf* value = item.value->restype == RTLB ? item.value->rbnext : item.value.get();
+        if (value != nullptr && value->restype == RTENAME) {
+            const resbuf* point = value->rbnext;
+            answer.hasPoint =
+                point != nullptr && (point->restype == RT3DPOINT || point->restype == RTPOINT);
+            if (answer.hasPoint) {
+                answer.ucs = asPoint3d(point->resval.rpoint);
+            }
+            return acdbGetObjectId(answer.id, value->resval.rlname) == Acad::eOk;
+        }
+        if (value != nullptr && value->restype == RTPICKS) {
+            const PickSet* set = pickSetOf(value->resval.rlname);
+            for (const AcDbObjectId id : set != nullptr ? set->ids : std::vector<AcDbObjectId>()) {
+                answer.set.append(id);
+            }
+            answer.id = answer.set.isEmpty() ? AcDbObjectId() : answer.set[0];
+            return !answer.id.isNull();
+        }
+    }
+    const std::wstring_view word = item.kind == InputItem::Kind::text ? item.text : std::wstring_view();
+    if (equalNoCase(word, L"L") || equalNoCase(word, L"_L") || equalNoCase(word, L"_LAST")) {
+        ads_name last;
+        return acdbEntLast(last) == RTNORM && acdbGetObjectId(answer.id, last) == Acad::eOk;
+    }
+    const std::optional<AcGePoint3d> point = pointIn(item, std::nullopt);
+    if (!point) {
+        return false;
+    }
+    answer.ucs = *point;
+    answer.hasPoint = true;
+    answer.id = entityAt(ucsToWorld(*point), pickAperture());
+    setLastPoint(*point);
+    return true;
+}
+
+} // namespace
+
+EntityAnswer askEntity(const std::wstring& prompt, const wchar_t* keywords,
+                       const std::function<const wchar_t*(const AcDbEntity&)>& refusal) {
+    for (;;) {
+        EntityAnswer answer;
+        acedInitGet(0, keywords);
+        const InitGet init = takeInitGet();
+        ValueQuestion question{prompt, {}, L"无效选择。", {}};
+        question.options.wantsPoint = true;
+        question.take = [&](const InputItem& item) { return takeEntity(item, answer); };
+        finish(answer, askValue(init, question));
+        if (!answer.isValue()) {
+            return answer;
+        }
+        answer.world = ucsToWorld(answer.ucs);
+        const auto* entity = peek<AcDbEntity>(answer.id);
+        if (entity == nullptr) {
+            acutPrintf(L"\n未找到对象。");
+            continue;
+        }
+        const ReadAccess access(*entity);
+        const wchar_t* line = refusal ? refusal(*entity) : nullptr;
+        if (line == nullptr) {
+            return answer;
+        }
+        acutPrintf(L"\n%s", line);
+    }
+}
+
+Selection Selection::from(const wchar_t* options, const void* prompts) {
     Selection selection;
-    if (acedSSGet(nullptr, nullptr, nullptr, nullptr, selection.mSet) == RTNORM) {
-        Adesk::Int32 length = 0;
-        acedSSLength(selection.mSet, &length);
-        for (Adesk::Int32 index = 0; index < length; ++index) {
-            ads_name name;
-            AcDbObjectId id;
-            if (acedSSName(selection.mSet, index, name) == RTNORM && acdbGetObjectId(id, name) == Acad::eOk) {
+    const int code = acedSSGet(options, prompts, nullptr, nullptr, selection.mSet);
+    selection.mCancelled = code == RTCAN;
+    if (code == RTNORM) {
+        if (const PickSet* set = pickSetOf(selection.mSet)) {
+            selection.mIds.setPhysicalLength(static_cast<int>(set->size()));
+            for (const AcDbObjectId id : set->ids) {
                 selection.mIds.append(id);
             }
         }
@@ -124,7 +199,25 @@ Selection Selection::ask() {
     return selection;
 }
 
-Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)) {
+Selection Selection::ask() {
+    return from(nullptr, nullptr);
+}
+
+Selection Selection::askEditable() {
+    return from(L":L", nullptr);
+}
+
+Selection Selection::askSingle() {
+    return from(L":S:L", nullptr);
+}
+
+Selection Selection::askWith(const wchar_t* prompt, bool editable) {
+    const wchar_t* prompts[] = {prompt, L"\n删除对象: "};
+    return from(editable ? L":$:L" : L":$", prompts);
+}
+
+Selection::Selection(Selection&& other) noexcept
+    : mIds(std::move(other.mIds)), mCancelled(other.mCancelled) {
     ads_name_set(other.mSet, mSet);
     ads_name_clear(other.mSet);
 }
@@ -133,6 +226,11 @@ Selection::~Selection() {
     if (mSet[0] != 0 || mSet[1] != 0) {
         acedSSFree(mSet);
     }
+}
+
+bool isProgramAnswering() {
+    const Drive* drive = runContext().drive;
+    return drive != nullptr && !drive->isUsers();
 }
 
 AcDbDatabase& currentDatabase() {
@@ -149,6 +247,30 @@ std::wstring shownAngle(double radians) {
     AcString text;
     acdbAngToS(radians, -1, -1, text);
     return text.kwszPtr();
+}
+
+std::wstring shownPoint(const AcGePoint3d& ucs) {
+    return L"X = " + shown(ucs.x) + L"     Y = " + shown(ucs.y) + L"     Z = " + shown(ucs.z);
+}
+
+std::optional<bool> askYesNo(const std::wstring& prompt, bool standard) {
+    const Answer answer = askKeyword(prompt + (standard ? L" [是(Y)/否(N)] <Y>: " : L" [是(Y)/否(N)] <N>: "),
+                                     L"Yes No");
+    if (answer.isCancelled()) {
+        return std::nullopt;
+    }
+    return answer.isNone() ? standard : answer.isKeyword(L"Yes");
+}
+
+std::wstring unquoted(std::wstring text) {
+    if (text.size() >= 2 && text.front() == L'"' && text.back() == L'"') {
+        text = text.substr(1, text.size() - 2);
+    }
+    return text;
+}
+
+AcGeVector3d ucsNormal() {
+    return currentDatabase().ucsxdir().crossProduct(currentDatabase().ucsydir()).normal();
 }
 
 AcDbObjectId appendToCurrentSpace(AcDbEntity* entity) {

@@ -49,28 +49,60 @@ Answer askKeyword(const std::wstring& prompt, const wchar_t* keywords, int flags
 /// With `blanks` the text ends with the line only. Enter is `none`.
 TextAnswer askText(const std::wstring& prompt, bool blanks = false);
 
+struct EntityAnswer : Answer {
+    AcDbObjectId id;
+    AcGePoint3d ucs; ///< where it was picked; the origin for one given by name
+    AcGePoint3d world;
+    bool hasPoint = false;
+    AcDbObjectIdArray set; ///< the whole set when a selection set was given
+};
+/// Asks again while nothing is found at the point, and while `refusal` has a line to tell about what was
+/// picked (null accepts it). Enter is `none`.
+EntityAnswer askEntity(const std::wstring& prompt, const wchar_t* keywords = nullptr,
+                       const std::function<const wchar_t*(const AcDbEntity&)>& refusal = {});
+
 /// A selection made by the user, or what was picked before the command; freed at the end of the scope.
 class Selection {
 public:
-    /// Asks when nothing is picked. `prompt` replaces the usual one.
+    /// Asks when nothing is picked.
     static Selection ask();
+    /// The same without what stands on locked layers, which is told.
+    static Selection askEditable();
+    /// One answer ends it.
+    static Selection askSingle();
+    /// Asks with a prompt of its own, whatever was picked before.
+    static Selection askWith(const wchar_t* prompt, bool editable = false);
     ~Selection();
     Selection(Selection&& other) noexcept;
     Selection(const Selection&) = delete;
     Selection& operator=(const Selection&) = delete;
     bool empty() const { return mIds.isEmpty(); }
+    /// Escape, not Enter, ended it.
+    bool isCancelled() const { return mCancelled; }
     const AcDbObjectIdArray& ids() const { return mIds; }
 
 private:
     Selection() = default;
+    static Selection from(const wchar_t* options, const void* prompts);
     ads_name mSet{0, 0};
     AcDbObjectIdArray mIds;
+    bool mCancelled = false;
 };
 
 AcDbDatabase& currentDatabase();
+/// The answers come from a program (acedCommandS, LISP), not from the user or his script.
+bool isProgramAnswering();
 /// A number in the drawing's units and precision, for defaults in prompts.
 std::wstring shown(double value);
 std::wstring shownAngle(double radians);
+
+std::wstring shownPoint(const AcGePoint3d& ucs);
+/// Yes or no; `standard` for Enter, nothing for Escape. The prompt comes without the options.
+std::optional<bool> askYesNo(const std::wstring& prompt, bool standard);
+/// A file name as typed: quotes taken off.
+std::wstring unquoted(std::wstring text);
+/// Normal of the current UCS, in the world.
+AcGeVector3d ucsNormal();
 
 /// Appends an entity to the current space with the current properties and closes it.
 AcDbObjectId appendToCurrentSpace(AcDbEntity* entity);

@@ -7,12 +7,6 @@
 namespace host {
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
-
-AcGeVector3d ucsNormal() {
-    return currentDatabase().ucsxdir().crossProduct(currentDatabase().ucsydir()).normal();
-}
-
 void runLine() {
     std::vector<AcGePoint3d> points; // UCS
     std::vector<AcDbObjectId> lines;

@@ -1,5 +1,6 @@
 // NEW, OPEN, SAVE, SAVEAS and QUIT. A drawing is read whole before the current one is touched.
 #include "host/commands/ask.h"
+#include "host/commands/filenames.h"
 #include "host/commands/registry.h"
 #include "host/ed/documentstate.h"
 #include "host/win/win.h"
@@ -9,38 +10,20 @@
 namespace host {
 namespace {
 
-/// A file name as typed: quotes taken off, the extension added when there is none.
-std::wstring fileNameOf(std::wstring text) {
-    if (text.size() >= 2 && text.front() == L'"' && text.back() == L'"') {
-        text = text.substr(1, text.size() - 2);
-    }
-    const std::size_t name = text.find_last_of(L"/\\");
-    const std::size_t dot = text.rfind(L'.');
-    if (dot == std::wstring::npos || (name != std::wstring::npos && dot < name)) {
-        text += L".dxf";
-    }
-    return text;
-}
-
 void runNew() {
     const TextAnswer answer = askText(L"\n输入样板文件名或 [. (表示无)] <无>: ", true);
     if (answer.isCancelled()) {
         return;
     }
     const bool none = answer.isNone() || answer.text == L".";
-    acDocManager->appContextNewDocument(none ? nullptr : fileNameOf(answer.text).c_str());
+    acDocManager->appContextNewDocument(none ? nullptr : drawingFileName(answer.text).c_str());
 }
 
 void runOpen() {
     const TextAnswer answer = askText(L"\n输入要打开的图形文件名: ", true);
     if (answer.isValue()) {
-        acDocManager->appContextOpenDocument(fileNameOf(answer.text).c_str());
+        acDocManager->appContextOpenDocument(drawingFileName(answer.text).c_str());
     }
-}
-
-bool fileIsThere(const std::wstring& name) {
-    std::error_code error;
-    return std::filesystem::exists(toNativePath(name), error);
 }
 
 /// Writes the drawing; the document goes by the new name and format afterwards.
@@ -103,13 +86,9 @@ void saveUnder(const SaveFormat& format) {
     if (!answer.isValue()) {
         return;
     }
-    const std::wstring name = fileNameOf(answer.text);
-    if (fileIsThere(name) && systemVariableInteger(L"EXPERT") < 2) {
-        const Answer replace =
-            askKeyword(L"\n该名称的图形已存在，是否替换它? [是(Y)/否(N)] <N>: ", L"Yes No");
-        if (!replace.isKeyword(L"Yes")) {
-            return;
-        }
+    const std::wstring name = drawingFileName(answer.text);
+    if (!mayWriteFile(name)) {
+        return;
     }
     saveTo(name, format);
 }

@@ -1,5 +1,6 @@
 // INSERT: places a block of the drawing, or a drawing file as a block, or its parts (name after an asterisk).
 #include "host/commands/ask.h"
+#include "host/commands/edit/editing.h"
 #include "host/commands/registry.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
@@ -29,35 +30,69 @@ std::filesystem::path findDrawing(const std::wstring& name) {
     return {};
 }
 
-/// The definition: of the drawing, or of a file read for it. `name=file` takes the file anew.
+/// What was typed as a name: a block, a file, or `name=file`, which takes the file anew.
+struct Source {
+    std::wstring name;
+    std::wstring file;   ///< to look for when there is no such block; empty: none may be read
+    bool takesFile = false; ///< the file counts, whatever the drawing has
+};
+
+Source sourceOf(const std::wstring& given) {
+    const std::size_t equals = given.find(L'=');
+    if (equals == std::wstring::npos) {
+        // A name with folders is a file's.
+        const bool isPath = given.find_first_of(L"/\\") != std::wstring::npos;
+        return {blockNameOf(given), given, isPath};
+    }
+    const std::wstring name = given.substr(0, equals);
+    const std::wstring file = given.substr(equals + 1);
+    return {name.empty() ? blockNameOf(file) : name, file.empty() ? name : file, true};
+}
+
+/// The block named so, or made of a file. Null with a line told when there is neither, or the user does not
+/// want what is there replaced.
 AcDbObjectId definitionOf(const std::wstring& given) {
     AcDbDatabase& database = currentDatabase();
-    const std::size_t equals = given.find(L'=');
-    const std::wstring file = equals != std::wstring::npos ? given.substr(equals + 1) : given;
-    const std::wstring name =
-        equals != std::wstring::npos && equals > 0 ? given.substr(0, equals) : blockNameOf(file);
+    const Source source = sourceOf(given);
     AcDbObjectId id;
-    if (equals == std::wstring::npos &&
-        peek<AcDbBlockTable>(database.blockTableId())->getAt(name.c_str(), id) == Acad::eOk) {
+    const auto* blocks = peek<AcDbBlockTable>(database.blockTableId());
+    if (blocks->getAt(given.c_str(), id) == Acad::eOk) {
         return id;
     }
-    const std::filesystem::path path = findDrawing(file.empty() ? name : file);
+    const bool exists = blocks->getAt(source.name.c_str(), id) == Acad::eOk;
+    if (exists && !source.takesFile) {
+        return id;
+    }
+    const std::filesystem::path path = findDrawing(source.file);
     if (path.empty()) {
         reportFailure(L"找不到块或图形文件 \"" + given + L"\"");
         return {};
     }
-    AcDbDatabase source(false);
+    if (exists && systemVariableInteger(L"EXPERT") < 2) {
+        const std::optional<bool> again =
+            askYesNo(L"\n块 \"" + source.name + L"\" 已经存在。是否重定义?", false);
+        if (!again) {
+            return {};
+        }
+        if (!*again) {
+            return id;
+        }
+    }
+    AcDbDatabase drawing(false);
     std::wstring message;
-    if (fileFormats().read(source, toWindowsPath(path), message) != Acad::eOk) {
+    if (fileFormats().read(drawing, toWindowsPath(path), message) != Acad::eOk) {
         reportFailure(message);
         return {};
     }
     if (!message.empty()) {
         acutPrintf(L"\n%s", message.c_str());
     }
-    if (database.insert(id, name.c_str(), &source) != Acad::eOk) {
+    if (database.insert(id, source.name.c_str(), &drawing) != Acad::eOk) {
         reportFailure(L"无法插入 \"" + given + L"\"");
         return {};
+    }
+    if (exists) {
+        acutPrintf(L"\n块 \"%s\" 已重定义。", source.name.c_str());
     }
     return id;
 }
@@ -66,76 +101,124 @@ struct Placing {
     AcGePoint3d point; ///< UCS
     AcGeScale3d scale{1.0, 1.0, 1.0};
     double rotation = 0.0;
-    bool exploded = false;
+    AcGeVector3d shift;    ///< of another base point, in block coordinates
+    bool exploded = false; ///< the parts are placed, not a reference
+    bool uniform = false;  ///< one factor is asked for: the name had an asterisk
+    bool repeats = false;
+    bool hasScale = false;
+    bool hasRotation = false;
 };
 
+/// The box between the insertion point and an opposite corner.
+bool askCorner(Placing& placing) {
+    for (;;) {
+        const PointAnswer corner = askPoint(L"\n指定对角点: ", nullptr, &placing.point, RSG_NONULL);
+        if (!corner.isValue()) {
+            return false;
+        }
+        placing.scale.sx = corner.ucs.x - placing.point.x;
+        placing.scale.sy = corner.ucs.y - placing.point.y;
+        placing.scale.sz = placing.scale.sx;
+        if (placing.scale.sx != 0.0 && placing.scale.sy != 0.0) {
+            return true;
+        }
+        acutPrintf(L"\n比例因子不能为零。");
+    }
+}
+
 bool askScale(Placing& placing) {
-    if (placing.exploded) {
-        const RealAnswer scale = askReal(L"\n指定 XYZ 轴比例因子 <1>: ", nullptr, 2);
+    if (placing.uniform) {
+        const RealAnswer scale = askDistance(L"\n指定 XYZ 轴比例因子 <1>: ", nullptr, &placing.point, RSG_NOZERO);
         if (scale.isValue()) {
             placing.scale.set(scale.value, scale.value, scale.value);
         }
         return !scale.isCancelled();
     }
-    const RealAnswer x =
-        askReal(L"\n输入 X 比例因子，指定对角点，或 [角点(C)/xyz(XYZ)] <1>: ", L"Corner XYZ", 2);
+    const RealAnswer x = askDistance(L"\n输入 X 比例因子，指定对角点，或 [角点(C)/XYZ(XYZ)] <1>: ", L"Corner XYZ",
+                                     &placing.point, RSG_NOZERO);
     if (x.isCancelled()) {
         return false;
     }
+    if (x.isKeyword(L"Corner")) {
+        return askCorner(placing);
+    }
     placing.scale.sx = x.isValue() ? x.value : 1.0;
     if (x.isKeyword(L"XYZ")) {
-        const RealAnswer own = askReal(L"\n输入 X 比例因子 <1>: ", nullptr, 2);
+        const RealAnswer own = askDistance(L"\n指定 X 比例因子 <1>: ", nullptr, &placing.point, RSG_NOZERO);
+        if (own.isCancelled()) {
+            return false;
+        }
         placing.scale.sx = own.isValue() ? own.value : 1.0;
     }
-    const RealAnswer y = askReal(L"\n输入 Y 比例因子 <使用 X 比例因子>: ", nullptr, 2);
+    const RealAnswer y = askDistance(L"\n输入 Y 比例因子 <使用 X 比例因子>: ", nullptr, &placing.point, RSG_NOZERO);
     if (y.isCancelled()) {
         return false;
     }
     placing.scale.sy = y.isValue() ? y.value : placing.scale.sx;
     placing.scale.sz = placing.scale.sx;
     if (x.isKeyword(L"XYZ")) {
-        const RealAnswer z = askReal(L"\n输入 Z 比例因子或 <使用 X 比例因子>: ", nullptr, 2);
+        const RealAnswer z =
+            askDistance(L"\n指定 Z 比例因子或 <使用 X 比例因子>: ", nullptr, &placing.point, RSG_NOZERO);
         placing.scale.sz = z.isValue() ? z.value : placing.scale.sx;
         return !z.isCancelled();
     }
     return true;
 }
 
+/// An option given before the point; false for Escape.
+bool takeOption(const Answer& option, Placing& placing) {
+    if (option.isKeyword(L"Rotate")) {
+        const RealAnswer angle = askAngle(L"\n指定旋转角度 <" + shownAngle(0.0) + L">: ");
+        placing.rotation = angle.isValue() ? angle.value : 0.0;
+        placing.hasRotation = true;
+        return !angle.isCancelled();
+    }
+    if (option.isKeyword(L"Explode")) {
+        const std::optional<bool> explodes = askYesNo(L"\n是否分解块?", placing.exploded);
+        placing.exploded = explodes.value_or(false);
+        return explodes.has_value();
+    }
+    if (option.isKeyword(L"REpeat")) {
+        const std::optional<bool> repeats = askYesNo(L"\n是否重复插入?", placing.repeats);
+        placing.repeats = repeats.value_or(false);
+        return repeats.has_value();
+    }
+    if (option.isKeyword(L"Basepoint")) {
+        const PointAnswer base = askPoint(L"\n指定基点: ", nullptr, nullptr, RSG_NONULL);
+        placing.shift = AcGePoint3d::kOrigin - base.ucs;
+        return base.isValue();
+    }
+    const RealAnswer factor = askDistance(L"\n指定比例因子 <1>: ", nullptr, nullptr, RSG_NOZERO);
+    const double value = factor.isValue() ? factor.value : 1.0;
+    if (option.isKeyword(L"Scale")) {
+        placing.scale.set(value, value, value);
+    } else {
+        (option.isKeyword(L"X")   ? placing.scale.sx
+         : option.isKeyword(L"Y") ? placing.scale.sy
+                                  : placing.scale.sz) = value;
+    }
+    placing.hasScale = true;
+    return !factor.isCancelled();
+}
+
 /// Options before the point are asked for as often as they are given.
 bool askPlacing(Placing& placing) {
-    bool scaled = false;
-    bool turned = false;
     for (;;) {
-        const PointAnswer point = askPoint(L"\n指定插入点或 [基点(B)/比例(S)/X/Y/Z/旋转(R)]: ",
-                                           L"Basepoint Scale X Y Z Rotate", nullptr, 1);
+        const PointAnswer point =
+            askPoint(L"\n指定插入点或 [基点(B)/比例(S)/X/Y/Z/旋转(R)/分解(E)/重复(RE)]: ",
+                     L"Basepoint Scale X Y Z Rotate Explode REpeat", nullptr, RSG_NONULL);
         if (point.isValue()) {
             placing.point = point.ucs;
             break;
         }
-        if (point.isCancelled()) {
+        if (point.kind != Answer::Kind::keyword || !takeOption(point, placing)) {
             return false;
         }
-        if (point.isKeyword(L"Rotate")) {
-            const RealAnswer angle = askAngle(L"\n指定旋转角度 <0>: ");
-            placing.rotation = angle.isValue() ? angle.value : 0.0;
-            turned = true;
-            continue;
-        }
-        const RealAnswer factor = askReal(L"\n指定比例因子 <1>: ", nullptr, 2);
-        const double value = factor.isValue() ? factor.value : 1.0;
-        if (point.isKeyword(L"Scale")) {
-            placing.scale.set(value, value, value);
-        } else {
-            (point.isKeyword(L"X")   ? placing.scale.sx
-             : point.isKeyword(L"Y") ? placing.scale.sy
-                                     : placing.scale.sz) = value;
-        }
-        scaled = true;
     }
-    if (!scaled && !askScale(placing)) {
+    if (!placing.hasScale && !askScale(placing)) {
         return false;
     }
-    if (turned) {
+    if (placing.hasRotation) {
         return true;
     }
     const RealAnswer rotation =
@@ -153,7 +236,8 @@ AcGeMatrix3d placingMatrix(const Placing& placing) {
         return matrix;
     }();
     return ucsMatrix() * AcGeMatrix3d::translation(placing.point.asVector()) *
-           AcGeMatrix3d::rotation(placing.rotation, AcGeVector3d::kZAxis) * scale;
+           AcGeMatrix3d::rotation(placing.rotation, AcGeVector3d::kZAxis) * scale *
+           AcGeMatrix3d::translation(placing.shift);
 }
 
 /// The values of the definition's attributes, asked for when ATTREQ says so.
@@ -186,15 +270,24 @@ void addAttributes(AcDbBlockReference& reference, const AcDbBlockTableRecord& bl
     }
 }
 
-void placeReference(AcDbObjectId block, const Placing& placing) {
-    auto* reference = new AcDbBlockReference(placing.point, block);
+/// A reference that is in no drawing yet.
+std::unique_ptr<AcDbBlockReference> referenceTo(AcDbObjectId block, const Placing& placing) {
+    const AcGeVector3d shift =
+        AcGeMatrix3d::rotation(placing.rotation, AcGeVector3d::kZAxis) *
+        AcGeVector3d(placing.shift.x * placing.scale.sx, placing.shift.y * placing.scale.sy,
+                     placing.shift.z * placing.scale.sz);
+    auto reference = std::make_unique<AcDbBlockReference>(placing.point + shift, block);
     reference->setDatabaseDefaults();
     reference->setScaleFactors(placing.scale);
     reference->setRotation(placing.rotation);
     if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
         reference->transformBy(matrix);
     }
-    const AcDbObjectId id = appendToCurrentSpace(reference);
+    return reference;
+}
+
+void placeReference(AcDbObjectId block, const Placing& placing) {
+    const AcDbObjectId id = appendToCurrentSpace(referenceTo(block, placing).release());
     const auto* definition = peek<AcDbBlockTableRecord>(block);
     if (id.isNull() || !definition->hasAttributeDefinitions()) {
         return;
@@ -207,6 +300,18 @@ void placeReference(AcDbObjectId block, const Placing& placing) {
 
 void placeParts(AcDbObjectId block, const Placing& placing) {
     AcDbDatabase& database = currentDatabase();
+    const AcGeScale3d& scale = placing.scale;
+    if (std::fabs(scale.sx) != std::fabs(scale.sy) || std::fabs(scale.sx) != std::fabs(scale.sz)) {
+        // What can't be scaled by axis goes into its own parts.
+        AcDbVoidPtrArray parts;
+        if (referenceTo(block, placing)->explode(parts) != Acad::eOk) {
+            acutPrintf(L"\n块的内容不能这样缩放。");
+        }
+        for (void* part : parts) {
+            appendTo(database.currentSpaceId(), std::unique_ptr<AcDbEntity>(static_cast<AcDbEntity*>(part)));
+        }
+        return;
+    }
     const auto* definition = peek<AcDbBlockTableRecord>(block);
     AcDbObjectIdArray parts;
     for (AcDbStub* stub : definition->entities()) {
@@ -216,13 +321,8 @@ void placeParts(AcDbObjectId block, const Placing& placing) {
     }
     const AcGeMatrix3d matrix =
         placingMatrix(placing) * AcGeMatrix3d::translation(AcGePoint3d::kOrigin - definition->origin());
-    AcDbIdMapping mapping;
-    database.deepCloneObjects(parts, database.currentSpaceId(), mapping);
-    for (const AcDbIdPair& pair : mapping.pairs()) {
-        const Opened<AcDbEntity> entity(pair.isPrimary() ? pair.value() : AcDbObjectId(), AcDb::kForWrite);
-        if (entity) {
-            entity->transformBy(matrix);
-        }
+    if (const int refused = copyTransformed(parts, database.currentSpaceId(), matrix); refused > 0) {
+        acutPrintf(L"\n%d 个对象不能这样变换，没有插入。", refused);
     }
 }
 
@@ -253,11 +353,9 @@ void runInsert() {
         listBlocks();
         return;
     }
-    if (name.size() >= 2 && name.front() == L'"' && name.back() == L'"') {
-        name = name.substr(1, name.size() - 2);
-    }
+    name = unquoted(name);
     Placing placing;
-    placing.exploded = name.front() == L'*';
+    placing.uniform = placing.exploded = name.front() == L'*';
     const AcDbObjectId block = definitionOf(placing.exploded ? name.substr(1) : name);
     if (block.isNull()) {
         return;
@@ -267,10 +365,12 @@ void runInsert() {
         return;
     }
     setSystemVariable(L"INSNAME", std::wstring_view(name));
-    if (!askPlacing(placing)) {
-        return;
-    }
-    placing.exploded ? placeParts(block, placing) : placeReference(block, placing);
+    do {
+        if (!askPlacing(placing)) {
+            return;
+        }
+        placing.exploded ? placeParts(block, placing) : placeReference(block, placing);
+    } while (placing.repeats);
 }
 
 constexpr CommandRow rows[] = {{L"INSERT", L"插入", ACRX_CMD_MODAL, runInsert},

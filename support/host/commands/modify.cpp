@@ -1,8 +1,11 @@
 // ERASE, MOVE, COPY and OOPS.
 #include "host/commands/ask.h"
+#include "host/commands/edit/editing.h"
+#include "host/commands/erasing.h"
 #include "host/commands/registry.h"
 
 namespace host {
+
 namespace {
 
 /// Entities erased last in each drawing, for OOPS.
@@ -11,19 +14,28 @@ std::map<AcDbDatabase*, AcDbObjectIdArray>& lastErased() {
     return erased;
 }
 
-void runErase() {
-    const Selection selection = Selection::ask();
-    if (selection.empty()) {
-        return;
-    }
+} // namespace
+
+AcDbObjectIdArray eraseForOops(const AcDbObjectIdArray& ids) {
     AcDbObjectIdArray erased;
-    for (const AcDbObjectId id : selection.ids()) {
-        const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (entity && entity->erase() == Acad::eOk) {
+    for (const AcDbObjectId id : ids) {
+        if (eraseEntity(id)) {
             erased.append(id);
         }
     }
     lastErased()[&currentDatabase()] = erased;
+    return erased;
+}
+
+namespace {
+
+
+void runErase() {
+    const Selection selection = Selection::askEditable();
+    if (selection.empty()) {
+        return;
+    }
+    eraseForOops(selection.ids());
 }
 
 void runOops() {
@@ -59,7 +71,7 @@ std::optional<AcGeVector3d> askDisplacement(std::optional<AcGePoint3d>* base = n
 }
 
 void runMove() {
-    const Selection selection = Selection::ask();
+    const Selection selection = Selection::askEditable();
     if (selection.empty()) {
         return;
     }
@@ -68,32 +80,17 @@ void runMove() {
         return;
     }
     const AcGeMatrix3d matrix = AcGeMatrix3d::translation(*displacement);
-    int refused = 0;
-    for (const AcDbObjectId id : selection.ids()) {
-        const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
-        if (!entity || entity->transformBy(matrix) != Acad::eOk) {
-            ++refused;
-        }
-    }
+    const int refused = transformEntities(selection.ids(), matrix);
     if (refused > 0) {
         acutPrintf(L"\n%d 个对象无法移动。", refused);
     }
 }
 
 void copyBy(const AcDbObjectIdArray& ids, const AcGeVector3d& displacement) {
-    AcDbDatabase& database = currentDatabase();
-    AcDbIdMapping mapping;
-    database.deepCloneObjects(ids, database.currentSpaceId(), mapping);
-    const AcGeMatrix3d matrix = AcGeMatrix3d::translation(displacement);
-    for (const AcDbIdPair& pair : mapping.pairs()) {
-        if (!pair.isPrimary()) {
-            continue;
-        }
-        const Opened<AcDbEntity> entity(pair.value(), AcDb::kForWrite);
-        if (entity && entity->transformBy(matrix) != Acad::eOk) {
-            entity->erase(); // a copy that can't go to its place is none
-            acutPrintf(L"\n有对象无法复制。");
-        }
+    const int refused =
+        copyTransformed(ids, currentDatabase().currentSpaceId(), AcGeMatrix3d::translation(displacement));
+    if (refused > 0) {
+        acutPrintf(L"\n%d 个对象无法复制。", refused);
     }
 }
 

@@ -7,8 +7,6 @@
 namespace host {
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
-
 struct Vertex {
     AcGePoint3d point; ///< UCS
     double bulge = 0.0;
@@ -27,6 +25,13 @@ private:
 
     Next lineTurn();
     Next arcTurn();
+    void arcByAngle();
+    void arcByCenter();
+    void arcByDirection();
+    void arcByRadius();
+    void arcBySecond();
+    AcGePoint3d turnedAbout(const AcGePoint3d& center, double angle) const;
+    void addAlongChord(double length, double angle);
     bool askWidths(bool half);
     void askLength();
     void addArc(const AcGePoint3d& to, double bulge);
@@ -134,61 +139,139 @@ Drawing::Next Drawing::arcTurn() {
     if (answer.isKeyword(L"Halfwidth") || answer.isKeyword(L"Width")) {
         return askWidths(answer.isKeyword(L"Halfwidth")) ? Next::goOn : Next::finished;
     }
-    if (answer.isKeyword(L"Angle")) {
-        const RealAnswer angle = askAngle(L"\n指定夹角: ", nullptr, &last(), 3);
-        const PointAnswer end =
-            angle.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &last(), 1) : PointAnswer();
-        if (end.isValue()) {
-            addArc(end.ucs, std::tan(angle.value / 4.0));
+    using Option = void (Drawing::*)();
+    constexpr std::pair<const wchar_t*, Option> options[] = {{L"Angle", &Drawing::arcByAngle},
+                                                             {L"CEnter", &Drawing::arcByCenter},
+                                                             {L"Direction", &Drawing::arcByDirection},
+                                                             {L"Radius", &Drawing::arcByRadius},
+                                                             {L"Second", &Drawing::arcBySecond}};
+    for (const auto& [keyword, option] : options) {
+        if (answer.isKeyword(keyword)) {
+            (this->*option)();
+            return Next::goOn;
         }
-    } else if (answer.isKeyword(L"CEnter")) {
-        const PointAnswer centre = askPoint(L"\n指定圆弧的圆心: ", nullptr, &last(), 1);
-        const PointAnswer end =
-            centre.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &centre.ucs, 1) : PointAnswer();
-        if (end.isValue()) {
-            const double radius = centre.ucs.distanceTo(last());
-            const double from = std::atan2(last().y - centre.ucs.y, last().x - centre.ucs.x);
-            const double to = std::atan2(end.ucs.y - centre.ucs.y, end.ucs.x - centre.ucs.x);
-            double sweep = std::fmod(to - from, 2.0 * pi);
-            sweep = sweep <= 0.0 ? sweep + 2.0 * pi : sweep;
-            addArc({centre.ucs.x + radius * std::cos(to), centre.ucs.y + radius * std::sin(to), last().z},
-                   std::tan(sweep / 4.0));
-        }
-    } else if (answer.isKeyword(L"Direction")) {
-        const RealAnswer direction = askAngle(L"\n指定圆弧的起点切向: ", nullptr, &last(), 1);
-        const PointAnswer end =
-            direction.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &last(), 1) : PointAnswer();
-        if (end.isValue()) {
-            mDirection = direction.value;
-            addArc(end.ucs, tangentBulge(end.ucs));
-        }
-    } else if (answer.isKeyword(L"Radius")) {
-        const RealAnswer radius = askDistance(L"\n指定圆弧的半径: ", nullptr, &last(), 7);
-        const PointAnswer end =
-            radius.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &last(), 1) : PointAnswer();
-        if (end.isValue()) {
-            const double sine = last().distanceTo(end.ucs) / (2.0 * radius.value);
-            if (sine > 1.0 || sine == 0.0) {
-                acutPrintf(L"\n无效的半径。");
-            } else {
-                addArc(end.ucs, std::tan(std::asin(sine) / 2.0));
-            }
-        }
-    } else if (answer.isKeyword(L"Second")) {
-        const PointAnswer second = askPoint(L"\n指定圆弧上的第二个点: ", nullptr, &last(), 1);
-        const PointAnswer end =
-            second.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &second.ucs, 1) : PointAnswer();
-        if (end.isValue()) {
-            // The angle at the second point sees the chord; the arc's sweep is what it leaves of a turn.
-            const AcGeVector3d a = second.ucs - last();
-            const AcGeVector3d b = end.ucs - second.ucs;
-            const double turn = std::atan2(a.x * b.y - a.y * b.x, a.x * b.x + a.y * b.y);
-            addArc(end.ucs, std::tan(turn / 2.0));
-        }
-    } else {
-        return Next::finished;
     }
-    return Next::goOn;
+    return Next::finished;
+}
+
+/// The end of an arc from the last vertex about a centre.
+AcGePoint3d Drawing::turnedAbout(const AcGePoint3d& center, double angle) const {
+    const AcGeVector2d arm = to2d(last()) - to2d(center);
+    return to3d(polar(to2d(center), arm.angle() + angle, arm.length()), last().z);
+}
+
+/// An arc of a known angle along a chord, which is asked for.
+void Drawing::addAlongChord(double length, double angle) {
+    const RealAnswer chord =
+        askAngle(L"\n指定圆弧的弦方向 <" + shownAngle(mDirection) + L">: ", nullptr, &last());
+    if (!chord.isCancelled()) {
+        const double direction = chord.isValue() ? chord.value : mDirection;
+        addArc(polar(last(), direction, length), std::tan(angle / 4.0));
+    }
+}
+
+void Drawing::arcByAngle() {
+    const RealAnswer angle = askAngle(L"\n指定夹角: ", nullptr, &last(), RSG_NONULL | RSG_NOZERO);
+    if (!angle.isValue()) {
+        return;
+    }
+    const double sweep = angle.value;
+    const PointAnswer end = askPoint(L"\n指定圆弧的端点或 [圆心(CE)/半径(R)]: ", L"CEnter Radius", &last(), RSG_NONULL);
+    if (end.isKeyword(L"CEnter")) {
+        const PointAnswer center = askPoint(L"\n指定圆弧的圆心: ", nullptr, &last(), RSG_NONULL);
+        if (center.isValue()) {
+            addArc(turnedAbout(center.ucs, sweep), std::tan(sweep / 4.0));
+        }
+    } else if (end.isKeyword(L"Radius")) {
+        const RealAnswer radius =
+            askDistance(L"\n指定圆弧的半径: ", nullptr, &last(), RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+        if (radius.isValue()) {
+            addAlongChord(2.0 * radius.value * std::fabs(std::sin(sweep / 2.0)), sweep);
+        }
+    } else if (end.isValue()) {
+        addArc(end.ucs, std::tan(sweep / 4.0));
+    }
+}
+
+void Drawing::arcByCenter() {
+    const PointAnswer center = askPoint(L"\n指定圆弧的圆心: ", nullptr, &last(), RSG_NONULL);
+    if (!center.isValue()) {
+        return;
+    }
+    const double radius = to2d(center.ucs).distanceTo(to2d(last()));
+    if (radius == 0.0) {
+        acutPrintf(L"\n无效的圆心。");
+        return;
+    }
+    const PointAnswer end =
+        askPoint(L"\n指定圆弧的端点或 [角度(A)/长度(L)]: ", L"Angle Length", &center.ucs, RSG_NONULL);
+    double sweep = 0.0;
+    if (end.isValue()) {
+        sweep = normalizedAngle(angleBetween(center.ucs, end.ucs) - angleBetween(center.ucs, last()));
+        if (sweep == 0.0) {
+            acutPrintf(L"\n圆弧的两个端点不能重合。");
+        }
+    } else if (end.isKeyword(L"Angle")) {
+        const RealAnswer angle = askAngle(L"\n指定夹角: ", nullptr, &center.ucs, RSG_NONULL | RSG_NOZERO);
+        sweep = angle.isValue() ? angle.value : 0.0;
+    } else if (end.isKeyword(L"Length")) {
+        const RealAnswer chord = askDistance(L"\n指定弦长: ", nullptr, &last(), RSG_NONULL | RSG_NOZERO);
+        if (chord.isValue() && std::fabs(chord.value) > 2.0 * radius) {
+            acutPrintf(L"\n无效的弦长。");
+        } else if (chord.isValue()) {
+            // A negative chord asks for the longer arc.
+            const double shorter = 2.0 * std::asin(std::fabs(chord.value) / (2.0 * radius));
+            sweep = chord.value > 0.0 ? shorter : twoPi - shorter;
+        }
+    }
+    if (sweep != 0.0) {
+        addArc(turnedAbout(center.ucs, sweep), std::tan(sweep / 4.0));
+    }
+}
+
+void Drawing::arcByDirection() {
+    const RealAnswer direction = askAngle(L"\n指定圆弧的起点切向: ", nullptr, &last(), RSG_NONULL);
+    const PointAnswer end =
+        direction.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &last(), RSG_NONULL) : PointAnswer();
+    if (end.isValue()) {
+        mDirection = direction.value;
+        addArc(end.ucs, tangentBulge(end.ucs));
+    }
+}
+
+void Drawing::arcByRadius() {
+    const RealAnswer radius =
+        askDistance(L"\n指定圆弧的半径: ", nullptr, &last(), RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+    if (!radius.isValue()) {
+        return;
+    }
+    const PointAnswer end = askPoint(L"\n指定圆弧的端点或 [角度(A)]: ", L"Angle", &last(), RSG_NONULL);
+    if (end.isKeyword(L"Angle")) {
+        const RealAnswer angle = askAngle(L"\n指定夹角: ", nullptr, &last(), RSG_NONULL | RSG_NOZERO);
+        if (angle.isValue()) {
+            addAlongChord(2.0 * radius.value * std::fabs(std::sin(angle.value / 2.0)), angle.value);
+        }
+    } else if (end.isValue()) {
+        const double sine = last().distanceTo(end.ucs) / (2.0 * radius.value);
+        if (sine > 1.0 || sine == 0.0) {
+            acutPrintf(L"\n无效的半径。");
+        } else {
+            addArc(end.ucs, std::tan(std::asin(sine) / 2.0));
+        }
+    }
+}
+
+void Drawing::arcBySecond() {
+    const PointAnswer second = askPoint(L"\n指定圆弧上的第二个点: ", nullptr, &last(), RSG_NONULL);
+    const PointAnswer end =
+        second.isValue() ? askPoint(L"\n指定圆弧的端点: ", nullptr, &second.ucs, RSG_NONULL) : PointAnswer();
+    if (end.isValue()) {
+        // The angle at the second point sees the chord; the arc's sweep is what it leaves of a turn.
+        const AcGeVector3d a = second.ucs - last();
+        const AcGeVector3d b = end.ucs - second.ucs;
+        const double turn = std::atan2(a.x * b.y - a.y * b.x, a.x * b.x + a.y * b.y);
+        addArc(end.ucs, std::tan(turn / 2.0));
+    }
 }
 
 bool Drawing::askWidths(bool half) {

@@ -26,5 +26,27 @@ std::span<const CommandRow> linetypeCommands();
 std::span<const CommandRow> viewCommands();
 std::span<const CommandRow> variableCommands();
 std::span<const CommandRow> ucsCommands();
+std::span<const CommandRow> joinCommands();
+std::span<const CommandRow> findCommands();
+std::span<const CommandRow> stretchCommands();
+std::span<const CommandRow> shapeCommands();
+std::span<const CommandRow> trimCommands();
+std::span<const CommandRow> breakCommands();
+std::span<const CommandRow> filletCommands();
+std::span<const CommandRow> purgeCommands();
+std::span<const CommandRow> auditCommands();
+std::span<const CommandRow> blockCommands();
+std::span<const CommandRow> inquiryCommands();
+std::span<const CommandRow> settingsCommands();
+std::span<const CommandRow> renameCommands();
+std::span<const CommandRow> transformCommands();
+std::span<const CommandRow> arrayCommands();
+std::span<const CommandRow> markCommands();
+std::span<const CommandRow> offsetCommands();
+std::span<const CommandRow> peditCommands();
+std::span<const CommandRow> propertyCommands();
+
+/// Every system variable whose name is no command's; after all families.
+void addVariablesAsCommands();
 
 } // namespace host

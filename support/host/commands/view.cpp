@@ -110,7 +110,8 @@ constexpr Adesk::Int32 flags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER;
 constexpr CommandRow rows[] = {{L"ZOOM", L"缩放", flags, runZoom},
                                {L"REGEN", L"重生成", flags, runRegen},
                                {L"REGENALL", L"全部重生成", flags, runRegen},
-                               {L"REDRAW", L"重画", flags, runRedraw}};
+                               {L"REDRAW", L"重画", flags, runRedraw},
+                               {L"REDRAWALL", L"全部重画", flags, runRedraw}};
 
 } // namespace
 

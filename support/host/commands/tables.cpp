@@ -1,0 +1,113 @@
+// Questions for records of symbol tables, colours and lineweights by name.
+#include "host/commands/tables.h"
+
+#include "host/ed/colornames.h"
+#include "host/rx/text.h"
+
+#include <cmath>
+
+namespace host {
+
+std::wstring recordName(AcDbObjectId record) {
+    const auto* found = peek<AcDbSymbolTableRecord>(record);
+    return found != nullptr ? found->name().kwszPtr() : L"";
+}
+
+namespace {
+
+std::optional<AcDbObjectId> askNamed(AcDbObjectId table, const std::wstring& prompt, const std::wstring& what,
+                                     AcDbObjectId current,
+                                     const std::function<AcDbObjectId(const std::wstring&)>& find) {
+    const std::wstring standard = current.isNull() ? std::wstring(L"多种") : recordName(current);
+    for (;;) {
+        const TextAnswer answer = askText(L"\n" + prompt + L" <" + standard + L">: ", true);
+        if (answer.isCancelled()) {
+            return std::nullopt;
+        }
+        if (answer.isNone()) {
+            return AcDbObjectId();
+        }
+        if (answer.text == L"?") {
+            for (AcDbStub* stub : peek<AcDbSymbolTable>(table)->records()) {
+                if (!stub->erased) {
+                    acutPrintf(L"\n  %s", recordName(stub).c_str());
+                }
+            }
+            continue;
+        }
+        const AcDbObjectId found = find(answer.text);
+        if (!found.isNull()) {
+            return found;
+        }
+        acutPrintf(L"\n找不到%s \"%s\"。", what.c_str(), answer.text.c_str());
+    }
+}
+
+} // namespace
+
+std::optional<AcDbObjectId> askRecord(AcDbObjectId table, const std::wstring& prompt, const std::wstring& what,
+                                      AcDbObjectId current) {
+    return askNamed(table, prompt, what, current, [table](const std::wstring& name) {
+        AcDbObjectId id;
+        return peek<AcDbSymbolTable>(table)->getAt(name.c_str(), id) == Acad::eOk ? id : AcDbObjectId();
+    });
+}
+
+AcDbObjectId linetypeNamed(const std::wstring& name) {
+    AcDbDatabase& database = currentDatabase();
+    const auto* table = peek<AcDbLinetypeTable>(database.linetypeTableId());
+    AcDbObjectId id;
+    if (table->getAt(name.c_str(), id) == Acad::eOk) {
+        return id;
+    }
+    const bool loaded = acdbLoadLineTypeFile(name.c_str(), L"acadiso.lin", &database) == Acad::eOk ||
+                        acdbLoadLineTypeFile(name.c_str(), L"acad.lin", &database) == Acad::eOk;
+    return loaded && table->getAt(name.c_str(), id) == Acad::eOk ? id : AcDbObjectId();
+}
+
+std::optional<AcDbObjectId> askLinetype(const std::wstring& prompt, AcDbObjectId current) {
+    return askNamed(currentDatabase().linetypeTableId(), prompt, L"线型", current, linetypeNamed);
+}
+
+std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::wstring& standard) {
+    for (;;) {
+        TextAnswer answer = askText(L"\n" + prompt + L" [真彩色(T)] <" + standard + L">: ");
+        if (!answer.isValue()) {
+            return std::nullopt;
+        }
+        const bool trueColor = equalNoCase(answer.text, L"T") || equalNoCase(answer.text, L"_T");
+        if (trueColor) {
+            answer = askText(L"\n红,绿,蓝: ");
+            if (!answer.isValue()) {
+                return std::nullopt;
+            }
+        }
+        const std::wstring_view text = answer.text;
+        const bool marked = !trueColor && text.starts_with(L'_');
+        if (const std::optional<AcCmEntityColor> color = parseColor(marked ? text.substr(1) : text)) {
+            return color;
+        }
+        acutPrintf(L"\n需要 1 到 255 的颜色号、颜色名或 红,绿,蓝。");
+    }
+}
+
+std::optional<AcDb::LineWeight> parseLineWeight(const std::wstring& text) {
+    constexpr std::pair<const wchar_t*, AcDb::LineWeight> words[] = {{L"BYLAYER", AcDb::kLnWtByLayer},
+                                                                     {L"BYBLOCK", AcDb::kLnWtByBlock},
+                                                                     {L"DEFAULT", AcDb::kLnWtByLwDefault},
+                                                                     {L"随层", AcDb::kLnWtByLayer},
+                                                                     {L"随块", AcDb::kLnWtByBlock},
+                                                                     {L"默认", AcDb::kLnWtByLwDefault}};
+    for (const auto& [word, weight] : words) {
+        if (equalNoCase(text, word)) {
+            return weight;
+        }
+    }
+    const std::optional<double> millimetres = parseReal(text);
+    if (!millimetres || !(*millimetres >= 0.0 && *millimetres <= 2.11)) {
+        return std::nullopt;
+    }
+    return nearestLineWeight(static_cast<int>(std::lround(*millimetres * 100.0)));
+}
+
+} // namespace host
