@@ -1,11 +1,11 @@
 // Cutting, lengthening, offsetting and cornering of curves as geometry, and the commands over them.
 #include "commandtest.h"
+#include "tests/ge/random_paths.h"
 
 #include "host/commands/edit/corner.h"
 #include "host/commands/edit/curvecutting.h"
 #include "host/commands/edit/curvemarks.h"
 #include "host/commands/edit/parallels.h"
-#include "tests/ge/random_paths.h"
 
 namespace {
 
@@ -164,10 +164,10 @@ TEST(Corners, ArcsTouchBothSides) {
         ++made;
         ASSERT_TRUE(corner->between);
         EXPECT_NEAR(corner->between->radius(), radius, 1e-6 * radius) << "round " << round;
-        const auto touches = [&](const host::PathSegment& segment, bool end, const AcGePoint2d& at, double way) {
+        const auto touches = [&](const host::PathSegment& segment, bool end, const AcGePoint2d& at,
+                                 double way) {
             EXPECT_LT((end ? segment.end : segment.start).distanceTo(at), 1e-7) << "round " << round;
-            const double cross =
-                segment.tangent(end ? 1.0 : 0.0).crossProduct(corner->between->tangent(way));
+            const double cross = segment.tangent(end ? 1.0 : 0.0).crossProduct(corner->between->tangent(way));
             EXPECT_NEAR(cross, 0.0, 1e-5) << "round " << round;
         };
         touches(corner->first, corner->firstEndsAtCorner, corner->between->start, 0.0);

@@ -22,13 +22,14 @@ protected:
 
 TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
     for (const auto family :
-         {host::fileCommands, host::drawCommands, host::polylineCommands, host::textCommands,
-          host::insertCommands, host::modifyCommands, host::undoCommands, host::layerCommands,
-          host::linetypeCommands, host::viewCommands, host::variableCommands, host::transformCommands,
-          host::arrayCommands, host::markCommands, host::offsetCommands, host::peditCommands,
-          host::propertyCommands, host::purgeCommands, host::auditCommands, host::blockCommands,
-          host::inquiryCommands, host::settingsCommands, host::renameCommands, host::trimCommands,
-          host::breakCommands, host::filletCommands, host::stretchCommands, host::shapeCommands, host::joinCommands, host::findCommands}) {
+         {host::fileCommands,     host::drawCommands,     host::polylineCommands, host::textCommands,
+          host::insertCommands,   host::modifyCommands,   host::undoCommands,     host::layerCommands,
+          host::linetypeCommands, host::viewCommands,     host::variableCommands, host::transformCommands,
+          host::arrayCommands,    host::markCommands,     host::offsetCommands,   host::peditCommands,
+          host::propertyCommands, host::purgeCommands,    host::auditCommands,    host::blockCommands,
+          host::inquiryCommands,  host::settingsCommands, host::renameCommands,   host::trimCommands,
+          host::breakCommands,    host::filletCommands,   host::stretchCommands,  host::shapeCommands,
+          host::joinCommands,     host::findCommands}) {
         for (const host::CommandRow& row : family()) {
             const AcEdCommand* byLocal = host::findCommand(row.localName);
             ASSERT_NE(byLocal, nullptr) << host::toUtf8(row.globalName);
@@ -39,7 +40,8 @@ TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
 }
 
 TEST_F(DrawingCommands, PurgeTakesWhatNothingUsesAndThenWhatOnlyThatUsed) {
-    run("-LAYER M\nINNER\nM\nFREE\nM\nUSED\nS\n0\n\nLINE 0,0 1,0\n\nCHPROP L\n\nLA\nINNER\n\n-BLOCK LEAF\n0,0 ALL\n\n");
+    run("-LAYER M\nINNER\nM\nFREE\nM\nUSED\nS\n0\n\nLINE 0,0 1,0\n\nCHPROP L\n\nLA\nINNER\n\n-BLOCK "
+        "LEAF\n0,0 ALL\n\n");
     run("-INSERT LEAF\n0,0 1 1 0\n-BLOCK TREE\n0,0 ALL\n\nLINE 0,0 5,5\n\nCHPROP L\n\nLA\nUSED\n\n");
     EXPECT_TRUE(run("-PURGE A\n*\nN\n")) << host::toUtf8(transcript.shown);
     EXPECT_FALSE(hasRecord(database().blockTableId(), L"TREE"));
@@ -112,7 +114,8 @@ TEST_F(DrawingCommands, AuditFindsAndFixesDamage) {
 }
 
 TEST_F(DrawingCommands, ANewDrawingAndOneWithEverythingAuditClean) {
-    run("PLINE 0,0 10,0 10,10\n\nPEDIT 5,0 S\n\nTEXT 0,20 2 0 A\n\nCIRCLE 5,5 2\n-BLOCK B\n0,0 L\n\nOOPS\n-INSERT B\n0,0 1 1 0\n");
+    run("PLINE 0,0 10,0 10,10\n\nPEDIT 5,0 S\n\nTEXT 0,20 2 0 A\n\nCIRCLE 5,5 2\n-BLOCK B\n0,0 "
+        "L\n\nOOPS\n-INSERT B\n0,0 1 1 0\n");
     const host::AuditResult result = host::auditDrawing(database(), false);
     for (const host::AuditFinding& finding : result.findings) {
         ADD_FAILURE() << host::toUtf8(finding.object + L" " + finding.fault);
@@ -140,7 +143,8 @@ TEST_F(DrawingCommands, BlocksAreMadeRedefinedWrittenAndExploded) {
 TEST_F(DrawingCommands, WblockWritesPartsTheWholeAndBlocks) {
     host::initializeFormats();
     run("LINE 0,0 1,0\n\nLINE 5,5 6,6\n\n-LAYER N\nFREE\n\n-BLOCK B1\n5,5 L\n\n");
-    EXPECT_TRUE(run("-WBLOCK " + file("part.dxf") + "\n\n1,1 ALL\n\n")) << host::toUtf8(transcript.diagnostics);
+    EXPECT_TRUE(run("-WBLOCK " + file("part.dxf") + "\n\n1,1 ALL\n\n"))
+        << host::toUtf8(transcript.diagnostics);
     EXPECT_TRUE(entities().empty());
     run("OOPS\n");
     EXPECT_TRUE(run("-WBLOCK " + file("block.dxf") + "\nB1\n"));

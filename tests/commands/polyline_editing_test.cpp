@@ -1,10 +1,10 @@
 // Joining and fitting of polylines as geometry, and PEDIT over them.
 #include "commandtest.h"
+#include "tests/ge/random_paths.h"
 
 #include "host/commands/edit/pathjoin.h"
 #include "host/commands/edit/polyfit.h"
 #include "host/commands/peditvertex.h"
-#include "tests/ge/random_paths.h"
 
 #include <random>
 
@@ -203,8 +203,8 @@ TEST_F(Pedit, SegmentsDrawnOneByOneAreJoinedAndFittedByProgramsAsTheyDo) {
     EXPECT_TRUE(run("PLINETYPE 0\nPLINE 0,0 10,0\n\nPLINE 10,0 10,10\n\nPLINE 10,10 0,10\n\n"));
     ads_name set;
     ASSERT_EQ(acedSSGet(L"X", nullptr, nullptr, nullptr, set), RTNORM);
-    EXPECT_EQ(acedCommandS(RTSTR, L"_.pedit", RTPICKS, set, RTSTR, L"_j", RTPICKS, set, RTSTR, L"", RTSTR, L"",
-                           RTNONE),
+    EXPECT_EQ(acedCommandS(RTSTR, L"_.pedit", RTPICKS, set, RTSTR, L"_j", RTPICKS, set, RTSTR, L"", RTSTR,
+                           L"", RTNONE),
               RTNORM);
     acedSSFree(set);
     ASSERT_EQ(entities<AcDb2dPolyline>().size(), 1u) << host::toUtf8(transcript.shown);

@@ -107,12 +107,14 @@ std::optional<Ring> askRing() {
         if (!between.isValue()) {
             return std::nullopt;
         }
-        const double step = std::copysign(between.value, angle != 0.0 ? angle * between.value : between.value);
+        const double step =
+            std::copysign(between.value, angle != 0.0 ? angle * between.value : between.value);
         if (items.isValue()) {
             return Ring{items.value, step * pi / 180.0};
         }
         const double whole = std::floor(std::fabs(angle / step) + 1e-9);
-        const bool full = std::fabs(std::fabs(angle) - 360.0) < 1e-9 && std::fabs(whole * std::fabs(step) - 360.0) < 1e-9;
+        const bool full =
+            std::fabs(std::fabs(angle) - 360.0) < 1e-9 && std::fabs(whole * std::fabs(step) - 360.0) < 1e-9;
         return Ring{static_cast<int>(std::min(whole, 32767.0)) + (full ? 0 : 1), step * pi / 180.0};
     }
     if (items.value == 1) {
@@ -135,7 +137,8 @@ AcGePoint3d carriedPoint(const AcDbEntity& entity) {
     if (const auto* circle = AcDbCircle::cast(&entity)) {
         return circle->center();
     }
-    if (const auto* curve = AcDbCurve::cast(&entity); curve != nullptr && curve->getStartPoint(point) == Acad::eOk) {
+    if (const auto* curve = AcDbCurve::cast(&entity);
+        curve != nullptr && curve->getStartPoint(point) == Acad::eOk) {
         return point;
     }
     AcDbExtents extents;

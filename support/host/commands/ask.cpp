@@ -122,8 +122,7 @@ bool takeEntity(const InputItem& item, EntityAnswer& answer) {
         const resbuf* value = item.value->restype == RTLB ? item.value->rbnext : item.value.get();
         if (value != nullptr && value->restype == RTENAME) {
             const resbuf* point = value->rbnext;
-            answer.hasPoint =
-                point != nullptr && (point->restype == RT3DPOINT || point->restype == RTPOINT);
+            answer.hasPoint = point != nullptr && (point->restype == RT3DPOINT || point->restype == RTPOINT);
             if (answer.hasPoint) {
                 answer.ucs = asPoint3d(point->resval.rpoint);
             }
@@ -216,8 +215,7 @@ Selection Selection::askWith(const wchar_t* prompt, bool editable) {
     return from(editable ? L":$:L" : L":$", prompts);
 }
 
-Selection::Selection(Selection&& other) noexcept
-    : mIds(std::move(other.mIds)), mCancelled(other.mCancelled) {
+Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)), mCancelled(other.mCancelled) {
     ads_name_set(other.mSet, mSet);
     ads_name_clear(other.mSet);
 }
@@ -254,8 +252,8 @@ std::wstring shownPoint(const AcGePoint3d& ucs) {
 }
 
 std::optional<bool> askYesNo(const std::wstring& prompt, bool standard) {
-    const Answer answer = askKeyword(prompt + (standard ? L" [是(Y)/否(N)] <Y>: " : L" [是(Y)/否(N)] <N>: "),
-                                     L"Yes No");
+    const Answer answer =
+        askKeyword(prompt + (standard ? L" [是(Y)/否(N)] <Y>: " : L" [是(Y)/否(N)] <N>: "), L"Yes No");
     if (answer.isCancelled()) {
         return std::nullopt;
     }

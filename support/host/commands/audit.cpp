@@ -1,6 +1,7 @@
 // AUDIT: tells what is wrong in the drawing, and puts it right when asked.
-#include "host/commands/ask.h"
 #include "host/commands/edit/audit.h"
+
+#include "host/commands/ask.h"
 #include "host/commands/registry.h"
 
 namespace host {

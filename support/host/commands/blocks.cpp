@@ -308,8 +308,10 @@ void runExplode() {
 }
 
 constexpr Adesk::Int32 flags = ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW;
-constexpr CommandRow rows[] = {{L"BLOCK", L"块", flags, runBlock},      {L"-BLOCK", L"-块", flags, runBlock},
-                               {L"WBLOCK", L"写块", flags, runWblock},  {L"-WBLOCK", L"-写块", flags, runWblock},
+constexpr CommandRow rows[] = {{L"BLOCK", L"块", flags, runBlock},
+                               {L"-BLOCK", L"-块", flags, runBlock},
+                               {L"WBLOCK", L"写块", flags, runWblock},
+                               {L"-WBLOCK", L"-写块", flags, runWblock},
                                {L"EXPLODE", L"分解", flags, runExplode}};
 
 } // namespace

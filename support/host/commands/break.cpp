@@ -20,8 +20,9 @@ const wchar_t* refuseUnlessCurve(const AcDbEntity& entity) {
 /// Two points on the curve; the second may be the first one again.
 bool askBreakPoints(const EntityAnswer& picked, AcGePoint3d& first, AcGePoint3d& second) {
     first = picked.world;
-    PointAnswer answer = askPoint(picked.hasPoint ? L"\n指定第二个打断点 或 [第一点(F)]: " : L"\n指定第一个打断点: ", picked.hasPoint ? L"First" : nullptr,
-                                  picked.hasPoint ? &picked.ucs : nullptr, RSG_NONULL);
+    PointAnswer answer =
+        askPoint(picked.hasPoint ? L"\n指定第二个打断点 或 [第一点(F)]: " : L"\n指定第一个打断点: ",
+                 picked.hasPoint ? L"First" : nullptr, picked.hasPoint ? &picked.ucs : nullptr, RSG_NONULL);
     if (answer.isKeyword(L"First")) {
         answer = askPoint(L"\n指定第一个打断点: ", nullptr, nullptr, RSG_NONULL);
     } else if (picked.hasPoint) {
@@ -87,13 +88,15 @@ void tellLength(AcDbObjectId id) {
 /// The length or, after the keyword, the angle.
 bool askAmount(Lengthening& lengthening) {
     const bool total = lengthening.kind == Lengthening::Kind::total;
-    const std::wstring prompt = total ? L"\n指定总长度或 [角度(A)] <1.0000>: " : L"\n输入长度增量或 [角度(A)] <0.0000>: ";
-    const RealAnswer length =
-        askDistance(prompt, L"Angle", nullptr, total ? RSG_NOZERO | RSG_NONEG : 0);
+    const std::wstring prompt =
+        total ? L"\n指定总长度或 [角度(A)] <1.0000>: " : L"\n输入长度增量或 [角度(A)] <0.0000>: ";
+    const RealAnswer length = askDistance(prompt, L"Angle", nullptr, total ? RSG_NOZERO | RSG_NONEG : 0);
     if (length.isKeyword(L"Angle")) {
         const RealAnswer angle = askAngle(total ? L"\n指定总角度 <57>: " : L"\n输入角度增量 <0>: ");
         lengthening.isAngle = true;
-        lengthening.value = angle.isValue() ? (total ? angle.value : signedAngle(angle.value)) : total ? 1.0 : 0.0;
+        lengthening.value = angle.isValue() ? (total ? angle.value : signedAngle(angle.value))
+                            : total         ? 1.0
+                                            : 0.0;
         return !angle.isCancelled();
     }
     lengthening.value = length.isValue() ? length.value : total ? 1.0 : 0.0;
@@ -114,7 +117,8 @@ std::optional<Lengthening> askLengthening() {
         }
         Lengthening lengthening;
         if (answer.isKeyword(L"Percent")) {
-            const RealAnswer percent = askReal(L"\n输入长度百分数 <100.0000>: ", nullptr, RSG_NOZERO | RSG_NONEG);
+            const RealAnswer percent =
+                askReal(L"\n输入长度百分数 <100.0000>: ", nullptr, RSG_NOZERO | RSG_NONEG);
             lengthening.kind = Lengthening::Kind::percent;
             lengthening.value = percent.isValue() ? percent.value : 100.0;
             return percent.isCancelled() ? std::nullopt : std::optional(lengthening);
@@ -154,7 +158,8 @@ std::optional<double> lengthTo(const AcDbCurve& curve, bool atStart, const AcGeP
         return std::nullopt;
     }
     std::unique_ptr<AcDbCurve> longer(static_cast<AcDbCurve*>(curve.clone()));
-    if (longer != nullptr && reachBeyond(curve, atStart, closest) && longer->extend(atStart, closest) == Acad::eOk) {
+    if (longer != nullptr && reachBeyond(curve, atStart, closest) &&
+        longer->extend(atStart, closest) == Acad::eOk) {
         return curveLength(*longer);
     }
     double distance = 0.0;
@@ -199,7 +204,8 @@ void runLengthen() {
     };
     std::vector<Step> steps;
     for (;;) {
-        const EntityAnswer picked = askEntity(L"\n选择要修改的对象或 [放弃(U)]: ", L"Undo", refuseUnlessCurve);
+        const EntityAnswer picked =
+            askEntity(L"\n选择要修改的对象或 [放弃(U)]: ", L"Undo", refuseUnlessCurve);
         if (picked.isKeyword(L"Undo")) {
             if (steps.empty()) {
                 acutPrintf(L"\n命令已完全放弃。");

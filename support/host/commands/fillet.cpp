@@ -58,7 +58,8 @@ std::optional<Side> sideOf(const EntityAnswer& picked) {
     const BulgePath& path = flat->shape.path;
     int index = 0;
     if (flatPathOf(*entity)) {
-        index = std::clamp(static_cast<int>(closestParameter(path, side.corner.pick)), 0, path.segmentCount() - 1);
+        index = std::clamp(static_cast<int>(closestParameter(path, side.corner.pick)), 0,
+                           path.segmentCount() - 1);
         side.segment = index;
     }
     side.corner.segment = path.segment(index);
@@ -97,13 +98,16 @@ private:
 void Cornering::tellSettings() const {
     const wchar_t* mode = trims() ? L"修剪" : L"不修剪";
     if (mRounds) {
-        acutPrintf(L"\n当前设置: 模式 = %s，半径 = %s", mode, shown(systemVariableReal(L"FILLETRAD")).c_str());
+        acutPrintf(L"\n当前设置: 模式 = %s，半径 = %s", mode,
+                   shown(systemVariableReal(L"FILLETRAD")).c_str());
     } else if (byAngle()) {
-        acutPrintf(L"\n(“%s”模式) 当前倒角长度 = %s，角度 = %s", mode, shown(systemVariableReal(L"CHAMFERC")).c_str(),
+        acutPrintf(L"\n(“%s”模式) 当前倒角长度 = %s，角度 = %s", mode,
+                   shown(systemVariableReal(L"CHAMFERC")).c_str(),
                    shownAngle(systemVariableReal(L"CHAMFERD")).c_str());
     } else {
         acutPrintf(L"\n(“%s”模式) 当前倒角距离 1 = %s，距离 2 = %s", mode,
-                   shown(systemVariableReal(L"CHAMFERA")).c_str(), shown(systemVariableReal(L"CHAMFERB")).c_str());
+                   shown(systemVariableReal(L"CHAMFERA")).c_str(),
+                   shown(systemVariableReal(L"CHAMFERB")).c_str());
     }
 }
 
@@ -115,8 +119,8 @@ void Cornering::run() {
 
 Cornering::Next Cornering::turn() {
     const EntityAnswer first =
-        mRounds ? askEntity(L"\n选择第一个对象或 [多段线(P)/半径(R)/修剪(T)/多个(M)]: ", L"Polyline Radius Trim Multiple",
-                            refuseUnlessCornered)
+        mRounds ? askEntity(L"\n选择第一个对象或 [多段线(P)/半径(R)/修剪(T)/多个(M)]: ",
+                            L"Polyline Radius Trim Multiple", refuseUnlessCornered)
                 : askEntity(L"\n选择第一条直线或 [多段线(P)/距离(D)/角度(A)/修剪(T)/方式(E)/多个(M)]: ",
                             L"Polyline Distance Angle Trim mEthod Multiple", refuseUnlessCornered);
     if (first.kind == Answer::Kind::keyword) {
@@ -126,9 +130,10 @@ Cornering::Next Cornering::turn() {
         return Next::finished;
     }
     for (;;) {
-        const EntityAnswer second = mRounds ? askEntity(L"\n选择第二个对象或 [半径(R)]: ", L"Radius", refuseUnlessCornered)
-                                            : askEntity(L"\n选择第二条直线或 [距离(D)/角度(A)/方法(M)]: ",
-                                                        L"Distance Angle Method", refuseUnlessCornered);
+        const EntityAnswer second =
+            mRounds ? askEntity(L"\n选择第二个对象或 [半径(R)]: ", L"Radius", refuseUnlessCornered)
+                    : askEntity(L"\n选择第二条直线或 [距离(D)/角度(A)/方法(M)]: ", L"Distance Angle Method",
+                                refuseUnlessCornered);
         if (second.kind == Answer::Kind::keyword) {
             if (option(second) == Next::finished) {
                 return Next::finished;
@@ -140,7 +145,8 @@ Cornering::Next Cornering::turn() {
         }
         const std::optional<Side> one = sideOf(first);
         const std::optional<Side> other = sideOf(second);
-        if (!one || !other || std::fabs(one->elevation - other->elevation) > 1e-8 * (1.0 + std::fabs(one->elevation))) {
+        if (!one || !other ||
+            std::fabs(one->elevation - other->elevation) > 1e-8 * (1.0 + std::fabs(one->elevation))) {
             acutPrintf(L"\n对象不在与 UCS 平行的同一平面内。");
         } else if (!makeCorner(*one, *other)) {
             acutPrintf(mRounds ? L"\n半径对这些对象太大，或对象没有圆角。" : L"\n这些对象没有倒角。");
@@ -189,7 +195,8 @@ bool Cornering::askDistances() {
         return false;
     }
     const RealAnswer second =
-        askDistance(L"\n指定第二个倒角距离 <" + shown(systemVariableReal(L"CHAMFERA")) + L">: ", nullptr, nullptr, RSG_NONEG);
+        askDistance(L"\n指定第二个倒角距离 <" + shown(systemVariableReal(L"CHAMFERA")) + L">: ", nullptr,
+                    nullptr, RSG_NONEG);
     if (second.isCancelled()) {
         return false;
     }
@@ -212,8 +219,9 @@ bool Cornering::askLengthAndAngle() {
 }
 
 bool Cornering::askTrimMode() {
-    const Answer answer = askKeyword(
-        std::wstring(L"\n输入修剪模式选项 [修剪(T)/不修剪(N)] <") + (trims() ? L"修剪>: " : L"不修剪>: "), L"Trim No");
+    const Answer answer = askKeyword(std::wstring(L"\n输入修剪模式选项 [修剪(T)/不修剪(N)] <") +
+                                         (trims() ? L"修剪>: " : L"不修剪>: "),
+                                     L"Trim No");
     if (answer.kind == Answer::Kind::keyword) {
         setSystemVariable(L"TRIMMODE", answer.isKeyword(L"Trim") ? 1 : 0);
     }
@@ -221,8 +229,9 @@ bool Cornering::askTrimMode() {
 }
 
 bool Cornering::askMethod() {
-    const Answer answer = askKeyword(
-        std::wstring(L"\n输入修剪方法 [距离(D)/角度(A)] <") + (byAngle() ? L"角度>: " : L"距离>: "), L"Distance Angle");
+    const Answer answer = askKeyword(std::wstring(L"\n输入修剪方法 [距离(D)/角度(A)] <") +
+                                         (byAngle() ? L"角度>: " : L"距离>: "),
+                                     L"Distance Angle");
     if (answer.kind == Answer::Kind::keyword) {
         setSystemVariable(L"CHAMMODE", answer.isKeyword(L"Angle") ? 1 : 0);
     }
@@ -353,7 +362,8 @@ WidePath pathOf(const std::vector<PathSegment>& segments, const FlatPath& old) {
 }
 
 /// Changes the segments of a polyline; false when nothing was changed.
-bool changePolyline(AcDbObjectId id, const std::function<bool(std::vector<PathSegment>&, bool closed)>& change) {
+bool changePolyline(AcDbObjectId id,
+                    const std::function<bool(std::vector<PathSegment>&, bool closed)>& change) {
     const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
     if (!entity) {
         return false;
@@ -415,7 +425,8 @@ void Cornering::makeAll() {
     int refused = 0;
     changePolyline(picked.id, [&](std::vector<PathSegment>& segments, bool closed) {
         made = cornerAll(
-            segments, closed, [&](const CornerSide& a, const CornerSide& b) { return cornerOf(a, b); }, refused);
+            segments, closed, [&](const CornerSide& a, const CornerSide& b) { return cornerOf(a, b); },
+            refused);
         return made > 0;
     });
     acutPrintf(mRounds ? L"\n%d 个角已被圆角。" : L"\n%d 个角已被倒角。", made);

@@ -11,7 +11,8 @@ std::vector<std::size_t> placesIn(std::wstring_view text, const std::wstring& pi
     std::vector<std::size_t> places;
     const std::wstring where = exactCase ? std::wstring(text) : fold(text);
     const std::wstring what = exactCase ? piece : fold(piece);
-    for (std::size_t at = where.find(what); at != std::wstring::npos; at = where.find(what, at + what.size())) {
+    for (std::size_t at = where.find(what); at != std::wstring::npos;
+         at = where.find(what, at + what.size())) {
         places.push_back(at);
     }
     return places;
@@ -36,7 +37,8 @@ std::vector<AcDbObjectId> textsOf(const Selection& selection) {
         auto* entity = peek<AcDbEntity>(id);
         if (AcDbText::cast(entity) != nullptr) {
             found.push_back(id);
-        } else if (const SubentityList* parts = AcDbBlockReference::cast(entity) != nullptr ? entity->subentities() : nullptr) {
+        } else if (const SubentityList* parts =
+                       AcDbBlockReference::cast(entity) != nullptr ? entity->subentities() : nullptr) {
             for (AcDbStub* part : parts->ids()) {
                 if (peek<AcDbAttribute>(AcDbObjectId(part)) != nullptr) {
                     found.emplace_back(part);

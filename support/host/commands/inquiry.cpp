@@ -48,7 +48,8 @@ void tellDistance(const AcGePoint3d& from, const AcGePoint3d& to) {
 void addDistances(AcGePoint3d last) {
     double sum = 0.0;
     for (bool first = true;; first = false) {
-        const PointAnswer next = askPoint(first ? L"\n指定下一个点 <总计>: " : L"\n指定下一点 <总计>: ", nullptr, &last);
+        const PointAnswer next =
+            askPoint(first ? L"\n指定下一个点 <总计>: " : L"\n指定下一点 <总计>: ", nullptr, &last);
         if (!next.isValue()) {
             break;
         }
@@ -99,8 +100,7 @@ AreaTaking::Next AreaTaking::turn() {
     const wchar_t* prompts[] = {L"\n指定第一个角点或 [对象(O)/增加面积(A)/减少面积(S)] <对象(O)>: ",
                                 L"\n指定第一个角点或 [对象(O)/减少面积(S)]: ",
                                 L"\n指定第一个角点或 [对象(O)/增加面积(A)]: "};
-    const PointAnswer answer =
-        askPoint(prompts[static_cast<std::size_t>(mMode)], L"Object Add Subtract");
+    const PointAnswer answer = askPoint(prompts[static_cast<std::size_t>(mMode)], L"Object Add Subtract");
     if (answer.isKeyword(L"Add") || answer.isKeyword(L"Subtract")) {
         mMode = answer.isKeyword(L"Add") ? Mode::add : Mode::subtract;
         return Next::goOn;
@@ -118,9 +118,10 @@ AreaTaking::Next AreaTaking::turn() {
 void AreaTaking::takePoints(const AcGePoint3d& first) {
     std::vector<AcGePoint3d> points{first};
     for (;;) {
-        const PointAnswer next = points.size() < 3
-                                     ? askPoint(L"\n指定下一个点或 [放弃(U)]: ", L"Undo", &points.back())
-                                     : askPoint(L"\n指定下一个点或 [放弃(U)/总计(T)] <总计>: ", L"Undo Total", &points.back());
+        const PointAnswer next =
+            points.size() < 3
+                ? askPoint(L"\n指定下一个点或 [放弃(U)]: ", L"Undo", &points.back())
+                : askPoint(L"\n指定下一个点或 [放弃(U)/总计(T)] <总计>: ", L"Undo Total", &points.back());
         if (next.isKeyword(L"Undo")) {
             if (points.size() > 1) {
                 points.pop_back();
@@ -165,7 +166,8 @@ void AreaTaking::takeObjects() {
 }
 
 void AreaTaking::tell(const Measures& measures, const wchar_t* lengthName) {
-    acutPrintf(L"\n区域 = %s，%s = %s", shown(measures.area).c_str(), lengthName, shown(measures.length).c_str());
+    acutPrintf(L"\n区域 = %s，%s = %s", shown(measures.area).c_str(), lengthName,
+               shown(measures.length).c_str());
     put(L"AREA", measures.area);
     put(L"PERIMETER", measures.length);
     if (mMode != Mode::single) {

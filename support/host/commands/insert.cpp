@@ -33,7 +33,7 @@ std::filesystem::path findDrawing(const std::wstring& name) {
 /// What was typed as a name: a block, a file, or `name=file`, which takes the file anew.
 struct Source {
     std::wstring name;
-    std::wstring file;   ///< to look for when there is no such block; empty: none may be read
+    std::wstring file;      ///< to look for when there is no such block; empty: none may be read
     bool takesFile = false; ///< the file counts, whatever the drawing has
 };
 
@@ -128,14 +128,15 @@ bool askCorner(Placing& placing) {
 
 bool askScale(Placing& placing) {
     if (placing.uniform) {
-        const RealAnswer scale = askDistance(L"\n指定 XYZ 轴比例因子 <1>: ", nullptr, &placing.point, RSG_NOZERO);
+        const RealAnswer scale =
+            askDistance(L"\n指定 XYZ 轴比例因子 <1>: ", nullptr, &placing.point, RSG_NOZERO);
         if (scale.isValue()) {
             placing.scale.set(scale.value, scale.value, scale.value);
         }
         return !scale.isCancelled();
     }
-    const RealAnswer x = askDistance(L"\n输入 X 比例因子，指定对角点，或 [角点(C)/XYZ(XYZ)] <1>: ", L"Corner XYZ",
-                                     &placing.point, RSG_NOZERO);
+    const RealAnswer x = askDistance(L"\n输入 X 比例因子，指定对角点，或 [角点(C)/XYZ(XYZ)] <1>: ",
+                                     L"Corner XYZ", &placing.point, RSG_NOZERO);
     if (x.isCancelled()) {
         return false;
     }
@@ -150,7 +151,8 @@ bool askScale(Placing& placing) {
         }
         placing.scale.sx = own.isValue() ? own.value : 1.0;
     }
-    const RealAnswer y = askDistance(L"\n输入 Y 比例因子 <使用 X 比例因子>: ", nullptr, &placing.point, RSG_NOZERO);
+    const RealAnswer y =
+        askDistance(L"\n输入 Y 比例因子 <使用 X 比例因子>: ", nullptr, &placing.point, RSG_NOZERO);
     if (y.isCancelled()) {
         return false;
     }

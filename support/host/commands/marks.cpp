@@ -101,8 +101,8 @@ void runMeasure() {
         return;
     }
     MarkKind kind;
-    RealAnswer spacing = askDistance(L"\n指定线段长度或 [块(B)]: ", L"Block", nullptr,
-                                     RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+    RealAnswer spacing =
+        askDistance(L"\n指定线段长度或 [块(B)]: ", L"Block", nullptr, RSG_NONULL | RSG_NOZERO | RSG_NONEG);
     if (spacing.isKeyword(L"Block")) {
         const std::optional<MarkKind> block = askBlock();
         if (!block) {
@@ -145,9 +145,8 @@ void runDivide() {
     const wchar_t* range = L"\n需要 2 和 32767 之间的整数。";
     IntegerAnswer count;
     for (;;) {
-        count = kind.block.isNull()
-                    ? askInteger(L"\n输入线段数目或 [块(B)]: ", L"Block", RSG_NONULL)
-                    : askInteger(L"\n输入线段数目: ", nullptr, RSG_NONULL);
+        count = kind.block.isNull() ? askInteger(L"\n输入线段数目或 [块(B)]: ", L"Block", RSG_NONULL)
+                                    : askInteger(L"\n输入线段数目: ", nullptr, RSG_NONULL);
         if (count.isKeyword(L"Block")) {
             const std::optional<MarkKind> block = askBlock();
             if (!block) {

@@ -29,7 +29,6 @@ AcDbObjectIdArray eraseForOops(const AcDbObjectIdArray& ids) {
 
 namespace {
 
-
 void runErase() {
     const Selection selection = Selection::askEditable();
     if (selection.empty()) {

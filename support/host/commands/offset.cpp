@@ -67,10 +67,9 @@ bool Offsetting::askSettings() {
             continue;
         }
         if (answer.isKeyword(L"Layer")) {
-            const Answer layer =
-                askKeyword(std::wstring(L"\n输入偏移对象的图层选项 [当前(C)/源(S)] <") +
-                               (mSettings.onCurrentLayer ? L"C>: " : L"S>: "),
-                           L"Current Source");
+            const Answer layer = askKeyword(std::wstring(L"\n输入偏移对象的图层选项 [当前(C)/源(S)] <") +
+                                                (mSettings.onCurrentLayer ? L"C>: " : L"S>: "),
+                                            L"Current Source");
             if (layer.isCancelled()) {
                 return false;
             }
@@ -93,8 +92,8 @@ void Offsetting::run() {
         return;
     }
     for (;;) {
-        const EntityAnswer picked = askEntity(L"\n选择要偏移的对象，或 [退出(E)/放弃(U)] <退出>: ", L"Exit Undo",
-                                              refuseUnlessCurve);
+        const EntityAnswer picked =
+            askEntity(L"\n选择要偏移的对象，或 [退出(E)/放弃(U)] <退出>: ", L"Exit Undo", refuseUnlessCurve);
         if (picked.isKeyword(L"Undo")) {
             undo();
         } else if (!picked.isValue() || !offsetOne(picked.id)) {
@@ -120,8 +119,8 @@ bool Offsetting::offsetOne(AcDbObjectId source) {
 
 Offsetting::Side Offsetting::askSide(AcDbObjectId& source, bool multiple, bool& turnsMultiple) {
     const std::wstring what = mSettings.isThrough() ? L"\n指定通过点或 " : L"\n指定要偏移的那一侧上的点，或 ";
-    const std::wstring prompt = what + (multiple ? L"[退出(E)/放弃(U)] <下一个对象>: "
-                                                 : L"[退出(E)/多个(M)/放弃(U)] <退出>: ");
+    const std::wstring prompt =
+        what + (multiple ? L"[退出(E)/放弃(U)] <下一个对象>: " : L"[退出(E)/多个(M)/放弃(U)] <退出>: ");
     const PointAnswer point = askPoint(prompt, multiple ? L"Exit Undo" : L"Exit Multiple Undo");
     if (point.isKeyword(L"Multiple")) {
         turnsMultiple = true;

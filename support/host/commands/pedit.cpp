@@ -37,7 +37,8 @@ bool turnIntoPolyline(AcDbObjectId id) {
     {
         const ReadAccess access(*entity);
         const auto* arc = AcDbArc::cast(entity);
-        const std::optional<FlatPath> flat = flatPathIn(*entity, arc != nullptr ? arc->normal() : ucsNormal());
+        const std::optional<FlatPath> flat =
+            flatPathIn(*entity, arc != nullptr ? arc->normal() : ucsNormal());
         if (!flat) {
             return false;
         }
@@ -109,8 +110,7 @@ EditPolyline Editing::loaded(AcDbObjectId id) const {
 }
 
 bool Editing::askTargets() {
-    const EntityAnswer picked =
-        askEntity(L"\n选择多段线或 [多条(M)]: ", L"Multiple", refuseUnlessEditable);
+    const EntityAnswer picked = askEntity(L"\n选择多段线或 [多条(M)]: ", L"Multiple", refuseUnlessEditable);
     if (picked.isKeyword(L"Multiple")) {
         mMultiple = true;
         const Selection selection = Selection::askWith(L"\n选择对象: ", true);
@@ -246,7 +246,8 @@ void Editing::changeOne(AcDbObjectId id, const EditPolyline& polyline) {
 }
 
 bool Editing::setWidth() {
-    const RealAnswer width = askDistance(L"\n指定所有线段的新宽度: ", nullptr, nullptr, RSG_NONULL | RSG_NONEG);
+    const RealAnswer width =
+        askDistance(L"\n指定所有线段的新宽度: ", nullptr, nullptr, RSG_NONULL | RSG_NONEG);
     if (width.isValue()) {
         changeAll([&](EditPolyline& polyline) { polyline.setWidth(width.value); });
     }
@@ -339,8 +340,9 @@ bool Editing::askJoinOptions(JoinOptions& options) const {
     for (;;) {
         const std::wstring current = names[static_cast<std::size_t>(options.type)];
         acutPrintf(L"\n合并类型 = %s", current.c_str());
-        const RealAnswer fuzz = askDistance(L"\n输入模糊距离或 [合并类型(J)] <" + shown(options.fuzz) + L">: ",
-                                            L"Jointype", nullptr, RSG_NONEG);
+        const RealAnswer fuzz =
+            askDistance(L"\n输入模糊距离或 [合并类型(J)] <" + shown(options.fuzz) + L">: ", L"Jointype",
+                        nullptr, RSG_NONEG);
         if (!fuzz.isKeyword(L"Jointype")) {
             options.fuzz = fuzz.isValue() ? fuzz.value : options.fuzz;
             return !fuzz.isCancelled();

@@ -173,14 +173,14 @@ VertexMode::Turn VertexMode::setTangent() {
 VertexMode::Turn VertexMode::setWidths() {
     SegmentWidths widths = current().widths;
     const AcGePoint3d base = currentUcs();
-    const RealAnswer start = askDistance(L"\n指定下一条线段的起点宽度 <" + shown(widths.start) + L">: ", nullptr,
-                                         &base, RSG_NONEG);
+    const RealAnswer start = askDistance(L"\n指定下一条线段的起点宽度 <" + shown(widths.start) + L">: ",
+                                         nullptr, &base, RSG_NONEG);
     if (start.isCancelled()) {
         return Turn::cancelled;
     }
     widths.start = start.isValue() ? start.value : widths.start;
-    const RealAnswer end = askDistance(L"\n指定下一条线段的端点宽度 <" + shown(widths.start) + L">: ", nullptr,
-                                       &base, RSG_NONEG);
+    const RealAnswer end = askDistance(L"\n指定下一条线段的端点宽度 <" + shown(widths.start) + L">: ",
+                                       nullptr, &base, RSG_NONEG);
     if (end.isCancelled()) {
         return Turn::cancelled;
     }
@@ -193,8 +193,8 @@ VertexMode::Turn VertexMode::setWidths() {
 VertexMode::Turn VertexMode::chooseSecond(const std::function<void(std::size_t, std::size_t)>& go) {
     const std::size_t first = mAt;
     for (;;) {
-        const Answer answer = askKeyword(L"\n输入选项 [下一个(N)/上一个(P)/执行(G)/退出(X)] <N>: ",
-                                         L"Next Previous Go eXit");
+        const Answer answer =
+            askKeyword(L"\n输入选项 [下一个(N)/上一个(P)/执行(G)/退出(X)] <N>: ", L"Next Previous Go eXit");
         if (answer.isCancelled()) {
             return Turn::cancelled;
         }

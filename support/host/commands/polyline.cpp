@@ -176,7 +176,8 @@ void Drawing::arcByAngle() {
         return;
     }
     const double sweep = angle.value;
-    const PointAnswer end = askPoint(L"\n指定圆弧的端点或 [圆心(CE)/半径(R)]: ", L"CEnter Radius", &last(), RSG_NONULL);
+    const PointAnswer end =
+        askPoint(L"\n指定圆弧的端点或 [圆心(CE)/半径(R)]: ", L"CEnter Radius", &last(), RSG_NONULL);
     if (end.isKeyword(L"CEnter")) {
         const PointAnswer center = askPoint(L"\n指定圆弧的圆心: ", nullptr, &last(), RSG_NONULL);
         if (center.isValue()) {

@@ -42,7 +42,8 @@ auto common(const Selection& selection, Get&& get) {
 }
 
 bool changeColor(const Selection& selection) {
-    const std::optional<int> now = common(selection, [](const AcDbEntity& entity) -> int { return entity.colorIndex(); });
+    const std::optional<int> now =
+        common(selection, [](const AcDbEntity& entity) -> int { return entity.colorIndex(); });
     const std::optional<AcCmEntityColor> color =
         askColor(L"新颜色", now ? colorText(*now) : std::wstring(L"多种"));
     if (color) {
@@ -85,7 +86,8 @@ bool changeLinetypeScale(const Selection& selection) {
 
 bool changeLineWeight(const Selection& selection) {
     for (;;) {
-        const TextAnswer answer = askText(L"\n输入新线宽 (毫米) 或 [随层(ByLayer)/随块(ByBlock)/默认(DEFAULT)]: ");
+        const TextAnswer answer =
+            askText(L"\n输入新线宽 (毫米) 或 [随层(ByLayer)/随块(ByBlock)/默认(DEFAULT)]: ");
         if (!answer.isValue()) {
             return !answer.isCancelled();
         }
@@ -128,20 +130,20 @@ struct Property {
     const wchar_t* keyword;
     bool (*change)(const Selection&);
 };
-constexpr Property properties[] = {{L"Color", changeColor},           {L"LAyer", changeLayer},
-                                   {L"LType", changeLinetype},        {L"ltScale", changeLinetypeScale},
-                                   {L"LWeight", changeLineWeight},    {L"Thickness", changeThickness},
+constexpr Property properties[] = {{L"Color", changeColor},        {L"LAyer", changeLayer},
+                                   {L"LType", changeLinetype},     {L"ltScale", changeLinetypeScale},
+                                   {L"LWeight", changeLineWeight}, {L"Thickness", changeThickness},
                                    {L"Elev", changeElevation}};
 
 void changeProperties(const Selection& selection, bool withElevation) {
     for (;;) {
-        const Answer answer = withElevation
-                                  ? askKeyword(L"\n输入要更改的特性 [颜色(C)/标高(E)/图层(LA)/线型(LT)/线型比例(S)/"
-                                               L"线宽(LW)/厚度(T)]: ",
-                                               L"Color Elev LAyer LType ltScale LWeight Thickness")
-                                  : askKeyword(L"\n输入要更改的特性 [颜色(C)/图层(LA)/线型(LT)/线型比例(S)/线宽(LW)/"
-                                               L"厚度(T)]: ",
-                                               L"Color LAyer LType ltScale LWeight Thickness");
+        const Answer answer =
+            withElevation ? askKeyword(L"\n输入要更改的特性 [颜色(C)/标高(E)/图层(LA)/线型(LT)/线型比例(S)/"
+                                       L"线宽(LW)/厚度(T)]: ",
+                                       L"Color Elev LAyer LType ltScale LWeight Thickness")
+                          : askKeyword(L"\n输入要更改的特性 [颜色(C)/图层(LA)/线型(LT)/线型比例(S)/线宽(LW)/"
+                                       L"厚度(T)]: ",
+                                       L"Color LAyer LType ltScale LWeight Thickness");
         const auto* property = std::find_if(std::begin(properties), std::end(properties),
                                             [&](const Property& p) { return answer.isKeyword(p.keyword); });
         if (property == std::end(properties) || !property->change(selection)) {
@@ -178,7 +180,8 @@ bool changeCircle(AcDbCircle& circle, const AcGePoint3d* to) {
         const double radius = circle.center().distanceTo(*to);
         return radius > 0.0 && circle.setRadius(radius) == Acad::eOk;
     }
-    const RealAnswer radius = askDistance(L"\n指定新的圆半径 <不变>: ", nullptr, nullptr, RSG_NOZERO | RSG_NONEG);
+    const RealAnswer radius =
+        askDistance(L"\n指定新的圆半径 <不变>: ", nullptr, nullptr, RSG_NOZERO | RSG_NONEG);
     if (radius.isValue()) {
         circle.setRadius(radius.value);
     }
@@ -208,8 +211,8 @@ bool changeText(AcDbText& text, const AcGePoint3d* to) {
     text.setTextStyle(style->isNull() ? text.textStyle() : *style);
     const auto* record = peek<AcDbTextStyleTableRecord>(text.textStyle());
     if (record == nullptr || record->textSize() == 0.0) {
-        const RealAnswer height = askDistance(L"\n指定新高度 <" + shown(text.height()) + L">: ", nullptr, nullptr,
-                                              RSG_NOZERO | RSG_NONEG);
+        const RealAnswer height = askDistance(L"\n指定新高度 <" + shown(text.height()) + L">: ", nullptr,
+                                              nullptr, RSG_NOZERO | RSG_NONEG);
         if (height.isCancelled()) {
             return false;
         }
@@ -220,7 +223,8 @@ bool changeText(AcDbText& text, const AcGePoint3d* to) {
         return false;
     }
     text.setRotation(rotation.isValue() ? rotation.value : text.rotation());
-    const TextAnswer content = askText(std::wstring(L"\n输入新文字 <") + text.textStringConst() + L">: ", true);
+    const TextAnswer content =
+        askText(std::wstring(L"\n输入新文字 <") + text.textStringConst() + L">: ", true);
     if (content.isValue()) {
         text.setTextString(content.text.c_str());
     }
@@ -236,7 +240,8 @@ bool changeReference(AcDbBlockReference& reference, const AcGePoint3d* to) {
             return false;
         }
     }
-    const RealAnswer rotation = askAngle(L"\n指定新的块旋转角度 <" + shownAngle(reference.rotation()) + L">: ");
+    const RealAnswer rotation =
+        askAngle(L"\n指定新的块旋转角度 <" + shownAngle(reference.rotation()) + L">: ");
     if (rotation.isCancelled()) {
         return false;
     }

@@ -22,14 +22,16 @@ bool hasNoLength(const AcDbEntity& entity) {
 bool isBlankText(const AcDbEntity& entity) {
     const auto* text = AcDbText::cast(&entity);
     return text != nullptr && AcDbAttributeDefinition::cast(&entity) == nullptr &&
-           AcDbAttribute::cast(&entity) == nullptr && trim(std::wstring_view(text->textStringConst())).empty();
+           AcDbAttribute::cast(&entity) == nullptr &&
+           trim(std::wstring_view(text->textStringConst())).empty();
 }
 
 void eraseEntities(const wchar_t* name, bool (*isUseless)(const AcDbEntity&)) {
     int erased = 0;
     for (AcDbStub* block : peek<AcDbBlockTable>(currentDatabase().blockTableId())->records()) {
         const auto* record = peek<AcDbBlockTableRecord>(block);
-        for (AcDbStub* stub : record != nullptr ? std::vector(record->entities()) : std::vector<AcDbStub*>()) {
+        for (AcDbStub* stub :
+             record != nullptr ? std::vector(record->entities()) : std::vector<AcDbStub*>()) {
             const auto* entity = peek<AcDbEntity>(stub);
             const bool useless = entity != nullptr && [&] {
                 const ReadAccess access(*entity);
@@ -43,7 +45,8 @@ void eraseEntities(const wchar_t* name, bool (*isUseless)(const AcDbEntity&)) {
 
 void runPurge() {
     const Answer kind = askKeyword(
-        L"\n输入要清理的未使用对象的类型\n[块(B)/标注样式(D)/组(G)/图层(LA)/线型(LT)/材质(MA)/多重引线样式(MU)/"
+        L"\n输入要清理的未使用对象的类型\n[块(B)/标注样式(D)/组(G)/图层(LA)/线型(LT)/材质(MA)/"
+        L"多重引线样式(MU)/"
         L"形(SH)/文字样式(ST)/多线样式(M)/表格样式(T)/注册应用程序(R)/零长度几何图形(Z)/空文字对象(E)/"
         L"全部(A)]: ",
         L"Blocks Dimstyles Groups LAyers LTypes MAterials MUltileaderstyles SHapes textSTyles Mlinestyles "
@@ -69,17 +72,18 @@ void runPurge() {
         return;
     }
     AcDbDatabase& database = currentDatabase();
-    const int purged = purgeUnused(
-        database, purgeCandidates(database, kind.keyword, names.isNone() ? L"*" : names.text),
-        [&](const PurgeCandidate& candidate) -> std::optional<bool> {
-            const std::wstring what = std::wstring(candidate.kind) + L" \"" + candidate.name + L"\"";
-            const std::optional<bool> sure =
-                *confirms ? askYesNo(L"\n是否清理" + what + L"?", false) : std::optional(true);
-            if (sure == true) {
-                acutPrintf(L"\n正在删除%s。", what.c_str());
-            }
-            return sure;
-        });
+    const int purged =
+        purgeUnused(database, purgeCandidates(database, kind.keyword, names.isNone() ? L"*" : names.text),
+                    [&](const PurgeCandidate& candidate) -> std::optional<bool> {
+                        const std::wstring what =
+                            std::wstring(candidate.kind) + L" \"" + candidate.name + L"\"";
+                        const std::optional<bool> sure =
+                            *confirms ? askYesNo(L"\n是否清理" + what + L"?", false) : std::optional(true);
+                        if (sure == true) {
+                            acutPrintf(L"\n正在删除%s。", what.c_str());
+                        }
+                        return sure;
+                    });
     if (purged == 0) {
         const wchar_t* name = purgeKindName(kind.keyword);
         acutPrintf(L"\n没有清理%s。", name != nullptr ? name : L"对象");

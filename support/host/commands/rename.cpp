@@ -36,9 +36,10 @@ bool mayNotBeRenamed(AcDbObjectId id) {
 }
 
 void runRename() {
-    const Answer answer = askKeyword(L"\n输入要重命名的对象类型\n[块(B)/标注样式(D)/图层(LA)/线型(LT)/文字样式(S)/UCS(U)/"
-                                     L"视图(VI)/视口(VP)]: ",
-                                     L"Block Dimstyle LAyer LType textStyle Ucs VIew VPort", RSG_NONULL);
+    const Answer answer =
+        askKeyword(L"\n输入要重命名的对象类型\n[块(B)/标注样式(D)/图层(LA)/线型(LT)/文字样式(S)/UCS(U)/"
+                   L"视图(VI)/视口(VP)]: ",
+                   L"Block Dimstyle LAyer LType textStyle Ucs VIew VPort", RSG_NONULL);
     const auto* kind = std::find_if(std::begin(kinds), std::end(kinds),
                                     [&](const Kind& one) { return answer.isKeyword(one.keyword); });
     if (kind == std::end(kinds)) {

@@ -98,14 +98,14 @@ bool askFont(StyleSettings& settings) {
 }
 
 bool askNumbers(StyleSettings& settings) {
-    const RealAnswer height = askDistance(L"\n指定文字高度 <" + shown(settings.height) + L">: ", nullptr, nullptr,
-                                          RSG_NONEG);
+    const RealAnswer height =
+        askDistance(L"\n指定文字高度 <" + shown(settings.height) + L">: ", nullptr, nullptr, RSG_NONEG);
     if (height.isCancelled()) {
         return false;
     }
     settings.height = height.isValue() ? height.value : settings.height;
-    const RealAnswer width = askReal(L"\n指定宽度因子 <" + shown(settings.width) + L">: ", nullptr,
-                                     RSG_NOZERO | RSG_NONEG);
+    const RealAnswer width =
+        askReal(L"\n指定宽度因子 <" + shown(settings.width) + L">: ", nullptr, RSG_NOZERO | RSG_NONEG);
     if (width.isCancelled()) {
         return false;
     }
@@ -156,7 +156,8 @@ void apply(const StyleSettings& settings, AcDbTextStyleTableRecord& style) {
     style.setTextSize(settings.height);
     style.setXScale(settings.width);
     style.setObliquingAngle(settings.oblique);
-    style.setFlagBits(static_cast<Adesk::UInt8>((settings.backwards ? 2 : 0) | (settings.upsideDown ? 4 : 0)));
+    style.setFlagBits(
+        static_cast<Adesk::UInt8>((settings.backwards ? 2 : 0) | (settings.upsideDown ? 4 : 0)));
     style.setIsVertical(settings.vertical);
 }
 
@@ -200,7 +201,8 @@ void runStyle() {
     if (!exists) {
         const Opened<AcDbTextStyleTable> table(currentDatabase().textStyleTableId(), AcDb::kForWrite);
         auto style = std::make_unique<AcDbTextStyleTableRecord>();
-        if (!table || style->setName(name->c_str()) != Acad::eOk || table->add(id, style.get()) != Acad::eOk) {
+        if (!table || style->setName(name->c_str()) != Acad::eOk ||
+            table->add(id, style.get()) != Acad::eOk) {
             reportFailure(L"文字样式 \"" + *name + L"\" 无法创建");
             return;
         }
@@ -241,12 +243,14 @@ void runUnits() {
         return;
     }
     const bool fraction = systemVariableInteger(L"LUNITS") >= 4;
-    if (!askInRange(fraction ? L"\n输入分母位数 (2 的幂), 0 到 8" : L"\n输入小数位数 (0 到 8)", 0, 8, L"LUPREC")) {
+    if (!askInRange(fraction ? L"\n输入分母位数 (2 的幂), 0 到 8" : L"\n输入小数位数 (0 到 8)", 0, 8,
+                    L"LUPREC")) {
         return;
     }
-    acutPrintf(L"\n角度测量系统:         (样例)\n"
-               L"\n  0. 十进制度数       45.0000\n  1. 度/分/秒         45d0'0\"\n  2. 百分度           50.0000g\n"
-               L"  3. 弧度             0.7854r\n  4. 勘测单位         N 45d0'0\" E\n");
+    acutPrintf(
+        L"\n角度测量系统:         (样例)\n"
+        L"\n  0. 十进制度数       45.0000\n  1. 度/分/秒         45d0'0\"\n  2. 百分度           50.0000g\n"
+        L"  3. 弧度             0.7854r\n  4. 勘测单位         N 45d0'0\" E\n");
     if (!askInRange(L"\n输入选择, 0 到 4", 0, 4, L"AUNITS") ||
         !askInRange(L"\n输入角度显示的小数位数 (0 到 8)", 0, 8, L"AUPREC")) {
         return;
@@ -286,8 +290,8 @@ std::wstring shownLimit(const AcGePoint3d& point) {
 void runLimits() {
     acutPrintf(L"\n重新设置%s空间界限:", currentDatabase().tilemode() ? L"模型" : L"图纸");
     const AcGePoint3d oldLow = limit(L"LIMMIN");
-    const PointAnswer low = askPoint(L"\n指定左下角点或 [开(ON)/关(OFF)] <" + shownLimit(oldLow) + L">: ", L"ON OFF",
-                                     nullptr, RSG_NOLIM);
+    const PointAnswer low = askPoint(L"\n指定左下角点或 [开(ON)/关(OFF)] <" + shownLimit(oldLow) + L">: ",
+                                     L"ON OFF", nullptr, RSG_NOLIM);
     if (low.kind == Answer::Kind::keyword) {
         setSystemVariable(L"LIMCHECK", low.isKeyword(L"ON") ? 1 : 0);
         return;

@@ -95,8 +95,8 @@ void askOtherCorner(const AcGePoint3d& first, const RectangleSettings& settings)
     double length = 0.0;
     double height = 0.0;
     for (;;) {
-        const PointAnswer other =
-            askPoint(L"\n指定另一个角点或 [面积(A)/尺寸(D)/旋转(R)]: ", L"Area Dimensions Rotation", &first, RSG_NONULL);
+        const PointAnswer other = askPoint(L"\n指定另一个角点或 [面积(A)/尺寸(D)/旋转(R)]: ",
+                                           L"Area Dimensions Rotation", &first, RSG_NONULL);
         if (other.isKeyword(L"Rotation")) {
             const RealAnswer angle = askAngle(L"\n指定旋转角度 <0>: ", nullptr, &first);
             if (angle.isCancelled()) {
@@ -122,7 +122,8 @@ void askOtherCorner(const AcGePoint3d& first, const RectangleSettings& settings)
             }
             const Answer by = askKeyword(L"\n计算矩形标注时依据 [长度(L)/宽度(W)] <长度>: ", L"Length Width");
             double known = 10.0;
-            if (by.isCancelled() || !askLength(by.isKeyword(L"Width") ? L"\n输入矩形宽度" : L"\n输入矩形长度", known, RSG_NOZERO | RSG_NONEG)) {
+            if (by.isCancelled() || !askLength(by.isKeyword(L"Width") ? L"\n输入矩形宽度" : L"\n输入矩形长度",
+                                               known, RSG_NOZERO | RSG_NONEG)) {
                 return;
             }
             length = by.isKeyword(L"Width") ? area / known : known;
@@ -142,9 +143,8 @@ void askOtherCorner(const AcGePoint3d& first, const RectangleSettings& settings)
 void runRectang() {
     RectangleSettings settings;
     for (;;) {
-        const PointAnswer first =
-            askPoint(L"\n指定第一个角点或 [倒角(C)/标高(E)/圆角(F)/厚度(T)/宽度(W)]: ",
-                     L"Chamfer Elevation Fillet Thickness Width", nullptr, RSG_NONULL);
+        const PointAnswer first = askPoint(L"\n指定第一个角点或 [倒角(C)/标高(E)/圆角(F)/厚度(T)/宽度(W)]: ",
+                                           L"Chamfer Elevation Fillet Thickness Width", nullptr, RSG_NONULL);
         if (first.isValue()) {
             askOtherCorner(first.ucs, settings);
             return;
@@ -167,7 +167,9 @@ void appendPolygon(const AcGePoint3d& center, const AcGePoint2d& vertex, int sid
 
 void polygonOnEdge(int sides) {
     const PointAnswer first = askPoint(L"\n指定边的第一个端点: ", nullptr, nullptr, RSG_NONULL);
-    const PointAnswer second = first.isValue() ? askPoint(L"\n指定边的第二个端点: ", nullptr, &first.ucs, RSG_NONULL) : PointAnswer();
+    const PointAnswer second = first.isValue()
+                                   ? askPoint(L"\n指定边的第二个端点: ", nullptr, &first.ucs, RSG_NONULL)
+                                   : PointAnswer();
     if (!second.isValue()) {
         return;
     }
@@ -184,7 +186,8 @@ void polygonOnEdge(int sides) {
 void runPolygon() {
     int sides = systemVariableInteger(L"POLYSIDES");
     for (;;) {
-        const IntegerAnswer answer = askInteger(L"\n输入侧面数 <" + std::to_wstring(std::max(sides, 3)) + L">: ");
+        const IntegerAnswer answer =
+            askInteger(L"\n输入侧面数 <" + std::to_wstring(std::max(sides, 3)) + L">: ");
         if (answer.isCancelled()) {
             return;
         }
@@ -203,8 +206,7 @@ void runPolygon() {
     if (!center.isValue()) {
         return;
     }
-    const Answer kind =
-        askKeyword(L"\n输入选项 [内接于圆(I)/外切于圆(C)] <I>: ", L"Inscribed Circumscribed");
+    const Answer kind = askKeyword(L"\n输入选项 [内接于圆(I)/外切于圆(C)] <I>: ", L"Inscribed Circumscribed");
     if (kind.isCancelled()) {
         return;
     }
@@ -222,7 +224,8 @@ void runPolygon() {
 void runDonut() {
     double inner = systemVariableReal(L"DONUTID");
     double outer = systemVariableReal(L"DONUTOD");
-    if (!askLength(L"\n指定圆环的内径", inner) || !askLength(L"\n指定圆环的外径", outer, RSG_NOZERO | RSG_NONEG)) {
+    if (!askLength(L"\n指定圆环的内径", inner) ||
+        !askLength(L"\n指定圆环的外径", outer, RSG_NOZERO | RSG_NONEG)) {
         return;
     }
     if (inner > outer) {
@@ -253,8 +256,8 @@ void runSolid() {
         while (corners.size() < 4) {
             // The third point ends the command when it is left out.
             const int flags = corners.size() < 2 ? RSG_NONULL : 0;
-            const PointAnswer answer =
-                askPoint(prompts[corners.size()], nullptr, corners.empty() ? nullptr : &corners.back(), flags);
+            const PointAnswer answer = askPoint(prompts[corners.size()], nullptr,
+                                                corners.empty() ? nullptr : &corners.back(), flags);
             if (answer.isCancelled() || (answer.isNone() && corners.size() == 2)) {
                 return;
             }

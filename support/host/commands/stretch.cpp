@@ -64,8 +64,9 @@ bool askCorners(Stretched& selected, std::optional<AcGePoint3d> first) {
 bool askPolygon(Stretched& selected) {
     std::vector<AcGePoint3d> points;
     for (;;) {
-        const PointAnswer point = points.empty() ? askPoint(L"\n第一个圈围点: ")
-                                                 : askPoint(L"\n指定直线的端点或 [放弃(U)]: ", L"Undo", &points.back());
+        const PointAnswer point = points.empty()
+                                      ? askPoint(L"\n第一个圈围点: ")
+                                      : askPoint(L"\n指定直线的端点或 [放弃(U)]: ", L"Undo", &points.back());
         if (point.isKeyword(L"Undo")) {
             points.pop_back();
         } else if (point.isValue()) {
@@ -92,7 +93,8 @@ bool takeGiven(Stretched& selected, const InputItem& item) {
         selected.whole.add(id);
         return true;
     }
-    if (const PickSet* set = value != nullptr && value->restype == RTPICKS ? pickSetOf(value->resval.rlname) : nullptr) {
+    if (const PickSet* set =
+            value != nullptr && value->restype == RTPICKS ? pickSetOf(value->resval.rlname) : nullptr) {
         for (const AcDbObjectId one : set->ids) {
             selected.whole.add(one);
         }
@@ -169,8 +171,7 @@ std::optional<AcGeVector3d> askDisplacement() {
         const PointAnswer vector = askPoint(L"\n指定位移 <0.0000, 0.0000, 0.0000>: ");
         return vector.isValue() ? std::optional(ucsMatrix() * vector.ucs.asVector()) : std::nullopt;
     }
-    const PointAnswer second =
-        askPoint(L"\n指定第二个点或 <使用第一个点作为位移>: ", nullptr, &base.ucs);
+    const PointAnswer second = askPoint(L"\n指定第二个点或 <使用第一个点作为位移>: ", nullptr, &base.ucs);
     if (second.isCancelled()) {
         return std::nullopt;
     }
@@ -195,7 +196,8 @@ void runStretch() {
     };
     selected.entities.removeAll(selected.whole.ids);
     change(selected.entities, [&](AcDbEntity& entity) { return stretch(entity, selected, *by); });
-    change(selected.whole, [&](AcDbEntity& entity) { return entity.transformBy(AcGeMatrix3d::translation(*by)); });
+    change(selected.whole,
+           [&](AcDbEntity& entity) { return entity.transformBy(AcGeMatrix3d::translation(*by)); });
     if (refused > 0) {
         acutPrintf(L"\n%d 个对象无法拉伸。", refused);
     }

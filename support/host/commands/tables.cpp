@@ -45,8 +45,8 @@ std::optional<AcDbObjectId> askNamed(AcDbObjectId table, const std::wstring& pro
 
 } // namespace
 
-std::optional<AcDbObjectId> askRecord(AcDbObjectId table, const std::wstring& prompt, const std::wstring& what,
-                                      AcDbObjectId current) {
+std::optional<AcDbObjectId> askRecord(AcDbObjectId table, const std::wstring& prompt,
+                                      const std::wstring& what, AcDbObjectId current) {
     return askNamed(table, prompt, what, current, [table](const std::wstring& name) {
         AcDbObjectId id;
         return peek<AcDbSymbolTable>(table)->getAt(name.c_str(), id) == Acad::eOk ? id : AcDbObjectId();
@@ -92,12 +92,10 @@ std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::w
 }
 
 std::optional<AcDb::LineWeight> parseLineWeight(const std::wstring& text) {
-    constexpr std::pair<const wchar_t*, AcDb::LineWeight> words[] = {{L"BYLAYER", AcDb::kLnWtByLayer},
-                                                                     {L"BYBLOCK", AcDb::kLnWtByBlock},
-                                                                     {L"DEFAULT", AcDb::kLnWtByLwDefault},
-                                                                     {L"随层", AcDb::kLnWtByLayer},
-                                                                     {L"随块", AcDb::kLnWtByBlock},
-                                                                     {L"默认", AcDb::kLnWtByLwDefault}};
+    constexpr std::pair<const wchar_t*, AcDb::LineWeight> words[] = {
+        {L"BYLAYER", AcDb::kLnWtByLayer},     {L"BYBLOCK", AcDb::kLnWtByBlock},
+        {L"DEFAULT", AcDb::kLnWtByLwDefault}, {L"随层", AcDb::kLnWtByLayer},
+        {L"随块", AcDb::kLnWtByBlock},        {L"默认", AcDb::kLnWtByLwDefault}};
     for (const auto& [word, weight] : words) {
         if (equalNoCase(text, word)) {
             return weight;

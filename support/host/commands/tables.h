@@ -7,8 +7,8 @@ namespace host {
 
 /// A record of the table; null for Enter, nothing for Escape. Unknown names are told and asked for again;
 /// `current` is shown as the default (null: several). `what` names the kind ("图层"). "?" lists the names.
-std::optional<AcDbObjectId> askRecord(AcDbObjectId table, const std::wstring& prompt, const std::wstring& what,
-                                      AcDbObjectId current);
+std::optional<AcDbObjectId> askRecord(AcDbObjectId table, const std::wstring& prompt,
+                                      const std::wstring& what, AcDbObjectId current);
 /// The same for a linetype, which is loaded from the standard files when the drawing has none of that name.
 std::optional<AcDbObjectId> askLinetype(const std::wstring& prompt, AcDbObjectId current);
 /// The linetype of that name, loaded when necessary; null when there is none.

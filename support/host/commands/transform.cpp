@@ -61,9 +61,8 @@ void runMirror() {
 
 /// Transforms the selection, or copies of it.
 void apply(const Selection& selection, const AcGeMatrix3d& transform, bool copies) {
-    tellRefused(copies
-                    ? copyTransformed(selection.ids(), currentDatabase().currentSpaceId(), transform)
-                    : transformEntities(selection.ids(), transform));
+    tellRefused(copies ? copyTransformed(selection.ids(), currentDatabase().currentSpaceId(), transform)
+                       : transformEntities(selection.ids(), transform));
 }
 
 /// A direction by value, or by two points of which the first may be the base.
@@ -77,18 +76,15 @@ std::optional<double> askDirection(const std::wstring& prompt, const AcGePoint3d
 
 /// Reference angle and new angle; the turn between them.
 std::optional<double> askReferencedAngle(const AcGePoint3d& base) {
-    const std::optional<double> from =
-        askDirection(L"\n指定参照角 <" + shownAngle(0.0) + L">: ", nullptr);
+    const std::optional<double> from = askDirection(L"\n指定参照角 <" + shownAngle(0.0) + L">: ", nullptr);
     if (!from) {
         return std::nullopt;
     }
-    const RealAnswer to =
-        askAngle(L"\n指定新角度或 [点(P)] <" + shownAngle(0.0) + L">: ", L"Points", &base);
+    const RealAnswer to = askAngle(L"\n指定新角度或 [点(P)] <" + shownAngle(0.0) + L">: ", L"Points", &base);
     if (to.isKeyword(L"Points")) {
         const PointAnswer first = askPoint(L"\n指定第一点: ", nullptr, nullptr, RSG_NONULL);
-        const PointAnswer second = first.isValue()
-                                       ? askPoint(L"\n指定第二点: ", nullptr, &first.ucs, RSG_NONULL)
-                                       : PointAnswer();
+        const PointAnswer second =
+            first.isValue() ? askPoint(L"\n指定第二点: ", nullptr, &first.ucs, RSG_NONULL) : PointAnswer();
         return second.isValue() ? std::optional(angleBetween(first.ucs, second.ucs) - *from) : std::nullopt;
     }
     if (to.isCancelled()) {
@@ -98,7 +94,8 @@ std::optional<double> askReferencedAngle(const AcGePoint3d& base) {
 }
 
 void runRotate() {
-    acutPrintf(L"\nUCS 当前的正角方向:  ANGDIR=%s  ANGBASE=%s", currentDatabase().angdir() ? L"顺时针" : L"逆时针",
+    acutPrintf(L"\nUCS 当前的正角方向:  ANGDIR=%s  ANGBASE=%s",
+               currentDatabase().angdir() ? L"顺时针" : L"逆时针",
                shownAngle(currentDatabase().angbase()).c_str());
     const Selection selection = Selection::askEditable();
     if (selection.empty()) {
@@ -111,8 +108,9 @@ void runRotate() {
     bool copies = false;
     std::optional<double> turn;
     while (!turn) {
-        const RealAnswer answer = askAngle(L"\n指定旋转角度，或 [复制(C)/参照(R)] <" + shownAngle(0.0) + L">: ",
-                                           L"Copy Reference", &base.ucs);
+        const RealAnswer answer =
+            askAngle(L"\n指定旋转角度，或 [复制(C)/参照(R)] <" + shownAngle(0.0) + L">: ", L"Copy Reference",
+                     &base.ucs);
         if (answer.isCancelled()) {
             return;
         }
@@ -137,11 +135,11 @@ std::optional<double> askReferencedScale(const AcGePoint3d& base) {
         return std::nullopt;
     }
     const double length = from.isValue() ? from.value : 1.0;
-    const RealAnswer to = askDistance(L"\n指定新的长度或 [点(P)] <1>: ", L"Points", &base,
-                                      RSG_NOZERO | RSG_NONEG);
+    const RealAnswer to =
+        askDistance(L"\n指定新的长度或 [点(P)] <1>: ", L"Points", &base, RSG_NOZERO | RSG_NONEG);
     if (to.isKeyword(L"Points")) {
-        const RealAnswer between = askDistance(L"\n指定第一点: ", nullptr, nullptr,
-                                               RSG_NONULL | RSG_NOZERO | RSG_NONEG);
+        const RealAnswer between =
+            askDistance(L"\n指定第一点: ", nullptr, nullptr, RSG_NONULL | RSG_NOZERO | RSG_NONEG);
         return between.isValue() ? std::optional(between.value / length) : std::nullopt;
     }
     if (to.isCancelled()) {
@@ -206,8 +204,9 @@ void runAlign() {
     while (from.size() < 3) {
         const std::wstring name = names[from.size()];
         const int flags = from.empty() ? RSG_NONULL : 0;
-        const PointAnswer source = askPoint(L"\n指定第" + name + L"个源点" + (from.size() == 2 ? L"或 <继续>: " : L": "),
-                                            nullptr, nullptr, flags);
+        const PointAnswer source =
+            askPoint(L"\n指定第" + name + L"个源点" + (from.size() == 2 ? L"或 <继续>: " : L": "), nullptr,
+                     nullptr, flags);
         if (source.isCancelled()) {
             return;
         }

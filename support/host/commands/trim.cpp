@@ -77,8 +77,9 @@ bool Cutting::askEdges() {
 }
 
 bool Cutting::askObject() {
-    const std::wstring what = mExtends ? L"\n选择要延伸的对象，或\n[栏选(F)/窗交(C)/投影(P)/边(E)/放弃(U)]: "
-                                       : L"\n选择要修剪的对象，或\n[栏选(F)/窗交(C)/投影(P)/边(E)/删除(R)/放弃(U)]: ";
+    const std::wstring what =
+        mExtends ? L"\n选择要延伸的对象，或\n[栏选(F)/窗交(C)/投影(P)/边(E)/放弃(U)]: "
+                 : L"\n选择要修剪的对象，或\n[栏选(F)/窗交(C)/投影(P)/边(E)/删除(R)/放弃(U)]: ";
     const EntityAnswer picked = askEntity(what, mExtends ? L"Fence Crossing Project Edge Undo"
                                                          : L"Fence Crossing Project Edge eRase Undo");
     if (picked.isValue()) {
@@ -106,7 +107,8 @@ bool Cutting::askObject() {
 
 /// Everything that a line through the points, or around the window, crosses is treated where it crosses.
 bool Cutting::byFence(bool rectangle) {
-    const PointAnswer first = askPoint(rectangle ? L"\n指定第一个角点: " : L"\n指定第一个栏选点: ", nullptr, nullptr, RSG_NONULL);
+    const PointAnswer first =
+        askPoint(rectangle ? L"\n指定第一个角点: " : L"\n指定第一个栏选点: ", nullptr, nullptr, RSG_NONULL);
     if (!first.isValue()) {
         return false;
     }
@@ -116,7 +118,11 @@ bool Cutting::byFence(bool rectangle) {
         if (!corner.isValue()) {
             return false;
         }
-        points = {first.ucs, {corner.ucs.x, first.ucs.y, 0.0}, corner.ucs, {first.ucs.x, corner.ucs.y, 0.0}, first.ucs};
+        points = {first.ucs,
+                  {corner.ucs.x, first.ucs.y, 0.0},
+                  corner.ucs,
+                  {first.ucs.x, corner.ucs.y, 0.0},
+                  first.ucs};
     } else {
         for (;;) {
             const PointAnswer next = askPoint(L"\n指定下一个栏选点或 [放弃(U)]: ", L"Undo", &points.back());
@@ -170,7 +176,6 @@ void Cutting::forEachEdge(const AcDbCurve& curve, bool everywhere, Visit&& visit
         if (&edge != static_cast<const AcDbEntity*>(&curve)) {
             visit(static_cast<const AcDbEntity&>(edge));
         }
-        return true;
     };
     if (!mAll) {
         for (const AcDbObjectId id : mEdges) {
@@ -181,13 +186,16 @@ void Cutting::forEachEdge(const AcDbCurve& curve, bool everywhere, Visit&& visit
         return;
     }
     AcDbExtents extents;
-    PlanBox box{-1e300, -1e300, 1e300, 1e300};
+    Box2d box{{-1e300, -1e300}, {1e300, 1e300}};
     if (!everywhere && curve.getGeomExtents(extents) == Acad::eOk) {
-        box = {extents.minPoint().x, extents.minPoint().y, extents.maxPoint().x, extents.maxPoint().y};
+        box = {to2d(extents.minPoint()), to2d(extents.maxPoint())};
     }
-    spatialQuery().overlapping(currentDatabase().currentSpaceId(), box, [&](AcDbEntity& edge) {
-        return !isSelectable(edge) || one(edge);
-    });
+    for (const Placed& placed : spatialQuery().overlapping(currentDatabase().currentSpaceId(), box)) {
+        auto* edge = peek<AcDbEntity>(AcDbObjectId(placed.stub));
+        if (edge != nullptr && isSelectable(*edge)) {
+            one(*edge);
+        }
+    }
 }
 
 void Cutting::trim(AcDbObjectId id, const AcGePoint3d& pick) {
@@ -261,9 +269,9 @@ void Cutting::extend(AcDbObjectId id, const AcGePoint3d& pick) {
 
 bool Cutting::askEdgeMode() {
     const bool extends = extendsEdges();
-    const Answer answer = askKeyword(
-        std::wstring(L"\n输入隐含边延伸模式 [延伸(E)/不延伸(N)] <") + (extends ? L"延伸>: " : L"不延伸>: "),
-        L"Extend No");
+    const Answer answer = askKeyword(std::wstring(L"\n输入隐含边延伸模式 [延伸(E)/不延伸(N)] <") +
+                                         (extends ? L"延伸>: " : L"不延伸>: "),
+                                     L"Extend No");
     if (answer.kind == Answer::Kind::keyword) {
         setSystemVariable(L"EDGEMODE", answer.isKeyword(L"Extend") ? 1 : 0);
     }
@@ -273,8 +281,8 @@ bool Cutting::askEdgeMode() {
 bool Cutting::askProjection() {
     constexpr const wchar_t* names[] = {L"None", L"Ucs", L"View"};
     const int now = std::clamp(systemVariableInteger(L"PROJMODE"), 0, 2);
-    const Answer answer =
-        askKeyword(L"\n输入投影选项 [无(N)/UCS(U)/视图(V)] <" + std::wstring(names[now]) + L">: ", L"None Ucs View");
+    const Answer answer = askKeyword(
+        L"\n输入投影选项 [无(N)/UCS(U)/视图(V)] <" + std::wstring(names[now]) + L">: ", L"None Ucs View");
     for (int mode = 0; mode < 3; ++mode) {
         if (answer.isKeyword(names[mode])) {
             setSystemVariable(L"PROJMODE", mode);

@@ -64,7 +64,8 @@ void Audit::note(const std::wstring& object, const std::wstring& fault, const st
 }
 
 template <class T>
-void Audit::note(T& object, const std::wstring& fault, const std::wstring& remedy, std::function<void(T&)> fix) {
+void Audit::note(T& object, const std::wstring& fault, const std::wstring& remedy,
+                 std::function<void(T&)> fix) {
     if (mFixes) {
         mPending.emplace_back(mResult.findings.size(), [id = object.objectId(), fix = std::move(fix)] {
             const Opened<T> opened(id, AcDb::kForWrite);
@@ -110,23 +111,24 @@ AuditResult Audit::run() {
 
 void Audit::checkContainers() {
     const DatabaseImpl::Containers& containers = mDatabase.impl().containers;
-    const std::pair<const wchar_t*, AcDbObjectId> needed[] = {{L"块表", containers.blockTable},
-                                                              {L"图层表", containers.layerTable},
-                                                              {L"线型表", containers.linetypeTable},
-                                                              {L"文字样式表", containers.textStyleTable},
-                                                              {L"注册应用程序表", containers.regAppTable},
-                                                              {L"标注样式表", containers.dimStyleTable},
-                                                              {L"视图表", containers.viewTable},
-                                                              {L"视口表", containers.viewportTable},
-                                                              {L"UCS 表", containers.ucsTable},
-                                                              {L"命名对象词典", containers.namedObjects},
-                                                              {L"模型空间", containers.modelSpace},
-                                                              {L"图纸空间", containers.paperSpace},
-                                                              {L"图层 0", containers.layerZero},
-                                                              {L"线型 Continuous", containers.continuous},
-                                                              {L"线型 ByLayer", containers.byLayer},
-                                                              {L"线型 ByBlock", containers.byBlock},
-                                                              {L"文字样式 Standard", containers.standardTextStyle}};
+    const std::pair<const wchar_t*, AcDbObjectId> needed[] = {
+        {L"块表", containers.blockTable},
+        {L"图层表", containers.layerTable},
+        {L"线型表", containers.linetypeTable},
+        {L"文字样式表", containers.textStyleTable},
+        {L"注册应用程序表", containers.regAppTable},
+        {L"标注样式表", containers.dimStyleTable},
+        {L"视图表", containers.viewTable},
+        {L"视口表", containers.viewportTable},
+        {L"UCS 表", containers.ucsTable},
+        {L"命名对象词典", containers.namedObjects},
+        {L"模型空间", containers.modelSpace},
+        {L"图纸空间", containers.paperSpace},
+        {L"图层 0", containers.layerZero},
+        {L"线型 Continuous", containers.continuous},
+        {L"线型 ByLayer", containers.byLayer},
+        {L"线型 ByBlock", containers.byBlock},
+        {L"文字样式 Standard", containers.standardTextStyle}};
     bool completed = false;
     for (const auto& [name, id] : needed) {
         if (isThere(id)) {
@@ -148,10 +150,10 @@ void Audit::checkHeader() {
         AcDbObjectId value;
         AcDbObjectId standard;
         Acad::ErrorStatus (AcDbDatabase::*set)(AcDbObjectId);
-    } settings[] = {{L"CLAYER", mDatabase.clayer(), mDatabase.layerZero(), &AcDbDatabase::setClayer},
-                    {L"CELTYPE", mDatabase.celtype(), mDatabase.byLayerLinetype(), &AcDbDatabase::setCeltype},
-                    {L"TEXTSTYLE", mDatabase.textstyle(), mDatabase.standardTextStyle(),
-                     &AcDbDatabase::setTextstyle}};
+    } settings[] = {
+        {L"CLAYER", mDatabase.clayer(), mDatabase.layerZero(), &AcDbDatabase::setClayer},
+        {L"CELTYPE", mDatabase.celtype(), mDatabase.byLayerLinetype(), &AcDbDatabase::setCeltype},
+        {L"TEXTSTYLE", mDatabase.textstyle(), mDatabase.standardTextStyle(), &AcDbDatabase::setTextstyle}};
     for (const auto& setting : settings) {
         if (!isThere(setting.value)) {
             note(setting.name, L"所指的记录不存在", L"恢复默认值",
@@ -211,10 +213,9 @@ void Audit::checkLists() {
         const auto faulty = std::count_if(entities.begin(), entities.end(), isFaulty);
         if (faulty > 0) {
             seen.clear();
-            note<AcDbBlockTableRecord>(*block, L"对象表中有 " + std::to_wstring(faulty) + L" 个无效的项", L"移除",
-                                       [&](AcDbBlockTableRecord& opened) {
-                                           std::erase_if(opened.entitiesForReaders(), isFaulty);
-                                       });
+            note<AcDbBlockTableRecord>(
+                *block, L"对象表中有 " + std::to_wstring(faulty) + L" 个无效的项", L"移除",
+                [&](AcDbBlockTableRecord& opened) { std::erase_if(opened.entitiesForReaders(), isFaulty); });
             applyFixes();
         }
     }
@@ -248,18 +249,16 @@ void Audit::checkOwner(AcDbObject& object) {
                     .push_back(opened.objectId().stub());
             });
         } else if (listed != mListedIn.end() && listed->second != object.ownerId().stub()) {
-            note<AcDbObject>(object, L"所有者不正确", L"改正",
-                             [owner = listed->second](AcDbObject& opened) {
-                                 opened.setOwnerId(AcDbObjectId(owner));
-                             });
+            note<AcDbObject>(object, L"所有者不正确", L"改正", [owner = listed->second](AcDbObject& opened) {
+                opened.setOwnerId(AcDbObjectId(owner));
+            });
         }
         return;
     }
     if (listed != mListedIn.end()) {
-        note<AcDbObject>(object, L"所有者不存在", L"改正",
-                         [owner = listed->second](AcDbObject& opened) {
-                             opened.setOwnerId(AcDbObjectId(owner));
-                         });
+        note<AcDbObject>(object, L"所有者不存在", L"改正", [owner = listed->second](AcDbObject& opened) {
+            opened.setOwnerId(AcDbObjectId(owner));
+        });
     } else {
         note<AcDbObject>(object, L"没有所有者", L"放入模型空间", [this](AcDbObject& opened) {
             opened.setOwnerId(mDatabase.modelSpaceId());
@@ -286,17 +285,19 @@ void Audit::checkReactors(AcDbObject& object) {
 void Audit::checkDictionary(AcDbDictionary& dictionary) {
     for (const AcDbDictionary::Entry& entry : std::vector(dictionary.entries())) {
         if (!entry.id.isValid()) {
-            note<AcDbDictionary>(dictionary, L"项 \"" + std::wstring(entry.name.kwszPtr()) + L"\" 指向不存在的对象",
-                                 L"移除", [name = entry.name](AcDbDictionary& opened) { opened.remove(name.kwszPtr()); });
+            note<AcDbDictionary>(
+                dictionary, L"项 \"" + std::wstring(entry.name.kwszPtr()) + L"\" 指向不存在的对象", L"移除",
+                [name = entry.name](AcDbDictionary& opened) { opened.remove(name.kwszPtr()); });
         }
     }
 }
 
 void Audit::checkLayer(AcDbLayerTableRecord& layer) {
     if (peek<AcDbLinetypeTableRecord>(layer.linetypeObjectId()) == nullptr) {
-        note<AcDbLayerTableRecord>(layer, L"线型无效", L"设为 Continuous", [this](AcDbLayerTableRecord& opened) {
-            opened.setLinetypeObjectId(mDatabase.continuousLinetype());
-        });
+        note<AcDbLayerTableRecord>(layer, L"线型无效", L"设为 Continuous",
+                                   [this](AcDbLayerTableRecord& opened) {
+                                       opened.setLinetypeObjectId(mDatabase.continuousLinetype());
+                                   });
     }
 }
 
@@ -313,8 +314,9 @@ void Audit::checkLooks(AcDbEntity& entity) {
                          [this](AcDbEntity& opened) { opened.setLayer(mDatabase.layerZero(), false); });
     }
     if (peek<AcDbLinetypeTableRecord>(entity.linetypeId()) == nullptr) {
-        note<AcDbEntity>(entity, L"线型无效", L"设为 ByLayer",
-                         [this](AcDbEntity& opened) { opened.setLinetype(mDatabase.byLayerLinetype(), false); });
+        note<AcDbEntity>(entity, L"线型无效", L"设为 ByLayer", [this](AcDbEntity& opened) {
+            opened.setLinetype(mDatabase.byLayerLinetype(), false);
+        });
     }
     if (!(entity.linetypeScale() > 0.0) || !std::isfinite(entity.linetypeScale())) {
         note<AcDbEntity>(entity, L"线型比例无效", L"设为 1",
@@ -349,7 +351,8 @@ bool Audit::checkGeometry(AcDbEntity& entity) {
     const auto* light = AcDbPolyline::cast(&entity);
     const bool empty = (line != nullptr && line->startPoint().distanceTo(line->endPoint()) == 0.0) ||
                        (circle != nullptr && !(circle->radius() > 0.0)) ||
-                       (arc != nullptr && !(arc->radius() > 0.0)) || (light != nullptr && light->numVerts() < 2);
+                       (arc != nullptr && !(arc->radius() > 0.0)) ||
+                       (light != nullptr && light->numVerts() < 2);
     if (empty) {
         eraseFaulty(entity, L"长度为零");
         return false;
@@ -385,8 +388,8 @@ void Audit::checkParts(AcDbEntity& entity) {
 } // namespace
 
 std::size_t AuditResult::fixedCount() const {
-    return static_cast<std::size_t>(
-        std::count_if(findings.begin(), findings.end(), [](const AuditFinding& finding) { return finding.fixed; }));
+    return static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(),
+                                                  [](const AuditFinding& finding) { return finding.fixed; }));
 }
 
 AuditResult auditDrawing(AcDbDatabase& database, bool fixes) {

@@ -135,9 +135,11 @@ std::optional<Corner> joinParallel(const CornerSide& first, const CornerSide& se
     Corner corner;
     corner.first = first.segment;
     corner.firstEndsAtCorner = end;
-    const AcGeVector2d outward = (end ? first.segment.end - first.segment.start : first.segment.start - first.segment.end);
+    const AcGeVector2d outward =
+        (end ? first.segment.end - first.segment.start : first.segment.start - first.segment.end);
     // The other line keeps the end that lies behind.
-    const bool startStays = (second.segment.start - to).dotProduct(outward) < (second.segment.end - to).dotProduct(outward);
+    const bool startStays =
+        (second.segment.start - to).dotProduct(outward) < (second.segment.end - to).dotProduct(outward);
     corner.second = startStays ? PathSegment(second.segment.start, to) : PathSegment(to, second.segment.end);
     corner.secondEndsAtCorner = startStays;
     corner.between = PathSegment(from, to, outward.crossProduct(to - from) > 0.0 ? 1.0 : -1.0);
@@ -155,7 +157,8 @@ std::optional<Corner> meetSharply(const CornerSide& first, const CornerSide& sec
         return std::nullopt;
     }
     const auto ended = [&](const CornerSide& side, bool& endMoved) {
-        return side.segment.isArc() ? endedAt(side, *best, endMoved) : lineEndedAt(side, *best, *best, endMoved);
+        return side.segment.isArc() ? endedAt(side, *best, endMoved)
+                                    : lineEndedAt(side, *best, *best, endMoved);
     };
     Corner corner;
     corner.first = ended(first, corner.firstEndsAtCorner);
@@ -238,10 +241,9 @@ int cornerAll(std::vector<PathSegment>& segments, bool closed, const CornerMaker
         if (before.isArc() || after.isArc()) {
             continue;
         }
-        const std::optional<Corner> corner =
-            make({before, before.start, false}, {after, after.end, false});
-        const bool fits = corner && corner->between && corner->firstEndsAtCorner && !corner->secondEndsAtCorner &&
-                          before.unboundedFraction(corner->first.end) >= 0.0 &&
+        const std::optional<Corner> corner = make({before, before.start, false}, {after, after.end, false});
+        const bool fits = corner && corner->between && corner->firstEndsAtCorner &&
+                          !corner->secondEndsAtCorner && before.unboundedFraction(corner->first.end) >= 0.0 &&
                           after.unboundedFraction(corner->second.start) <= 1.0;
         if (!fits) {
             ++refused;

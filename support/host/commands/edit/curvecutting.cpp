@@ -128,8 +128,9 @@ std::optional<OwnedCurves> withoutPartAround(const AcDbCurve& curve, double plac
         return std::nullopt;
     }
     std::sort(cuts.begin(), cuts.end());
-    cuts.erase(std::unique(cuts.begin(), cuts.end(), [&](double a, double b) { return isSame(a, b, *range); }),
-               cuts.end());
+    cuts.erase(
+        std::unique(cuts.begin(), cuts.end(), [&](double a, double b) { return isSame(a, b, *range); }),
+        cuts.end());
     if (range->closed) {
         // The seam is one place.
         if (cuts.size() > 1 && isSame(cuts.front(), range->start, *range) &&
@@ -252,7 +253,8 @@ bool setCurveLength(std::unique_ptr<AcDbCurve>& curve, bool atStart, double leng
     if (piece->isArc() && step >= twoPi - (piece->to - piece->from)) {
         return false;
     }
-    return curve->extend(atStart, piece->pointAt(atStart ? piece->from - step : piece->to + step)) == Acad::eOk;
+    return curve->extend(atStart, piece->pointAt(atStart ? piece->from - step : piece->to + step)) ==
+           Acad::eOk;
 }
 
 } // namespace host

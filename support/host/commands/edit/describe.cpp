@@ -34,7 +34,8 @@ void addCommon(const AcDbEntity& entity, Lines& lines) {
     lines.push_back(indent.substr(2) + kind + std::wstring(kind.size() < 12 ? 12 - kind.size() : 1, L' ') +
                     L"图层: \"" + recordName(entity.layerId()) + L"\"");
     const auto* owner = peek<AcDbBlockTableRecord>(entity.ownerId());
-    lines.push_back(indent + L"空间: " + (owner == nullptr || owner->isModelSpace() ? L"模型空间" : L"图纸空间"));
+    lines.push_back(indent + L"空间: " +
+                    (owner == nullptr || owner->isModelSpace() ? L"模型空间" : L"图纸空间"));
     if (!entity.entityColor().isByLayer()) {
         lines.push_back(indent + L"颜色: " + colorText(entity.colorIndex()));
     }
@@ -129,7 +130,8 @@ void addOther(const AcDbEntity& entity, Lines& lines) {
     const auto* curve = AcDbCurve::cast(&entity);
     AcGePoint3d start;
     AcGePoint3d end;
-    if (curve != nullptr && curve->getStartPoint(start) == Acad::eOk && curve->getEndPoint(end) == Acad::eOk) {
+    if (curve != nullptr && curve->getStartPoint(start) == Acad::eOk &&
+        curve->getEndPoint(end) == Acad::eOk) {
         lines.push_back(indent + L"起点  " + at(start));
         lines.push_back(indent + L"端点  " + at(end));
         if (const std::optional<double> length = curveLength(*curve)) {

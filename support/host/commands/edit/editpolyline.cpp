@@ -84,31 +84,32 @@ EditPolyline loadHeavy(const AcDb2dPolyline& heavy) {
     const auto width = [](double own, double standard) {
         return own == Vertex2dData::widthNotGiven ? standard : own;
     };
-    static_cast<const AcDbEntity&>(heavy).subentities()->forEach<AcDb2dVertex>([&](const AcDb2dVertex& entity) {
-        const Vertex2dData& data = entity.data();
-        const bool added = polyline.isSpline() ? (data.flags & Vertex2dData::splineControl) == 0
-                                               : (data.flags & Vertex2dData::curveFit) != 0;
-        if (added && polyline.isFitted()) {
-            // The segment to the joint ends with the joint's own.
-            if (!polyline.isSpline() && !polyline.vertices.empty()) {
-                polyline.vertices.back().widths.end = width(data.endWidth, heavy.defaultEndWidth());
+    static_cast<const AcDbEntity&>(heavy).subentities()->forEach<AcDb2dVertex>(
+        [&](const AcDb2dVertex& entity) {
+            const Vertex2dData& data = entity.data();
+            const bool added = polyline.isSpline() ? (data.flags & Vertex2dData::splineControl) == 0
+                                                   : (data.flags & Vertex2dData::curveFit) != 0;
+            if (added && polyline.isFitted()) {
+                // The segment to the joint ends with the joint's own.
+                if (!polyline.isSpline() && !polyline.vertices.empty()) {
+                    polyline.vertices.back().widths.end = width(data.endWidth, heavy.defaultEndWidth());
+                }
+                return;
             }
-            return;
-        }
-        EditVertex& vertex = polyline.vertices.emplace_back();
-        vertex.point = to2d(data.position);
-        vertex.bulge = polyline.isFitted() ? 0.0 : data.bulge;
-        vertex.widths = {width(data.startWidth, heavy.defaultStartWidth()),
-                         width(data.endWidth, heavy.defaultEndWidth())};
-        if ((data.flags & Vertex2dData::tangentUsed) != 0) {
-            vertex.tangent = data.tangent;
-        }
-    });
+            EditVertex& vertex = polyline.vertices.emplace_back();
+            vertex.point = to2d(data.position);
+            vertex.bulge = polyline.isFitted() ? 0.0 : data.bulge;
+            vertex.widths = {width(data.startWidth, heavy.defaultStartWidth()),
+                             width(data.endWidth, heavy.defaultEndWidth())};
+            if ((data.flags & Vertex2dData::tangentUsed) != 0) {
+                vertex.tangent = data.tangent;
+            }
+        });
     return polyline;
 }
 
-Vertex2dData vertexData(const AcGePoint2d& point, double elevation, double bulge,
-                        const SegmentWidths& widths, int flags) {
+Vertex2dData vertexData(const AcGePoint2d& point, double elevation, double bulge, const SegmentWidths& widths,
+                        int flags) {
     Vertex2dData data;
     data.position = to3d(point, elevation);
     data.bulge = bulge;
@@ -123,9 +124,8 @@ std::vector<Vertex2dData> heavyVertices(const EditPolyline& polyline, double ele
     std::vector<Vertex2dData> all;
     const auto addOwn = [&](int flags) {
         for (const EditVertex& vertex : polyline.vertices) {
-            Vertex2dData& data = all.emplace_back(
-                vertexData(vertex.point, elevation, polyline.isFitted() ? 0.0 : vertex.bulge, vertex.widths,
-                           flags));
+            Vertex2dData& data = all.emplace_back(vertexData(
+                vertex.point, elevation, polyline.isFitted() ? 0.0 : vertex.bulge, vertex.widths, flags));
             if (vertex.tangent) {
                 data.tangent = *vertex.tangent;
                 data.flags |= Vertex2dData::tangentUsed;
@@ -153,8 +153,9 @@ std::vector<Vertex2dData> heavyVertices(const EditPolyline& polyline, double ele
     } else if (polyline.fit == AcDb::k2dFitCurvePoly) {
         std::size_t own = 0;
         for (const FittedVertex& vertex : fitArcs(polyline)) {
-            Vertex2dData& data = all.emplace_back(vertexData(vertex.point, elevation, vertex.bulge, vertex.widths,
-                                                             vertex.isOwn ? 0 : Vertex2dData::curveFit));
+            Vertex2dData& data =
+                all.emplace_back(vertexData(vertex.point, elevation, vertex.bulge, vertex.widths,
+                                            vertex.isOwn ? 0 : Vertex2dData::curveFit));
             if (vertex.isOwn && polyline.vertices[own++].tangent) {
                 data.flags |= Vertex2dData::tangentUsed;
                 data.tangent = vertex.tangent;

@@ -1,4 +1,5 @@
-// A polyline as PEDIT works on it: its own vertices, apart from those that fitting adds, and how it is fitted.
+// A polyline as PEDIT works on it: its own vertices, apart from those that fitting adds, and how it is
+// fitted.
 #pragma once
 
 #include "host/db/db.h"
@@ -31,9 +32,7 @@ struct EditPolyline {
     WidePath path() const;
     void setPath(const WidePath& path);
     bool isFitted() const { return fit != AcDb::k2dSimplePoly; }
-    bool isSpline() const {
-        return fit == AcDb::k2dQuadSplinePoly || fit == AcDb::k2dCubicSplinePoly;
-    }
+    bool isSpline() const { return fit == AcDb::k2dQuadSplinePoly || fit == AcDb::k2dCubicSplinePoly; }
     void reverse();
     /// All widths.
     void setWidth(double width);

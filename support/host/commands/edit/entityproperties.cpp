@@ -20,8 +20,8 @@ bool visitKind(Entity& entity, Visit&& visit) {
 
 template <class Entity, class Visit>
 bool visitThick(Entity& entity, Visit&& visit) {
-    return visitKind<AcDbLine, AcDbCircle, AcDbArc, AcDbPolyline, AcDb2dPolyline, AcDbText, AcDbTrace, AcDbSolid,
-                     AcDbPoint>(entity, std::forward<Visit>(visit));
+    return visitKind<AcDbLine, AcDbCircle, AcDbArc, AcDbPolyline, AcDb2dPolyline, AcDbText, AcDbTrace,
+                     AcDbSolid, AcDbPoint>(entity, std::forward<Visit>(visit));
 }
 
 } // namespace
@@ -39,7 +39,8 @@ bool setThicknessOf(AcDbEntity& entity, double thickness) {
 std::optional<double> elevationOf(const AcDbEntity& entity) {
     AcDbExtents extents;
     if (entity.getGeomExtents(extents) != Acad::eOk ||
-        std::fabs(extents.maxPoint().z - extents.minPoint().z) > 1e-8 * (1.0 + std::fabs(extents.minPoint().z))) {
+        std::fabs(extents.maxPoint().z - extents.minPoint().z) >
+            1e-8 * (1.0 + std::fabs(extents.minPoint().z))) {
         return std::nullopt;
     }
     return extents.minPoint().z;

@@ -56,7 +56,8 @@ std::vector<std::unique_ptr<AcDbCurve>> parallelsTowards(const AcDbCurve& curve,
         const double toOther = std::min(toRight, toLeft);
         const double fromSource = distanceTo(curve, point);
         const bool onEmptySide = toOther > distance * (1.0 - 1e-9) && toOther > fromSource;
-        return onEmptySide ? std::vector<std::unique_ptr<AcDbCurve>>() : std::move(right.empty() ? left : right);
+        return onEmptySide ? std::vector<std::unique_ptr<AcDbCurve>>()
+                           : std::move(right.empty() ? left : right);
     }
     return std::move(toRight <= toLeft ? right : left);
 }

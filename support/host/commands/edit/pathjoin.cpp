@@ -16,7 +16,9 @@ class EndGrid {
 public:
     explicit EndGrid(double cell) : mCell(cell) {}
 
-    void add(End end, const AcGePoint2d& point) { mCells[keyOf(cellOf(point.x), cellOf(point.y))].push_back({end, point}); }
+    void add(End end, const AcGePoint2d& point) {
+        mCells[keyOf(cellOf(point.x), cellOf(point.y))].push_back({end, point});
+    }
     void remove(End end, const AcGePoint2d& point) {
         std::vector<Entry>& entries = mCells[keyOf(cellOf(point.x), cellOf(point.y))];
         std::erase_if(entries, [&](const Entry& entry) { return entry.end == end; });
@@ -76,7 +78,8 @@ std::optional<AcGePoint2d> meeting(const PathSegment& last, const PathSegment& f
     for (int i = 0; i < common.count; ++i) {
         const AcGePoint2d& point = common.points[static_cast<std::size_t>(i)];
         const double distance = std::max(point.distanceTo(last.end), point.distanceTo(first.start));
-        if (last.unboundedFraction(point) > 0.0 && first.unboundedFraction(point) < 1.0 && distance < nearest) {
+        if (last.unboundedFraction(point) > 0.0 && first.unboundedFraction(point) < 1.0 &&
+            distance < nearest) {
             nearest = distance;
             best = point;
         }
@@ -155,8 +158,8 @@ private:
 bool Joining::canClose(const Part& before, const Part& after) const {
     const WidePath& first = mPaths[before.path];
     const WidePath& second = mPaths[after.path];
-    const PathSegment last = before.turned ? first.path.segment(0).reversed()
-                                           : first.path.segment(first.path.segmentCount() - 1);
+    const PathSegment last =
+        before.turned ? first.path.segment(0).reversed() : first.path.segment(first.path.segmentCount() - 1);
     const PathSegment next = after.turned ? second.path.segment(second.path.segmentCount() - 1).reversed()
                                           : second.path.segment(0);
     return mOptions.type != JoinType::extend || !isGap(last.end, next.start) ||

@@ -29,9 +29,7 @@ std::vector<double> vertexTangents(const EditPolyline& polyline) {
     const std::vector<EditVertex>& vertices = polyline.vertices;
     const std::size_t count = vertices.size();
     std::vector<double> tangents(count);
-    const auto inner = [&](std::size_t i) {
-        return polyline.closed ? count > 2 : i > 0 && i + 1 < count;
-    };
+    const auto inner = [&](std::size_t i) { return polyline.closed ? count > 2 : i > 0 && i + 1 < count; };
     for (std::size_t i = 0; i < count; ++i) {
         if (vertices[i].tangent) {
             tangents[i] = *vertices[i].tangent;
@@ -131,8 +129,8 @@ std::vector<FittedVertex> fitArcs(const EditPolyline& polyline) {
     const auto segments = static_cast<std::size_t>(polyline.segmentCount());
     for (std::size_t i = 0; i < vertices.size(); ++i) {
         const EditVertex& from = vertices[i];
-        FittedVertex& own = fitted.emplace_back(
-            FittedVertex{from.point, 0.0, from.widths, tangents[i], true});
+        FittedVertex& own =
+            fitted.emplace_back(FittedVertex{from.point, 0.0, from.widths, tangents[i], true});
         const EditVertex& to = vertices[(i + 1) % vertices.size()];
         if (i >= segments || from.point.isEqualTo(to.point)) {
             continue;

@@ -42,21 +42,23 @@ bool isFixed(const AcDbSymbolTableRecord& record, const Kind& kind) {
     if (const auto* style = AcDbTextStyleTableRecord::cast(&record)) {
         return style->isShapeFile() != (std::wstring_view(kind.keyword) == L"SHapes");
     }
-    const bool standard = AcDbDimStyleTableRecord::cast(&record) != nullptr &&
-                          record.name().compareNoCase(L"Standard") == 0;
+    const bool standard =
+        AcDbDimStyleTableRecord::cast(&record) != nullptr && record.name().compareNoCase(L"Standard") == 0;
     const bool ownApplication =
         AcDbRegAppTableRecord::cast(&record) != nullptr && record.name().compareNoCase(L"ACAD") == 0;
     return standard || ownApplication;
 }
 
-void addRecords(const AcDbDatabase& database, const Kind& kind, const std::wstring& pattern, std::vector<PurgeCandidate>& candidates) {
+void addRecords(const AcDbDatabase& database, const Kind& kind, const std::wstring& pattern,
+                std::vector<PurgeCandidate>& candidates) {
     const auto* table = peek<AcDbSymbolTable>((database.*kind.table)());
     if (table == nullptr) {
         return;
     }
     for (AcDbStub* stub : table->records()) {
         const auto* record = peek<AcDbSymbolTableRecord>(stub);
-        if (record != nullptr && !isFixed(*record, kind) && wildcardMatch(record->name().kwszPtr(), pattern)) {
+        if (record != nullptr && !isFixed(*record, kind) &&
+            wildcardMatch(record->name().kwszPtr(), pattern)) {
             candidates.push_back({stub, record->name().kwszPtr(), kind.name});
         }
     }
@@ -69,10 +71,11 @@ bool isStandardEntry(const AcDbDatabase& database, std::wstring_view name) {
             return true;
         }
     }
-    return std::any_of(database.impl().header.begin(), database.impl().header.end(), [&](const HeaderValue& value) {
-        const auto* text = std::get_if<AcString>(&value);
-        return text != nullptr && equalNoCase(name, text->view());
-    });
+    return std::any_of(database.impl().header.begin(), database.impl().header.end(),
+                       [&](const HeaderValue& value) {
+                           const auto* text = std::get_if<AcString>(&value);
+                           return text != nullptr && equalNoCase(name, text->view());
+                       });
 }
 
 /// A group that holds nothing any more.
@@ -81,12 +84,12 @@ bool isEmptyGroup(AcDbObjectId id) {
     IdCollector collector(AcDb::kPurgeFiler);
     const ReadAccess access(*group);
     group->dwgOutFields(&collector);
-    return std::none_of(collector.references.begin(), collector.references.end(), [](const auto& reference) {
-        return peek<AcDbEntity>(reference.id) != nullptr;
-    });
+    return std::none_of(collector.references.begin(), collector.references.end(),
+                        [](const auto& reference) { return peek<AcDbEntity>(reference.id) != nullptr; });
 }
 
-void addEntries(const AcDbDatabase& database, const Kind& kind, const std::wstring& pattern, std::vector<PurgeCandidate>& candidates) {
+void addEntries(const AcDbDatabase& database, const Kind& kind, const std::wstring& pattern,
+                std::vector<PurgeCandidate>& candidates) {
     const auto* root = peek<AcDbDictionary>(database.namedObjectsDictionaryId());
     AcDbObjectId id;
     const auto* dictionary =

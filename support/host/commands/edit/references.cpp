@@ -79,9 +79,9 @@ void ReferenceCounts::addHeader(AcDbDatabase& database) {
         }
     }
     const DatabaseImpl::Containers& containers = database.impl().containers;
-    for (const AcDbObjectId id : {containers.layerZero, containers.continuous, containers.byLayer,
-                                  containers.byBlock, containers.standardTextStyle, containers.modelSpace,
-                                  containers.paperSpace}) {
+    for (const AcDbObjectId id :
+         {containers.layerZero, containers.continuous, containers.byLayer, containers.byBlock,
+          containers.standardTextStyle, containers.modelSpace, containers.paperSpace}) {
         mCurrent.insert(id.stub());
     }
 }
@@ -91,12 +91,10 @@ bool ReferenceCounts::isNamed(AcDbObjectId id) const {
     if (record == nullptr) {
         return false;
     }
-    const std::pair<const AcRxClass*, int> kinds[] = {{AcDbBlockTableRecord::desc(), 2},
-                                                      {AcDbDimStyleTableRecord::desc(), 3},
-                                                      {AcDbLinetypeTableRecord::desc(), 6},
-                                                      {AcDbTextStyleTableRecord::desc(), 7},
-                                                      {AcDbRegAppTableRecord::desc(), 1001},
-                                                      {AcDbLayerTableRecord::desc(), 1003}};
+    const std::pair<const AcRxClass*, int> kinds[] = {
+        {AcDbBlockTableRecord::desc(), 2},     {AcDbDimStyleTableRecord::desc(), 3},
+        {AcDbLinetypeTableRecord::desc(), 6},  {AcDbTextStyleTableRecord::desc(), 7},
+        {AcDbRegAppTableRecord::desc(), 1001}, {AcDbLayerTableRecord::desc(), 1003}};
     for (const auto& [kind, code] : kinds) {
         if (record->isKindOf(kind)) {
             return mNames.count({code, fold(record->name().kwszPtr())}) > 0;
@@ -122,7 +120,8 @@ void ReferenceCounts::remove(AcDbObjectId id) {
         object->dwgOutFields(&owned);
     }
     for (const IdCollector::Reference& reference : owned.references) {
-        if (reference.kind == ReferenceKind::hardOwnership || reference.kind == ReferenceKind::softOwnership) {
+        if (reference.kind == ReferenceKind::hardOwnership ||
+            reference.kind == ReferenceKind::softOwnership) {
             remove(reference.id);
         }
     }
