@@ -188,10 +188,11 @@ void Cutting::forEachEdge(const AcDbCurve& curve, bool everywhere, Visit&& visit
     AcDbExtents extents;
     Box2d box{{-1e300, -1e300}, {1e300, 1e300}};
     if (!everywhere && curve.getGeomExtents(extents) == Acad::eOk) {
-        box = {{extents.minPoint().x, extents.minPoint().y}, {extents.maxPoint().x, extents.maxPoint().y}};
+        box = {to2d(extents.minPoint()), to2d(extents.maxPoint())};
     }
     for (const Placed& placed : spatialQuery().overlapping(currentDatabase().currentSpaceId(), box)) {
-        if (auto* edge = peek<AcDbEntity>(AcDbObjectId(placed.stub)); edge != nullptr && isSelectable(*edge)) {
+        auto* edge = peek<AcDbEntity>(AcDbObjectId(placed.stub));
+        if (edge != nullptr && isSelectable(*edge)) {
             one(*edge);
         }
     }
