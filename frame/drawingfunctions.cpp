@@ -99,6 +99,11 @@ AcDbObjectIdArray EntitiesOf(CLispArguments& arguments) {
     return ids;
 }
 
+bool IsClosedCurve(AcDbObjectId id) {
+    const CArxObjTemplate<AcDbCurve> curve(id, false);
+    return !curve.IsNull() && curve->isClosed();
+}
+
 int ReturnEntity(AcDbObjectId id) {
     ads_name name;
     return acdbGetAdsName(name, id) == Acad::eOk ? acedRetName(name, RTENAME) : acedRetNil();
@@ -269,4 +274,38 @@ int MakeGroup() {
         return acedRetNil();
     }
     return ReturnEntity(id);
+}
+
+int MakeHatch() {
+    CLispArguments arguments;
+    const AcDbObjectIdArray boundaries = EntitiesOf(arguments);
+    const ACHAR* pattern = arguments.Text();
+    const double scale = arguments.Number().value_or(1.0);
+    const double angle = arguments.Number().value_or(0.0);
+    if (boundaries.isEmpty() || pattern == nullptr || !arguments.AtEnd() || scale <= 0.0) {
+        return TellUsage(L"(dhatch 边界 图案 [比例 [角度]])");
+    }
+    CArxObjTemplate<AcDbHatch> hatch;
+    hatch.New();
+    hatch->setDatabaseDefaults(WorkingDatabase());
+    hatch->setPatternScale(scale);
+    hatch->setPatternAngle(angle);
+    if (hatch->setPattern(AcDbHatch::kPreDefined, pattern) != Acad::eOk) {
+        acutPrintf(L"\n没有填充图案 %s。", pattern);
+        return acedRetNil();
+    }
+    hatch->setAssociative(true);
+    for (int index = 0; index < boundaries.length(); ++index) {
+        AcDbObjectIdArray loop;
+        loop.append(boundaries[index]);
+        if (!IsClosedCurve(boundaries[index]) || hatch->appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk) {
+            acutPrintf(L"\n边界没有闭合。");
+            return acedRetNil();
+        }
+    }
+    if (hatch->evaluateHatch() != Acad::eOk || AppendEnt(hatch) != Acad::eOk) {
+        acutPrintf(L"\n填充太密或边界无效。");
+        return acedRetNil();
+    }
+    return ReturnEntity(hatch->objectId());
 }
