@@ -104,6 +104,25 @@ bool IsClosedCurve(AcDbObjectId id) {
     return !curve.IsNull() && curve->isClosed();
 }
 
+/// Null, or what is wrong.
+const ACHAR* FillHatch(AcDbHatch& hatch, const AcDbObjectIdArray& boundaries, const ACHAR* pattern,
+                       double scale, double angle) {
+    hatch.setPatternScale(scale);
+    hatch.setPatternAngle(angle);
+    if (hatch.setPattern(AcDbHatch::kPreDefined, pattern) != Acad::eOk) {
+        return L"没有这个填充图案。";
+    }
+    hatch.setAssociative(true);
+    for (int index = 0; index < boundaries.length(); ++index) {
+        AcDbObjectIdArray loop;
+        loop.append(boundaries[index]);
+        if (!IsClosedCurve(boundaries[index]) || hatch.appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk) {
+            return L"边界没有闭合。";
+        }
+    }
+    return hatch.evaluateHatch() == Acad::eOk ? nullptr : L"填充太密。";
+}
+
 int ReturnEntity(AcDbObjectId id) {
     ads_name name;
     return acdbGetAdsName(name, id) == Acad::eOk ? acedRetName(name, RTENAME) : acedRetNil();
@@ -288,23 +307,13 @@ int MakeHatch() {
     CArxObjTemplate<AcDbHatch> hatch;
     hatch.New();
     hatch->setDatabaseDefaults(WorkingDatabase());
-    hatch->setPatternScale(scale);
-    hatch->setPatternAngle(angle);
-    if (hatch->setPattern(AcDbHatch::kPreDefined, pattern) != Acad::eOk) {
-        acutPrintf(L"\n没有填充图案 %s。", pattern);
+    if (AppendEnt(hatch) != Acad::eOk) {
         return acedRetNil();
     }
-    hatch->setAssociative(true);
-    for (int index = 0; index < boundaries.length(); ++index) {
-        AcDbObjectIdArray loop;
-        loop.append(boundaries[index]);
-        if (!IsClosedCurve(boundaries[index]) || hatch->appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk) {
-            acutPrintf(L"\n边界没有闭合。");
-            return acedRetNil();
-        }
-    }
-    if (hatch->evaluateHatch() != Acad::eOk || AppendEnt(hatch) != Acad::eOk) {
-        acutPrintf(L"\n填充太密或边界无效。");
+    // In the drawing first: its units choose among the pattern files, and its objects are the boundary.
+    if (const ACHAR* fault = FillHatch(*hatch, boundaries, pattern, scale, angle)) {
+        hatch->erase();
+        acutPrintf(L"\n%s", fault);
         return acedRetNil();
     }
     return ReturnEntity(hatch->objectId());
