@@ -99,6 +99,30 @@ AcDbObjectIdArray EntitiesOf(CLispArguments& arguments) {
     return ids;
 }
 
+bool IsClosedCurve(AcDbObjectId id) {
+    const CArxObjTemplate<AcDbCurve> curve(id, false);
+    return !curve.IsNull() && curve->isClosed();
+}
+
+/// Null, or what is wrong.
+const ACHAR* FillHatch(AcDbHatch& hatch, const AcDbObjectIdArray& boundaries, const ACHAR* pattern,
+                       double scale, double angle) {
+    hatch.setPatternScale(scale);
+    hatch.setPatternAngle(angle);
+    if (hatch.setPattern(AcDbHatch::kPreDefined, pattern) != Acad::eOk) {
+        return L"没有这个填充图案。";
+    }
+    hatch.setAssociative(true);
+    for (int index = 0; index < boundaries.length(); ++index) {
+        AcDbObjectIdArray loop;
+        loop.append(boundaries[index]);
+        if (!IsClosedCurve(boundaries[index]) || hatch.appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk) {
+            return L"边界没有闭合。";
+        }
+    }
+    return hatch.evaluateHatch() == Acad::eOk ? nullptr : L"填充太密。";
+}
+
 int ReturnEntity(AcDbObjectId id) {
     ads_name name;
     return acdbGetAdsName(name, id) == Acad::eOk ? acedRetName(name, RTENAME) : acedRetNil();
@@ -269,4 +293,28 @@ int MakeGroup() {
         return acedRetNil();
     }
     return ReturnEntity(id);
+}
+
+int MakeHatch() {
+    CLispArguments arguments;
+    const AcDbObjectIdArray boundaries = EntitiesOf(arguments);
+    const ACHAR* pattern = arguments.Text();
+    const double scale = arguments.Number().value_or(1.0);
+    const double angle = arguments.Number().value_or(0.0);
+    if (boundaries.isEmpty() || pattern == nullptr || !arguments.AtEnd() || scale <= 0.0) {
+        return TellUsage(L"(dhatch 边界 图案 [比例 [角度]])");
+    }
+    CArxObjTemplate<AcDbHatch> hatch;
+    hatch.New();
+    hatch->setDatabaseDefaults(WorkingDatabase());
+    if (AppendEnt(hatch) != Acad::eOk) {
+        return acedRetNil();
+    }
+    // In the drawing first: its units choose among the pattern files, and its objects are the boundary.
+    if (const ACHAR* fault = FillHatch(*hatch, boundaries, pattern, scale, angle)) {
+        hatch->erase();
+        acutPrintf(L"\n%s", fault);
+        return acedRetNil();
+    }
+    return ReturnEntity(hatch->objectId());
 }

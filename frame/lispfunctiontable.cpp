@@ -38,7 +38,7 @@ constexpr LispFunctionRow functions[] = {
     {L"_fid", FindByHandle, false},
     {L"_midp", MidPoint, false},
     {L"_getsp", CurveStartPoint, false},
-    {L"dhatch", notProvided, false},
+    {L"dhatch", MakeHatch, false},
     {L"rad2ang", RadiansToDegrees, false},
     {L"ang2rad", DegreesToRadians, false},
     {L"_setsh", SetTextStyle, false},

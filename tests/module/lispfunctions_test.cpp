@@ -38,6 +38,17 @@ TEST_F(LispFunctionsTest, PointsOfEntities) {
     }
 }
 
+TEST_F(LispFunctionsTest, HatchesInsideOfBoundaries) {
+    type("(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 10.0)))\n(setq c (entlast) s (ssadd c))\n"
+         "(entmake '((0 . \"CIRCLE\") (10 0 0 0) (40 . 4.0)))\n(ssadd (entlast) s)\n"
+         "(entmake '((0 . \"LINE\") (10 0 50 0) (11 5 50 0)))\n(setq l (entlast))\n");
+    EXPECT_EQ(value("(mapcar '(lambda (c) (cdr (assoc c (entget (dhatch s \"ansi31\" 0.5))))) '(0 2 91 41))"),
+              "(HATCH ANSI31 2 0.5)");
+    EXPECT_EQ(value("(cdr (assoc 70 (entget (dhatch c \"SOLID\"))))"), "1");
+    EXPECT_EQ(value("(list (dhatch l \"SOLID\") (dhatch c \"无此图案\"))"), "(nil nil)");
+    EXPECT_EQ(value("(sslength (ssget \"X\" '((0 . \"HATCH\"))))"), "2");
+}
+
 TEST_F(LispFunctionsTest, TextsAndStyles) {
     EXPECT_EQ(value("(_strchg \"塔1-塔2\" \"塔\" \"杆塔\")"), "杆塔1-杆塔2");
     EXPECT_EQ(
