@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <charconv>
 #include <concepts>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,7 +13,7 @@ namespace host {
 class TextBuffer {
 public:
     TextBuffer& operator<<(std::string_view text) {
-        std::memcpy(room(text.size()), text.data(), text.size());
+        std::ranges::copy(text, room(text.size()));
         mSize += text.size();
         return *this;
     }
