@@ -173,6 +173,7 @@ TEST(DxfReleases, objectsThatCannotBeHeldGoWithWhatNamesThem) {
     }
     EXPECT_NE(again.at(0x92), nullptr);
     EXPECT_FALSE(r2010.has({{3, "STYLE"}}));
+    EXPECT_EQ(difference(Saved(again, release(AcDb::kDHL_1024)).bytes, r2010.bytes), "");
     EXPECT_TRUE(r2010.has({{3, "NOTE"}, {350, "92"}}));
     EXPECT_TRUE(r2010.has({{100, "AcDbXrecord"}, {280, "1"}, {340, "0"}, {1, "x"}}));
     EXPECT_TRUE(r2010.has({{9, "$INTERFEREOBJVS"}, {345, "0"}}));

@@ -29,12 +29,13 @@ DatabaseImpl::FileClass listedAs(const KnownClass& known) {
 
 } // namespace
 
-ClassList::ClassList(const AcDbDatabase& database) : mClasses(database.impl().classes) {
+ClassList::ClassList(const AcDbDatabase& database, const Chosen& isWritten)
+    : mClasses(database.impl().classes) {
     for (DatabaseImpl::FileClass& listed : mClasses) {
         listed.instances = 0;
     }
-    database.impl().forEachStub([this](AcDbStub& stub) {
-        if (stub.object == nullptr || stub.erased) {
+    database.impl().forEachStub([&](AcDbStub& stub) {
+        if (stub.object == nullptr || stub.erased || !isWritten(*stub.object)) {
             return;
         }
         if (const int index = indexFor(*stub.object); index != none) {

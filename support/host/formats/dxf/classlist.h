@@ -4,6 +4,7 @@
 
 #include "host/db/db.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <unordered_map>
@@ -13,8 +14,9 @@ namespace host::dxf {
 
 class ClassList {
 public:
-    /// Looks at every object once.
-    explicit ClassList(const AcDbDatabase& database);
+    using Chosen = std::function<bool(const AcDbObject&)>;
+    /// Looks at every object once; counts those that are written.
+    ClassList(const AcDbDatabase& database, const Chosen& isWritten);
 
     const std::vector<DatabaseImpl::FileClass>& classes() const { return mClasses; }
     /// The number by which group 91 of a proxy names the class of the object.

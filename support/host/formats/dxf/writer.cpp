@@ -42,7 +42,7 @@ void forEachBlock(const AcDbDatabase& database, Visit&& visit) {
 Writer::Writer(AcDbDatabase& database, GroupWriter& out, VersionFilter* filter)
     : mDatabase(database), mImpl(database.impl()), mFilter(filter),
       mOut(filter != nullptr ? static_cast<GroupWriter&>(*filter) : out), mVersion(out.version()),
-      mClasses(database) {}
+      mClasses(database, [this](const AcDbObject& object) { return !leavesOut(object); }) {}
 
 void Writer::write() {
     completeBlocks();
