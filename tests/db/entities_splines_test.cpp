@@ -267,8 +267,8 @@ TEST_F(SplineTest, CrossingsLieOnBothCurvesAndNoneIsMissed) {
         const auto chords = [](const AcDbCurve& curve) {
             std::vector<AcGePoint3d> result;
             const Range range(curve);
-            for (int k = 0; k <= 400; ++k) {
-                result.push_back(pointOf(curve, range.at(k / 400.0)));
+            for (int k = 0; k <= 200; ++k) {
+                result.push_back(pointOf(curve, range.at(k / 200.0)));
             }
             return result;
         };
@@ -318,7 +318,7 @@ TEST_F(SplineTest, CrossingTable) {
         {"construction line and ellipse", xline, ellipse, AcDb::kOnBothOperands, 2},
         {"construction line and ray beside it", xline, ray, AcDb::kOnBothOperands, 0},
         {"an ellipse and itself", ellipse, ellipse, AcDb::kOnBothOperands, 0},
-        {"a spline and itself: ends of its pieces", wave, wave, AcDb::kOnBothOperands, 2},
+        {"a spline and itself: the common ends of its pieces", wave, wave, AcDb::kOnBothOperands, 2},
         {"beyond the spline's end", shorter, wave, AcDb::kOnBothOperands, 0},
         {"on the spline's tangent", shorter, wave, AcDb::kExtendBoth, 1},
         {"over the spline", above, wave, AcDb::kOnBothOperands, 0},

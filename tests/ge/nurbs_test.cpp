@@ -259,16 +259,17 @@ TEST(NurbCurve, CrossingsOfBezierCurves) {
         const BezierCurve a = bezierSpans(randomCurve(random, 3, i % 2 == 0, true)).front().curve;
         const BezierCurve b = bezierSpans(randomCurve(random, 2 + i % 2, false, true)).front().curve;
         std::size_t crossings = 0;
-        constexpr int count = 300;
-        for (int k = 0; k < count; ++k)
-            for (int l = 0; l < count; ++l) {
-                const AcGePoint3d p = a.pointAt(k / 300.0), q = b.pointAt(l / 300.0);
-                if (p.distanceTo(q) > 0.5)
-                    continue;
-                const AcGeVector3d u = a.pointAt((k + 1) / 300.0) - p, v = b.pointAt((l + 1) / 300.0) - q;
+        constexpr int count = 150;
+        std::vector<AcGePoint3d> ofA, ofB;
+        for (int k = 0; k <= count; ++k) {
+            ofA.push_back(a.pointAt(static_cast<double>(k) / count));
+            ofB.push_back(b.pointAt(static_cast<double>(k) / count));
+        }
+        for (std::size_t k = 0; k < count; ++k)
+            for (std::size_t l = 0; l < count; ++l) {
+                const AcGeVector3d u = ofA[k + 1] - ofA[k], v = ofB[l + 1] - ofB[l], gap = ofB[l] - ofA[k];
                 const double det = u.x * v.y - u.y * v.x;
-                const double s = ((q.x - p.x) * v.y - (q.y - p.y) * v.x) / det;
-                const double t = ((q.x - p.x) * u.y - (q.y - p.y) * u.x) / det;
+                const double s = (gap.x * v.y - gap.y * v.x) / det, t = (gap.x * u.y - gap.y * u.x) / det;
                 crossings += s >= 0 && s < 1 && t >= 0 && t < 1;
             }
         const auto hits = host::intersectBeziers(a, b, 1e-9);

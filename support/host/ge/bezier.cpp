@@ -237,36 +237,7 @@ public:
     BezierMeeting(const BezierCurve& first, const BezierCurve& second, double tolerance)
         : m_first(first), m_second(second), m_tolerance(tolerance) {}
 
-    struct Part {
-        BezierCurve curve;
-        double low, high;
-        AcGeBoundBlock3d box;
-        double middle() const { return 0.5 * (low + high); }
-    };
-    Part partOf(BezierCurve curve, double low, double high) const {
-        AcGeBoundBlock3d box = curve.hull();
-        box.swell(m_tolerance);
-        return {std::move(curve), low, high, box};
-    }
-
-    void search(const Part& a, const Part& b, int depth) {
-        if (a.box.isDisjoint(b.box) || m_visits++ > mostVisits)
-            return;
-        const bool aIsStraight = isStraight(a.curve), bIsStraight = isStraight(b.curve);
-        if (depth >= deepest || (aIsStraight && bIsStraight && crossFairly(a.middle(), b.middle()))) {
-            refine(a.middle(), b.middle());
-            return;
-        }
-        const auto halves = [&](const Part& part) {
-            std::pair<BezierCurve, BezierCurve> both = part.curve.split(0.5);
-            return std::array{partOf(std::move(both.first), part.low, part.middle()),
-                              partOf(std::move(both.second), part.middle(), part.high)};
-        };
-        const std::array ofA = halves(a), ofB = halves(b);
-        for (const Part& partOfA : ofA)
-            for (const Part& partOfB : ofB)
-                search(partOfA, partOfB, depth + 1);
-    }
+    void search() { search(Part(m_first), Part(m_second), 0); }
 
     void consider(double s, double t) {
         const AcGePoint3d p = m_first.pointAt(s);
@@ -287,14 +258,58 @@ private:
     static constexpr int deepest = 26;
     static constexpr int mostVisits = 60'000; // only curves that share a stretch come so far
 
-    static bool isStraight(const BezierCurve& curve) {
-        const auto& points = curve.points();
-        double bend = 0.0;
-        for (std::size_t i = 0; i + 2 < points.size(); ++i) {
-            const AcGePoint3d a = points[i].point(), b = points[i + 1].point(), c = points[i + 2].point();
-            bend = std::max(bend, ((c - b) - (b - a)).length());
+    // A part of a curve by its own control points.
+    struct Part {
+        Row points;
+        int degree = 0;
+        double low = 0.0, high = 1.0;
+
+        Part() = default;
+        explicit Part(const BezierCurve& curve) : degree(curve.degree()) {
+            std::copy(curve.points().begin(), curve.points().end(), points.begin());
         }
-        return bend <= 0.02 * points.front().point().distanceTo(points.back().point()) / curve.degree();
+        const WeightedPoint& at(int i) const { return points[static_cast<std::size_t>(i)]; }
+        double middle() const { return 0.5 * (low + high); }
+        std::array<Part, 2> halves() const {
+            std::array<Part, 2> parts{*this, *this};
+            Row& d = parts[0].points;
+            for (int level = 0; level <= degree; ++level) {
+                const auto last = static_cast<std::size_t>(degree);
+                parts[1].points[last - static_cast<std::size_t>(level)] = d[last];
+                for (std::size_t i = last; i > static_cast<std::size_t>(level); --i)
+                    d[i] = (d[i - 1] + d[i]) * 0.5;
+            }
+            parts[0].high = parts[1].low = middle();
+            return parts;
+        }
+        AcGeBoundBlock3d box(double margin) const {
+            AcGeBoundBlock3d block;
+            for (int i = 0; i <= degree; ++i)
+                block.extend(at(i).point());
+            block.swell(margin);
+            return block;
+        }
+        bool isStraight() const {
+            double bend = 0.0;
+            for (int i = 0; i + 2 <= degree; ++i) {
+                const AcGePoint3d a = at(i).point(), b = at(i + 1).point(), c = at(i + 2).point();
+                bend = std::max(bend, ((c - b) - (b - a)).length());
+            }
+            return bend <= 0.02 * at(0).point().distanceTo(at(degree).point()) / degree;
+        }
+    };
+
+    void search(const Part& a, const Part& b, int depth) {
+        if (a.box(m_tolerance).isDisjoint(b.box(m_tolerance)) || m_visits++ > mostVisits)
+            return;
+        if (depth >= deepest || (a.isStraight() && b.isStraight() && crossFairly(a.middle(), b.middle()))) {
+            refine(a.middle(), b.middle());
+            return;
+        }
+        const std::array<Part, 2> ofA = a.halves(), ofB = b.halves();
+        for (const Part& partOfA : ofA)
+            for (const Part& partOfB : ofB)
+                search(partOfA, partOfB, depth + 1);
     }
 
     bool crossFairly(double s, double t) const {
@@ -341,7 +356,7 @@ private:
 std::vector<std::pair<double, double>> intersectBeziers(const BezierCurve& first, const BezierCurve& second,
                                                         double tolerance) {
     BezierMeeting meeting(first, second, tolerance);
-    meeting.search(meeting.partOf(first, 0.0, 1.0), meeting.partOf(second, 0.0, 1.0), 0);
+    meeting.search();
     for (const double end : {0.0, 1.0}) {
         meeting.consider(end, second.closestParameter(first.pointAt(end)));
         meeting.consider(first.closestParameter(second.pointAt(end)), end);
