@@ -13,4 +13,4 @@ int SelectWithPrompt(); ///< ssgetex
 int DragSelection();    ///< dodrag
 int EditPolylines();    ///< c:mpedit
 int MakeGroup();        ///< mkngroup
-int MakeHatch();          ///< dhatch
+int MakeHatch();        ///< dhatch
