@@ -160,14 +160,17 @@ private:
             for (int k = 0; k < samples; ++k)
                 grid.push_back(breaks[i] + (breaks[i + 1] - breaks[i]) * k / samples);
         grid.push_back(high);
-        std::optional<double> begin;
+        double begin = low;
+        bool isRunning = false;
         for (std::size_t i = 0; i < grid.size(); ++i) {
             const bool isOpen = isFree(track, grid[i]);
-            if (isOpen && !begin)
+            if (isOpen && !isRunning) {
                 begin = i == 0 ? low : border(track, grid[i], grid[i - 1]);
-            if (begin && (!isOpen || i + 1 == grid.size())) {
-                addRun(track, *begin, isOpen ? grid[i] : border(track, grid[i - 1], grid[i]), grid);
-                begin.reset();
+                isRunning = true;
+            }
+            if (isRunning && (!isOpen || i + 1 == grid.size())) {
+                addRun(track, begin, isOpen ? grid[i] : border(track, grid[i - 1], grid[i]), grid);
+                isRunning = false;
             }
         }
     }
