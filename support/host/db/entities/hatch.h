@@ -179,4 +179,5 @@ private:
 
     host::HatchData m;
     std::vector<host::HatchLine> mLines; ///< of the last evaluation
+    bool mHasBoundary = false;           ///< a file that is being read told of one
 };

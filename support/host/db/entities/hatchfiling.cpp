@@ -324,6 +324,7 @@ void writeLoop(AcDbDxfFiler* filer, const HatchLoop& loop) {
 Acad::ErrorStatus AcDbHatch::dxfInFields(AcDbDxfFiler* filer) {
     assertWriteEnabled();
     m = {};
+    mHasBoundary = false;
     changed();
     const Acad::ErrorStatus status = AcDbEntity::dxfInFields(filer);
     return status == Acad::eOk ? readDxfGroups(filer) : status;
@@ -385,6 +386,7 @@ bool AcDbHatch::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, s
         m.associative = group.boolean();
         return true;
     case 91:
+        mHasBoundary = true;
         if (!host::LoopReader(*filer, m.loops).read(group.int32())) {
             filer->setFilerStatus(Acad::eInvalidInput);
         }
@@ -419,6 +421,9 @@ bool AcDbHatch::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, s
 }
 
 Acad::ErrorStatus AcDbHatch::dxfGroupsRead(AcDbDxfFiler*) {
+    if (!mHasBoundary) {
+        return Acad::eInvalidInput;
+    }
     // Whatever number there is has to be one; the filing knows where they are.
     host::MemoryDwgFiler filer(AcDb::kFileFiler);
     host::writeFields(&filer, m);
