@@ -188,9 +188,9 @@ TEST_F(KindTest, AttributesOfSeveralLinesAreKeptWhole) {
     EXPECT_FALSE(attribute.isMirroredInX());
     EXPECT_TRUE(attribute.lockPositionInBlock());
     const std::vector<std::string> groups = groupsOf(attribute);
-    const std::vector<std::string> tail(groups.end() - 5, groups.end());
-    EXPECT_EQ(tail,
-              (std::vector<std::string>{"71=2", "72=0", "101=Embedded Object", "10=1,2,0", "1=one\\Ptwo"}));
+    const std::vector<std::string> tail(groups.end() - 7, groups.end());
+    EXPECT_EQ(tail, (std::vector<std::string>{"71=2", "72=0", "101=Embedded Object", "10=1,0,0", "20=2",
+                                              "30=0", "1=one\\Ptwo"}));
 }
 
 // Texts.
