@@ -370,7 +370,8 @@ Acad::ErrorStatus AcDbDatabase::updateExt(bool) {
 }
 
 void AcDbDatabase::keepExtents() {
-    if (mImpl->mExtentsAt != mImpl->places.generation()) {
+    // A file may have none.
+    if (mImpl->mExtentsAt != mImpl->places.generation() || extmin().x > extmax().x) {
         updateExt();
     }
 }
