@@ -267,8 +267,8 @@ TEST_F(SplineTest, CrossingsLieOnBothCurvesAndNoneIsMissed) {
         const auto chords = [](const AcDbCurve& curve) {
             std::vector<AcGePoint3d> result;
             const Range range(curve);
-            for (int k = 0; k <= 200; ++k) {
-                result.push_back(pointOf(curve, range.at(k / 200.0)));
+            for (int k = 0; k <= 400; ++k) {
+                result.push_back(pointOf(curve, range.at(k / 400.0)));
             }
             return result;
         };
