@@ -46,7 +46,4 @@ std::span<const CommandRow> offsetCommands();
 std::span<const CommandRow> peditCommands();
 std::span<const CommandRow> propertyCommands();
 
-/// Every system variable whose name is no command's; after all families.
-void addVariablesAsCommands();
-
 } // namespace host

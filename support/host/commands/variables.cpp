@@ -83,15 +83,6 @@ void runSetvar() {
     changeVariable(name);
 }
 
-/// A variable typed as a command: asks for its new value.
-void runVariable() {
-    std::wstring name = systemVariableText(L"CMDNAMES");
-    if (const std::size_t inner = name.rfind(L'\''); inner != std::wstring::npos) {
-        name.erase(0, inner + 1);
-    }
-    changeVariable(name);
-}
-
 constexpr CommandRow rows[] = {{L"SETVAR", L"设置变量", ACRX_CMD_TRANSPARENT, runSetvar}};
 
 } // namespace
@@ -99,15 +90,6 @@ constexpr CommandRow rows[] = {{L"SETVAR", L"设置变量", ACRX_CMD_TRANSPARENT
 std::span<const CommandRow> variableCommands() {
     variableCommand() = changeVariable;
     return rows;
-}
-
-void addVariablesAsCommands() {
-    for (const std::wstring& name : systemVariableNames()) {
-        if (acedCommandStack()->lookupGlobalCmd(name.c_str()) == nullptr) {
-            acedCommandStack()->addCommand(ACED_HOST_GROUP, name.c_str(), name.c_str(), ACRX_CMD_TRANSPARENT,
-                                           runVariable);
-        }
-    }
 }
 
 } // namespace host
