@@ -56,7 +56,7 @@ resbuf* MakeGroup(int code, const resbuf* const (&items)[3], int count) {
     switch (KindOfGroup(code)) {
     case GroupKind::text:
         return count == 1 && items[0]->restype == RTSTR
-                   ? acutBuildList(code, items[0]->resval.rstring, RTNONE)
+                   ? acutBuildList(code == 0 ? RTDXF0 : code, items[0]->resval.rstring, RTNONE)
                    : nullptr;
     case GroupKind::real:
         return count == 1 && number ? acutBuildList(code, *number, RTNONE) : nullptr;

@@ -63,6 +63,7 @@ TEST_F(DrawingCommands, PurgeAsksForEachAndKeepsCurrentAndNamedOnes) {
     EXPECT_FALSE(hasRecord(database().layerTableId(), L"A2"));
     EXPECT_TRUE(hasRecord(database().layerTableId(), L"A3"));
     // Extended data name a layer, and their application.
+    run("-LAYER S\n0\n\n");
     addLine(0, 0, 1, 1);
     acdbRegApp(L"QDVTEST");
     acdbRegApp(L"QDVFREE");
@@ -72,7 +73,7 @@ TEST_F(DrawingCommands, PurgeAsksForEachAndKeepsCurrentAndNamedOnes) {
         line->setXData(data);
         acutRelRb(data);
     }
-    run("-LAYER S\n0\n\n-PURGE A\n*\nN\n");
+    run("-PURGE A\n*\nN\n");
     EXPECT_TRUE(hasRecord(database().layerTableId(), L"A1"));
     EXPECT_FALSE(hasRecord(database().layerTableId(), L"A3"));
     EXPECT_TRUE(hasRecord(database().regAppTableId(), L"QDVTEST"));

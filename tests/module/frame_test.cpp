@@ -55,7 +55,7 @@ TEST_F(FrameTest, WhatIsNotProvidedSaysSo) {
                 << host::toUtf8(told);
         }
     }
-    EXPECT_NE(type("JQX\n").find(L"命令 jqx 尚未提供。"), std::wstring::npos);
+    EXPECT_NE(type("V7_HLGX\n").find(L"命令 V7_HLGX 尚未提供。"), std::wstring::npos);
     EXPECT_NE(type("(KRB_NetLoad)\n").find(L"函数 KRB_NetLoad 尚未提供。"), std::wstring::npos);
 }
 

@@ -20,8 +20,11 @@ protected:
         acdbEntLast(last);
         AcDbObjectId id;
         acdbGetObjectId(id, last);
-        const CArxObjTemplate<AcDbLine> line(id, false);
-        return line ? line->startPoint() : AcGePoint3d(99, 99, 99);
+        CArxObjTemplate<AcDbLine> line(id, false);
+        const AcGePoint3d start = line ? line->startPoint() : AcGePoint3d(99, 99, 99);
+        line.Close();
+        type("U\n");
+        return start;
     }
 };
 

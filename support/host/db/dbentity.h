@@ -39,7 +39,7 @@ enum OsnapMode {
 };
 
 /// Bits of OSMODE.
-enum OsnapMask {
+enum OsnapMask : int {
     kOsMaskEnd = 0x1,
     kOsMaskMid = 0x2,
     kOsMaskCen = 0x4,

@@ -122,6 +122,7 @@ Acad::ErrorStatus AcDbSymbolTableRecord::dwgInFields(AcDbDwgFiler* filer) {
 Acad::ErrorStatus AcDbSymbolTableRecord::dxfInFields(AcDbDxfFiler* filer) {
     std::string unknownMarker;
     bool hasFlags = false;
+    const AcString nameBefore = mName;
     while (const host::DxfGroup* group = filer->nextGroup()) {
         if (group->code == 100) {
             const bool known = group->text == "AcDbSymbolTableRecord" || group->text == recordSubclass();
@@ -138,6 +139,11 @@ Acad::ErrorStatus AcDbSymbolTableRecord::dxfInFields(AcDbDxfFiler* filer) {
         } else if (!takeRecordGroup(filer, *group) && !takeObjectGroup(filer, *group)) {
             keepGroup(recordSubclass(), *group);
         }
+    }
+    // A record of a table takes another name there too.
+    if (auto* table = host::peek<AcDbSymbolTable>(ownerId());
+        table != nullptr && !nameBefore.isEmpty() && mName != nameBefore) {
+        table->renamed(objectId().stub(), nameBefore, mName);
     }
     return filer->filerStatus();
 }

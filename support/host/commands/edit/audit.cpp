@@ -313,7 +313,7 @@ void Audit::checkLooks(AcDbEntity& entity) {
         note<AcDbEntity>(entity, L"图层无效", L"设为 0",
                          [this](AcDbEntity& opened) { opened.setLayer(mDatabase.layerZero(), false); });
     }
-    if (peek<AcDbLinetypeTableRecord>(entity.linetypeId()) == nullptr) {
+    if (!entity.linetypeId().isNull() && peek<AcDbLinetypeTableRecord>(entity.linetypeId()) == nullptr) {
         note<AcDbEntity>(entity, L"线型无效", L"设为 ByLayer", [this](AcDbEntity& opened) {
             opened.setLinetype(mDatabase.byLayerLinetype(), false);
         });

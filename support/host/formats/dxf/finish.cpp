@@ -25,7 +25,6 @@ void Reader::finish() {
     if (mFiler.version() < AcDb::kDHL_1012) {
         upgradeFromRelease12(mDatabase);
     }
-    inferOwners();
     breakBlockCycles(mDatabase, [this](const std::wstring& what, Adesk::UInt64 handle) {
         report(what, Done::leftOut, 0, handle);
     });
@@ -39,6 +38,7 @@ void Reader::finish() {
             report(added, Done::repaired, 0, 0);
         }
     });
+    inferOwners();
     if (mHasProxies) {
         reviveProxies(mDatabase);
     }

@@ -27,7 +27,7 @@ constexpr VersionRule rules[] = {
     {"AcDbBlockTableRecord", 70, 70, kDHL_1021, Loss::blockUnits, 0},
     {"AcDbBlockTableRecord", 280, 281, kDHL_1021},
     {"AcDbDimStyleTableRecord", 49, 49, kDHL_1021, Loss::dimensionFormat, 1},
-    {"AcDbDimStyleTableRecord", 50, 50, kDHL_1021, Loss::dimensionFormat},
+    {"AcDbDimStyleTableRecord", 50, 50, kDHL_1021, Loss::dimensionFormat, 44.999999999999986},
     {"AcDbDimStyleTableRecord", 69, 69, kDHL_1021, Loss::dimensionFormat, 0},
     {"AcDbDimStyleTableRecord", 70, 70, kDHL_1021, Loss::dimensionFormat, 0, 2},
     {"AcDbDimStyleTableRecord", 90, 90, kDHL_1021, Loss::dimensionFormat, 0},
