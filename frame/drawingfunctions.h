@@ -1,5 +1,5 @@
 // LISP functions about points, curves, texts and selections; docs/lisp-functions.md says what each takes and
-// gives. Arguments that do not fit are told in one line, and the call is an error for LISP (RTERROR).
+// gives. Arguments that do not fit are told in one line, and the call has no value (RTERROR).
 #pragma once
 
 int FindByHandle();     ///< _fid

@@ -571,6 +571,14 @@ int modify(const resbuf* list) {
         object->cancel();
         return RTERROR;
     }
+    // The table of a record learns its new name; one that another has, or that can't be, is refused.
+    auto* record = AcDbSymbolTableRecord::cast(object);
+    const std::wstring name = textOf(groups.get(), 2);
+    if (record != nullptr && !name.empty() && name != record->name().kwszPtr() &&
+        record->setName(name.c_str()) != Acad::eOk) {
+        object->cancel();
+        return RTERROR;
+    }
     forgetKeptGroups(*object);
     if (readInto(*object, groups.get(), *object->database()) != Acad::eOk ||
         applyExtendedData(*object, list) != Acad::eOk) {

@@ -196,8 +196,13 @@ LispOutcome outcomeOf(LispInterpreter& lisp, const LispEvaluation& evaluation) {
         outcome.error = evaluation.line;
         return outcome;
     }
-    outcome.value = resultOf(lisp, evaluation.value);
-    outcome.printed = lisp.displayed(evaluation.value);
+    try {
+        outcome.value = resultOf(lisp, evaluation.value);
+        outcome.printed = lisp.displayed(evaluation.value);
+    } catch (const Error& error) { // nested too deep to be shown
+        outcome.status = LispOutcome::Status::error;
+        outcome.error = L"; 错误: " + error.message;
+    }
     return outcome;
 }
 
@@ -241,7 +246,11 @@ bool getSymbol(const std::wstring& symbol, ResbufList& value) {
         return false;
     }
     ResbufBuilder builder;
-    appendValue(builder, lisp->valueOf(symbol), PointRule::reals);
+    try {
+        appendValue(builder, lisp->valueOf(symbol), PointRule::reals);
+    } catch (const Error&) {
+        return false;
+    }
     value = builder.release();
     return true;
 }
@@ -277,7 +286,11 @@ bool invoke(const resbuf* call, ResbufList& result) {
         }
         return false;
     }
-    result = resultOf(*lisp, evaluation.value);
+    try {
+        result = resultOf(*lisp, evaluation.value);
+    } catch (const Error&) {
+        return false;
+    }
     return true;
 }
 
