@@ -19,9 +19,12 @@ std::unique_ptr<AcDbPolyline> polylineOf(const host::BulgePath& path) {
     return polyline;
 }
 
+class CurveCutting : public CommandTest {};
+class Parallels : public CommandTest {};
+
 const AcGePlane plan(AcGePoint3d::kOrigin, AcGeVector3d::kZAxis);
 
-TEST(CurveCutting, WhatIsLeftAndWhatIsTakenOutAddUp) {
+TEST_F(CurveCutting, WhatIsLeftAndWhatIsTakenOutAddUp) {
     test::RandomPaths random(41);
     for (int round = 0; round < 80; ++round) {
         const host::BulgePath path = host::withoutRepeatedVertices(random.ring(), 1e-6);
@@ -45,7 +48,7 @@ TEST(CurveCutting, WhatIsLeftAndWhatIsTakenOutAddUp) {
     }
 }
 
-TEST(CurveCutting, TheNearestCutsBoundWhatGoes) {
+TEST_F(CurveCutting, TheNearestCutsBoundWhatGoes) {
     const AcDbLine line({0, 0, 0}, {10, 0, 0});
     const auto middle = host::withoutPartAround(line, 5.0, {2.0, 4.0, 7.0, 9.0});
     ASSERT_TRUE(middle);
@@ -65,7 +68,7 @@ TEST(CurveCutting, TheNearestCutsBoundWhatGoes) {
     EXPECT_NEAR(lengthOf(*arc->front()), 5.5, 1e-9);
 }
 
-TEST(CurveCutting, CurvesReachEdgesBeyondTheirEnds) {
+TEST_F(CurveCutting, CurvesReachEdgesBeyondTheirEnds) {
     const AcDbLine line({0, 0, 0}, {10, 0, 0});
     const AcDbLine wall({15, -5, 0}, {15, 5, 0});
     const AcDbLine shortWall({20, 3, 0}, {20, 5, 0});
@@ -80,7 +83,7 @@ TEST(CurveCutting, CurvesReachEdgesBeyondTheirEnds) {
     EXPECT_TRUE(point->isEqualTo({-4, 3, 0}));
 }
 
-TEST(CurveCutting, LengthsAreSetFromEitherEnd) {
+TEST_F(CurveCutting, LengthsAreSetFromEitherEnd) {
     test::RandomPaths random(43);
     for (int round = 0; round < 40; ++round) {
         host::BulgePath path = host::withoutRepeatedVertices(random.walk(), 1e-6);
@@ -95,7 +98,7 @@ TEST(CurveCutting, LengthsAreSetFromEitherEnd) {
     }
 }
 
-TEST(Parallels, RunThroughTheirPointAtTheDistanceOfThePoint) {
+TEST_F(Parallels, RunThroughTheirPointAtTheDistanceOfThePoint) {
     test::RandomPaths random(47);
     int tried = 0;
     for (int round = 0; round < 80; ++round) {

@@ -74,6 +74,8 @@ TEST_F(PointFilter, OnlyExternalReferencesMeansThoseOnly) {
         CArxObjTemplate<AcDbBlockTableRecord> block;
         block.New()->setName(L"桩");
         blocks->add(blockId, block.Get());
+        CArxEntity stake(new AcDbLine({-1, 0, 0}, {1, 0, 0}));
+        block->appendAcDbEntity(stake.Get());
     }
     InsertBlock(blockId, {30, 30, 0}, AcGeScale3d(1, 1, 1), L"0", 0.0);
     const int onlyXrefs = AcDb::kOsMaskIns | CQDVAcEdInputPointFilter::onlyExternalReferences;
