@@ -131,7 +131,9 @@ TEST_F(MlineTest, CutsStayWithTheirSegments) {
     cuts[1] = 9;
     EXPECT_EQ(made->setParametersAt(0, 0, cuts), Acad::eInvalidInput) << "not in order";
     EXPECT_EQ(made->setParametersAt(7, 0, cuts), Acad::eInvalidIndex);
-    EXPECT_EQ(made->appendSeg({10, -10, 0}), Acad::eInvalidInput) << "no way to go";
+    EXPECT_EQ(made->appendSeg({10, -10, 0}), Acad::eOk) << "a vertex that is still to be moved";
+    AcGePoint3d removed;
+    EXPECT_EQ(made->removeLastSeg(removed), Acad::eOk);
 }
 
 TEST_F(MlineTest, ExplodesWithTheLooksOfItsElements) {

@@ -109,8 +109,7 @@ AcGeVector3d AcDbMline::miterAt(int index) const {
 }
 
 Acad::ErrorStatus AcDbMline::appendSeg(const AcGePoint3d& vertex) {
-    if (!host::isFinite(vertex) ||
-        (!m.vertices.empty() && (vertex - m.vertices.back().point).length() <= 1e-12)) {
+    if (!host::isFinite(vertex)) {
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
