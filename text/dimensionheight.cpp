@@ -30,11 +30,11 @@ bool askFactor() {
 }
 
 void scaleTextHeight(AcDbDimension& dimension) {
-    auto style = std::make_unique<AcDbDimStyleTableRecord>();
-    AcDbDimStyleTableRecord* data = style.get();
+    AcDbDimStyleTableRecord* data = nullptr;
     dimension.getDimstyleData(data);
-    data->setDimtxt(data->dimtxt() * factor);
-    dimension.setDimstyleData(data);
+    const std::unique_ptr<AcDbDimStyleTableRecord> style(data);
+    style->setDimtxt(style->dimtxt() * factor);
+    dimension.setDimstyleData(style.get());
 }
 
 } // namespace

@@ -21,6 +21,7 @@ std::unique_ptr<AcDbPolyline> polylineOf(const host::BulgePath& path) {
 
 class CurveCutting : public CommandTest {};
 class Parallels : public CommandTest {};
+class CurveMarks : public CommandTest {};
 
 const AcGePlane plan(AcGePoint3d::kOrigin, AcGeVector3d::kZAxis);
 
@@ -128,7 +129,7 @@ TEST_F(Parallels, RunThroughTheirPointAtTheDistanceOfThePoint) {
     EXPECT_EQ(host::parallelsTowards(circle, 3.0, {2.5, 0, 0}).size(), 1u);
 }
 
-TEST(CurveMarks, LieAtTheirDistancesAlongTheCurve) {
+TEST_F(CurveMarks, LieAtTheirDistancesAlongTheCurve) {
     test::RandomPaths random(53);
     for (int round = 0; round < 20; ++round) {
         const auto curve = polylineOf(host::withoutRepeatedVertices(random.walk(), 1e-6));

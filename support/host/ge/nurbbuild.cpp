@@ -51,8 +51,8 @@ public:
     // A knot of the curve; a closed one goes on around, an open one has its ends several times.
     double knot(int i) const {
         const int last = segmentCount();
-        if (m_isClosed && (i < 0 || i > last)) {
-            const int turns = i < 0 ? -1 : 1;
+        if (m_isClosed && (i < 0 || i > last)) { // more than once around with few points
+            const int turns = i < 0 ? (i + 1) / last - 1 : i / last;
             return m_parameters[index(i - turns * last)] + turns * m_parameters.back();
         }
         return m_parameters[index(std::clamp(i, 0, last))];
