@@ -1,5 +1,5 @@
 // Fonts: control codes, layout, substitution and what damaged or odd input does.
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/font/catalog.h"
 #include "host/font/font.h"

@@ -1,5 +1,5 @@
 // Compiled shape files: fonts, Unicode fonts, big fonts and plain shapes, built here byte by byte.
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/font/font.h"
 #include "host/font/shxfile.h"

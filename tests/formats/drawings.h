@@ -1,10 +1,11 @@
 // Small drawings for the tests of the formats: DXF text from groups, and databases read from it.
 #pragma once
 
+#include "tests/temporaryfolder.h"
+
 #include "host/formats/formats.h"
 #include "host/rx/text.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <memory>
@@ -99,21 +100,5 @@ inline std::string difference(const std::string& left, const std::string& right)
     };
     return left == right ? std::string() : "<" + lines(left) + ">\n<" + lines(right) + ">";
 }
-
-/// A folder of the test's own, removed at the end.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-        : mPath(std::filesystem::temp_directory_path() /
-                ("formats_test_" + std::to_string(::getpid()) + "_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
-        std::filesystem::create_directories(mPath);
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(mPath); }
-    std::filesystem::path operator/(const std::string& name) const { return mPath / name; }
-
-private:
-    std::filesystem::path mPath;
-};
 
 } // namespace formats_test

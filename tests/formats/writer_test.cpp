@@ -2,20 +2,8 @@
 #include "drawings.h"
 
 #include <fstream>
-#include <sstream>
 
 using namespace formats_test;
-
-namespace {
-
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
-
-} // namespace
 
 TEST(DxfWriter, aNewDrawingReadsBackWithoutAWord) {
     initialize();
@@ -123,8 +111,8 @@ TEST(DxfWriter, savingIsWholeAndKeepsTheOldFile) {
     AcDbDatabase database(true, true);
     std::ofstream(file) << "old";
     ASSERT_EQ(host::writeDxf(database, file).status, Acad::eOk);
-    EXPECT_EQ(contentOf(folder / "a.bak"), "old");
-    EXPECT_EQ(contentOf(file), host::writeDxfText(database));
+    EXPECT_EQ(readFile(folder / "a.bak"), "old");
+    EXPECT_EQ(readFile(file), host::writeDxfText(database));
     const host::WriteResult nowhere = host::writeDxf(database, folder / "missing" / "a.dxf");
     EXPECT_NE(nowhere.status, Acad::eOk);
     EXPECT_NE(nowhere.message.find(L"a.dxf"), std::wstring::npos);

@@ -3,7 +3,7 @@
 
 #include "app/startup.h"
 #include "restools/drawing.h"
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/arx.h"
 

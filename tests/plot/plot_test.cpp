@@ -1,5 +1,5 @@
 // Plots of drawings: sheets, and PDF, SVG and PNG files looked into from outside.
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/db/db.h"
 #include "host/db/dbents.h"

@@ -1,6 +1,6 @@
 // A program that is killed while it saves leaves a whole drawing: the one before or the one after. The rounds
 // can be raised with QDV_KILL_ROUNDS.
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include <chrono>
 #include <csignal>

@@ -1,6 +1,6 @@
 // The program from outside: options, exit codes, what goes to which output, and the files it writes.
+#include "tests/temporaryfolder.h"
 #include "tests/transcripts/transcript.h"
-#include "tests/win/temporaryfolder.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // Usage: run_transcript FILE. With UPDATE_TRANSCRIPTS=1 in the environment the expected side is renewed.
 #include "app/startup.h"
 #include "drawinglines.h"
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 #include "transcript.h"
 
 #include "host/ed/ed.h"

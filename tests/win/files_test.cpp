@@ -1,5 +1,5 @@
 // Paths, file functions, atomic saving and reading.
-#include "temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/rx/acrx.h"
 #include "host/rx/text.h"

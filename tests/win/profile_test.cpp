@@ -1,5 +1,5 @@
 // Private profile files, the clock, and the Windows C library.
-#include "temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/rx/codepage.h"
 #include "host/rx/text.h"

@@ -1,6 +1,6 @@
 // The registry and its file: what programs write comes back, in any case, also after the file was damaged or
 // another program wrote.
-#include "temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/rx/text.h"
 #include "host/win/settingsstore.h"

@@ -187,8 +187,11 @@ const Glyph* FontStore::lookUp(FontStack& fonts, char32_t character) {
 }
 
 const Glyph* FontStore::lookUpElsewhere(FontStack& fonts, char32_t character) {
+    // Control characters have a sign at their place in shape fonts only; what an outline font draws there is
+    // its own.
+    const bool isControl = character >= 0x7F && character <= 0x9F;
     const bool standsByStrokes = fonts.primary->isStroke() && isIdeographic(character);
-    if (const auto file = findFontWith(character, standsByStrokes))
+    if (const auto file = isControl ? std::nullopt : findFontWith(character, standsByStrokes))
         if (FontFace* face =
                 outlineFace(*file, standsByStrokes ? OutlineScale::ideographs : OutlineScale::capitals))
             if (const Glyph* glyph = face->glyph(character))

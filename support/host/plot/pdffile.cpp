@@ -3,8 +3,10 @@
 #include "host/plot/textbuffer.h"
 
 #include <cstdio>
+#include <libdeflate.h>
+#include <memory>
+#include <new>
 #include <string>
-#include <zlib.h>
 
 namespace host {
 
@@ -12,11 +14,13 @@ namespace {
 
 std::string pack(const std::string& data) {
     constexpr int fast = 1; // higher levels take several times as long for a tenth of the size
-    uLongf size = compressBound(data.size());
-    std::string packed(size, '\0');
-    compress2(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(data.data()),
-              data.size(), fast);
-    packed.resize(size);
+    const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
+        libdeflate_alloc_compressor(fast), libdeflate_free_compressor);
+    if (!compressor)
+        throw std::bad_alloc();
+    std::string packed(libdeflate_zlib_compress_bound(compressor.get(), data.size()), '\0');
+    packed.resize(
+        libdeflate_zlib_compress(compressor.get(), data.data(), data.size(), packed.data(), packed.size()));
     return packed;
 }
 
