@@ -12,7 +12,7 @@ Acad::ErrorStatus CDrawOrder::MoveToTop(AcDbObjectId entity) {
         }
         owner = opened->ownerId();
     }
-    const CArxObjTemplate<AcDbBlockTableRecord> block(owner, false);
+    const CArxObjTemplate<AcDbBlockTableRecord> block(owner, true); // a first table becomes its own
     if (!block) {
         return Acad::eNotOpenForRead;
     }
