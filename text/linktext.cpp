@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -31,6 +32,14 @@ std::vector<Run> SplitIntoRuns(std::wstring_view text) {
         }
         runs.back().text += character;
     }
+    return runs;
+}
+
+std::vector<Run> SplitIntoCharacters(std::wstring_view text) {
+    std::vector<Run> runs;
+    std::transform(text.begin(), text.end(), std::back_inserter(runs), [](wchar_t character) {
+        return Run{std::wstring(1, character), false};
+    });
     return runs;
 }
 
@@ -88,10 +97,9 @@ std::unique_ptr<AcDbText> newRun(const AcDbText& source, const std::wstring& tex
     return run;
 }
 
-/// Puts the runs of a text into the drawing, as long together as the text would be with Western characters of
-/// the new size. False when it has one run only.
-bool placeRuns(const AcDbText& source) {
-    const std::vector<Run> runs = SplitIntoRuns(source.textStringConst());
+} // namespace
+
+bool PlaceRuns(const AcDbText& source, const std::vector<Run>& runs, double westernRatio) {
     if (runs.size() < 2) {
         return false;
     }
@@ -112,7 +120,6 @@ bool placeRuns(const AcDbText& source) {
     return true;
 }
 
-} // namespace
 } // namespace linktext
 
 void LinkTexts() {
@@ -146,7 +153,8 @@ void ScaleWesternRuns() {
     }
     for (int i = 0; i < texts.GetLength(); ++i) {
         const CArxObjTemplate<AcDbText> text(texts[i], false);
-        if (text && placeRuns(*text) && text->upgradeOpen() == Acad::eOk) {
+        if (text && PlaceRuns(*text, SplitIntoRuns(text->textStringConst()), westernRatio) &&
+            text->upgradeOpen() == Acad::eOk) {
             text->erase(Adesk::kTrue);
         }
     }

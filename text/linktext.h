@@ -21,5 +21,11 @@ struct Run {
     bool isWestern = false; ///< one byte a character in the system's ANSI code page
 };
 std::vector<Run> SplitIntoRuns(std::wstring_view text);
+/// Each character a run that keeps its height.
+std::vector<Run> SplitIntoCharacters(std::wstring_view text);
+
+/// Puts the runs of a text into the drawing, the Western ones at a ratio of its height; together they are as
+/// long as the text, the difference shared between them. False, and nothing done, when it has one run only.
+bool PlaceRuns(const AcDbText& source, const std::vector<Run>& runs, double westernRatio);
 
 } // namespace linktext
