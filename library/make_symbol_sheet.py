@@ -10,13 +10,13 @@ import tempfile
 BLOCKS = ["LDPW", "LXPW", "LXPJ", "LDPJ", "RDPW", "RXPW", "RXPJ", "RDPJ",
           "bridge1", "bridge2", "bridge3", "bridge4"]
 LINETYPES = ["DOT", "DASHED", "HIDDEN", "CENTER2", "ACITY", "E_line"]
-LINES = [("jqx", "境界线"), ("dgx", "等高线"), ("hdx", "虚点线"), ("hxx", "虚线"),
+LINES = [("jqx", "粗实线"), ("dgx", "细实线"), ("hdx", "点线"), ("hxx", "虚线"),
          ("xpw", "未加固斜坡"), ("xpj", "加固斜坡"), ("dpw", "未加固陡坎"), ("dpj", "加固陡坎"),
          ("substation", "变电站"), ("county", "县界"), ("country", "国界"), ("province", "省界"),
          ("city", "市界"), ("eline", "电力线"), ("railroad", "铁路"), ("drailroad", "复线铁路")]
 SLOPES = ("xpw", "xpj", "dpw", "dpj")
 MARKS = [("hoverb", "上跨桥，横"), ("voverb", "上跨桥，竖"), ("hnoverb", "桥，横"), ("hnoverb1", "桥，竖")]
-CELL = (46.0, 30.0)
+CELL = (46.0, 26.0)
 COLUMNS = 4
 
 
@@ -38,8 +38,8 @@ class Sheet:
         if self.column:
             self.row += 1
             self.column = 0
-        self.text(0.0, -self.row * CELL[1] - 8.0, 4.0, content)
-        self.row += 0.5
+        self.text(0.0, -self.row * CELL[1] - 10.0, 4.0, content)
+        self.row += 0.2
 
     def cell(self, name):
         """The lower left corner of the next cell's drawing."""
@@ -49,7 +49,7 @@ class Sheet:
         if self.column == COLUMNS:
             self.row += 1
             self.column = 0
-        return x, y + 8.0
+        return x, y + 5.0
 
 
 def script():
