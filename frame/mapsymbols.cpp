@@ -15,6 +15,7 @@
 namespace {
 
 constexpr const ACHAR* enter = L"";
+constexpr int entityTypeGroup = 0;
 
 /// Blocks along a line; the block's name begins with the letter of the side.
 struct SlopeMark {
@@ -129,7 +130,7 @@ std::optional<Direction> startDirection(const CEntity& line) {
     bool isFirst = true;
     while (acdbEntNext(vertex, vertex) == RTNORM) {
         AcGePoint3d point;
-        if (AcString kind; !CEntity(vertex).GetText(RTDXF0, kind) || kind != L"VERTEX" ||
+        if (AcString kind; !CEntity(vertex).GetText(entityTypeGroup, kind) || kind != L"VERTEX" ||
                            !CEntity(vertex).GetPoint(10, point)) {
             break;
         }

@@ -24,9 +24,9 @@
 ;; A natural scarp: a short tick.
 (defun dxt-dpw (side)
   (dxt-line '(0.0 0.0 0.0) (list 0.0 (* 1.0 side) 0.0)))
-;; A natural slope: its long tick, drawn between short ones.
+;; A natural slope: its long tick, drawn between short ones. Along a river bank it reaches to the hatch.
 (defun dxt-xpw (side)
-  (dxt-line '(0.0 0.0 0.0) (list 0.0 (* 2.0 side) 0.0)))
+  (dxt-line '(0.0 0.0 0.0) (list 0.0 (* 2.5 side) 0.0)))
 ;; A reinforced slope: a short tick with a foot.
 (defun dxt-xpj (side)
   (dxt-line '(0.0 0.0 0.0) (list 0.0 (* 1.0 side) 0.0))

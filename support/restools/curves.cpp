@@ -21,10 +21,13 @@ std::vector<CurvePlacement> PlacementsAlongCurve(const AcDbCurve& curve, double 
         return places;
     }
     for (int k = 0;; ++k) {
+        // By parameter: where the curve crosses itself a point alone has no one direction.
+        double parameter = 0.0;
         AcGePoint3d position;
         AcGeVector3d direction;
-        if (curve.getPointAtDist(spacing * k, position) != Acad::eOk ||
-            curve.getFirstDeriv(position, direction) != Acad::eOk) {
+        if (curve.getParamAtDist(spacing * k, parameter) != Acad::eOk ||
+            curve.getPointAtParam(parameter, position) != Acad::eOk ||
+            curve.getFirstDeriv(parameter, direction) != Acad::eOk) {
             return places;
         }
         places.push_back({position, direction.angleTo(AcGeVector3d::kXAxis, -AcGeVector3d::kZAxis)});

@@ -7,11 +7,13 @@ namespace {
 
 /// ERRNO after a pick where nothing is.
 constexpr int missedPick = 7;
+/// In a list that is there; RTDXF0 stands for it only in the arguments of acutBuildList.
+constexpr int entityTypeGroup = 0;
 
 bool passes(const CEntity& entity, const resbuf* filter) {
     AcString kind;
-    return filter == nullptr || filter->restype != RTDXF0 ||
-           (entity.GetText(RTDXF0, kind) && kind == filter->resval.rstring);
+    return filter == nullptr || filter->restype != entityTypeGroup ||
+           (entity.GetText(entityTypeGroup, kind) && kind == filter->resval.rstring);
 }
 
 } // namespace

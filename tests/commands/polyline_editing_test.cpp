@@ -3,7 +3,6 @@
 #include "tests/ge/random_paths.h"
 
 #include "host/commands/edit/pathjoin.h"
-#include "host/commands/edit/polyfit.h"
 #include "host/commands/peditvertex.h"
 
 #include <random>
@@ -108,51 +107,6 @@ host::EditPolyline randomPolyline(test::RandomPaths& random, bool closed) {
     polyline.setPath({host::withoutRepeatedVertices(random.ring(), 1e-6), {}});
     polyline.closed = closed;
     return polyline;
-}
-
-TEST(PolyFit, ArcsPassThroughTheVerticesAndTouchEachOther) {
-    test::RandomPaths random(23);
-    for (int round = 0; round < 50; ++round) {
-        const bool closed = round % 2 == 0;
-        const host::EditPolyline polyline = randomPolyline(random, closed);
-        const std::vector<host::FittedVertex> fitted = host::fitArcs(polyline);
-        host::BulgePath path;
-        path.closed = closed;
-        std::size_t own = 0;
-        for (const host::FittedVertex& vertex : fitted) {
-            path.add(vertex.point, vertex.bulge);
-            if (vertex.isOwn) {
-                EXPECT_EQ(vertex.point, polyline.vertices[own++].point);
-            }
-        }
-        EXPECT_EQ(own, polyline.vertices.size());
-        for (int i = 0; i + 1 < path.segmentCount(); ++i) {
-            const AcGeVector2d end = path.segment(i).tangent(1.0);
-            const AcGeVector2d begin = path.segment(i + 1).tangent(0.0);
-            EXPECT_GT(end.dotProduct(begin), 1.0 - 1e-9) << "round " << round << " segment " << i;
-        }
-    }
-}
-
-TEST(PolyFit, SplinesStayWithinTheFrameAndStartAndEndInIt) {
-    test::RandomPaths random(29);
-    for (int round = 0; round < 30; ++round) {
-        const bool closed = round % 3 == 0;
-        const host::EditPolyline polyline = randomPolyline(random, closed);
-        const host::Box2d frame = host::extents(polyline.path().path);
-        for (const int degree : {2, 3}) {
-            const std::vector<host::FittedVertex> fitted = host::fitSpline(polyline, degree, 8);
-            const std::size_t segments = polyline.vertices.size() - (closed ? 0 : 1);
-            EXPECT_EQ(fitted.size(), 8 * segments + (closed ? 0 : 1));
-            for (const host::FittedVertex& vertex : fitted) {
-                EXPECT_TRUE(frame.grownBy(1e-9).contains(vertex.point));
-            }
-            if (!closed) {
-                EXPECT_TRUE(fitted.front().point.isEqualTo(polyline.vertices.front().point));
-                EXPECT_TRUE(fitted.back().point.isEqualTo(polyline.vertices.back().point));
-            }
-        }
-    }
 }
 
 TEST(EditPolyline, ReversingTwiceChangesNothingAndOnceKeepsTheShape) {

@@ -187,6 +187,7 @@ Selection Selection::from(const wchar_t* options, const void* prompts) {
     Selection selection;
     const int code = acedSSGet(options, prompts, nullptr, nullptr, selection.mSet);
     selection.mCancelled = code == RTCAN;
+    selection.mKeyword = code == RTKWORD;
     if (code == RTNORM) {
         if (const PickSet* set = pickSetOf(selection.mSet)) {
             selection.mIds.setPhysicalLength(static_cast<int>(set->size()));
@@ -215,7 +216,7 @@ Selection Selection::askWith(const wchar_t* prompt, bool editable) {
     return from(editable ? L":$:L" : L":$", prompts);
 }
 
-Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)), mCancelled(other.mCancelled) {
+Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)), mCancelled(other.mCancelled), mKeyword(other.mKeyword) {
     ads_name_set(other.mSet, mSet);
     ads_name_clear(other.mSet);
 }

@@ -79,6 +79,8 @@ public:
     bool empty() const { return mIds.isEmpty(); }
     /// Escape, not Enter, ended it.
     bool isCancelled() const { return mCancelled; }
+    /// One of the keywords offered by acedInitGet before ended it.
+    bool isKeyword() const { return mKeyword; }
     const AcDbObjectIdArray& ids() const { return mIds; }
 
 private:
@@ -87,6 +89,7 @@ private:
     ads_name mSet{0, 0};
     AcDbObjectIdArray mIds;
     bool mCancelled = false;
+    bool mKeyword = false;
 };
 
 AcDbDatabase& currentDatabase();

@@ -53,7 +53,8 @@ std::optional<Origins> askOrigins() {
         double parameter = 0.0;
         entity->getClosestPointTo(picked.world, closest);
         entity->getParamAtPoint(closest, parameter);
-        const auto index = std::min(static_cast<unsigned>(parameter), light->numVerts() - 1);
+        const unsigned segments = light->numVerts() - (light->isClosed() ? 0 : 1);
+        const auto index = std::min(static_cast<unsigned>(parameter), std::max(segments, 1U) - 1);
         light->getPointAt(index, start);
         light->getPointAt((index + 1) % light->numVerts(), end);
     } else {

@@ -223,7 +223,7 @@ void arcThroughEnds(const AcGePoint3d& start) {
 }
 
 void runArc() {
-    const PointAnswer start = askPoint(L"\n指定圆弧的起点或 [圆心(C)]: ", L"Center,CEnter", nullptr, 1);
+    const PointAnswer start = askPoint(L"\n指定圆弧的起点或 [圆心(C)]: ", L"Center", nullptr, 1);
     if (start.kind == Answer::Kind::keyword) {
         const PointAnswer centre = askPoint(L"\n指定圆弧的圆心: ", nullptr, nullptr, 1);
         if (centre.isValue()) {

@@ -86,6 +86,7 @@ private:
     std::optional<Corner> cornerOf(const CornerSide& first, const CornerSide& second) const;
     bool makeCorner(const Side& first, const Side& second);
     bool makeInPolyline(const Side& first, const Side& second);
+    bool makeWithPolyline(const Side& first, const Side& second);
     void makeAll();
     void endSide(const Side& side, const PathSegment& segment);
     void addBetween(const PathSegment& segment, const Side& first, const Side& second);
@@ -266,7 +267,7 @@ std::optional<Corner> Cornering::cornerOf(const CornerSide& first, const CornerS
 
 bool Cornering::makeCorner(const Side& first, const Side& second) {
     if (first.segment >= 0 || second.segment >= 0) {
-        return first.id == second.id && makeInPolyline(first, second);
+        return first.id == second.id ? makeInPolyline(first, second) : makeWithPolyline(first, second);
     }
     if (first.id == second.id) {
         return false;
@@ -414,6 +415,61 @@ bool Cornering::makeInPolyline(const Side& first, const Side& second) {
         segments = std::move(result);
         return true;
     });
+}
+
+/// What a side's object keeps, in order towards the corner: a polyline loses what lies beyond it. Nothing for
+/// what has no such end.
+std::optional<std::vector<PathSegment>> keptUpTo(const Side& side, const PathSegment& ended,
+                                                 bool endsAtCorner) {
+    std::vector<PathSegment> kept;
+    if (side.segment >= 0) {
+        const auto* entity = peek<AcDbEntity>(side.id);
+        const ReadAccess access(*entity);
+        const FlatPath flat = *flatPathOf(*entity);
+        if (flat.shape.path.closed || !flat.normal.isEqualTo(ucsNormal())) {
+            return std::nullopt;
+        }
+        kept = segmentsOf(flat.shape.path);
+        const auto picked = kept.begin() + side.segment;
+        endsAtCorner ? kept.erase(picked, kept.end()) : kept.erase(kept.begin(), picked + 1);
+    }
+    kept.insert(endsAtCorner ? kept.end() : kept.begin(), ended);
+    if (!endsAtCorner) {
+        std::reverse(kept.begin(), kept.end());
+        std::transform(kept.begin(), kept.end(), kept.begin(),
+                       [](const PathSegment& segment) { return segment.reversed(); });
+    }
+    return kept;
+}
+
+/// A polyline and another object become one polyline, with the corner between them.
+bool Cornering::makeWithPolyline(const Side& first, const Side& second) {
+    const std::optional<Corner> corner = cornerOf(first.corner, second.corner);
+    if (!corner) {
+        return false;
+    }
+    if (!trims()) {
+        if (corner->between) {
+            addBetween(*corner->between, first, second);
+        }
+        return true;
+    }
+    auto whole = keptUpTo(first, corner->first, corner->firstEndsAtCorner);
+    const auto rest = keptUpTo(second, corner->second, corner->secondEndsAtCorner);
+    if (!whole || !rest || first.corner.isCircle || second.corner.isCircle) {
+        return false;
+    }
+    if (corner->between) {
+        whole->push_back(*corner->between);
+    }
+    std::transform(rest->rbegin(), rest->rend(), std::back_inserter(*whole),
+                   [](const PathSegment& segment) { return segment.reversed(); });
+    const bool firstStays = first.segment >= 0;
+    const bool changed = changePolyline((firstStays ? first : second).id, [&](auto& segments, bool) {
+        segments = std::move(*whole);
+        return true;
+    });
+    return changed && eraseEntity((firstStays ? second : first).id);
 }
 
 void Cornering::makeAll() {

@@ -2,6 +2,7 @@
 #include "host/commands/ask.h"
 #include "host/commands/edit/editing.h"
 #include "host/commands/registry.h"
+#include "host/rx/text.h"
 
 #include <cmath>
 
@@ -82,6 +83,11 @@ std::vector<Loop> loopsAround(const AcGePoint2d& point, std::vector<Loop> all) {
     return loops;
 }
 
+bool isPattern(const std::wstring& name) {
+    AcDbHatch hatch;
+    return hatch.setPattern(AcDbHatch::kPreDefined, name.c_str()) == Acad::eOk;
+}
+
 class Hatching {
 public:
     void run();
@@ -123,13 +129,21 @@ void Hatching::run() {
 }
 
 bool Hatching::askProperties() {
-    const TextAnswer name = askText(L"\n输入图案名称或 [实体(S)/用户定义(U)] <" + mSettings.pattern + L">: ");
-    if (name.isCancelled()) {
-        return false;
-    }
-    mSettings.pattern = name.isNone() ? mSettings.pattern : name.text;
-    if (mSettings.pattern == L"S" || mSettings.pattern == L"s" || mSettings.pattern == L"_S") {
-        mSettings.pattern = L"SOLID";
+    for (;;) {
+        const TextAnswer name =
+            askText(L"\n输入图案名称或 [实体(S)/用户定义(U)] <" + mSettings.pattern + L">: ");
+        if (name.isCancelled()) {
+            return false;
+        }
+        std::wstring pattern = toUpper(name.isNone() ? mSettings.pattern : name.text);
+        if (pattern == L"S" || pattern == L"_S") {
+            pattern = L"SOLID";
+        }
+        if (pattern == L"U" || pattern == L"_U" || isPattern(pattern)) {
+            mSettings.pattern = std::move(pattern);
+            break;
+        }
+        acutPrintf(L"\n找不到填充图案 \"%s\"。", pattern.c_str());
     }
     if (mSettings.pattern == L"SOLID") {
         return true;

@@ -343,6 +343,10 @@ void listBlocks() {
     }
 }
 
+bool hasBlock(const std::wstring& given) {
+    return peek<AcDbBlockTable>(currentDatabase().blockTableId())->has(sourceOf(given).name.c_str());
+}
+
 void runInsert() {
     const std::wstring last = systemVariableText(L"INSNAME");
     const TextAnswer answer =
@@ -358,7 +362,9 @@ void runInsert() {
     name = unquoted(name);
     Placing placing;
     placing.uniform = placing.exploded = name.front() == L'*';
-    const AcDbObjectId block = definitionOf(placing.exploded ? name.substr(1) : name);
+    const std::wstring given = placing.exploded ? name.substr(1) : name;
+    const bool isNew = !hasBlock(given);
+    const AcDbObjectId block = definitionOf(given);
     if (block.isNull()) {
         return;
     }
@@ -367,12 +373,19 @@ void runInsert() {
         return;
     }
     setSystemVariable(L"INSNAME", std::wstring_view(name));
+    const bool onlyParts = placing.exploded;
     do {
         if (!askPlacing(placing)) {
-            return;
+            break;
         }
         placing.exploded ? placeParts(block, placing) : placeReference(block, placing);
     } while (placing.repeats);
+    if (onlyParts && isNew) {
+        // Of a file named with an asterisk only the parts are wanted, and what they are made of.
+        if (const Opened<AcDbBlockTableRecord> record(block, AcDb::kForWrite); record) {
+            record->erase();
+        }
+    }
 }
 
 constexpr CommandRow rows[] = {{L"INSERT", L"插入", ACRX_CMD_MODAL, runInsert},

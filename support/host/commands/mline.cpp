@@ -49,8 +49,10 @@ bool askStyle() {
             for (const AcDbDictionary::Entry& entry : styles->entries()) {
                 acutPrintf(L"\n  %s", entry.name.kwszPtr());
             }
-        } else if (!styleNamed(name.text).isNull()) {
-            setSystemVariable(L"CMLSTYLE", std::wstring_view(name.text));
+        } else if (const AcDbObjectId style = styleNamed(name.text); !style.isNull()) {
+            AcString own; // as the style itself writes its name
+            peek<AcDbDictionary>(currentDatabase().mLStyleDictionaryId())->nameAt(style, own);
+            setSystemVariable(L"CMLSTYLE", std::wstring_view(own.kwszPtr()));
             return true;
         } else {
             acutPrintf(L"\n找不到多线样式 \"%s\"。", name.text.c_str());

@@ -3,6 +3,7 @@
 #include "host/commands/edit/editing.h"
 #include "host/commands/edit/editpolyline.h"
 #include "host/commands/edit/pathjoin.h"
+#include "host/commands/pedit3d.h"
 #include "host/commands/peditvertex.h"
 #include "host/commands/registry.h"
 #include "host/db/entities/transforms.h"
@@ -27,6 +28,12 @@ const wchar_t* refuseUnlessEditable(const AcDbEntity& entity) {
         return L"该对象在锁定的图层上。";
     }
     return isPolyline(entity) || canBecomePolyline(entity) ? nullptr : L"选定的对象不是多段线。";
+}
+
+/// One in space is edited alone.
+const wchar_t* refuseUnlessPickable(const AcDbEntity& entity) {
+    const bool inSpace = AcDb3dPolyline::cast(&entity) != nullptr && !isOnLockedLayer(entity);
+    return inSpace ? nullptr : refuseUnlessEditable(entity);
 }
 
 /// Puts a polyline of the kind that PLINETYPE asks for in the place of a line or an arc. False when the line
@@ -110,13 +117,17 @@ EditPolyline Editing::loaded(AcDbObjectId id) const {
 }
 
 bool Editing::askTargets() {
-    const EntityAnswer picked = askEntity(L"\n选择多段线或 [多条(M)]: ", L"Multiple", refuseUnlessEditable);
+    const EntityAnswer picked = askEntity(L"\n选择多段线或 [多条(M)]: ", L"Multiple", refuseUnlessPickable);
     if (picked.isKeyword(L"Multiple")) {
         mMultiple = true;
         const Selection selection = Selection::askWith(L"\n选择对象: ", true);
         return addTargets(selection.ids(), false);
     }
     if (!picked.isValue()) {
+        return false;
+    }
+    if (peek<AcDb3dPolyline>(picked.id) != nullptr) {
+        edit3dPolyline(picked.id);
         return false;
     }
     AcDbObjectIdArray ids = picked.set;

@@ -360,12 +360,21 @@ void Drawing::show() {
     if (segments() == 0) {
         return;
     }
+    // The last vertex of an open polyline goes on with the width its last segment ends with.
+    const auto widthsAt = [&](std::size_t index) {
+        const Vertex& own = mVertices[index];
+        const bool isLast = !mClosed && index > 0 && index + 1 == mVertices.size();
+        const double before = isLast ? mVertices[index - 1].endWidth : 0.0;
+        return isLast ? SegmentWidths{before, before} : SegmentWidths{own.startWidth, own.endWidth};
+    };
     if (systemVariableInteger(L"PLINETYPE") == 0) {
         auto* polyline = new AcDb2dPolyline;
         polyline->setDatabaseDefaults();
-        for (const Vertex& vertex : mVertices) {
+        for (std::size_t index = 0; index < mVertices.size(); ++index) {
+            const Vertex& vertex = mVertices[index];
+            const SegmentWidths widths = widthsAt(index);
             polyline->appendVertex(new AcDb2dVertex({vertex.point.x, vertex.point.y, 0.0}, vertex.bulge,
-                                                    vertex.startWidth, vertex.endWidth));
+                                                    widths.start, widths.end));
         }
         if (mClosed) {
             polyline->makeClosed();
@@ -383,11 +392,12 @@ void Drawing::show() {
             for (unsigned index = 0; index < mVertices.size(); ++index) {
                 const Vertex& vertex = mVertices[index];
                 const AcGePoint2d point(vertex.point.x, vertex.point.y);
+                const SegmentWidths widths = widthsAt(index);
                 if (index >= polyline.numVerts()) {
-                    polyline.addVertexAt(index, point, vertex.bulge, vertex.startWidth, vertex.endWidth);
+                    polyline.addVertexAt(index, point, vertex.bulge, widths.start, widths.end);
                 } else if (index + 2 >= mVertices.size()) {
                     polyline.setBulgeAt(index, vertex.bulge);
-                    polyline.setWidthsAt(index, vertex.startWidth, vertex.endWidth);
+                    polyline.setWidthsAt(index, widths.start, widths.end);
                 }
             }
             polyline.setClosed(mClosed);

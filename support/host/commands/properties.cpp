@@ -6,6 +6,7 @@
 #include "host/commands/tables.h"
 #include "host/ed/colornames.h"
 
+#include <array>
 #include <cmath>
 
 namespace host {
@@ -334,26 +335,106 @@ void matchPolyline(const AcDbEntity& source, AcDbEntity& target) {
     }
 }
 
+void matchStyle(const AcDbEntity& source, AcDbEntity& target) {
+    const auto* from = AcDbDimension::cast(&source);
+    auto* to = AcDbDimension::cast(&target);
+    if (from != nullptr && to != nullptr) {
+        to->setDimensionStyle(from->dimensionStyle());
+    }
+}
+
+void matchParagraph(const AcDbEntity& source, AcDbEntity& target) {
+    const auto* from = AcDbMText::cast(&source);
+    auto* to = AcDbMText::cast(&target);
+    if (from != nullptr && to != nullptr) {
+        to->setTextStyle(from->textStyle());
+        to->setTextHeight(from->textHeight());
+    }
+}
+
+/// One kind of property that MATCHPROP carries over, or is told to leave.
+struct Match {
+    const wchar_t* keyword;
+    const wchar_t* name;
+    void (*apply)(const AcDbEntity& source, AcDbEntity& target);
+};
+constexpr Match matches[] = {
+    {L"Color", L"颜色", [](const AcDbEntity& from, AcDbEntity& to) { to.setColor(from.color()); }},
+    {L"LAyer", L"图层", [](const AcDbEntity& from, AcDbEntity& to) { to.setLayer(from.layerId()); }},
+    {L"LType", L"线型", [](const AcDbEntity& from, AcDbEntity& to) { to.setLinetype(from.linetypeId()); }},
+    {L"ltScale", L"线型比例",
+     [](const AcDbEntity& from, AcDbEntity& to) { to.setLinetypeScale(from.linetypeScale()); }},
+    {L"LWeight", L"线宽",
+     [](const AcDbEntity& from, AcDbEntity& to) { to.setLineWeight(from.lineWeight()); }},
+    {L"Thickness", L"厚度",
+     [](const AcDbEntity& from, AcDbEntity& to) {
+         if (const std::optional<double> thickness = thicknessOf(from)) {
+             setThicknessOf(to, *thickness);
+         }
+     }},
+    {L"TeXt", L"文字",
+     [](const AcDbEntity& from, AcDbEntity& to) {
+         matchText(from, to);
+         matchParagraph(from, to);
+     }},
+    {L"Polyline", L"多段线", matchPolyline},
+    {L"Dimension", L"标注", matchStyle}};
+
+using Matching = std::array<bool, std::size(matches)>;
+
+void tellMatching(const Matching& active) {
+    std::wstring names;
+    for (std::size_t i = 0; i < std::size(matches); ++i) {
+        names += active[i] ? std::wstring(L" ") + matches[i].name : L"";
+    }
+    acutPrintf(L"\n当前活动设置: %s", names.c_str());
+}
+
+/// Every keyword turns its kind on or off. False for Escape.
+bool askMatching(Matching& active) {
+    for (;;) {
+        const Answer answer = askKeyword(L"\n输入要切换的特性 [颜色(C)/图层(LA)/线型(LT)/线型比例(S)/线宽(LW)/"
+                                         L"厚度(T)/文字(TX)/多段线(P)/标注(D)] <完成>: ",
+                                         L"Color LAyer LType ltScale LWeight Thickness TeXt Polyline Dimension");
+        if (answer.kind != Answer::Kind::keyword) {
+            return !answer.isCancelled();
+        }
+        for (std::size_t i = 0; i < std::size(matches); ++i) {
+            active[i] = active[i] != answer.isKeyword(matches[i].keyword);
+        }
+        tellMatching(active);
+    }
+}
+
 void runMatchprop() {
     const EntityAnswer picked = askEntity(L"\n选择源对象: ");
     if (!picked.isValue()) {
         return;
     }
-    acutPrintf(L"\n当前活动设置:  颜色 图层 线型 线型比例 线宽 厚度 文字 多段线");
-    const Selection targets = Selection::askWith(L"\n选择目标对象: ", true);
-    const auto* source = peek<AcDbEntity>(picked.id);
-    const ReadAccess access(*source);
-    forEachEntity(targets, [&](AcDbEntity& target) {
-        const AcDb::Visibility visibility = target.visibility();
-        const Acad::ErrorStatus status = target.setPropertiesFrom(source);
-        target.setVisibility(visibility);
-        if (const std::optional<double> thickness = thicknessOf(*source)) {
-            setThicknessOf(target, *thickness);
+    Matching active;
+    active.fill(true);
+    tellMatching(active);
+    for (;;) {
+        acedInitGet(0, L"Settings");
+        const Selection targets = Selection::askWith(L"\n选择目标对象或 [设置(S)]: ", true);
+        if (targets.isKeyword()) {
+            if (!askMatching(active)) {
+                return;
+            }
+            continue;
         }
-        matchText(*source, target);
-        matchPolyline(*source, target);
-        return status;
-    });
+        const auto* source = peek<AcDbEntity>(picked.id);
+        const ReadAccess access(*source);
+        forEachEntity(targets, [&](AcDbEntity& target) {
+            for (std::size_t i = 0; i < std::size(matches) && &target != source; ++i) {
+                if (active[i]) {
+                    matches[i].apply(*source, target);
+                }
+            }
+            return Acad::eOk;
+        });
+        return;
+    }
 }
 
 constexpr Adesk::Int32 flags = ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW;

@@ -31,6 +31,7 @@ std::span<const CommandRow> findCommands();
 std::span<const CommandRow> arrangeCommands();
 std::span<const CommandRow> curveDrawCommands();
 std::span<const CommandRow> dimensionCommands();
+std::span<const CommandRow> dimensionChainCommands();
 std::span<const CommandRow> hatchCommands();
 std::span<const CommandRow> mlineCommands();
 std::span<const CommandRow> mtextCommands();

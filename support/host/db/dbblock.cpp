@@ -137,6 +137,8 @@ Acad::ErrorStatus AcDbBlockTableRecord::subErase(bool erasing) {
         }
     };
     std::for_each(mEntities.begin(), mEntities.end(), toggle);
+    toggle(mBlockBegin.stub());
+    toggle(mBlockEnd.stub());
     return Acad::eOk;
 }
 

@@ -103,7 +103,12 @@ private:
 
 Acad::ErrorStatus Cloner::clone(const AcDbObjectIdArray& objects, AcDbObjectId owner) {
     for (int index = 0; index < objects.length(); ++index) {
-        if (copyOf(objects[index]).isNull() && objects[index].isValid() && !objects[index].isErased()) {
+        if (!copyOf(objects[index]).isNull() || !objects[index].isValid() || objects[index].isErased()) {
+            continue;
+        }
+        if (mCrossing && peek<AcDbSymbolTableRecord>(objects[index]) != nullptr) {
+            copyRecord(objects[index]); // goes into its kind's table, where one of its name stays
+        } else {
             copyObject(objects[index], owner, true);
         }
     }
@@ -365,6 +370,25 @@ AcDbObjectIdArray entitiesOf(const AcDbDatabase& database, AcDbObjectId block) {
     return ids;
 }
 
+/// What has a name in a drawing and comes along with its entities, used by them or not: an inserted drawing
+/// may be a library.
+AcDbObjectIdArray namedRecordsOf(const AcDbDatabase& database) {
+    AcDbObjectIdArray ids;
+    for (const AcDbObjectId table : {database.linetypeTableId(), database.layerTableId(), database.textStyleTableId(),
+                                     database.dimStyleTableId(), database.blockTableId()}) {
+        for (AcDbStub* stub : host::peek<AcDbSymbolTable>(table)->records()) {
+            const auto* record = host::peek<AcDbSymbolTableRecord>(stub);
+            const auto* block = AcDbBlockTableRecord::cast(record);
+            const bool isOwn = block != nullptr && (block->isLayout() || block->isAnonymous() ||
+                                                    block->isFromExternalReference());
+            if (record != nullptr && !isOwn && !record->isDependent()) {
+                ids.append(AcDbObjectId(stub));
+            }
+        }
+    }
+    return ids;
+}
+
 } // namespace
 
 Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& block, const ACHAR* blockName, AcDbDatabase* source,
@@ -408,7 +432,9 @@ Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& block, const ACHAR* blockNa
     }
     AcDbIdMapping mapping;
     mapping.assign(AcDbIdPair(source->modelSpaceId(), block, false));
-    return wblockCloneObjects(entitiesOf(*source, source->modelSpaceId()), block, mapping, AcDb::kDrcIgnore);
+    AcDbObjectIdArray objects = entitiesOf(*source, source->modelSpaceId());
+    objects.append(namedRecordsOf(*source));
+    return wblockCloneObjects(objects, block, mapping, AcDb::kDrcIgnore);
 }
 
 Acad::ErrorStatus AcDbDatabase::insert(const AcGeMatrix3d& transform, AcDbDatabase* source, bool) {
@@ -417,8 +443,10 @@ Acad::ErrorStatus AcDbDatabase::insert(const AcGeMatrix3d& transform, AcDbDataba
     }
     AcDbIdMapping mapping;
     mapping.assign(AcDbIdPair(source->modelSpaceId(), modelSpaceId(), false));
-    const Acad::ErrorStatus status = wblockCloneObjects(entitiesOf(*source, source->modelSpaceId()),
-                                                        modelSpaceId(), mapping, AcDb::kDrcIgnore);
+    AcDbObjectIdArray objects = entitiesOf(*source, source->modelSpaceId());
+    objects.append(namedRecordsOf(*source));
+    const Acad::ErrorStatus status =
+        wblockCloneObjects(objects, modelSpaceId(), mapping, AcDb::kDrcIgnore);
     for (const AcDbIdPair& pair : mapping.pairs()) {
         const host::Opened<AcDbEntity> entity(pair.isPrimary() ? pair.value() : AcDbObjectId(),
                                               AcDb::kForWrite);

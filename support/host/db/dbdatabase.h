@@ -307,6 +307,9 @@ public:
     std::string codePage = "ANSI_936";
     std::wstring fileName;
 
+    /// What CECOLOR's index stands for when it was set as a true colour; files hold the index only.
+    std::optional<AcCmEntityColor> currentTrueColor;
+
     /// Grows whenever an object may have changed: what was computed before is then out of date.
     Adesk::UInt64 changeStamp = 1;
 

@@ -403,10 +403,13 @@ Acad::ErrorStatus AcDbDatabase::setDimstyleData(AcDbObjectId style) {
 AcCmColor AcDbDatabase::cecolor() const {
     AcCmEntityColor color;
     color.setColorIndex(get<Adesk::Int16>(*this, "CECOLOR"));
-    return AcCmColor(color);
+    const std::optional<AcCmEntityColor>& full = impl().currentTrueColor;
+    return AcCmColor(full && full->colorIndex() == color.colorIndex() ? *full : color);
 }
 Acad::ErrorStatus AcDbDatabase::setCecolor(const AcCmColor& color) {
-    return put(*this, "CECOLOR", static_cast<Adesk::Int16>(color.entityColor().colorIndex()));
+    const AcCmEntityColor own = color.entityColor();
+    impl().currentTrueColor = own.isByColor() ? std::optional(own) : std::nullopt;
+    return put(*this, "CECOLOR", static_cast<Adesk::Int16>(own.colorIndex()));
 }
 AcDb::LineWeight AcDbDatabase::celweight() const {
     return static_cast<AcDb::LineWeight>(get<Adesk::Int16>(*this, "CELWEIGHT"));

@@ -93,8 +93,8 @@ AcEdJig::Answer AcEdJig::acquire(Wanted wanted, const AcGePoint3d* base) {
         options.base = *base;
         ucsBase = host::worldToUcs(*base);
     }
-    Answer answer;
     for (;;) {
+        Answer answer; // what a refused input left in one is not the next one's
         const host::InputItem item = host::inputStream().ask(mPromptShown ? L"" : mPrompt, options);
         mAcquired = true;
         mPromptShown = item.kind == host::InputItem::Kind::motion;

@@ -67,4 +67,9 @@ std::wstring colorText(int index) {
     return index == 256 ? L"BYLAYER" : index == 0 ? L"BYBLOCK" : formatted(L"%d", index);
 }
 
+std::wstring colorText(const AcCmEntityColor& color) {
+    return color.isByColor() ? formatted(L"RGB:%d,%d,%d", color.red(), color.green(), color.blue())
+                             : colorText(static_cast<int>(color.colorIndex()));
+}
+
 } // namespace host

@@ -13,5 +13,7 @@ namespace host {
 std::optional<AcCmEntityColor> parseColor(std::wstring_view text);
 /// BYLAYER, BYBLOCK or the index.
 std::wstring colorText(int index);
+/// The same, and a true colour as RGB:r,g,b.
+std::wstring colorText(const AcCmEntityColor& color);
 
 } // namespace host

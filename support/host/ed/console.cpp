@@ -78,6 +78,12 @@ void Console::line(std::wstring_view text) {
     mLineEnd = LineEnd::pending;
 }
 
+void Console::freshLine() {
+    if (mMuted == 0 && mLineEnd == LineEnd::none && !mAtLineStart) {
+        put(L"\n");
+    }
+}
+
 void Console::diagnostic(std::wstring_view text) {
     mSink->diagnostic(text);
 }

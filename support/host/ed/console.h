@@ -35,6 +35,8 @@ public:
     void answeredInPlace();
     /// A whole line for the user: on a line of its own, shown even while muted.
     void line(std::wstring_view text);
+    /// What follows begins on a line of its own.
+    void freshLine();
     /// A line on the diagnostic output, without the newline.
     void diagnostic(std::wstring_view text);
     void flush();

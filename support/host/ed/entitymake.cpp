@@ -124,6 +124,11 @@ ResbufList withCurrentProperties(const resbuf* list, AcDbDatabase& database) {
     groups.addMissing(6, list, [&](ResbufBuilder& b) { b.string(6, name(database.celtype())); });
     groups.addMissing(
         62, list, [&](ResbufBuilder& b) { b.integer(62, database.cecolor().entityColor().colorIndex()); });
+    if (const AcCmEntityColor color = database.cecolor().entityColor();
+        color.isByColor() && findGroup(list, 62) == nullptr) {
+        const int packed = (color.red() << 16) | (color.green() << 8) | color.blue();
+        groups.addMissing(420, list, [&](ResbufBuilder& b) { b.integer(420, packed); });
+    }
     groups.addMissing(370, list, [&](ResbufBuilder& b) { b.integer(370, database.celweight()); });
     groups.addMissing(48, list, [&](ResbufBuilder& b) { b.real(48, database.celtscale()); });
     return groups.release();

@@ -109,7 +109,11 @@ private:
     InputItem ask() {
         AskOptions options;
         options.wantsPoint = true;
-        return inputStream().ask(mRemoving ? mOptions.removePrompt : mOptions.addPrompt, options);
+        const std::wstring& prompt = mRemoving ? mOptions.removePrompt : mOptions.addPrompt;
+        if (!prompt.starts_with(L'\n')) {
+            console().freshLine(); // a program's own prompt must not run on behind the count of the last pick
+        }
+        return inputStream().ask(prompt, options);
     }
 
     bool takeImplied() {

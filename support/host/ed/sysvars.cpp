@@ -254,7 +254,7 @@ std::wstring headerText(const AcDbDatabase& database, const HeaderVariable& vari
     case HeaderKind::linetype:
         return recordName<AcDbSymbolTableRecord>(database.celtype());
     case HeaderKind::color:
-        return colorText(std::get<Adesk::Int16>(value));
+        return colorText(database.cecolor().entityColor());
     case HeaderKind::textStyle:
     case HeaderKind::dimStyle:
     case HeaderKind::handle: {

@@ -110,10 +110,8 @@ BulgePath fitArcs(std::span<const FitVertex> vertices, bool closed) {
     return path;
 }
 
-int splineSpanCount(int frameVertices, bool closed, int degree) {
-    if (closed)
-        return frameVertices > 2 ? frameVertices : std::max(frameVertices - 1, 0);
-    return std::max(frameVertices - std::clamp(degree, 1, std::max(frameVertices - 1, 1)), 0);
+int splineFrameSegments(int frameVertices, bool closed) {
+    return closed && frameVertices > 2 ? frameVertices : std::max(frameVertices - 1, 0);
 }
 
 std::vector<AcGePoint3d> splineVertices(std::span<const AcGePoint3d> frame, bool closed, int degree,
@@ -121,21 +119,21 @@ std::vector<AcGePoint3d> splineVertices(std::span<const AcGePoint3d> frame, bool
     const int count = static_cast<int>(frame.size());
     const bool goesAround = closed && count > 2;
     const int p = std::clamp(degree, 1, std::max(count - (goesAround ? 0 : 1), 1));
-    if (count < 3 || segments < 1)
+    if (count < 2 || segments < 1)
         return {frame.begin(), frame.end()};
     AcGePoint3dArray points;
     AcGeKnotVector knots;
-    const int spans = splineSpanCount(count, closed, p);
+    const int spans = goesAround ? count : count - p;
     for (int i = 0; i < spans + p; ++i)
         points.append(frame[static_cast<std::size_t>(i % count)]);
     for (int i = -p; i <= spans + p; ++i)
         knots.append(goesAround ? i : std::clamp(i, 0, spans));
     const AcGeNurbCurve3d curve(p, knots, points);
     std::vector<AcGePoint3d> result;
-    const int last = spans * segments;
+    const int last = splineFrameSegments(count, closed) * segments;
     for (int i = 0; i < last + (goesAround ? 0 : 1); ++i)
         result.push_back(!goesAround && i == last ? frame.back()
-                                                  : curve.evalPoint(static_cast<double>(i) / segments));
+                                                  : curve.evalPoint(static_cast<double>(spans) * i / last));
     return result;
 }
 

@@ -2,7 +2,6 @@
 #include "host/commands/edit/editpolyline.h"
 
 #include "host/commands/edit/editing.h"
-#include "host/commands/edit/polyfit.h"
 #include "host/db/entities/transforms.h"
 
 #include <algorithm>
@@ -108,68 +107,22 @@ EditPolyline loadHeavy(const AcDb2dPolyline& heavy) {
     return polyline;
 }
 
-Vertex2dData vertexData(const AcGePoint2d& point, double elevation, double bulge, const SegmentWidths& widths,
-                        int flags) {
+Vertex2dData vertexData(const EditVertex& vertex, double elevation) {
     Vertex2dData data;
-    data.position = to3d(point, elevation);
-    data.bulge = bulge;
-    data.startWidth = widths.start;
-    data.endWidth = widths.end;
-    data.flags = static_cast<Adesk::Int16>(flags);
-    return data;
-}
-
-/// The vertices as a 2D polyline holds them: own ones, frame and fitted ones.
-std::vector<Vertex2dData> heavyVertices(const EditPolyline& polyline, double elevation) {
-    std::vector<Vertex2dData> all;
-    const auto addOwn = [&](int flags) {
-        for (const EditVertex& vertex : polyline.vertices) {
-            Vertex2dData& data = all.emplace_back(vertexData(
-                vertex.point, elevation, polyline.isFitted() ? 0.0 : vertex.bulge, vertex.widths, flags));
-            if (vertex.tangent) {
-                data.tangent = *vertex.tangent;
-                data.flags |= Vertex2dData::tangentUsed;
-            }
-        }
-    };
-    if (polyline.isSpline()) {
-        const int degree = polyline.fit == AcDb::k2dQuadSplinePoly ? 2 : 3;
-        const int segments = std::clamp(std::abs(polyline.splineSegments), 1, 32767);
-        std::vector<FittedVertex> fitted = fitSpline(polyline, degree, segments);
-        if (polyline.splineSegments < 0 && fitted.size() > 1) {
-            // A negative number asks for arcs through the points of the spline.
-            EditPolyline points;
-            points.closed = polyline.closed;
-            for (const FittedVertex& vertex : fitted) {
-                points.vertices.push_back({vertex.point, 0.0, vertex.widths, std::nullopt});
-            }
-            fitted = fitArcs(points);
-        }
-        for (const FittedVertex& vertex : fitted) {
-            all.push_back(
-                vertexData(vertex.point, elevation, vertex.bulge, vertex.widths, Vertex2dData::splineFit));
-        }
-        addOwn(Vertex2dData::splineControl);
-    } else if (polyline.fit == AcDb::k2dFitCurvePoly) {
-        std::size_t own = 0;
-        for (const FittedVertex& vertex : fitArcs(polyline)) {
-            Vertex2dData& data =
-                all.emplace_back(vertexData(vertex.point, elevation, vertex.bulge, vertex.widths,
-                                            vertex.isOwn ? 0 : Vertex2dData::curveFit));
-            if (vertex.isOwn && polyline.vertices[own++].tangent) {
-                data.flags |= Vertex2dData::tangentUsed;
-                data.tangent = vertex.tangent;
-            }
-        }
-    } else {
-        addOwn(0);
+    data.position = to3d(vertex.point, elevation);
+    data.bulge = vertex.bulge;
+    data.startWidth = vertex.widths.start;
+    data.endWidth = vertex.widths.end;
+    if (vertex.tangent) {
+        data.tangent = *vertex.tangent;
+        data.flags = Vertex2dData::tangentUsed;
     }
-    return all;
+    return data;
 }
 
 void fillHeavy(AcDb2dPolyline& heavy, const EditPolyline& polyline) {
     heavy.subentities()->clear(heavy);
-    heavy.setPolyType(polyline.fit);
+    heavy.setPolyType(AcDb::k2dSimplePoly);
     polyline.closed ? heavy.makeClosed() : heavy.makeOpen();
     polyline.linetypeGeneration ? heavy.setLinetypeGenerationOn() : heavy.setLinetypeGenerationOff();
     const std::vector<EditVertex>& own = polyline.vertices;
@@ -179,14 +132,20 @@ void fillHeavy(AcDb2dPolyline& heavy, const EditPolyline& polyline) {
     const double width = constant && !own.empty() ? own.front().widths.start : 0.0;
     heavy.setDefaultStartWidth(width);
     heavy.setDefaultEndWidth(width);
-    for (const Vertex2dData& data : heavyVertices(polyline, heavy.elevation())) {
+    for (const EditVertex& data : own) {
         auto* vertex = new AcDb2dVertex;
-        vertex->setData(data);
+        vertex->setData(vertexData(data, heavy.elevation()));
         AcDbObjectId id;
         heavy.appendVertex(id, vertex);
         if (!id.isNull()) {
             vertex->close();
         }
+    }
+    if (polyline.isSpline()) {
+        const int segments = std::clamp(polyline.splineSegments, -32767, 32767);
+        heavy.splineFit(polyline.fit, static_cast<Adesk::Int16>(segments != 0 ? segments : 1));
+    } else if (polyline.isFitted()) {
+        heavy.curveFit();
     }
 }
 

@@ -137,7 +137,7 @@ Acad::ErrorStatus AcDb2dPolyline::splineFit(AcDb::Poly2dType type, Adesk::Int16 
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
-    if (frameVertices().size() < 3) {
+    if (frameVertices().size() < 2) {
         return Acad::eDegenerateGeometry;
     }
     if (const Acad::ErrorStatus status = straighten(); status != Acad::eOk) {
@@ -198,11 +198,10 @@ Acad::ErrorStatus AcDb2dPolyline::convertToPolyType(AcDb::Poly2dType type) {
 
 int AcDb2dPolyline::fittedSegments() const {
     const std::vector<Vertex2dData> drawn = drawnVertices();
-    const int degree = polyType() == AcDb::k2dQuadSplinePoly ? 2 : 3;
-    const int spans = host::splineSpanCount(static_cast<int>(frameVertices().size()), isClosed(), degree);
+    const int frame = host::splineFrameSegments(static_cast<int>(frameVertices().size()), isClosed());
     const bool hasArcs = std::any_of(drawn.begin(), drawn.end(),
                                      [](const Vertex2dData& vertex) { return vertex.bulge != 0.0; });
-    const int segments = static_cast<int>(drawn.size()) / (std::max(spans, 1) * (hasArcs ? 2 : 1));
+    const int segments = static_cast<int>(drawn.size()) / (std::max(frame, 1) * (hasArcs ? 2 : 1));
     return std::max(1, segments) * (hasArcs ? -1 : 1);
 }
 

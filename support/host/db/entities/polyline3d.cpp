@@ -132,7 +132,7 @@ Acad::ErrorStatus AcDb3dPolyline::splineFit(AcDb::Poly3dType type, Adesk::Int16 
     if (type == AcDb::k3dSimplePoly || segments == 0) {
         return Acad::eInvalidInput;
     }
-    if (own.size() < 3) {
+    if (own.size() < 2) {
         return Acad::eDegenerateGeometry;
     }
     if (const Acad::ErrorStatus status = straighten(); status != Acad::eOk) {
@@ -155,9 +155,8 @@ Acad::ErrorStatus AcDb3dPolyline::convertToPolyType(AcDb::Poly3dType type) {
 }
 
 int AcDb3dPolyline::fittedSegments() const {
-    const int degree = polyType() == AcDb::k3dQuadSplinePoly ? 2 : 3;
-    const int spans = host::splineSpanCount(static_cast<int>(frame().size()), isClosed(), degree);
-    return std::max(1, static_cast<int>(drawn().size()) / std::max(spans, 1));
+    const int own = host::splineFrameSegments(static_cast<int>(frame().size()), isClosed());
+    return std::max(1, static_cast<int>(drawn().size()) / std::max(own, 1));
 }
 
 Acad::ErrorStatus AcDb3dPolyline::appendVertex(AcDb3dPolylineVertex* vertex) {
