@@ -114,6 +114,22 @@ TEST_F(DrawingCommands, AuditFindsAndFixesDamage) {
     EXPECT_EQ(std::count(list.begin(), list.end(), lost.stub()), 1);
 }
 
+TEST_F(DrawingCommands, AuditLeavesAloneWhatIsGoneAndCanBeTakenBack) {
+    const AcDbObjectId lost = addLine(5, 5, 6, 6);
+    run("LINE 10,10 12,10\n\n-BLOCK GONE\n0,0 L\n\nU\n"); // its beginning and end have no owner that is left
+    EXPECT_EQ(host::auditDrawing(database(), false).findings.size(), 0u);
+    std::vector<AcDbStub*>& list =
+        host::peek<AcDbBlockTableRecord>(database().modelSpaceId())->entitiesForReaders();
+    std::erase(list, lost.stub());
+    const std::vector<AcDbStub*> damaged = list;
+    run("AUDIT Y\n");
+    EXPECT_NE(list, damaged);
+    run("U\n");
+    EXPECT_EQ(list, damaged);
+    run("REDO\n");
+    EXPECT_EQ(list.back(), lost.stub());
+}
+
 TEST_F(DrawingCommands, ANewDrawingAndOneWithEverythingAuditClean) {
     run("PLINE 0,0 10,0 10,10\n\nPEDIT 5,0 S\n\nTEXT 0,20 2 0 A\n\nCIRCLE 5,5 2\n-BLOCK B\n0,0 "
         "L\n\nOOPS\n-INSERT B\n0,0 1 1 0\n");

@@ -5,6 +5,7 @@
 #include "host/db/dbdatabase.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace host {
 namespace {
@@ -26,6 +27,10 @@ std::string imageOf(const AcDbObject& object) {
     MemoryDwgFiler filer(AcDb::kUndoFiler, object.database());
     object.dwgOutFields(&filer);
     return filer.takeBytes();
+}
+
+std::string bytesOf(const std::vector<AcDbStub*>& stubs) {
+    return {reinterpret_cast<const char*>(stubs.data()), stubs.size() * sizeof(AcDbStub*)};
 }
 
 } // namespace
@@ -73,6 +78,12 @@ void UndoLog::recordErase(AcDbStub& stub) {
     }
 }
 
+void UndoLog::recordEntities(AcDbBlockTableRecord& block) {
+    if (isRecording() && !mApplying) {
+        add({Kind::entities, block.objectId().stub(), bytesOf(block.entities()), {}, 0, {}});
+    }
+}
+
 void UndoLog::recordHeader(HeaderIndex index, const HeaderValue& old) {
     if (isRecording() && !mApplying) {
         add({Kind::header, nullptr, {}, {}, index, old});
@@ -114,6 +125,14 @@ void UndoLog::apply(Record& record) {
         record.stub->erased = !record.stub->erased;
         mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
         break;
+    case Kind::entities: {
+        auto& block = static_cast<AcDbBlockTableRecord&>(*record.stub->object);
+        std::vector<AcDbStub*> before(record.image.size() / sizeof(AcDbStub*));
+        std::memcpy(before.data(), record.image.data(), record.image.size());
+        record.image = bytesOf(block.entities());
+        block.entitiesForReaders() = std::move(before);
+        break;
+    }
     case Kind::header:
         std::swap(record.value, mDatabase.impl().header[record.index]);
         break;
@@ -187,7 +206,7 @@ void UndoLog::setMark() {
     if (mGroupDepth == 0) {
         closeStep(mCommand);
     }
-    mSteps.push_back({mRecords.size(), L"MARK", true});
+    mSteps.push_back({mOpenBegin, L"MARK", true}); // before an open group, which is one step
     ++mEpoch;
 }
 
@@ -195,9 +214,9 @@ bool UndoLog::changedInStep() const {
     return mRecords.size() > mStepBegin;
 }
 
-void UndoLog::undoStep(std::vector<std::wstring>* names) {
+void UndoLog::undoStep(std::vector<std::wstring>* names, bool first) {
     const ScopedFlag applying(mApplying, true);
-    RedoStep redo{{}, mSteps.back()};
+    RedoStep redo{{}, mSteps.back(), first};
     mSteps.pop_back();
     redo.records.reserve(mRecords.size() - redo.step.begin);
     while (mRecords.size() > redo.step.begin) {
@@ -218,9 +237,9 @@ int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
     closeStep(mCommand);
     mGroupDepth = 0;
     int done = 0;
-    while (done < steps && !mSteps.empty()) {
+    for (bool first = true; done < steps && !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
-        undoStep(mark ? nullptr : names);
+        undoStep(mark ? nullptr : names, first);
         if (!mark) {
             ++done;
         }
@@ -231,9 +250,9 @@ int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
 bool UndoLog::undoBack(std::vector<std::wstring>* names) {
     closeStep(mCommand);
     mGroupDepth = 0;
-    while (!mSteps.empty()) {
+    for (bool first = true; !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
-        undoStep(mark ? nullptr : names);
+        undoStep(mark ? nullptr : names, first);
         if (mark) {
             return true;
         }
@@ -241,29 +260,41 @@ bool UndoLog::undoBack(std::vector<std::wstring>* names) {
     return false;
 }
 
-int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
-    int done = 0;
+void UndoLog::redoStep(std::vector<std::wstring>* names) {
     const ScopedFlag applying(mApplying, true);
-    while (done < steps && !mRedoSteps.empty()) {
-        RedoStep redo = std::move(mRedoSteps.back());
-        mRedoSteps.pop_back();
-        redo.step.begin = mRecords.size();
-        while (!redo.records.empty()) {
-            apply(redo.records.back());
-            mRecords.push_back(std::move(redo.records.back()));
-            redo.records.pop_back();
-        }
-        mSteps.push_back(redo.step);
-        if (!redo.step.mark) {
-            ++done;
-            if (names != nullptr) {
-                names->push_back(redo.step.name);
-            }
-        }
+    RedoStep redo = std::move(mRedoSteps.back());
+    mRedoSteps.pop_back();
+    redo.step.begin = mRecords.size();
+    while (!redo.records.empty()) {
+        apply(redo.records.back());
+        mRecords.push_back(std::move(redo.records.back()));
+        redo.records.pop_back();
     }
     mOpenBegin = mStepBegin = mRecords.size();
     ++mEpoch;
     ++mChangeCount;
+    if (!redo.step.mark && names != nullptr) {
+        names->push_back(redo.step.name);
+    }
+    mSteps.push_back(std::move(redo.step));
+}
+
+int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
+    int done = 0;
+    while (done < steps && !mRedoSteps.empty()) {
+        redoStep(names);
+        done += mSteps.back().mark ? 0 : 1;
+    }
+    return done;
+}
+
+int UndoLog::redoLastUndo(std::vector<std::wstring>* names) {
+    int done = 0;
+    for (bool first = false; !first && !mRedoSteps.empty();) {
+        first = mRedoSteps.back().first;
+        redoStep(names);
+        done += mSteps.back().mark ? 0 : 1;
+    }
     return done;
 }
 
@@ -304,6 +335,9 @@ void UndoLog::abortTransaction(std::size_t position) {
     }
     mOpenBegin = std::min(mOpenBegin, mRecords.size());
     mStepBegin = std::min(mStepBegin, mRecords.size());
+    for (auto step = mSteps.rbegin(); step != mSteps.rend() && step->begin > mRecords.size(); ++step) {
+        step->begin = mRecords.size(); // a step that ended within the transaction
+    }
     ++mEpoch;
 }
 

@@ -51,6 +51,8 @@ public:
     bool undoBack(std::vector<std::wstring>* names = nullptr);
     /// Repeats steps taken back, until something else changes.
     int redo(int steps, std::vector<std::wstring>* names = nullptr);
+    /// Repeats all that the last undo took back, with its marks; returns how many steps.
+    int redoLastUndo(std::vector<std::wstring>* names = nullptr);
     bool hasMark() const { return markCount() > 0; }
     int markCount() const;
     int undoableSteps() const;
@@ -71,6 +73,8 @@ public:
     void restoreLatestImage(AcDbObject& object);
     /// Undo, redo or an abort is putting states back: objects may be written without being open.
     bool isApplying() const { return mApplying; }
+    /// The order of a block's entities is about to change other than by appending.
+    void recordEntities(AcDbBlockTableRecord& block);
     void recordHeader(HeaderIndex index, const HeaderValue& old);
     /// `old`, of another class, is about to lose its id to another object.
     void recordReplaced(AcDbStub& stub, const AcDbObject& old);
@@ -84,11 +88,11 @@ public:
     Adesk::UInt32 epoch() const { return mEpoch; }
 
 private:
-    enum class Kind { image, created, erased, header, replaced };
+    enum class Kind { image, created, erased, entities, header, replaced };
     struct Record {
         Kind kind;
         AcDbStub* stub = nullptr;
-        std::string image;      ///< image and replaced: what the object filed
+        std::string image;      ///< image and replaced: what the object filed; entities: the stubs' addresses
         std::wstring className; ///< replaced
         HeaderIndex index = 0;  ///< header
         HeaderValue value;      ///< header
@@ -101,6 +105,7 @@ private:
     struct RedoStep {
         std::vector<Record> records;
         Step step;
+        bool first = false; ///< that its undo took back
     };
 
     void add(Record record);
@@ -108,7 +113,8 @@ private:
     void apply(Record& record);
     /// What was recorded since the last step becomes one, if it is anything.
     void closeStep(const std::wstring& name);
-    void undoStep(std::vector<std::wstring>* names);
+    void undoStep(std::vector<std::wstring>* names, bool first);
+    void redoStep(std::vector<std::wstring>* names);
     void dropRedo();
 
     AcDbDatabase& mDatabase;
