@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+class AcDbBlockTableRecord;
+
 namespace host {
 
 class DatabaseImpl;
