@@ -277,15 +277,17 @@ class Walk:
             piece = piece // 2
         return commands
 
+    def issues(self, file):
+        """What another program finds wrong in a file. Groups whose members were erased stay, and are allowed."""
+        result = subprocess.run([*self.audit_command.split(), file], cwd=self.folder, capture_output=True, timeout=self.timeout, text=True)
+        if result.returncode != 0:
+            return [result.stdout + result.stderr]
+        return [line.strip() for line in re.findall(r"Issue \[\d+\].*\n(.*)", result.stdout) if "empty group" not in line]
+
     def audit(self):
-        """What another program finds wrong in the drawing as the commands left it."""
-        result = subprocess.run([*self.audit_command.split(), "w-after.dxf"], cwd=self.folder, capture_output=True, timeout=self.timeout,
-                                text=True)
-        # Groups whose members were erased stay, and are allowed.
-        issues = [line.strip() for line in re.findall(r"Issue \[\d+\].*\n(.*)", result.stdout) if "empty group" not in line]
-        if result.returncode == 0 and not issues and re.search("No errors|Found 0 errors", result.stdout):
-            return ""
-        return "\n".join(issues) or result.stdout + result.stderr
+        """What is wrong in the drawing as the commands left it, and was not before."""
+        before = self.issues("first.dxf")
+        return "\n".join(issue for issue in self.issues("w-after.dxf") if issue not in before)
 
 
 def kind_of(fault):

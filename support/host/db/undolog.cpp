@@ -33,6 +33,16 @@ std::string bytesOf(const std::vector<AcDbStub*>& stubs) {
     return {reinterpret_cast<const char*>(stubs.data()), stubs.size() * sizeof(AcDbStub*)};
 }
 
+/// Exchanges a list with the one that was recorded.
+void swapStubs(std::vector<AcDbStub*>& stubs, std::string& bytes) {
+    std::vector<AcDbStub*> before(bytes.size() / sizeof(AcDbStub*));
+    if (!before.empty()) {
+        std::memcpy(before.data(), bytes.data(), bytes.size());
+    }
+    bytes = bytesOf(stubs);
+    stubs = std::move(before);
+}
+
 } // namespace
 
 UndoLog::UndoLog(AcDbDatabase& database) : mDatabase(database) {}
@@ -84,6 +94,13 @@ void UndoLog::recordEntities(AcDbBlockTableRecord& block) {
     }
 }
 
+void UndoLog::setLastErased(std::vector<AcDbStub*> entities) {
+    if (isRecording() && !mApplying) {
+        add({Kind::lastErased, nullptr, bytesOf(mLastErased), {}, 0, {}});
+    }
+    mLastErased = std::move(entities);
+}
+
 void UndoLog::recordHeader(HeaderIndex index, const HeaderValue& old) {
     if (isRecording() && !mApplying) {
         add({Kind::header, nullptr, {}, {}, index, old});
@@ -125,14 +142,12 @@ void UndoLog::apply(Record& record) {
         record.stub->erased = !record.stub->erased;
         mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
         break;
-    case Kind::entities: {
-        auto& block = static_cast<AcDbBlockTableRecord&>(*record.stub->object);
-        std::vector<AcDbStub*> before(record.image.size() / sizeof(AcDbStub*));
-        std::memcpy(before.data(), record.image.data(), record.image.size());
-        record.image = bytesOf(block.entities());
-        block.entitiesForReaders() = std::move(before);
+    case Kind::entities:
+        swapStubs(static_cast<AcDbBlockTableRecord&>(*record.stub->object).entitiesForReaders(), record.image);
         break;
-    }
+    case Kind::lastErased:
+        swapStubs(mLastErased, record.image);
+        break;
     case Kind::header:
         std::swap(record.value, mDatabase.impl().header[record.index]);
         break;

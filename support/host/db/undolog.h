@@ -77,6 +77,9 @@ public:
     bool isApplying() const { return mApplying; }
     /// The order of a block's entities is about to change other than by appending.
     void recordEntities(AcDbBlockTableRecord& block);
+    /// Remembers what a command erased, for bringing it back; undo and redo take this along.
+    void setLastErased(std::vector<AcDbStub*> entities);
+    const std::vector<AcDbStub*>& lastErased() const { return mLastErased; }
     void recordHeader(HeaderIndex index, const HeaderValue& old);
     /// `old`, of another class, is about to lose its id to another object.
     void recordReplaced(AcDbStub& stub, const AcDbObject& old);
@@ -90,11 +93,11 @@ public:
     Adesk::UInt32 epoch() const { return mEpoch; }
 
 private:
-    enum class Kind { image, created, erased, entities, header, replaced };
+    enum class Kind { image, created, erased, lastErased, entities, header, replaced };
     struct Record {
         Kind kind;
         AcDbStub* stub = nullptr;
-        std::string image;      ///< image and replaced: what the object filed; entities: the stubs' addresses
+        std::string image;      ///< image, replaced: what the object filed; entities, lastErased: addresses of stubs
         std::wstring className; ///< replaced
         HeaderIndex index = 0;  ///< header
         HeaderValue value;      ///< header
@@ -123,6 +126,7 @@ private:
     std::deque<Record> mRecords;
     std::vector<Step> mSteps;
     std::vector<RedoStep> mRedoSteps;
+    std::vector<AcDbStub*> mLastErased;
     Adesk::UInt32 mEpoch = 1;
     Adesk::UInt64 mChangeCount = 0;
     std::wstring mCommand;
