@@ -3,7 +3,7 @@
 before; then repeats them and compares with the one after. What differs, fails or crashes is told with the shortest list of
 commands that still does it.
 
-random_walk.py PROGRAM DRAWING [--seed N] [--commands N] [--folder DIR] [--audit COMMAND]
+random_walk.py PROGRAM DRAWING [--seed N] [--commands N] [--folder DIR] [--shrink SECONDS] [--audit COMMAND]
 """
 
 import argparse
@@ -12,6 +12,7 @@ import random
 import re
 import subprocess
 import sys
+import time
 
 VOLATILE = ("$TDCREATE", "$TDUCREATE", "$TDUPDATE", "$TDUUPDATE", "$TDINDWG", "$TDUSRTIMER", "$HANDSEED", "$VERSIONGUID",
             "$FINGERPRINTGUID", "$EXTMIN", "$EXTMAX", "$PEXTMIN", "$PEXTMAX")
@@ -262,13 +263,13 @@ class Walk:
                 return f"{before} 与 {after} 不同:\n{difference}"
         return self.audit() if self.audit_command else ""
 
-    def shortest(self, commands, fault):
-        """Leaves out commands in ever smaller pieces while the fault of that kind stays."""
-        kind = kind_of(fault)
+    def shortest(self, commands, fault, seconds):
+        """Leaves out commands in ever smaller pieces while the fault of that kind stays, for so long."""
+        kind, end = kind_of(fault), time.monotonic() + seconds
         piece = (len(commands) + 1) // 2
         while piece:
             at = 0
-            while at < len(commands):
+            while at < len(commands) and time.monotonic() < end:
                 fewer = commands[:at] + commands[at + piece:]
                 if fewer and kind_of(self.fault(fewer)) == kind:
                     commands = fewer
@@ -318,7 +319,8 @@ def main():
     arguments.add_argument("--commands", type=int, default=1000)
     arguments.add_argument("--folder", default="random-walk")
     arguments.add_argument("--timeout", type=int, default=300)
-    arguments.add_argument("--audit", default="")
+    arguments.add_argument("--shrink", type=int, default=600, help="seconds for making a list that fails shorter")
+    arguments.add_argument("--audit", default="", help="a command that is given a DXF file, as `python3 -m ezdxf audit`")
     given = arguments.parse_args()
     folder = pathlib.Path(given.folder).resolve()
     walk = Walk(str(pathlib.Path(given.program).resolve()), pathlib.Path(given.drawing).resolve(), folder, given.timeout, given.audit)
@@ -326,7 +328,7 @@ def main():
     commands = [generator.command() for _ in range(given.commands)]
     fault = walk.fault(commands)
     if fault:
-        commands = walk.shortest(commands, fault)
+        commands = walk.shortest(commands, fault, given.shrink)
         sys.exit(f"{given.drawing} --seed {given.seed}: {walk.fault(commands)}\n--- {len(commands)} 条命令:\n" + "\n".join(commands))
     print(f"{given.drawing} --seed {given.seed}: {given.commands} 条命令, 全部放弃后图形不变")
 
