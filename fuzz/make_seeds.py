@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes small files for the fuzz targets to start from: make_seeds.py FOLDER makes FOLDER/dxf, lin and shx."""
+"""Writes small files for the fuzz targets to start from: make_seeds.py FOLDER makes a folder in it for each target."""
 
 import pathlib
 import struct
@@ -154,6 +154,26 @@ def linetypes():
     yield "wide", "\ufeff*C,\nA,1,-1,\\\n2\nA,\n*D\n".encode("utf-16-le")
 
 
+def patterns():
+    yield "plain", "*砖墙,砖\n0, 0,0, 0,.25\n90, 0,0, 0,.25, .25,-.25\n*点\n45,.1,.2,.5,-1,0,-.5,\n;c\n".encode("utf-8")
+    yield "page", "*墙,面\n-30,0,0,1e3,-1,0\n*\n*空\n*坏\n1,2,3,4\n".encode("gbk")
+    yield "wide", "\ufeff*C,\n0,0,0,0,1\n".encode("utf-16-le")
+
+
+def programs():
+    for number, program in enumerate((
+            "(defun c:t (a / b) (setq b (cons a (list 1 2.5 \"杆\\n\\101\" 'x '(1 . 2)))) (foreach e b (princ e)) b)\n(c:t 3)",
+            "(setq f (lambda (n) (if (< n 2) 1 (* n (f (1- n)))))) (f 9) (mapcar '+ '(1 2) '(3 4)) (apply 'max '(1 2 3))",
+            "(defun *error* (m) (princ m)) (repeat 3 (setq a (append a '(1)))) (/ 1 0)",
+            "(vl-catch-all-apply '(lambda () (nth -1 '(1)))) ;| c |; (cond ((= 1 2) 3) (t (strcat \"a\" (itoa 5) (rtos 1.5 2 3))))",
+            "(while (< (setq i (if i (1+ i) 0)) 5) (setq s (substr (strcase \"abc\") 1 i))) (vl-sort '(3 1 2) '<) (assoc 1 '((1 . 2)))",
+            "(setq l (vl-string->list \"abc\")) (vl-list->string (reverse l)) (subst 1 2 '(2 3)) (member 2 l) (read \"(a . b)\") (eval '(+ 1 2))",
+            "(polar '(0 0) (angtof \"45\") 2.0) (distance '(0 0 1) '(1 1)) (inters '(0 0) '(1 1) '(0 1) '(1 0)) (wcmatch \"abc\" \"a*,~b\")",
+            "(logand 6 3) (lsh 1 31) (gcd 12 18) (rem 7.5 2) (fix -2.7) (atan 1 0) (expt 2 10) (boole 6 5 3) (~ 5) (vl-remove-if 'numberp '(1 a))",
+            "(read \"(\") )", "'(1 . 2 3)", "\"\\U+4E2D\\")):
+        yield str(number), program.encode("utf-8")
+
+
 def shapes():
     drawing = b"\x01\x14\x08\x05\xfb\x02\x09\x01\x01\x00\x00\x05\x0a\x02\x10\x0b\x01\x02\x00\x05\x32\x06\x0c\x04\x04\x40\x03\x02\x0d\x01\x01\x20\x00\x00\x04\x02\x0e\x18\x00"
 
@@ -180,7 +200,8 @@ def shapes():
 def main():
     if len(sys.argv) != 2:
         sys.exit("用法: make_seeds.py 文件夹")
-    for kind, files in (("dxf", drawings()), ("lin", linetypes()), ("shx", shapes())):
+    for kind, files in (("dxf", drawings()), ("lin", linetypes()), ("pat", patterns()), ("lisp", programs()),
+                        ("shx", shapes())):
         folder = pathlib.Path(sys.argv[1]) / kind
         folder.mkdir(parents=True, exist_ok=True)
         for name, content in files:

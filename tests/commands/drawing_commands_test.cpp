@@ -88,6 +88,21 @@ TEST_F(DrawingCommands, PurgeOfEmptyGeometry) {
     EXPECT_TRUE(showed(L"已删除 1 个零长度几何图形"));
 }
 
+TEST_F(DrawingCommands, OopsBringsBackWhatTheLastEraseTookUnlessItWasUndone) {
+    run("-STYLE 式 txt 0 1 0 N N N\nTEXT 0,0 2 0 杆\n\nERASE L\n\n-PURGE ST * N\n");
+    AcDbTextStyleTable* styles = nullptr;
+    database().getSymbolTable(styles, AcDb::kForRead);
+    EXPECT_FALSE(styles->has(L"式"));
+    run("OOPS\n");
+    EXPECT_TRUE(styles->has(L"式")); // the text names it
+    styles->close();
+    EXPECT_EQ(entities<AcDbText>().size(), 1u);
+    run("UNDO 3\nOOPS\n"); // OOPS, PURGE and ERASE
+    EXPECT_EQ(entities<AcDbText>().size(), 1u);
+    run("UNDO 9\nOOPS\n"); // the text was never drawn
+    EXPECT_EQ(entities<AcDbText>().size(), 0u);
+}
+
 TEST_F(DrawingCommands, AuditFindsAndFixesDamage) {
     const AcDbObjectId good = addLine(0, 0, 1, 1);
     const AcDbObjectId empty = addLine(2, 2, 2, 2);
@@ -112,6 +127,22 @@ TEST_F(DrawingCommands, AuditFindsAndFixesDamage) {
     EXPECT_EQ(host::auditDrawing(database(), false).findings.size(), 0u);
     EXPECT_EQ(std::count(list.begin(), list.end(), good.stub()), 1);
     EXPECT_EQ(std::count(list.begin(), list.end(), lost.stub()), 1);
+}
+
+TEST_F(DrawingCommands, AuditLeavesAloneWhatIsGoneAndCanBeTakenBack) {
+    const AcDbObjectId lost = addLine(5, 5, 6, 6);
+    run("LINE 10,10 12,10\n\n-BLOCK GONE\n0,0 L\n\nU\n"); // its beginning and end have no owner that is left
+    EXPECT_EQ(host::auditDrawing(database(), false).findings.size(), 0u);
+    std::vector<AcDbStub*>& list =
+        host::peek<AcDbBlockTableRecord>(database().modelSpaceId())->entitiesForReaders();
+    std::erase(list, lost.stub());
+    const std::vector<AcDbStub*> damaged = list;
+    run("AUDIT Y\n");
+    EXPECT_NE(list, damaged);
+    run("U\n");
+    EXPECT_EQ(list, damaged);
+    run("REDO\n");
+    EXPECT_EQ(list.back(), lost.stub());
 }
 
 TEST_F(DrawingCommands, ANewDrawingAndOneWithEverythingAuditClean) {

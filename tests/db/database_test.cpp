@@ -123,6 +123,31 @@ TEST_F(DatabaseTest, GroupsAndMarks) {
     EXPECT_TRUE(first.isErased());
 }
 
+TEST_F(DatabaseTest, AMarkInAGroupStandsBeforeItAndARedoRepeatsOneUndo) {
+    host::UndoLog& log = database.undoLog();
+    AcDbObjectId first;
+    AcDbObjectId second;
+    step(L"LINE", [&] { first = addLine(1); });
+    log.beginGroup();
+    step(L"LINE", [&] { second = addLine(2); });
+    log.setMark();
+    step(L"MOVE", [&] { moveTo(second, 5); });
+    log.endGroup();
+    EXPECT_TRUE(log.undoBack());
+    EXPECT_TRUE(second.isErased());
+    EXPECT_FALSE(first.isErased());
+    EXPECT_EQ(log.undo(1), 1);
+    EXPECT_EQ(log.redoLastUndo(), 1);
+    EXPECT_FALSE(first.isErased());
+    EXPECT_TRUE(second.isErased());
+    EXPECT_EQ(log.redoLastUndo(), 1);
+    EXPECT_EQ(startX(second), 5);
+    EXPECT_EQ(log.undo(9), 2);
+    EXPECT_EQ(log.redoLastUndo(), 2) << "all that one undo took back";
+    EXPECT_EQ(startX(second), 5);
+    EXPECT_EQ(log.redoLastUndo(), 0);
+}
+
 TEST_F(DatabaseTest, AbortedTransactionsLeaveNoTrace) {
     const AcDbObjectId id = addLine(1);
     AcDbTransactionManager& manager = *database.transactionManager();

@@ -362,6 +362,21 @@ TEST_F(HatchTest, LoopsOfObjectsFollowThem) {
     EXPECT_EQ(sources[1], round);
     EXPECT_EQ(hatch.loopTypeAt(0) & AcDbHatch::kPolyline, AcDbHatch::kPolyline);
     EXPECT_EQ(hatch.loopTypeAt(1) & AcDbHatch::kPolyline, 0);
+    // A parabola over its chord: two thirds of the triangle.
+    AcGePoint3dArray control;
+    AcGeDoubleArray knots;
+    for (const double x : {0.0, 5.0, 10.0}) {
+        control.append({x, x == 5.0 ? 10.0 : 0.0, 0});
+    }
+    for (const double knot : {0.0, 0.0, 0.0, 1.0, 1.0, 1.0}) {
+        knots.append(knot);
+    }
+    AcDbHatch curved;
+    ids[0] = drawing.append(new AcDbSpline(2, false, false, false, control, knots, AcGeDoubleArray()));
+    ids.append(drawing.append(new AcDbLine({10, 0, 0}, {0, 0, 0})));
+    ASSERT_EQ(curved.appendLoop(AcDbHatch::kDefault, ids), Acad::eOk);
+    ASSERT_EQ(curved.getArea(area), Acad::eOk);
+    EXPECT_NEAR(area, 100.0 / 3, 1e-3);
 }
 
 } // namespace

@@ -202,6 +202,10 @@ TEST(SortentsRecord, ordersTheDrawingAndComesBackEqual) {
     EXPECT_EQ(order, (std::vector<Adesk::UInt64>{0x82, 0x81, 0x80}));
     EXPECT_EQ(again.model().size(), 3U);
     EXPECT_EQ(difference(again.written(), once), "");
+    // Other programs leave entries for nobody.
+    std::string nobody = once;
+    nobody.insert(nobody.find("331\r\n80\r\n"), "331\r\n0\r\n  5\r\nAB\r\n");
+    EXPECT_EQ(difference(Drawing(nobody).written(), nobody), "");
 }
 
 TEST(LayoutRecords, theCurrentSheetIsTheOneOfTheEntitiesSection) {

@@ -51,6 +51,24 @@ TEST(DxfWriter, readAndWrittenAgainIsEqualToTheByte) {
     }
 }
 
+TEST(DxfWriter, annotationWithoutAStyleHasTheOneOfAFileWithoutTables) {
+    const std::string annotation =
+        groups({{0, "DIMENSION"}, {8, "0"}, {70, "1"}, {13, "0"}, {23, "0"}, {14, "5"}, {24, "0"}}) +
+        groups({{0, "LEADER"}, {8, "0"}, {76, "2"}, {10, "0"}, {20, "0"}, {10, "5"}, {20, "5"}}) +
+        groups({{0, "TOLERANCE"}, {8, "0"}, {10, "0"}, {20, "0"}, {1, "A"}});
+    // The variables of the header are the style's, wherever they stand.
+    const std::string scale = groups({{9, "$DIMSCALE"}, {40, "7"}});
+    for (const std::string& text :
+         {header("AC1009", scale) + entities(annotation), entities(annotation) + header("AC1009", scale)}) {
+        const Drawing first(text + eof);
+        EXPECT_EQ(host::peek<AcDbDimStyleTableRecord>(first.database->dimstyle())->dimVariables().scale, 7.0);
+        const std::string once = first.written();
+        const Drawing second(once);
+        EXPECT_EQ(second.report(), "");
+        EXPECT_EQ(difference(second.written(), once), "");
+    }
+}
+
 TEST(DxfWriter, controlCharactersNeverBreakLines) {
     initialize();
     AcDbDatabase database(true, true);

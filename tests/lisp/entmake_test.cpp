@@ -144,8 +144,9 @@ TEST_F(LispEntmake, MakesBlocksAndReferences) {
         // Anonymous blocks get a free number.
         {"(defun anon () (entmake '((0 . \"BLOCK\") (2 . \"*U\") (70 . 1) (10 0 0 0))) (entmake '((0 . "
          "\"LINE\") (10 0 0 0) "
-         "(11 1 0 0))) (entmake '((0 . \"ENDBLK\")))) (list (anon) (anon))",
-         "(\"*U0\" \"*U1\")"},
+         "(11 1 0 0))) (entmake '((0 . \"ENDBLK\")))) (setq a (anon)) (list (wcmatch a \"`*U#*\") "
+         "(wcmatch (setq b (anon)) \"`*U#*\") (= a b) (tblobjname \"BLOCK\" \"*U\"))",
+         "(T T nil nil)"},
         {"(entmake '((0 . \"INSERT\") (2 . \"没有这个块\") (10 0 0 0)))", "nil"},
     });
 }

@@ -5,6 +5,7 @@
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
+#include <chrono>
 #include <csignal>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -122,6 +123,31 @@ TEST_F(Files, SavingKeepsTheOldFileUntilTheEnd) {
     EXPECT_TRUE(third.commit());
     EXPECT_EQ(readFile(folder.path() / "plan.bak").size(), large.size() + 8);
     EXPECT_EQ(entries(), 2u);
+}
+
+TEST_F(Files, SavingTakesAwayWhatKilledProgramsLeft) {
+    const auto leave = [this](const char* name) {
+        writeFile(folder.path() / name, "half");
+        fs::last_write_time(folder.path() / name, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    };
+    leave(".plan.dxf.77-0.tmp");
+    leave(".plan.dxf.77-12.tmp");
+    for (const char* name : {".plan.dxf.x-0.tmp", ".other.dxf.77-0.tmp", ".plan.dxf.77.tmp"}) {
+        leave(name); // others' names
+    }
+    writeFile(folder.path() / ".plan.dxf.78-0.tmp", "just begun");
+    host::AtomicFile running(folder.path() / "plan.dxf"); // is being written, for long
+    running.write("one");
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+        if (entry.path().filename().string().find(std::to_string(getpid())) != std::string::npos) {
+            fs::last_write_time(entry.path(), fs::file_time_type::clock::now() - std::chrono::hours(1));
+        }
+    }
+    host::AtomicFile out(folder.path() / "plan.dxf");
+    EXPECT_EQ(entries(), 6u);
+    EXPECT_TRUE(out.write("two") && out.commit());
+    EXPECT_TRUE(running.commit());
+    EXPECT_EQ(readFile(folder.path() / "plan.dxf"), "one");
 }
 
 TEST_F(Files, SavingFollowsLinksAndWritesToPipes) {

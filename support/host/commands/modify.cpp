@@ -6,24 +6,18 @@
 
 namespace host {
 
-namespace {
-
-/// Entities erased last in each drawing, for OOPS.
-std::map<AcDbDatabase*, AcDbObjectIdArray>& lastErased() {
-    static std::map<AcDbDatabase*, AcDbObjectIdArray> erased;
-    return erased;
-}
-
-} // namespace
-
 AcDbObjectIdArray eraseForOops(const AcDbObjectIdArray& ids) {
     AcDbObjectIdArray erased;
+    std::vector<AcDbStub*> stubs;
     for (const AcDbObjectId id : ids) {
         if (eraseEntity(id)) {
             erased.append(id);
+            stubs.push_back(id.stub());
         }
     }
-    lastErased()[&currentDatabase()] = erased;
+    if (!stubs.empty()) {
+        currentDatabase().undoLog().setLastErased(std::move(stubs));
+    }
     return erased;
 }
 
@@ -37,10 +31,39 @@ void runErase() {
     eraseForOops(selection.ids());
 }
 
+/// Brings back the records that the entity names and that were purged since; false when a new one has the name.
+bool bringBackRecords(const AcDbEntity& entity) {
+    IdCollector collector(AcDb::kPurgeFiler);
+    {
+        const ReadAccess access(entity);
+        entity.dwgOutFields(&collector);
+    }
+    for (const IdCollector::Reference& reference : collector.references) {
+        const auto* record = peek<AcDbSymbolTableRecord>(reference.id, true);
+        if (record == nullptr || !reference.id.isErased()) {
+            continue;
+        }
+        const auto* table = peek<AcDbSymbolTable>(record->ownerId());
+        const ReadAccess access(*table);
+        if (table->has(record->name())) {
+            return false;
+        }
+        const Opened<AcDbSymbolTableRecord> opened(reference.id, AcDb::kForWrite, true);
+        if (opened) {
+            opened->erase(false);
+        }
+    }
+    return true;
+}
+
 void runOops() {
-    for (const AcDbObjectId id : lastErased()[&currentDatabase()]) {
-        const Opened<AcDbEntity> entity(id, AcDb::kForWrite, true);
-        if (entity && entity->isErased()) {
+    for (AcDbStub* stub : std::vector(currentDatabase().undoLog().lastErased())) {
+        const auto* erased = peek<AcDbEntity>(stub, true);
+        if (erased == nullptr || !stub->erased || !bringBackRecords(*erased)) {
+            continue;
+        }
+        const Opened<AcDbEntity> entity(stub, AcDb::kForWrite, true);
+        if (entity) {
             entity->erase(false);
         }
     }

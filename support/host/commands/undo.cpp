@@ -45,7 +45,7 @@ void runRedo() {
         return;
     }
     std::vector<std::wstring> names;
-    if (currentDatabase().undoLog().redo(1, &names) == 0) {
+    if (currentDatabase().undoLog().redoLastUndo(&names) == 0) {
         acutPrintf(L"\n没有操作可重做");
     }
     tellNames(names);

@@ -336,6 +336,9 @@ private:
     std::unique_ptr<Handles> mHandles;
 };
 
+/// Gives the drawing's only dimension style the variables of the header, as files without styles mean them.
+void setStandardDimVariables(AcDbDimStyleTableRecord& style);
+
 /// Gives a block record its BLOCK and ENDBLK entities when it has none.
 void ensureBlockEnds(AcDbBlockTableRecord& block);
 

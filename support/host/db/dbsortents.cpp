@@ -51,7 +51,9 @@ void AcDbSortentsTable::set(AcDbStub* entity, Adesk::UInt64 handle) {
 void AcDbSortentsTable::reindex() {
     mIndex.clear();
     for (std::size_t index = 0; index < mEntries.size(); ++index) {
-        mIndex.insert_or_assign(mEntries[index].entity, index);
+        if (mEntries[index].entity != nullptr) { // a file may have entries for nobody
+            mIndex.insert_or_assign(mEntries[index].entity, index);
+        }
     }
 }
 
@@ -294,9 +296,7 @@ Acad::ErrorStatus AcDbSortentsTable::dwgInFields(AcDbDwgFiler* filer) {
         filer->readSoftPointerId(&entity);
         filer->readUInt64(&entry.handle);
         entry.entity = entity.stub();
-        if (entry.entity != nullptr) {
-            entries.push_back(entry);
-        }
+        entries.push_back(entry);
     }
     if (filer->filerStatus() == Acad::eOk) {
         mBlock = block;
@@ -332,7 +332,7 @@ bool AcDbSortentsTable::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group,
         return true;
     case 5:
         // The handle that stands for the entity before it.
-        if (!mEntries.empty() && mEntries.back().entity != nullptr) {
+        if (!mEntries.empty()) {
             mEntries.back().handle = AcDbHandle(group.string().kwszPtr());
         }
         return true;
@@ -348,7 +348,7 @@ Acad::ErrorStatus AcDbSortentsTable::dxfOutFields(AcDbDxfFiler* filer) const {
     filer->writeText(100, "AcDbSortentsTable");
     filer->writeObjectId(330, mBlock);
     for (const Entry& entry : mEntries) {
-        if (!entry.entity->erased) {
+        if (entry.entity == nullptr || !entry.entity->erased) {
             filer->writeReference(331, entry.entity);
             filer->writeAcDbHandle(5, AcDbHandle(entry.handle));
         }

@@ -367,6 +367,18 @@ DimVariableSet applyDimOverrides(DimVariables& variables, const GroupList& xdata
     return given;
 }
 
+DimVariables annotationVariables(const AcDbEntity& annotation, AcDbObjectId style) {
+    DimVariables variables;
+    AcDbDatabase* home = annotation.database() != nullptr ? annotation.database() : style.database();
+    if (const auto* record = peek<AcDbDimStyleTableRecord>(style, true)) {
+        variables = record->dimVariables();
+    } else if (home != nullptr) {
+        variables = currentDimVariables(*home);
+    }
+    applyDimOverrides(variables, annotation.xdataGroups(), home);
+    return variables;
+}
+
 GroupList withDimOverride(const GroupList& xdata, const DimVariables& variables, std::size_t index) {
     GroupList result;
     OverrideScanner scanner;

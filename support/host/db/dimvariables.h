@@ -8,6 +8,8 @@
 #include <bitset>
 #include <span>
 
+class AcDbEntity;
+
 namespace host {
 
 /// Values as a style has them; those that a file leaves out are these. Lengths are before DIMSCALE, colours
@@ -73,6 +75,8 @@ Acad::ErrorStatus setCurrentDimVariables(AcDbDatabase& database, const DimVariab
 
 /// Overrides that extended data of an entity holds (application ACAD, list DSTYLE).
 DimVariableSet applyDimOverrides(DimVariables& variables, const GroupList& xdata, AcDbDatabase* database);
+/// What holds for an annotation: its style, or the current values when it has none, and its overrides.
+DimVariables annotationVariables(const AcDbEntity& annotation, AcDbObjectId style);
 /// The extended data with one override set to the value it has in `variables`; everything else stays as it
 /// is.
 GroupList withDimOverride(const GroupList& xdata, const DimVariables& variables, std::size_t index);

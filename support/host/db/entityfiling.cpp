@@ -69,17 +69,10 @@ bool AcDbEntity::takeEntityGroup(AcDbDxfFiler* filer, const host::DxfGroup& grou
     AcDbDatabase* database = filer->database();
     switch (group.code) {
     case 6:
-        mLinetype = group.id;
-        if (mLinetype == nullptr && database != nullptr) {
-            mLinetype =
-                host::findRecord<AcDbLinetypeTable>(database->linetypeTableId(), group.string().kwszPtr());
-        }
+        mLinetype = host::namedRecord<AcDbLinetypeTable>(group, database, &AcDbDatabase::linetypeTableId);
         return true;
     case 8:
-        mLayer = group.id;
-        if (mLayer == nullptr && database != nullptr) {
-            mLayer = host::findRecord<AcDbLayerTable>(database->layerTableId(), group.string().kwszPtr());
-        }
+        mLayer = host::namedRecord<AcDbLayerTable>(group, database, &AcDbDatabase::layerTableId);
         return true;
     case 48:
         mLinetypeScale = group.real > 0.0 && std::isfinite(group.real) ? group.real : 1.0;

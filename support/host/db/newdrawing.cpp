@@ -130,12 +130,9 @@ private:
     void others() {
         record<AcDbRegAppTableRecord>(mContainers.regAppTable, L"ACAD");
         if (peek<AcDbSymbolTable>(mContainers.dimStyleTable)->records().empty()) {
-            record<AcDbDimStyleTableRecord>(mContainers.dimStyleTable, L"Standard",
-                                            [&](AcDbDimStyleTableRecord& style) {
-                                                DimVariables current = currentDimVariables(mDatabase);
-                                                current.txsty = mContainers.standardTextStyle;
-                                                style.setDimVariables(current);
-                                            });
+            const AcDbObjectId standard =
+                record<AcDbDimStyleTableRecord>(mContainers.dimStyleTable, L"Standard");
+            setStandardDimVariables(*peek<AcDbDimStyleTableRecord>(standard));
         }
         record<AcDbViewportTableRecord>(mContainers.viewportTable, L"*Active",
                                         [](AcDbViewportTableRecord& viewport) {
@@ -243,6 +240,16 @@ private:
 };
 
 } // namespace
+
+void setStandardDimVariables(AcDbDimStyleTableRecord& style) {
+    const AcDbDatabase& database = *style.database();
+    DimVariables variables = currentDimVariables(database);
+    variables.txsty = database.standardTextStyle();
+    AcDbStub* stub = style.objectId().stub();
+    const bool open = std::exchange(stub->openForWrite, true);
+    style.setDimVariables(variables);
+    stub->openForWrite = open;
+}
 
 void ensureBlockEnds(AcDbBlockTableRecord& block) {
     AcDbDatabase& database = *block.database();

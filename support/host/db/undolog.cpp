@@ -5,6 +5,7 @@
 #include "host/db/dbdatabase.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace host {
 namespace {
@@ -26,6 +27,20 @@ std::string imageOf(const AcDbObject& object) {
     MemoryDwgFiler filer(AcDb::kUndoFiler, object.database());
     object.dwgOutFields(&filer);
     return filer.takeBytes();
+}
+
+std::string bytesOf(const std::vector<AcDbStub*>& stubs) {
+    return {reinterpret_cast<const char*>(stubs.data()), stubs.size() * sizeof(AcDbStub*)};
+}
+
+/// Exchanges a list with the one that was recorded.
+void swapStubs(std::vector<AcDbStub*>& stubs, std::string& bytes) {
+    std::vector<AcDbStub*> before(bytes.size() / sizeof(AcDbStub*));
+    if (!before.empty()) {
+        std::memcpy(before.data(), bytes.data(), bytes.size());
+    }
+    bytes = bytesOf(stubs);
+    stubs = std::move(before);
 }
 
 } // namespace
@@ -73,6 +88,19 @@ void UndoLog::recordErase(AcDbStub& stub) {
     }
 }
 
+void UndoLog::recordEntities(AcDbBlockTableRecord& block) {
+    if (isRecording() && !mApplying) {
+        add({Kind::entities, block.objectId().stub(), bytesOf(block.entities()), {}, 0, {}});
+    }
+}
+
+void UndoLog::setLastErased(std::vector<AcDbStub*> entities) {
+    if (isRecording() && !mApplying) {
+        add({Kind::lastErased, nullptr, bytesOf(mLastErased), {}, 0, {}});
+    }
+    mLastErased = std::move(entities);
+}
+
 void UndoLog::recordHeader(HeaderIndex index, const HeaderValue& old) {
     if (isRecording() && !mApplying) {
         add({Kind::header, nullptr, {}, {}, index, old});
@@ -113,6 +141,12 @@ void UndoLog::apply(Record& record) {
     case Kind::erased:
         record.stub->erased = !record.stub->erased;
         mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
+        break;
+    case Kind::entities:
+        swapStubs(static_cast<AcDbBlockTableRecord&>(*record.stub->object).entitiesForReaders(), record.image);
+        break;
+    case Kind::lastErased:
+        swapStubs(mLastErased, record.image);
         break;
     case Kind::header:
         std::swap(record.value, mDatabase.impl().header[record.index]);
@@ -187,7 +221,7 @@ void UndoLog::setMark() {
     if (mGroupDepth == 0) {
         closeStep(mCommand);
     }
-    mSteps.push_back({mRecords.size(), L"MARK", true});
+    mSteps.push_back({mOpenBegin, L"MARK", true}); // before an open group, which is one step
     ++mEpoch;
 }
 
@@ -195,9 +229,9 @@ bool UndoLog::changedInStep() const {
     return mRecords.size() > mStepBegin;
 }
 
-void UndoLog::undoStep(std::vector<std::wstring>* names) {
+void UndoLog::undoStep(std::vector<std::wstring>* names, bool first) {
     const ScopedFlag applying(mApplying, true);
-    RedoStep redo{{}, mSteps.back()};
+    RedoStep redo{{}, mSteps.back(), first};
     mSteps.pop_back();
     redo.records.reserve(mRecords.size() - redo.step.begin);
     while (mRecords.size() > redo.step.begin) {
@@ -218,9 +252,9 @@ int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
     closeStep(mCommand);
     mGroupDepth = 0;
     int done = 0;
-    while (done < steps && !mSteps.empty()) {
+    for (bool first = true; done < steps && !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
-        undoStep(mark ? nullptr : names);
+        undoStep(mark ? nullptr : names, first);
         if (!mark) {
             ++done;
         }
@@ -231,9 +265,9 @@ int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
 bool UndoLog::undoBack(std::vector<std::wstring>* names) {
     closeStep(mCommand);
     mGroupDepth = 0;
-    while (!mSteps.empty()) {
+    for (bool first = true; !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
-        undoStep(mark ? nullptr : names);
+        undoStep(mark ? nullptr : names, first);
         if (mark) {
             return true;
         }
@@ -241,29 +275,41 @@ bool UndoLog::undoBack(std::vector<std::wstring>* names) {
     return false;
 }
 
-int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
-    int done = 0;
+void UndoLog::redoStep(std::vector<std::wstring>* names) {
     const ScopedFlag applying(mApplying, true);
-    while (done < steps && !mRedoSteps.empty()) {
-        RedoStep redo = std::move(mRedoSteps.back());
-        mRedoSteps.pop_back();
-        redo.step.begin = mRecords.size();
-        while (!redo.records.empty()) {
-            apply(redo.records.back());
-            mRecords.push_back(std::move(redo.records.back()));
-            redo.records.pop_back();
-        }
-        mSteps.push_back(redo.step);
-        if (!redo.step.mark) {
-            ++done;
-            if (names != nullptr) {
-                names->push_back(redo.step.name);
-            }
-        }
+    RedoStep redo = std::move(mRedoSteps.back());
+    mRedoSteps.pop_back();
+    redo.step.begin = mRecords.size();
+    while (!redo.records.empty()) {
+        apply(redo.records.back());
+        mRecords.push_back(std::move(redo.records.back()));
+        redo.records.pop_back();
     }
     mOpenBegin = mStepBegin = mRecords.size();
     ++mEpoch;
     ++mChangeCount;
+    if (!redo.step.mark && names != nullptr) {
+        names->push_back(redo.step.name);
+    }
+    mSteps.push_back(std::move(redo.step));
+}
+
+int UndoLog::redo(int steps, std::vector<std::wstring>* names) {
+    int done = 0;
+    while (done < steps && !mRedoSteps.empty()) {
+        redoStep(names);
+        done += mSteps.back().mark ? 0 : 1;
+    }
+    return done;
+}
+
+int UndoLog::redoLastUndo(std::vector<std::wstring>* names) {
+    int done = 0;
+    for (bool first = false; !first && !mRedoSteps.empty();) {
+        first = mRedoSteps.back().first;
+        redoStep(names);
+        done += mSteps.back().mark ? 0 : 1;
+    }
     return done;
 }
 
@@ -304,6 +350,9 @@ void UndoLog::abortTransaction(std::size_t position) {
     }
     mOpenBegin = std::min(mOpenBegin, mRecords.size());
     mStepBegin = std::min(mStepBegin, mRecords.size());
+    for (auto step = mSteps.rbegin(); step != mSteps.rend() && step->begin > mRecords.size(); ++step) {
+        step->begin = mRecords.size(); // a step that ended within the transaction
+    }
     ++mEpoch;
 }
 

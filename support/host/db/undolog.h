@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+class AcDbBlockTableRecord;
+
 namespace host {
 
 class DatabaseImpl;
@@ -51,6 +53,8 @@ public:
     bool undoBack(std::vector<std::wstring>* names = nullptr);
     /// Repeats steps taken back, until something else changes.
     int redo(int steps, std::vector<std::wstring>* names = nullptr);
+    /// Repeats all that the last undo took back, with its marks; returns how many steps.
+    int redoLastUndo(std::vector<std::wstring>* names = nullptr);
     bool hasMark() const { return markCount() > 0; }
     int markCount() const;
     int undoableSteps() const;
@@ -71,6 +75,11 @@ public:
     void restoreLatestImage(AcDbObject& object);
     /// Undo, redo or an abort is putting states back: objects may be written without being open.
     bool isApplying() const { return mApplying; }
+    /// The order of a block's entities is about to change other than by appending.
+    void recordEntities(AcDbBlockTableRecord& block);
+    /// Remembers what a command erased, for bringing it back; undo and redo take this along.
+    void setLastErased(std::vector<AcDbStub*> entities);
+    const std::vector<AcDbStub*>& lastErased() const { return mLastErased; }
     void recordHeader(HeaderIndex index, const HeaderValue& old);
     /// `old`, of another class, is about to lose its id to another object.
     void recordReplaced(AcDbStub& stub, const AcDbObject& old);
@@ -84,11 +93,11 @@ public:
     Adesk::UInt32 epoch() const { return mEpoch; }
 
 private:
-    enum class Kind { image, created, erased, header, replaced };
+    enum class Kind { image, created, erased, lastErased, entities, header, replaced };
     struct Record {
         Kind kind;
         AcDbStub* stub = nullptr;
-        std::string image;      ///< image and replaced: what the object filed
+        std::string image;      ///< image, replaced: what the object filed; entities, lastErased: addresses of stubs
         std::wstring className; ///< replaced
         HeaderIndex index = 0;  ///< header
         HeaderValue value;      ///< header
@@ -101,6 +110,7 @@ private:
     struct RedoStep {
         std::vector<Record> records;
         Step step;
+        bool first = false; ///< that its undo took back
     };
 
     void add(Record record);
@@ -108,13 +118,15 @@ private:
     void apply(Record& record);
     /// What was recorded since the last step becomes one, if it is anything.
     void closeStep(const std::wstring& name);
-    void undoStep(std::vector<std::wstring>* names);
+    void undoStep(std::vector<std::wstring>* names, bool first);
+    void redoStep(std::vector<std::wstring>* names);
     void dropRedo();
 
     AcDbDatabase& mDatabase;
     std::deque<Record> mRecords;
     std::vector<Step> mSteps;
     std::vector<RedoStep> mRedoSteps;
+    std::vector<AcDbStub*> mLastErased;
     Adesk::UInt32 mEpoch = 1;
     Adesk::UInt64 mChangeCount = 0;
     std::wstring mCommand;

@@ -319,15 +319,6 @@ const std::map<std::wstring_view, RecordMaker>& recordMakers() {
 
 // Blocks.
 
-std::wstring freeAnonymousName(const AcDbBlockTable& table, const std::wstring& prefix) {
-    for (int number = 0;; ++number) {
-        std::wstring name = prefix + std::to_wstring(number);
-        if (!table.has(name.c_str())) {
-            return name;
-        }
-    }
-}
-
 /// The record that a definition fills: a new one, or the one of that name emptied.
 AcDbObjectId blockFor(const resbuf* list, AcDbDatabase& database, std::wstring& name) {
     name = textOf(list, 2);
@@ -336,14 +327,15 @@ AcDbObjectId blockFor(const resbuf* list, AcDbDatabase& database, std::wstring& 
         return {};
     }
     const bool anonymous = (integerOf(list, 70) & 1) != 0 || (name.size() <= 2 && name.front() == L'*');
-    if (anonymous) {
-        name = freeAnonymousName(*table, name.front() == L'*' ? name : L"*" + name);
+    if (anonymous) { // of a kind that the first letter names; the table gives it a number
+        name = {L'*', name.front() != L'*' ? name.front() : name.size() > 1 ? name[1] : L'U'};
     }
     AcDbObjectId id;
-    if (table->getAt(name.c_str(), id) != Acad::eOk) {
+    if (anonymous || table->getAt(name.c_str(), id) != Acad::eOk) {
         auto record = std::make_unique<AcDbBlockTableRecord>();
         record->setName(name.c_str());
         if (table->add(id, record.get()) == Acad::eOk) {
+            name = record->name().kwszPtr();
             record.release()->close();
         }
     } else if (const auto* record = peek<AcDbBlockTableRecord>(id)) {

@@ -156,8 +156,13 @@ std::optional<Found> selectDirectly(const SsgetOptions& options, const void* fir
         return Found();
     }
     const std::wstring& way = options.way;
-    if (way == L"X" || way == L"A" || way == L"ALL") {
-        return Found{everything(*database, way != L"X"), nullptr};
+    if (way == L"X") {
+        std::vector<AcDbObjectId> ids = everything(*database, false);
+        std::reverse(ids.begin(), ids.end()); // the newest come first
+        return Found{std::move(ids), nullptr};
+    }
+    if (way == L"A" || way == L"ALL") {
+        return Found{everything(*database, true), nullptr};
     }
     if (way == L"P") {
         return Found{previousSelection().ids, nullptr};

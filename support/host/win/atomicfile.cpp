@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -48,15 +49,52 @@ bool writeAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
-// A name beside the file for something of this process; a long file name is shortened at a character's
-// border, so that it still fits.
-std::filesystem::path besideName(const std::filesystem::path& file, const std::string& ending) {
+// How names beside the file begin; a long file name is shortened at a character's border, so that they still
+// fit.
+std::string besidePrefix(const std::filesystem::path& file) {
     std::string name = file.filename().string();
     std::size_t keep = std::min<std::size_t>(name.size(), 200);
     while (keep > 0 && keep < name.size() && (static_cast<unsigned char>(name[keep]) & 0xC0) == 0x80)
         --keep;
     name.resize(keep);
-    return folderOf(file) / ("." + name + "." + std::to_string(getpid()) + ending);
+    return "." + name + ".";
+}
+
+// A name beside the file for something of this process.
+std::filesystem::path besideName(const std::filesystem::path& file, const std::string& ending) {
+    return folderOf(file) / (besidePrefix(file) + std::to_string(getpid()) + ending);
+}
+
+// Whether the rest of a name is the number of a process and what it ends its temporaries with.
+bool isTemporaryEnding(std::string_view rest) {
+    const std::size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
+    return digits > 0 && rest.substr(digits).starts_with('-') && rest.ends_with(".tmp");
+}
+
+// Takes away a temporary that nobody writes any more: writers hold a lock, and are given some seconds to take
+// it.
+void removeIfLeftBehind(const std::filesystem::path& file) {
+    constexpr time_t secondsToLock = 10;
+    struct stat status {};
+    const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0)
+        return;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+        status.st_mtime + secondsToLock < time(nullptr) && flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+        unlink(file.c_str());
+    ::close(descriptor);
+}
+
+// What programs that were killed while they wrote the file have left beside it.
+void removeLeftBehind(const std::filesystem::path& target) {
+    const std::string prefix = besidePrefix(target);
+    std::error_code error;
+    for (std::filesystem::directory_iterator at(folderOf(target), error), end; !error && at != end;
+         at.increment(error)) {
+        const std::string name = at->path().filename().string();
+        if (name.starts_with(prefix) && isTemporaryEnding(std::string_view(name).substr(prefix.size())))
+            removeIfLeftBehind(at->path());
+    }
 }
 
 } // namespace
@@ -155,6 +193,7 @@ void AtomicFile::openTarget() {
 
 void AtomicFile::openTemporary(const struct ::stat* old) {
     constexpr int newFile = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC;
+    removeLeftBehind(target_);
     for (int number = 0; descriptor_ < 0; ++number) {
         temporary_ = besideName(target_, "-" + std::to_string(number) + ".tmp");
         descriptor_ = open(temporary_.c_str(), newFile, 0666);
@@ -164,6 +203,7 @@ void AtomicFile::openTemporary(const struct ::stat* old) {
             return;
         }
     }
+    flock(descriptor_, LOCK_EX | LOCK_NB); // tells other programs that it is being written
     if (old == nullptr)
         return;
     mode_t mode = old->st_mode & 07777;

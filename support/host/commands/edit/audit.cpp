@@ -25,6 +25,7 @@ private:
     void checkHeader();
     void collectLists();
     void checkLists();
+    bool isGone(const AcDbStub& stub) const;
     void checkObject(AcDbStub& stub);
     void checkOwner(AcDbObject& object);
     void checkReactors(AcDbObject& object);
@@ -63,6 +64,21 @@ void Audit::note(const std::wstring& object, const std::wstring& fault, const st
     mResult.findings.push_back({object, fault, remedy, fixed});
 }
 
+/// Erased, or with an owner that is; what a block or entity lists is there all the same.
+bool Audit::isGone(const AcDbStub& stub) const {
+    const AcDbStub* at = &stub;
+    while (at != nullptr && at->object != nullptr && !at->erased) {
+        at = at->object->ownerId().stub();
+    }
+    return stub.erased || (at != nullptr && at->erased && !mListedIn.contains(const_cast<AcDbStub*>(&stub)));
+}
+
+void appendTo(AcDbObjectId blockId, const AcDbObject& entity) {
+    auto& block = *peek<AcDbBlockTableRecord>(blockId);
+    block.database()->undoLog().recordEntities(block);
+    block.entitiesForReaders().push_back(entity.objectId().stub());
+}
+
 template <class T>
 void Audit::note(T& object, const std::wstring& fault, const std::wstring& remedy,
                  std::function<void(T&)> fix) {
@@ -95,7 +111,7 @@ AuditResult Audit::run() {
     Adesk::UInt64 greatest = 0;
     for (AcDbStub* stub : stubs) {
         greatest = std::max(greatest, stub->handle);
-        if (stub->object != nullptr && !stub->erased) {
+        if (stub->object != nullptr && !isGone(*stub)) {
             ++mResult.objects;
             checkObject(*stub);
         }
@@ -215,7 +231,10 @@ void Audit::checkLists() {
             seen.clear();
             note<AcDbBlockTableRecord>(
                 *block, L"对象表中有 " + std::to_wstring(faulty) + L" 个无效的项", L"移除",
-                [&](AcDbBlockTableRecord& opened) { std::erase_if(opened.entitiesForReaders(), isFaulty); });
+                [&](AcDbBlockTableRecord& opened) {
+                    mDatabase.undoLog().recordEntities(opened);
+                    std::erase_if(opened.entitiesForReaders(), isFaulty);
+                });
             applyFixes();
         }
     }
@@ -244,9 +263,7 @@ void Audit::checkOwner(AcDbObject& object) {
     if (entity == nullptr || isThere(object.ownerId())) {
         if (entity != nullptr && listed == mListedIn.end() && peek<AcDbBlockTableRecord>(object.ownerId())) {
             note<AcDbObject>(object, L"不在所有者的对象表中", L"加入", [](AcDbObject& opened) {
-                peek<AcDbBlockTableRecord>(opened.ownerId())
-                    ->entitiesForReaders()
-                    .push_back(opened.objectId().stub());
+                appendTo(opened.ownerId(), opened);
             });
         } else if (listed != mListedIn.end() && listed->second != object.ownerId().stub()) {
             note<AcDbObject>(object, L"所有者不正确", L"改正", [owner = listed->second](AcDbObject& opened) {
@@ -262,9 +279,7 @@ void Audit::checkOwner(AcDbObject& object) {
     } else {
         note<AcDbObject>(object, L"没有所有者", L"放入模型空间", [this](AcDbObject& opened) {
             opened.setOwnerId(mDatabase.modelSpaceId());
-            peek<AcDbBlockTableRecord>(mDatabase.modelSpaceId())
-                ->entitiesForReaders()
-                .push_back(opened.objectId().stub());
+            appendTo(mDatabase.modelSpaceId(), opened);
         });
     }
 }

@@ -58,11 +58,8 @@ bool AcDbBlockReference::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup&
     const auto factor = [&] { return group.real == 0.0 || !std::isfinite(group.real) ? 1.0 : group.real; };
     switch (group.code) {
     case 2:
-        m.block = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            m.block = AcDbObjectId(host::findRecord<AcDbBlockTable>(filer->database()->blockTableId(),
-                                                                    group.string().kwszPtr()));
-        }
+        m.block = AcDbObjectId(
+            host::namedRecord<AcDbBlockTable>(group, filer->database(), &AcDbDatabase::blockTableId));
         return true;
     case 10:
         m.position = group.point();

@@ -238,15 +238,7 @@ Acad::ErrorStatus AcDbDimension::formatMeasurement(AcString& text, double value,
 
 host::DimVariables AcDbDimension::dimVariables() const {
     assertReadEnabled();
-    host::DimVariables variables;
-    if (const auto* style = host::peek<AcDbDimStyleTableRecord>(m.style, true)) {
-        variables = style->dimVariables();
-    } else if (database() != nullptr) {
-        variables = host::currentDimVariables(*database());
-    }
-    AcDbDatabase* home = database() != nullptr ? database() : m.style.database();
-    host::applyDimOverrides(variables, xdataGroups(), home);
-    return variables;
+    return host::annotationVariables(*this, m.style);
 }
 
 Acad::ErrorStatus AcDbDimension::setDimVariable(const host::DimVariables& values, std::size_t index) {

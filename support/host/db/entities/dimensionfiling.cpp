@@ -64,24 +64,17 @@ std::string_view AcDbDimension::dxfSubclass(std::string_view marker) const {
 }
 
 bool AcDbDimension::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view) {
-    AcDbDatabase* home = filer->database();
     switch (group.code) {
     case 1:
         m.text = group.string();
         return true;
     case 2:
-        m.block = AcDbObjectId(group.id);
-        if (group.id == nullptr && home != nullptr) {
-            m.block = AcDbObjectId(
-                host::findRecord<AcDbBlockTable>(home->blockTableId(), group.string().kwszPtr()));
-        }
+        m.block = AcDbObjectId(
+            host::namedRecord<AcDbBlockTable>(group, filer->database(), &AcDbDatabase::blockTableId));
         return true;
     case 3:
-        m.style = AcDbObjectId(group.id);
-        if (group.id == nullptr && home != nullptr) {
-            m.style = AcDbObjectId(
-                host::findRecord<AcDbDimStyleTable>(home->dimStyleTableId(), group.string().kwszPtr()));
-        }
+        m.style = AcDbObjectId(
+            host::namedRecord<AcDbDimStyleTable>(group, filer->database(), &AcDbDatabase::dimStyleTableId));
         return true;
     case 10:
         m.points[Point::first] = group.point();

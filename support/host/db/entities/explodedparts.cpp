@@ -26,23 +26,25 @@ std::unique_ptr<AcDbEntity> circularEntity(const AcDbEntity& source, const Curve
     return arc;
 }
 
-/// An elliptical piece as a polyline whose corners lie on it.
-std::unique_ptr<AcDbEntity> ellipticalEntity(const AcDbEntity& source, const CurvePiece& piece) {
-    constexpr double chordsPerTurn = 256.0;
-    const AcGeVector3d normal = piece.normal().normal();
-    auto polyline = newLike<AcDbPolyline>(source);
-    const bool full = piece.isFull();
-    const int count =
-        std::max(2, static_cast<int>(std::ceil((piece.to - piece.from) / twoPi * chordsPerTurn)));
-    polyline->setNormal(normal);
-    for (int index = 0; index < count + (full ? 0 : 1); ++index) {
-        const AcGePoint3d point =
-            toObject(normal, piece.pointAt(piece.from + (piece.to - piece.from) * index / count));
-        polyline->setElevation(point.z);
-        polyline->addVertexAt(static_cast<unsigned int>(index), to2d(point));
+std::unique_ptr<AcDbEntity> splineEntity(const AcDbEntity& source, const BezierCurve& curve) {
+    const auto count = static_cast<int>(curve.points().size());
+    AcGePoint3dArray points;
+    AcGeDoubleArray weights;
+    AcGeDoubleArray knots;
+    for (const WeightedPoint& point : curve.points()) {
+        points.append(point.point());
+        weights.append(point.w);
     }
-    polyline->setClosed(full);
-    return polyline;
+    for (int index = 0; index < 2 * count; ++index) {
+        knots.append(index < count ? 0.0 : 1.0);
+    }
+    if (!curve.isRational()) {
+        weights.setLogicalLength(0);
+    }
+    auto spline =
+        std::make_unique<AcDbSpline>(curve.degree(), curve.isRational(), false, false, points, knots, weights);
+    spline->setPropertiesFrom(&source);
+    return spline;
 }
 
 Acad::ErrorStatus pieceParts(const AcDbEntity& entity, const AcGeMatrix3d& transform,
@@ -53,16 +55,21 @@ Acad::ErrorStatus pieceParts(const AcDbEntity& entity, const AcGeMatrix3d& trans
     }
     for (const CurvePiece& piece : pieces) {
         const CurvePiece moved = piece.transformed(transform);
-        if (!moved.isArc()) {
+        if (moved.isBezier()) {
+            parts.push_back(splineEntity(entity, moved.bezier));
+        } else if (!moved.isArc()) {
             auto line = newLike<AcDbLine>(entity);
             line->setStartPoint(moved.start());
             line->setEndPoint(moved.end());
             parts.push_back(std::move(line));
-        } else if (moved.normal().isZeroLength()) {
-            return Acad::eDegenerateGeometry;
         } else {
-            parts.push_back(moved.isCircular() ? circularEntity(entity, moved)
-                                               : ellipticalEntity(entity, moved));
+            std::unique_ptr<AcDbEntity> arc =
+                moved.isCircular() ? circularEntity(entity, moved)
+                                   : newEllipse(entity, moved, moved.normal(), AcGeMatrix3d::kIdentity);
+            if (arc == nullptr) {
+                return Acad::eDegenerateGeometry;
+            }
+            parts.push_back(std::move(arc));
         }
     }
     return Acad::eOk;

@@ -128,15 +128,7 @@ void AcDbFcf::setDimensionStyle(AcDbObjectId style) {
 
 host::DimVariables AcDbFcf::dimVariables() const {
     assertReadEnabled();
-    host::DimVariables variables;
-    AcDbDatabase* home = database() != nullptr ? database() : m.style.database();
-    if (const auto* style = host::peek<AcDbDimStyleTableRecord>(m.style, true)) {
-        variables = style->dimVariables();
-    } else if (home != nullptr) {
-        variables = host::currentDimVariables(*home);
-    }
-    host::applyDimOverrides(variables, xdataGroups(), home);
-    return variables;
+    return host::annotationVariables(*this, m.style);
 }
 Acad::ErrorStatus AcDbFcf::setDimVariable(const host::DimVariables& values, std::size_t index) {
     assertWriteEnabled();
@@ -321,11 +313,8 @@ bool AcDbFcf::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std
         m.text = group.string();
         return true;
     case 3:
-        m.style = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            m.style = AcDbObjectId(host::findRecord<AcDbDimStyleTable>(filer->database()->dimStyleTableId(),
-                                                                       group.string().kwszPtr()));
-        }
+        m.style = AcDbObjectId(
+            host::namedRecord<AcDbDimStyleTable>(group, filer->database(), &AcDbDatabase::dimStyleTableId));
         return true;
     case 10:
         m.location = group.point();

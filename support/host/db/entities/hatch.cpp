@@ -164,9 +164,30 @@ std::optional<host::HatchEdge> edgeOf(const AcGeCurve2d& curve) {
     return std::nullopt;
 }
 
+host::HatchEdge splineEdge(const host::BezierCurve& curve) {
+    host::HatchEdge edge;
+    edge.kind = host::HatchEdge::Kind::spline;
+    edge.spline = std::make_unique<host::HatchSpline>();
+    host::HatchSpline& spline = *edge.spline;
+    spline.degree = curve.degree();
+    spline.rational = curve.isRational();
+    for (const host::WeightedPoint& point : curve.points()) {
+        spline.controlPoints.push_back(host::to2d(point.point()));
+        if (spline.rational) {
+            spline.weights.push_back(point.w);
+        }
+    }
+    spline.knots.assign(curve.points().size(), 0.0);
+    spline.knots.insert(spline.knots.end(), curve.points().size(), 1.0);
+    return edge;
+}
+
 /// A piece of a curve as an edge in the plane of a hatch.
 host::HatchEdge edgeOf(const host::CurvePiece& piece, const AcGeMatrix3d& toPlane) {
     const host::CurvePiece flat = piece.transformed(toPlane);
+    if (flat.isBezier()) {
+        return splineEdge(flat.bezier);
+    }
     host::HatchEdge edge;
     if (!flat.isArc()) {
         edge.start = host::to2d(flat.start());

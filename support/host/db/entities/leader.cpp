@@ -181,15 +181,7 @@ double AcDbLeader::annoWidth() const {
 
 host::DimVariables AcDbLeader::dimVariables() const {
     assertReadEnabled();
-    host::DimVariables variables;
-    AcDbDatabase* home = database() != nullptr ? database() : m.style.database();
-    if (const auto* style = host::peek<AcDbDimStyleTableRecord>(m.style, true)) {
-        variables = style->dimVariables();
-    } else if (home != nullptr) {
-        variables = host::currentDimVariables(*home);
-    }
-    host::applyDimOverrides(variables, xdataGroups(), home);
-    return variables;
+    return host::annotationVariables(*this, m.style);
 }
 Acad::ErrorStatus AcDbLeader::setDimVariable(const host::DimVariables& values, std::size_t index) {
     assertWriteEnabled();
@@ -479,11 +471,8 @@ std::string_view AcDbLeader::dxfSubclass(std::string_view marker) const {
 bool AcDbLeader::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view) {
     switch (group.code) {
     case 3:
-        m.style = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            m.style = AcDbObjectId(host::findRecord<AcDbDimStyleTable>(filer->database()->dimStyleTableId(),
-                                                                       group.string().kwszPtr()));
-        }
+        m.style = AcDbObjectId(
+            host::namedRecord<AcDbDimStyleTable>(group, filer->database(), &AcDbDatabase::dimStyleTableId));
         return true;
     case 10:
         m.vertices.push_back(group.point());

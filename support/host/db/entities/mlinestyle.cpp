@@ -203,11 +203,8 @@ bool AcDbMlineStyle::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& gro
         if (element == nullptr) {
             return false;
         }
-        element->linetype = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            element->linetype = AcDbObjectId(host::findRecord<AcDbLinetypeTable>(
-                filer->database()->linetypeTableId(), group.string().kwszPtr()));
-        }
+        element->linetype = AcDbObjectId(
+            host::namedRecord<AcDbLinetypeTable>(group, filer->database(), &AcDbDatabase::linetypeTableId));
         return true;
     default:
         return false;

@@ -61,11 +61,8 @@ bool AcDbMText::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, s
         mRead += group.text; // a code may be cut in two: read as one text at the end
         return true;
     case 7:
-        m.style = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            m.style = AcDbObjectId(host::findRecord<AcDbTextStyleTable>(filer->database()->textStyleTableId(),
-                                                                        group.string().kwszPtr()));
-        }
+        m.style = AcDbObjectId(
+            host::namedRecord<AcDbTextStyleTable>(group, filer->database(), &AcDbDatabase::textStyleTableId));
         return true;
     case 10:
         m.location = group.point();

@@ -16,6 +16,16 @@ AcDbStub* findRecord(AcDbObjectId tableId, const ACHAR* name) {
     return id.stub();
 }
 
+/// The record that a group names: by its id when a file was read, else by its name in a table of the database
+/// (which may be null).
+template <class Table>
+AcDbStub* namedRecord(const DxfGroup& group, const AcDbDatabase* database,
+                      AcDbObjectId (AcDbDatabase::*table)() const) {
+    return group.id != nullptr || database == nullptr
+               ? group.id
+               : findRecord<Table>((database->*table)(), group.string().kwszPtr());
+}
+
 /// Name of a record, erased or not; empty when there is none.
 inline AcString recordName(AcDbObjectId record) {
     const auto* found = peek<AcDbSymbolTableRecord>(record, true);

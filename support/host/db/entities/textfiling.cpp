@@ -40,11 +40,8 @@ bool AcDbText::takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, st
         m.text = group.string();
         return true;
     case 7:
-        m.style = AcDbObjectId(group.id);
-        if (group.id == nullptr && filer->database() != nullptr) {
-            m.style = AcDbObjectId(host::findRecord<AcDbTextStyleTable>(filer->database()->textStyleTableId(),
-                                                                        group.string().kwszPtr()));
-        }
+        m.style = AcDbObjectId(
+            host::namedRecord<AcDbTextStyleTable>(group, filer->database(), &AcDbDatabase::textStyleTableId));
         return true;
     case 10:
         m.position = group.point();

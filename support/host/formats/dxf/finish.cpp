@@ -32,6 +32,9 @@ void Reader::finish() {
     if (mFiler.decoder().wrongEncoding()) {
         report(L"部分文字不是 UTF-8, 按代码页读取", Done::repaired, 0, 0);
     }
+    if (mMadeDimStyle != nullptr) {
+        setStandardDimVariables(*mMadeDimStyle);
+    }
     const bool shouldBeComplete = mHasHeader && mFiler.version() >= AcDb::kDHL_1015;
     mImpl.completeDrawing([&](const std::wstring& added) {
         if (shouldBeComplete) {

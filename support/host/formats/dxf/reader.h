@@ -114,6 +114,7 @@ private:
     bool mHasProxies = false;
     std::vector<AcDbStub*> mObjects;                                     ///< what the objects section had
     bool mMadeModelSpace = false;                                        ///< the file's tables have none
+    AcDbDimStyleTableRecord* mMadeDimStyle = nullptr;                    ///< the file's tables have none
     std::vector<std::pair<HeaderIndex, AcString>> mHeaderNames;          ///< variables that name records
     std::unordered_map<AcDbStub*, std::size_t> mBlocksWithoutDefinition; ///< with the line that names them
     AcDbStub* mLastOwner = nullptr;

@@ -216,6 +216,10 @@ void Reader::completeTables() {
     need(known.byLayer, known.linetypeTable, L"AcDbLinetypeTableRecord", L"ByLayer");
     need(known.continuous, known.linetypeTable, L"AcDbLinetypeTableRecord", L"Continuous");
     need(known.standardTextStyle, known.textStyleTable, L"AcDbTextStyleTableRecord", L"Standard");
+    if (static_cast<AcDbSymbolTable*>(known.dimStyleTable.stub()->object)->records().empty()) {
+        mMadeDimStyle = AcDbDimStyleTableRecord::cast(
+            addRecord(known.dimStyleTable, L"AcDbDimStyleTableRecord", L"Standard"));
+    }
     need(known.layerZero, known.layerTable, L"AcDbLayerTableRecord", L"0");
     mMadeModelSpace = known.modelSpace.isNull();
     need(known.modelSpace, known.blockTable, L"AcDbBlockTableRecord", ACDB_MODEL_SPACE);
