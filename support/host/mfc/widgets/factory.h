@@ -3,6 +3,8 @@
 
 #include "host/mfc/widgets/window.h"
 
+class QButtonGroup;
+
 namespace host {
 
 struct WindowSpec {
@@ -39,7 +41,7 @@ void setCheck(HWND button, int check);
 bool isRadio(HWND button);
 bool isPushButton(HWND button);
 void setDefault(HWND button, bool isDefault);
-void setButtonGroup(HWND button, class QButtonGroup* group);
+void setButtonGroup(HWND button, QButtonGroup* group);
 void attachLabel(HWND label, HWND control);
 void attachBuddy(HWND spin, HWND edit);
 

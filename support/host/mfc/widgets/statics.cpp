@@ -64,10 +64,10 @@ private:
         label().setWordWrap(!middle && type != SS_SIMPLE && type != SS_LEFTNOWORDWRAP);
     }
     void showPicture(UINT image) {
-        const bool icon = (style & SS_TYPEMASK) == SS_ICON;
+        const bool isIcon = (style & SS_TYPEMASK) == SS_ICON;
         for (const HINSTANCE module : resourceModules()) {
             const QPixmap picture =
-                icon ? iconResource(module, MAKEINTRESOURCE(image))
+                isIcon ? iconResource(module, MAKEINTRESOURCE(image))
                      : QPixmap::fromImage(bitmapResource(module, MAKEINTRESOURCE(image)));
             if (!picture.isNull()) {
                 label().setPixmap(picture);

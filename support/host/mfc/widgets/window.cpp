@@ -349,9 +349,8 @@ void destroyWindow(HWND window) {
     window->dying = true;
     if (window->parent != nullptr)
         std::erase(window->parent->children, window);
-    if (CWnd* object = window->object) {
+    if (window->object != nullptr)
         guarded([&] { window->send(WM_NCDESTROY); });
-    }
     if (!window->widget.isNull())
         window->widget->deleteLater();
     window->deleteLater();
