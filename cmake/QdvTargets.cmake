@@ -70,3 +70,33 @@ function(qdv_module_part name)
   qdv_precompile(qdv_${name})
   set_property(GLOBAL APPEND PROPERTY QDV_MODULE_PARTS qdv_${name})
 endfunction()
+
+# qdv_resources(target script): compiles a resource script and puts the result into the target, where the host
+# finds it between qdvResourcesBegin and qdvResourcesEnd.
+find_program(QDV_RESOURCE_COMPILER NAMES x86_64-w64-mingw32-windres windres REQUIRED)
+function(qdv_resources target script)
+  get_filename_component(folder ${script} DIRECTORY)
+  set(compiled ${CMAKE_CURRENT_BINARY_DIR}/${target}.res)
+  set(holder ${CMAKE_CURRENT_BINARY_DIR}/${target}_resources.cpp)
+  file(GLOB_RECURSE inputs CONFIGURE_DEPENDS ${folder}/*)
+  add_custom_command(OUTPUT ${compiled}
+    COMMAND ${QDV_RESOURCE_COMPILER} --preprocessor=${CMAKE_CXX_COMPILER} --preprocessor-arg=-E
+      --preprocessor-arg=-xc-header --preprocessor-arg=-DRC_INVOKED -I ${CMAKE_SOURCE_DIR}/support/host/win/rc
+      -I ${folder} --output-format=res ${script} ${compiled}
+    DEPENDS ${inputs} ${CMAKE_SOURCE_DIR}/support/host/win/rc/winres.h
+    VERBATIM)
+  file(CONFIGURE OUTPUT ${holder} CONTENT [=[
+// A compiled resource script.
+asm(".section .rodata.qdvresources,\"a\"\n"
+    ".balign 16\n"
+    ".globl qdvResourcesBegin\n"
+    "qdvResourcesBegin:\n"
+    ".incbin \"@compiled@\"\n"
+    ".globl qdvResourcesEnd\n"
+    "qdvResourcesEnd:\n"
+    ".byte 0\n"
+    ".previous\n");
+]=] @ONLY)
+  set_source_files_properties(${holder} PROPERTIES OBJECT_DEPENDS ${compiled} SKIP_PRECOMPILE_HEADERS ON)
+  target_sources(${target} PRIVATE ${holder})
+endfunction()

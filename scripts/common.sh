@@ -3,7 +3,7 @@
 # leaves standard input alone.
 
 build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev libfreetype-dev
-    libfontconfig-dev zlib1g-dev libdeflate-dev)
+    libfontconfig-dev zlib1g-dev libdeflate-dev binutils-mingw-w64-x86-64)
 font_packages=(fonts-noto-cjk fonts-liberation hershey-fonts-data)
 test_packages=(libgtest-dev libgmock-dev python3)
 fuzz_packages=(clang libclang-rt-14-dev)

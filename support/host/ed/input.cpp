@@ -72,6 +72,11 @@ bool isPause(const InputItem& item) {
 
 } // namespace
 
+DialogHook& dialogHook() {
+    static DialogHook hook;
+    return hook;
+}
+
 InputStream& inputStream() {
     static InputStream stream;
     return stream;
@@ -142,6 +147,14 @@ InputItem InputStream::askUser(std::wstring_view prompt, const InputRequest& req
     const Unmute unmute;
     console().write(prompt);
     UserInput* user = mUser;
+    while (dialogHook().isOpen && dialogHook().isOpen()) {
+        const std::optional<std::wstring> line = takeDialogLine();
+        if (!line) {
+            break;
+        }
+        dialogHook().drive(*line);
+        console().write(prompt);
+    }
     InputItem item = user != nullptr ? user->read(request) : mNobody.read(request);
     if (item.kind == InputItem::Kind::motion) {
         return item;

@@ -6,6 +6,7 @@
 #include "host/rx/rx.h"
 
 #include <exception>
+#include <functional>
 #include <istream>
 #include <optional>
 #include <string>
@@ -70,8 +71,13 @@ public:
     virtual bool echoesItself() const { return false; }
     /// Where the last answer came from ("第 12 行"); empty when that says nothing.
     virtual std::wstring position() const { return {}; }
-    /// The next line when it begins with `@`, the language that drives dialogs; nothing else is consumed.
+    /// The next line when it begins with `@` and a letter, the language that drives dialogs; besides comments
+    /// before it nothing else is consumed.
     virtual std::optional<std::wstring> takeDialogLine() { return std::nullopt; }
+    /// Dialogs are seen and worked by hand; they need no lines.
+    virtual bool worksDialogs() const { return false; }
+    /// Nothing more is read: what comes next was meant for something that is not there.
+    virtual void close() {}
     /// Puts text behind what was typed and not yet read.
     virtual void post(std::wstring_view text) = 0;
     /// Takes posted text that was not read back.
@@ -92,6 +98,7 @@ public:
     bool atEnd() override;
     std::wstring position() const override;
     std::optional<std::wstring> takeDialogLine() override;
+    void close() override;
     void post(std::wstring_view text) override;
     /// True after an answer that came from a terminal.
     bool echoesItself() const override { return mInteractive && mFromStream; }
@@ -170,6 +177,13 @@ private:
     std::wstring mLastPrompt;
     int mEnds = 0; ///< questions in a row that got no answer any more
 };
+
+/// Dialogs beside the drawing take the user's `@` lines wherever a question is asked. Hung in by the dialogs.
+struct DialogHook {
+    std::function<bool()> isOpen;
+    std::function<void(const std::wstring& line)> drive;
+};
+DialogHook& dialogHook();
 
 /// Thrown into a command that goes on asking when there is nobody left to answer; ends at its boundary.
 class InputEnded : public std::exception {};

@@ -5,6 +5,8 @@
 #include "host/rx/format.h"
 #include "host/rx/text.h"
 
+#include <cwctype>
+
 namespace host {
 namespace {
 
@@ -124,12 +126,23 @@ std::wstring TypedInput::position() const {
 }
 
 std::optional<std::wstring> TypedInput::takeDialogLine() {
-    if (peek() != L'@' || mLineBegun || mPostedAt < mPosted.size()) {
-        return std::nullopt;
+    bool escape = false;
+    while (peek() == L';' && skipCommentOrEscape(escape)) {
+    }
+    if (peek() != L'@' || mLineBegun || mPostedAt < mPosted.size() || std::iswalpha(mLine[1]) == 0) {
+        return std::nullopt; // a relative point goes on with a number
     }
     std::wstring line = mLine.substr(0, mLine.size() - 1);
     mLineAt = mLine.size();
     return line;
+}
+
+void TypedInput::close() {
+    mStream = nullptr;
+    mLine.clear();
+    mLineAt = 0;
+    mLineBegun = false;
+    takePosted();
 }
 
 /// Passes over a whole line that is no answer; `escape` when it was ^C.

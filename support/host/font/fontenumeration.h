@@ -27,7 +27,9 @@ struct ENUMLOGFONTEXW {
 struct TEXTMETRICW {
     LONG tmHeight, tmAscent, tmDescent, tmWeight;
     BYTE tmItalic, tmPitchAndFamily, tmCharSet;
+    LONG tmInternalLeading, tmExternalLeading, tmAveCharWidth, tmMaxCharWidth;
 };
+using TEXTMETRIC = TEXTMETRICW;
 
 /// 0 ends the enumeration.
 using FONTENUMPROCW = int(CALLBACK*)(const LOGFONTW* font, const TEXTMETRICW* metric, DWORD fontType,

@@ -10,4 +10,6 @@
 #include "host/win/paths.h"
 #include "host/win/profilefile.h"
 #include "host/win/registry.h"
+#include "host/win/resources.h"
 #include "host/win/types.h"
+#include "host/win/winuser.h"

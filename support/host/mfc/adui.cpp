@@ -1,0 +1,96 @@
+// The host's windows as module code sees them, and the filters of messages.
+#include "host/mfc/adui.h"
+
+#include "host/mfc/appwindow.h"
+#include "host/mfc/modulestate.h"
+#include "host/mfc/widgets/application.h"
+#include "host/mfc/widgets/filters.h"
+#include "host/mfc/widgets/window.h"
+#include "host/win/clock.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+std::vector<AcedFilterWinMsgFn>& filters() {
+    static std::vector<AcedFilterWinMsgFn> list;
+    return list;
+}
+
+} // namespace
+
+CAcUiDialog::CAcUiDialog(UINT id, CWnd* parent, HINSTANCE resources) :
+    CAdUiDialog(id, parent != nullptr ? parent : acedGetAcadFrame(), resources) {}
+
+INT_PTR CAcUiDialog::DoModal() {
+    if (m_hDialogResourceSaved == nullptr)
+        return CAdUiDialog::DoModal();
+    const CAcModuleResourceOverride resources(m_hDialogResourceSaved);
+    return CAdUiDialog::DoModal();
+}
+
+CWnd* acedGetAcadFrame() {
+    static CWnd frame;
+    return &frame;
+}
+CWnd* acedGetAcadDwgView() {
+    static CWnd view;
+    return &view;
+}
+HWND adsw_acadMainWnd() {
+    return acedGetAcadFrame()->m_hWnd;
+}
+HWND adsw_acadDocWnd() {
+    return acedGetAcadDwgView()->m_hWnd;
+}
+
+BOOL acedRegisterFilterWinMsg(AcedFilterWinMsgFn function) {
+    if (function == nullptr || std::ranges::find(filters(), function) != filters().end())
+        return FALSE;
+    filters().push_back(function);
+    return TRUE;
+}
+
+BOOL acedRemoveFilterWinMsg(AcedFilterWinMsgFn function) {
+    return std::erase(filters(), function) != 0 ? TRUE : FALSE;
+}
+
+namespace host {
+
+bool filterMessage(MSG& message) {
+    bool swallowed = false;
+    // A filter may remove itself; one that did is not called any more.
+    for (const AcedFilterWinMsgFn filter : std::vector(filters())) {
+        if (!swallowed && std::ranges::find(filters(), filter) != filters().end())
+            guarded([&] { swallowed = filter(&message) != FALSE; });
+    }
+    return swallowed;
+}
+
+void hangApplicationWindows(QWidget* frame, QWidget* drawingView) {
+    const auto attach = [](CWnd& window, QWidget* widget) {
+        window.Detach();
+        if (widget != nullptr)
+            window.Attach(adoptWidget(widget));
+    };
+    attach(*acedGetAcadFrame(), frame);
+    attach(*acedGetAcadDwgView(), drawingView);
+}
+
+bool dialogKeepsFocus() {
+    const HWND focused = hasApplication() ? windowOfWidget(QApplication::focusWidget()) : nullptr;
+    for (HWND at = focused; at != nullptr; at = at->parent) {
+        const bool isDialog = at->isDialog() && (at->style & WS_CHILD) == 0;
+        if (isDialog) {
+            LRESULT keeps = 0;
+            guarded([&] { keeps = at->send(WM_ACAD_KEEPFOCUS); });
+            return keeps != 0;
+        }
+    }
+    return false;
+}
+
+} // namespace host

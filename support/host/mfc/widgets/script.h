@@ -1,0 +1,15 @@
+// Driving of dialogs by the lines of a script.
+#pragma once
+
+#include "host/mfc/widgets/dialogwindow.h"
+
+#include <QImage>
+
+namespace host {
+
+// A picture of a whole window, as many pixels a unit as the scale says.
+QImage windowPicture(HWND window, double scale);
+// Does what a line beginning with @ says to the open dialogs; what is wrong is told.
+void driveDialogs(const std::wstring& line);
+
+} // namespace host
