@@ -86,6 +86,8 @@ AcEdJig::Answer AcEdJig::acquire(Wanted wanted, const AcGePoint3d* base) {
     host::AskOptions options;
     options.wantsPoint = wanted != Wanted::text;
     options.wantsMotion = true;
+    options.dragged = entity();
+    options.takesDistance = wanted == Wanted::point && (mControls & kDisableDirectDistanceInput) == 0;
     if (wanted == Wanted::text && (mControls & kAnyBlankTerminatesInput) == 0) {
         options.mode = host::ReadMode::line;
     }

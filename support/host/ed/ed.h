@@ -10,6 +10,7 @@
 #include "host/ed/acjig.h"
 #include "host/ed/commandrunner.h"
 #include "host/ed/console.h"
+#include "host/ed/editorview.h"
 #include "host/ed/externalfunctions.h"
 #include "host/ed/input.h"
 #include "host/ed/keywords.h"

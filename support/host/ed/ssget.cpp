@@ -230,6 +230,7 @@ int pickEntity(const ACHAR* prompt, EntityPick& pick) {
     bool missed = false;
     ValueQuestion question{prompt != nullptr ? prompt : L"\n选择对象: ", {}, L"无效选择。", {}};
     question.options.wantsPoint = true;
+    question.options.picksObjects = true;
     question.take = [&](const InputItem& item) {
         if (item.kind == InputItem::Kind::value && item.value != nullptr) {
             const resbuf* value = item.value->restype == RTLB ? item.value->rbnext : item.value.get();
