@@ -8,7 +8,7 @@ namespace host {
 void initializeCommands() {
     const std::span<const CommandRow> families[] = {
         fileCommands(),     drawCommands(),    polylineCommands(),  textCommands(),      insertCommands(),
-        modifyCommands(),   undoCommands(),    layerCommands(),     linetypeCommands(),  viewCommands(),
+        modifyCommands(),   undoCommands(),    layerCommands(),     linetypeCommands(),  viewCommands(), gripCommands(),
         variableCommands(), ucsCommands(),     transformCommands(), arrayCommands(),     markCommands(),
         offsetCommands(),   peditCommands(),   propertyCommands(),  purgeCommands(),     auditCommands(),
         blockCommands(),    inquiryCommands(), settingsCommands(),  renameCommands(),    trimCommands(),

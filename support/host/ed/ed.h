@@ -12,6 +12,7 @@
 #include "host/ed/console.h"
 #include "host/ed/editorview.h"
 #include "host/ed/externalfunctions.h"
+#include "host/ed/grips.h"
 #include "host/ed/input.h"
 #include "host/ed/keywords.h"
 #include "host/ed/lisphook.h"

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class AcApDocument;
 class AcDbEntity;
@@ -43,8 +44,8 @@ struct Aim {
     bool takesDistance = false;
     /// Object snap for this point instead of the running one (bits of OSMODE).
     std::optional<int> snapModes;
-    /// An entity that follows the cursor; it stays its owner's, and as it is until the answer.
-    AcDbEntity* dragged = nullptr;
+    /// Entities that follow the cursor; they stay their owner's, and as they are until the answer.
+    std::vector<AcDbEntity*> dragged;
 };
 
 struct InputRequest : Aim {
