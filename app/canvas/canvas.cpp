@@ -1,5 +1,6 @@
 #include "app/canvas/canvas.h"
 
+#include "app/canvas/longjob.h"
 #include "app/canvas/overlay.h"
 
 #include "host/ed/acdocman.h"
@@ -377,6 +378,10 @@ void Canvas::setBackground(std::uint32_t color) {
     mLook.foreground = rgb(color).lightness() < 128 ? 0xFFFFFFFF : 0xFF000000;
     mIsStale = true;
     update();
+}
+
+Acad::ErrorStatus Canvas::runLong(std::wstring_view title, const std::function<Acad::ErrorStatus()>& job) {
+    return runLongJob(window(), QString::fromWCharArray(title.data(), static_cast<qsizetype>(title.size())), job);
 }
 
 // Painting.

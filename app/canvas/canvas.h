@@ -83,6 +83,7 @@ public:
     void regenerate() override;
     void highlight(std::span<const AcDbObjectId> ids, bool on) override;
     void drawVector(const AcGePoint3d& from, const AcGePoint3d& to, int color, bool highlighted) override;
+    Acad::ErrorStatus runLong(std::wstring_view title, const std::function<Acad::ErrorStatus()>& job) override;
     bool isShown() const override { return true; }
 
 protected:

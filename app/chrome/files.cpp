@@ -105,6 +105,7 @@ bool MainWindow::save(bool underNewName) {
     }
     document->setFile(name);
     document->state().savedChangeCount = database.undoLog().changeCount();
+    mAutosave.forget(*document);
     rememberFile(nativePath(name));
     followDocuments();
     return true;
@@ -128,6 +129,34 @@ bool MainWindow::mayClose(AcApDocument& document) {
         return save(false);
     }
     return box.clickedButton() == drop;
+}
+
+/// Copies that a program which ended badly has left are opened, or thrown away, as the user says.
+void MainWindow::offerRecovery() {
+    const std::vector<Recoverable> found = mAutosave.found();
+    if (found.empty()) {
+        return;
+    }
+    QString list;
+    for (const Recoverable& one : found) {
+        list += QStringLiteral("\n    %1   %2").arg(one.title, one.when);
+    }
+    QMessageBox box(QMessageBox::Question, tr("恢复图形"), tr("上次程序没有正常结束。以下图形有自动保存的副本:") + list,
+                    QMessageBox::NoButton, this);
+    const QPushButton* open = box.addButton(tr("恢复(&R)"), QMessageBox::AcceptRole);
+    const QPushButton* drop = box.addButton(tr("丢弃(&D)"), QMessageBox::DestructiveRole);
+    box.addButton(tr("以后再问"), QMessageBox::RejectRole);
+    box.exec();
+    for (const Recoverable& one : found) {
+        const bool opened = box.clickedButton() == open && Autosave::recover(one);
+        if (opened) {
+            mAutosave.save(); // under this program's name, before the old copy goes
+            mAutosave.finish();
+        }
+        if (opened || box.clickedButton() == drop) {
+            Autosave::drop(one);
+        }
+    }
 }
 
 void MainWindow::closeCurrent() {

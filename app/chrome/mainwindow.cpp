@@ -10,6 +10,7 @@
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
 #include "host/rx/text.h"
+#include "host/win/win.h"
 
 #include <QAction>
 #include <QApplication>
@@ -41,7 +42,7 @@ QString plain(const QString& text) {
 
 MainWindow::MainWindow()
     : mCanvas(new Canvas), mCommandLine(new CommandLine), mProperties(nullptr), mModes(nullptr),
-      mTabs(new QTabBar) {
+      mTabs(new QTabBar), mAutosave(host::settingsFolder() / "recovery") {
     applyStyle(*this);
     setWindowIcon(icon("app"));
     setObjectName(QStringLiteral("mainWindow"));
@@ -96,6 +97,8 @@ void MainWindow::begin(const Options& options) {
         acDocManagerPtr()->appContextNewDocument(nullptr);
     }
     loadModules(options);
+    mAutosave.setInterval(host::systemVariableInteger(L"SAVETIME"));
+    offerRecovery();
 }
 
 void MainWindow::end() {
@@ -221,6 +224,7 @@ void MainWindow::documentBecameCurrent(AcApDocument* document) {
 
 void MainWindow::documentToBeDestroyed(AcApDocument* document) {
     mCanvas->forget(document);
+    mAutosave.forget(*document);
 }
 
 void MainWindow::documentDestroyed(const ACHAR*) {

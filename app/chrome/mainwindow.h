@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/canvas/canvas.h"
+#include "app/chrome/autosave.h"
 #include "app/chrome/modebar.h"
 #include "app/chrome/propertybar.h"
 #include "app/console/commandline.h"
@@ -69,6 +70,7 @@ private:
     void showTextWindow();
     void showHelp();
     void selectAll();
+    void offerRecovery();
 
     Canvas* mCanvas;
     CommandLine* mCommandLine;
@@ -80,6 +82,7 @@ private:
     std::map<std::string, QToolBar*> mBars;
     std::unique_ptr<WindowInput> mInput;
     std::unique_ptr<QDialog> mTextWindow;
+    Autosave mAutosave;
     bool mIsFollowing = false; ///< tabs are being filled
 };
 

@@ -4,6 +4,7 @@
 
 #include "host/db/db.h"
 
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -24,6 +25,11 @@ public:
     virtual void drawVector(const AcGePoint3d&, const AcGePoint3d&, int /*color*/, bool /*highlighted*/) {}
     virtual void showStatus(std::wstring_view) {}
     virtual void showTextWindow(bool) {}
+    /// Does something that may take long, with `title` and the progress that readers tell shown to the user, who
+    /// may stop it. Nothing else happens meanwhile.
+    virtual Acad::ErrorStatus runLong(std::wstring_view /*title*/, const std::function<Acad::ErrorStatus()>& job) {
+        return job();
+    }
     /// Whether there is a picture that a user sees.
     virtual bool isShown() const { return false; }
 };
