@@ -1,6 +1,7 @@
-// qdvhost: starts the host, loads the module, runs a script on a drawing, and writes what was asked for.
+// qdvhost: starts the host and opens the window, or runs a script on a drawing and writes what was asked for.
 #include "app/options.h"
 #include "app/startup.h"
+#include "app/window.h"
 
 #include "host/ed/ed.h"
 #include "host/formats/formats.h"
@@ -19,18 +20,6 @@ void tell(const std::string& line) {
 }
 void tell(const std::wstring& line) {
     tell(host::toUtf8(line));
-}
-
-/// False when one could not be loaded; the reason was told by the loader.
-bool loadModules(const app::Options& options) {
-    bool loaded = true;
-    if (options.loadsDefaultModule) {
-        loaded = host::loadModule(app::programFolder() / "QDVCommonTools.arx");
-    }
-    for (const std::filesystem::path& module : options.modules) {
-        loaded = host::loadModule(module) && loaded;
-    }
-    return loaded;
 }
 
 bool runScript(host::Session& session, const std::string& script) {
@@ -99,7 +88,7 @@ int run(const app::Options& options) {
         } else {
             session.newDrawing();
         }
-        good = loadModules(options);
+        good = app::loadModules(options);
         good = runScript(session, *options.script) && good;
         std::cout.flush();
         good = writeResults(options) && good;
@@ -127,8 +116,8 @@ int main(int argc, char** argv) {
         return success;
     }
     if (!options->script) {
-        tell("这个版本没有窗口，请用 --script 运行脚本");
-        return usageError;
+        app::initializeHost(options->settings);
+        return app::runWindow(*options);
     }
     return run(*options);
 }

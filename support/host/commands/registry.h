@@ -24,6 +24,7 @@ std::span<const CommandRow> undoCommands();
 std::span<const CommandRow> layerCommands();
 std::span<const CommandRow> linetypeCommands();
 std::span<const CommandRow> viewCommands();
+std::span<const CommandRow> gripCommands();
 std::span<const CommandRow> variableCommands();
 std::span<const CommandRow> ucsCommands();
 std::span<const CommandRow> joinCommands();

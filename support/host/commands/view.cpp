@@ -1,40 +1,147 @@
-// ZOOM, REGEN and REDRAW. Without a window the view is kept in VIEWCTR and VIEWSIZE.
+// ZOOM, PAN, REGEN and REDRAW. The view is kept in VIEWCTR and VIEWSIZE; a window shows it.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+
+#include <cmath>
+#include <deque>
 
 namespace host {
 namespace {
 
-void setView(const AcGePoint3d& centre, double height) {
-    if (!(height > 0.0)) {
-        return;
-    }
+/// Centre in UCS coordinates and height of what is shown.
+struct View {
+    AcGePoint3d centre;
+    double height = 0.0;
+};
+
+/// Views that ZOOM Previous goes back to, the last one last.
+std::deque<View>& earlierViews() {
+    static std::deque<View> views;
+    return views;
+}
+
+View currentView() {
+    const ResbufList centre = systemVariable(L"VIEWCTR");
+    return {centre != nullptr ? asPoint3d(centre->resval.rpoint) : AcGePoint3d(),
+            systemVariableReal(L"VIEWSIZE")};
+}
+
+void show(const View& view) {
     resbuf value{};
     value.restype = RT3DPOINT;
-    setPoint(value.resval.rpoint, centre);
+    setPoint(value.resval.rpoint, view.centre);
     putSystemVariable(L"VIEWCTR", value);
     value = {};
     value.restype = RTREAL;
-    value.resval.rreal = height;
+    value.resval.rreal = view.height;
     putSystemVariable(L"VIEWSIZE", value);
+    editorView().viewChanged();
 }
 
-AcGePoint3d viewCentre() {
-    const ResbufList value = systemVariable(L"VIEWCTR");
-    return value != nullptr ? asPoint3d(value->resval.rpoint) : AcGePoint3d();
+void setView(const AcGePoint3d& centre, double height) {
+    constexpr std::size_t mostViews = 50;
+    if (!(height > 0.0) || !std::isfinite(height)) {
+        return;
+    }
+    earlierViews().push_back(currentView());
+    if (earlierViews().size() > mostViews) {
+        earlierViews().pop_front();
+    }
+    show({centre, height});
 }
 
-void setWindow(const AcGePoint3d& a, const AcGePoint3d& b) {
+/// Width by height of what is shown.
+double screenRatio() {
+    constexpr double usual = 4.0 / 3.0;
+    const ResbufList screen = editorView().isShown() ? systemVariable(L"SCREENSIZE") : nullptr;
+    return screen != nullptr && screen->resval.rpoint[1] > 0.0
+               ? screen->resval.rpoint[0] / screen->resval.rpoint[1]
+               : usual;
+}
+
+/// Corners in world coordinates; `margin` is a share of the window's size.
+void setWindow(const AcGePoint3d& a, const AcGePoint3d& b, double margin = 0.0) {
     const double width = std::abs(b.x - a.x);
     const double height = std::abs(b.y - a.y);
-    constexpr double screenRatio = 4.0 / 3.0;
-    setView(a + (b - a) * 0.5, std::max(height, width / screenRatio));
+    setView(a + (b - a) * 0.5, std::max(height, width / screenRatio()) * (1.0 + margin));
 }
 
-void zoomExtents() {
+double extentsMargin() {
+    return editorView().isShown() ? 0.04 : 0.0; // what lies on the border is seen
+}
+
+void zoomExtents(bool withLimits) {
     AcDbDatabase& database = currentDatabase();
-    if (database.updateExt() == Acad::eOk) {
-        setWindow(database.extmin(), database.extmax());
+    if (database.updateExt() == Acad::eOk && database.extmin().x <= database.extmax().x) {
+        setWindow(database.extmin(), database.extmax(), extentsMargin());
+    } else if (withLimits || editorView().isShown()) {
+        const ResbufList low = systemVariable(L"LIMMIN");
+        const ResbufList high = systemVariable(L"LIMMAX");
+        if (low != nullptr && high != nullptr) {
+            const double* a = low->resval.rpoint;
+            const double* b = high->resval.rpoint;
+            setWindow({a[0], a[1], 0.0}, {b[0], b[1], 0.0});
+        }
+    }
+}
+
+void zoomCentre() {
+    const PointAnswer centre = askPoint(L"\n指定中心点: ", nullptr, nullptr, 1);
+    const RealAnswer height =
+        centre.isValue() ? askDistance(L"\n输入比例或高度 <" + shown(systemVariableReal(L"VIEWSIZE")) + L">: ",
+                                       nullptr, &centre.ucs, 6)
+                         : RealAnswer();
+    if (height.isValue()) {
+        setView(centre.ucs, height.value);
+    }
+}
+
+void zoomWindow(const PointAnswer& first) {
+    const PointAnswer corner =
+        first.isValue() ? first : askPoint(L"\n指定第一个角点: ", nullptr, nullptr, 1);
+    if (!corner.isValue()) {
+        return;
+    }
+    ads_point base;
+    ads_point opposite;
+    setPoint(base, corner.ucs);
+    acedInitGet(1, nullptr);
+    if (acedGetCorner(base, L"\n指定对角点: ", opposite) == RTNORM) {
+        setWindow(corner.ucs, asPoint3d(opposite));
+    }
+}
+
+void zoomObjects() {
+    const Selection selection = Selection::ask();
+    AcDbExtents extents;
+    for (const AcDbObjectId id : selection.ids()) {
+        AcDbExtents own;
+        const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+        if (entity && entity->getGeomExtents(own) == Acad::eOk) {
+            extents.addExt(own);
+        }
+    }
+    if (!extents.isEmpty()) {
+        setWindow(extents.minPoint(), extents.maxPoint(), extentsMargin());
+    }
+}
+
+void zoomPrevious() {
+    if (earlierViews().empty()) {
+        acutPrintf(L"\n没有上一个视图。");
+        return;
+    }
+    const View view = earlierViews().back();
+    earlierViews().pop_back();
+    show(view);
+}
+
+void zoomScale(const std::wstring& text) {
+    const double factor = std::wcstod(text.c_str(), nullptr);
+    if (factor > 0.0) {
+        setView(currentView().centre, currentView().height / factor);
+    } else {
+        acutPrintf(L"\n需要比例因子或选项关键字。");
     }
 }
 
@@ -45,61 +152,40 @@ void runZoom() {
                  L"窗口(W)/对象(O)] <实时>: ",
                  L"All Center Dynamic Extents Previous Scale Window Object", nullptr, RSG_OTHER);
     if (first.isKeyword(L"Extents") || first.isKeyword(L"All")) {
-        zoomExtents();
+        zoomExtents(first.isKeyword(L"All"));
     } else if (first.isKeyword(L"Center")) {
-        const PointAnswer centre = askPoint(L"\n指定中心点: ", nullptr, nullptr, 1);
-        const RealAnswer height =
-            centre.isValue()
-                ? askDistance(L"\n输入比例或高度 <" + shown(systemVariableReal(L"VIEWSIZE")) + L">: ",
-                              nullptr, &centre.ucs, 6)
-                : RealAnswer();
-        if (height.isValue()) {
-            setView(centre.ucs, height.value);
-        }
+        zoomCentre();
     } else if (first.isKeyword(L"Window") || first.isValue()) {
-        const PointAnswer corner =
-            first.isValue() ? first : askPoint(L"\n指定第一个角点: ", nullptr, nullptr, 1);
-        if (!corner.isValue()) {
-            return;
-        }
-        ads_point base;
-        ads_point opposite;
-        setPoint(base, corner.ucs);
-        acedInitGet(1, nullptr);
-        if (acedGetCorner(base, L"\n指定对角点: ", opposite) == RTNORM) {
-            setWindow(corner.ucs, asPoint3d(opposite));
-        }
+        zoomWindow(first);
     } else if (first.isKeyword(L"Object")) {
-        const Selection selection = Selection::ask();
-        AcDbExtents extents;
-        for (const AcDbObjectId id : selection.ids()) {
-            AcDbExtents own;
-            const Opened<AcDbEntity> entity(id, AcDb::kForRead);
-            if (entity && entity->getGeomExtents(own) == Acad::eOk) {
-                extents.addExt(own);
-            }
-        }
-        if (!extents.isEmpty()) {
-            setWindow(extents.minPoint(), extents.maxPoint());
-        }
-    } else if (first.isKeyword(L"Scale") || first.kind == Answer::Kind::keyword) {
-        std::wstring text = first.keyword;
-        if (first.isKeyword(L"Scale")) {
-            text = askText(L"\n输入比例因子 (nX 或 nXP): ").text;
-        }
-        const double factor = std::wcstod(text.c_str(), nullptr);
-        if (factor > 0.0) {
-            setView(viewCentre(), systemVariableReal(L"VIEWSIZE") / factor);
-        } else {
-            acutPrintf(L"\n需要比例因子或选项关键字。");
-        }
+        zoomObjects();
+    } else if (first.isKeyword(L"Previous")) {
+        zoomPrevious();
+    } else if (first.isKeyword(L"Scale")) {
+        zoomScale(askText(L"\n输入比例因子 (nX 或 nXP): ").text);
+    } else if (first.kind == Answer::Kind::keyword) {
+        zoomScale(first.keyword);
     }
+}
+
+/// By a displacement, given by two points or by one from the origin.
+void runPan() {
+    const PointAnswer from = askPoint(L"\n指定基点或位移: ", nullptr, nullptr, 1);
+    if (!from.isValue()) {
+        return;
+    }
+    const PointAnswer to = askPoint(L"\n指定第二点: ", nullptr, &from.ucs);
+    if (to.isCancelled()) {
+        return;
+    }
+    const AcGeVector3d moved = to.isValue() ? to.ucs - from.ucs : from.ucs.asVector();
+    setView(currentView().centre - moved, currentView().height);
 }
 
 void runRegen() {
     acutPrintf(L"\n正在重生成模型。");
     currentDatabase().updateExt();
-    acedUpdateDisplay();
+    editorView().regenerate();
 }
 
 void runRedraw() {
@@ -107,11 +193,11 @@ void runRedraw() {
 }
 
 constexpr Adesk::Int32 flags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER;
-constexpr CommandRow rows[] = {{L"ZOOM", L"缩放", flags, runZoom},
-                               {L"REGEN", L"重生成", flags, runRegen},
-                               {L"REGENALL", L"全部重生成", flags, runRegen},
-                               {L"REDRAW", L"重画", flags, runRedraw},
-                               {L"REDRAWALL", L"全部重画", flags, runRedraw}};
+constexpr CommandRow rows[] = {
+    {L"ZOOM", L"缩放", flags, runZoom},     {L"PAN", L"平移", flags, runPan},
+    {L"-PAN", L"-平移", flags, runPan},     {L"REGEN", L"重生成", flags, runRegen},
+    {L"REGENALL", L"全部重生成", flags, runRegen}, {L"REDRAW", L"重画", flags, runRedraw},
+    {L"REDRAWALL", L"全部重画", flags, runRedraw}};
 
 } // namespace
 

@@ -7,6 +7,7 @@
 #include "host/ed/console.h"
 #include "host/ed/documentfonts.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/editorview.h"
 #include "host/ed/input.h"
 #include "host/ed/lisphook.h"
 #include "host/ed/session.h"
@@ -212,9 +213,11 @@ namespace {
 std::unique_ptr<AcDbDatabase> readDrawing(const std::filesystem::path& file, Acad::ErrorStatus& status) {
     auto database = std::make_unique<AcDbDatabase>(false);
     std::wstring message;
-    status = host::fileFormats().read
-                 ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
-                 : Acad::eNotImplementedYet;
+    status = host::editorView().runLong(host::displayPath(file), [&] {
+        return host::fileFormats().read
+                   ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
+                   : Acad::eNotImplementedYet;
+    });
     if (status == Acad::eOk) {
         if (!message.empty()) {
             acutPrintf(L"\n%s", message.c_str());

@@ -86,6 +86,10 @@ AcEdJig::Answer AcEdJig::acquire(Wanted wanted, const AcGePoint3d* base) {
     host::AskOptions options;
     options.wantsPoint = wanted != Wanted::text;
     options.wantsMotion = true;
+    if (AcDbEntity* dragged = entity()) {
+        options.dragged.push_back(dragged);
+    }
+    options.takesDistance = wanted == Wanted::point && (mControls & kDisableDirectDistanceInput) == 0;
     if (wanted == Wanted::text && (mControls & kAnyBlankTerminatesInput) == 0) {
         options.mode = host::ReadMode::line;
     }

@@ -91,7 +91,16 @@ int acedGetPoint(const ads_point base, const ACHAR* prompt, ads_point result) {
 }
 
 int acedGetCorner(const ads_point base, const ACHAR* prompt, ads_point result) {
-    return base != nullptr ? acedGetPoint(base, prompt, result) : RTERROR;
+    if (base == nullptr || result == nullptr) {
+        return RTERROR;
+    }
+    AcGePoint3d point;
+    const int code = host::askCorner(host::takeInitGet(), host::promptOr(prompt), host::asPoint3d(base),
+                                     host::Aim::Band::rectangle, point);
+    if (code == RTNORM) {
+        host::setPoint(result, point);
+    }
+    return code;
 }
 
 int acedGetDist(const ads_point base, const ACHAR* prompt, ads_real* result) {

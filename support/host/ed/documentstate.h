@@ -3,6 +3,7 @@
 
 #include "host/ed/acedinpt.h"
 #include "host/ed/externalfunctions.h"
+#include "host/ed/grips.h"
 #include "host/ed/selection.h"
 #include "host/ed/ucs.h"
 #include "host/rx/text.h"
@@ -67,6 +68,8 @@ struct DocumentState {
 
     PickSet implied;
     PickSet previous;
+    std::vector<EntityGrip> shownGrips;
+    std::vector<EntityGrip> hotGrips;
     std::vector<AcEdSSGetFilter*> selectionFilters;
     AcEdInputPointManager points;
     std::vector<UcsFrame> earlierUcs; ///< the last one last

@@ -242,10 +242,8 @@ bool InputStream::settle(InputItem& item, const AskOptions& options) {
 
 InputItem InputStream::ask(std::wstring_view prompt, const AskOptions& options) {
     InputRequest request;
+    static_cast<Aim&>(request) = options;
     request.mode = options.mode;
-    request.wantsPoint = options.wantsPoint;
-    request.wantsMotion = options.wantsMotion;
-    request.base = options.base;
     for (;;) {
         InputItem item = question(prompt, request);
         mLastPrompt = std::wstring(trim(prompt)) + L" " + echoText(item);

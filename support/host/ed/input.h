@@ -11,8 +11,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class AcApDocument;
+class AcDbEntity;
 
 namespace host {
 
@@ -22,16 +24,35 @@ enum class ReadMode {
     line,  ///< up to the end of the line, taken literally
 };
 
-struct InputRequest {
-    ReadMode mode = ReadMode::token;
-    /// At the command prompt, where a word is a command's name.
-    bool atCommandPrompt = false;
+/// What the cursor may do for an answer, and how that shows.
+struct Aim {
+    enum class Band {
+        line,      ///< from the base to the cursor
+        rectangle, ///< with the base as a corner
+        selection, ///< a rectangle that selects: a window to the right of the base, a crossing to the left
+        none,
+    };
     /// A point is asked for: the cursor may answer.
     bool wantsPoint = false;
     /// Movements of the cursor are wanted too, as items of kind motion.
     bool wantsMotion = false;
+    /// The point says which object is meant: the cursor is a pick box and no object snap applies.
+    bool picksObjects = false;
     /// A rubber band's start, in world coordinates.
     std::optional<AcGePoint3d> base;
+    Band band = Band::line;
+    /// A number typed for the point is a distance from the base towards the cursor.
+    bool takesDistance = false;
+    /// Object snap for this point instead of the running one (bits of OSMODE).
+    std::optional<int> snapModes;
+    /// Entities that follow the cursor; they stay their owner's, and as they are until the answer.
+    std::vector<AcDbEntity*> dragged;
+};
+
+struct InputRequest : Aim {
+    ReadMode mode = ReadMode::token;
+    /// At the command prompt, where a word is a command's name.
+    bool atCommandPrompt = false;
 };
 
 struct InputItem {
@@ -47,6 +68,7 @@ struct InputItem {
     std::wstring text;
     ResbufList value;
     bool fromCursor = false; ///< a point picked in the window: object snap applies
+    bool isAimed = false;    ///< and was tried: the point stands as it is
 
     static InputItem ofText(std::wstring text);
     static InputItem ofValue(ResbufList value);
@@ -133,11 +155,8 @@ private:
 };
 
 /// How a question is put.
-struct AskOptions {
+struct AskOptions : Aim {
     ReadMode mode = ReadMode::token;
-    bool wantsPoint = false;
-    bool wantsMotion = false;
-    std::optional<AcGePoint3d> base;
     bool allowTransparent = true; ///< 'ZOOM may be typed instead of an answer
 };
 

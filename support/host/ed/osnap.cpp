@@ -81,7 +81,7 @@ public:
             AcDbIntArray ids;
             if (entity.getOsnapPoints(static_cast<AcDb::OsnapMode>(mode.mode), 0, mPick, mLast,
                                       AcGeMatrix3d(), points, ids) == Acad::eOk) {
-                addPoints(points, entity.objectId(), mode.mask == AcDb::kOsMaskNear);
+                addPoints(points, entity.objectId(), mode.mask);
             }
         }
     }
@@ -92,13 +92,13 @@ public:
         AcGePoint3dArray points;
         if ((mModes & AcDb::kOsMaskInt) != 0 &&
             a.intersectWith(&b, AcDb::kOnBothOperands, points) == Acad::eOk) {
-            addPoints(points, a.objectId(), false);
+            addPoints(points, a.objectId(), AcDb::kOsMaskInt);
         }
         points.setLogicalLength(0);
         const AcGePlane view(AcGePoint3d::kOrigin, AcGeVector3d::kZAxis);
         if ((mModes & AcDb::kOsMaskApint) != 0 &&
             a.intersectWith(&b, AcDb::kOnBothOperands, view, points) == Acad::eOk) {
-            addPoints(points, a.objectId(), false);
+            addPoints(points, a.objectId(), AcDb::kOsMaskApint);
         }
     }
 
@@ -118,12 +118,12 @@ private:
         double distance = HUGE_VAL;
     };
 
-    void addPoints(const AcGePoint3dArray& points, AcDbObjectId entity, bool nearestOnly) {
-        Candidate& best = mBest[nearestOnly ? 1 : 0];
+    void addPoints(const AcGePoint3dArray& points, AcDbObjectId entity, int kind) {
+        Candidate& best = mBest[kind == AcDb::kOsMaskNear ? 1 : 0];
         for (const AcGePoint3d& point : points) {
             const double distance = std::hypot(point.x - mPick.x, point.y - mPick.y);
             if (distance < best.distance) {
-                best = {{point, entity, mModes}, distance};
+                best = {{point, entity, mModes, kind}, distance};
             }
         }
     }

@@ -31,6 +31,7 @@ struct Snapped {
     AcGePoint3d point;
     AcDbObjectId entity;
     int modes = 0; ///< that were asked for
+    int kind = 0;  ///< the mode it was found by
 };
 
 /// The snap point of one of the modes nearest to a place, on entities within the aperture; perpendicular and

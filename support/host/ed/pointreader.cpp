@@ -56,6 +56,7 @@ std::optional<AcGePoint3d> PointReader::read(const InputItem& item, std::optiona
         return std::nullopt;
     }
     const int modes = overrides            ? *overrides & ~AcDb::kOsMaskNoneOverride
+                      : item.isAimed       ? 0
                       : snapsRunning(item) ? runningSnapModes()
                                            : 0;
     const AcGePoint3d raw = ucsToWorld(*place);
@@ -71,7 +72,9 @@ std::optional<AcGePoint3d> PointReader::read(const InputItem& item, std::optiona
 
 std::optional<AcGePoint3d> PointReader::ask(std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
                                             std::optional<int> overrides, int depth) {
-    const InputItem item = inputStream().ask(prompt, pointOptions(base));
+    AskOptions options = pointOptions(base);
+    options.snapModes = overrides;
+    const InputItem item = inputStream().ask(prompt, options);
     if (item.isCancel()) {
         mCancelled = true;
         return std::nullopt;

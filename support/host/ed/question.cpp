@@ -207,15 +207,17 @@ std::optional<double> numberIn(const InputItem& item) {
     return numberInValue(item);
 }
 
+namespace {
+
 int askPoint(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
-             AcGePoint3d& result) {
+             const AskOptions& options, AcGePoint3d& result) {
     PointReader reader(base);
     const auto take = [&](const InputItem& item) {
         const std::optional<AcGePoint3d> point = reader.read(item);
         result = point.value_or(result);
         return point || reader.isCancelled();
     };
-    const int code = askValue(init, {std::wstring(prompt), pointOptions(base), pointRefusal(init), take});
+    const int code = askValue(init, {std::wstring(prompt), options, pointRefusal(init), take});
     if (reader.isCancelled()) {
         return RTCAN;
     }
@@ -223,6 +225,23 @@ int askPoint(const InitGet& init, std::wstring_view prompt, const std::optional<
         setLastPoint(result);
     }
     return code;
+}
+
+} // namespace
+
+int askPoint(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
+             AcGePoint3d& result) {
+    AskOptions options = pointOptions(base);
+    options.takesDistance = true;
+    return askPoint(init, prompt, base, options, result);
+}
+
+int askCorner(const InitGet& init, std::wstring_view prompt, const AcGePoint3d& base, Aim::Band band,
+              AcGePoint3d& result) {
+    AskOptions options = pointOptions(base);
+    options.band = band;
+    options.picksObjects = band == Aim::Band::selection;
+    return askPoint(init, prompt, base, options, result);
 }
 
 int askDistance(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,

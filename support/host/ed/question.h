@@ -46,6 +46,9 @@ std::optional<double> numberIn(const InputItem& item);
 /// Asks for a point (UCS) with snap overrides, and keeps it as LASTPOINT.
 int askPoint(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
              AcGePoint3d& result);
+/// The same for the corner opposite to the base.
+int askCorner(const InitGet& init, std::wstring_view prompt, const AcGePoint3d& base, Aim::Band band,
+              AcGePoint3d& result);
 int askDistance(const InitGet& init, std::wstring_view prompt, const std::optional<AcGePoint3d>& base,
                 double& result);
 /// `orientation`: against the X axis instead of ANGBASE.

@@ -4,6 +4,7 @@
 #include "host/ed/aced.h"
 #include "host/ed/console.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/editorview.h"
 #include "host/ed/entitylist.h"
 #include "host/ed/question.h"
 #include "host/ed/runcontext.h"
@@ -71,6 +72,9 @@ class Selecting {
 public:
     Selecting(const SelectOptions& options, const SelectionFilter& filter, PickSet& result, InitGet init)
         : mOptions(options), mFilter(filter), mResult(result), mInit(std::move(init)) {}
+    ~Selecting() { editorView().highlight(mShown, false); }
+    Selecting(const Selecting&) = delete;
+    Selecting& operator=(const Selecting&) = delete;
 
     int run() {
         if (mOptions.useImplied && takeImplied()) {
@@ -109,6 +113,7 @@ private:
     InputItem ask() {
         AskOptions options;
         options.wantsPoint = true;
+        options.picksObjects = true;
         const std::wstring& prompt = mRemoving ? mOptions.removePrompt : mOptions.addPrompt;
         if (!prompt.starts_with(L'\n')) {
             console().freshLine(); // a program's own prompt must not run on behind the count of the last pick
@@ -195,7 +200,7 @@ private:
             return;
         }
         AcGePoint3d corner;
-        if (askPoint({}, L"\n指定对角点: ", point, corner) == RTNORM) {
+        if (askCorner({}, L"\n指定对角点: ", point, Aim::Band::selection, corner) == RTNORM) {
             changeByShape(corner.x >= point.x ? SelectionShape::Kind::window : SelectionShape::Kind::crossing,
                           rectangleCorners(point, corner));
         }
@@ -269,7 +274,7 @@ private:
         InitGet init;
         init.flags = RSG_NONULL;
         if (askPoint(init, L"\n指定第一个角点: ", std::nullopt, first) == RTNORM &&
-            askPoint(init, L"\n指定对角点: ", first, second) == RTNORM) {
+            askCorner(init, L"\n指定对角点: ", first, Aim::Band::selection, second) == RTNORM) {
             const auto fromLeft =
                 second.x >= first.x ? SelectionShape::Kind::window : SelectionShape::Kind::crossing;
             changeByShape(kind.value_or(fromLeft), rectangleCorners(first, second));
@@ -344,6 +349,14 @@ private:
         } else {
             mResult.removeAll(step.ids);
         }
+        highlight(step.ids, step.removed);
+    }
+
+    void highlight(const std::vector<AcDbObjectId>& ids, bool on) {
+        editorView().highlight(ids, on);
+        if (on) {
+            mShown.insert(mShown.end(), ids.begin(), ids.end());
+        }
     }
 
     /// Adds or removes what was found, with the counts that the user is told.
@@ -377,6 +390,7 @@ private:
                 }
             }
         }
+        highlight(step.ids, !mRemoving);
         mSteps.push_back(std::move(step));
         tell(found.size(), repeated, before, locked);
         mDone = mOptions.single || (mSingle && !mResult.empty());
@@ -433,6 +447,7 @@ private:
     PickSet& mResult;
     InitGet mInit;
     std::vector<Step> mSteps;
+    std::vector<AcDbObjectId> mShown; ///< as selected
     bool mRemoving = false;
     bool mSingle = false;
     bool mDone = false;

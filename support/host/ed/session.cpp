@@ -195,7 +195,9 @@ void runTypedCommand(const std::wstring& typed) {
         }
         console().write(L"\n" + name);
     }
-    if (name.front() != L'\'' && isCommandName(name)) {
+    const AcEdCommand* command = findCommand(name);
+    const bool isRepeated = command == nullptr || (command->commandFlags() & ACRX_CMD_NOHISTORY) == 0;
+    if (name.front() != L'\'' && isRepeated && isCommandName(name)) {
         document->state().lastCommand = name;
     }
     startTypedCommand(name);

@@ -203,15 +203,6 @@ bool usesImplied() {
     return systemVariableInteger(L"PICKFIRST") != 0 && (frame == nullptr || frame->usesPickSet);
 }
 
-/// A selection prompt stands on a line of its own, whether the caller says so or not.
-std::wstring onOwnLine(const ACHAR* prompt) {
-    std::wstring text = prompt != nullptr ? prompt : L"";
-    if (!text.empty() && text.front() != L'\n') {
-        text.insert(text.begin(), L'\n');
-    }
-    return text;
-}
-
 int selectByDialogue(const SsgetOptions& options, const void* prompts, const SelectionFilter& filter,
                      ads_name set) {
     SelectOptions dialogue;
@@ -221,8 +212,8 @@ int selectByDialogue(const SsgetOptions& options, const void* prompts, const Sel
     dialogue.useImplied = usesImplied() && !options.single;
     if (options.prompts && prompts != nullptr) {
         const auto* texts = static_cast<const ACHAR* const*>(prompts);
-        dialogue.addPrompt = onOwnLine(texts[0]);
-        dialogue.removePrompt = onOwnLine(texts[1]);
+        dialogue.addPrompt = texts[0] != nullptr ? texts[0] : L"";
+        dialogue.removePrompt = texts[1] != nullptr ? texts[1] : L"";
     }
     PickSet found;
     const int code = selectEntities(dialogue, filter, found);
@@ -244,6 +235,7 @@ int pickEntity(const ACHAR* prompt, EntityPick& pick) {
     bool missed = false;
     ValueQuestion question{prompt != nullptr ? prompt : L"\n选择对象: ", {}, L"无效选择。", {}};
     question.options.wantsPoint = true;
+    question.options.picksObjects = true;
     question.take = [&](const InputItem& item) {
         if (item.kind == InputItem::Kind::value && item.value != nullptr) {
             const resbuf* value = item.value->restype == RTLB ? item.value->rbnext : item.value.get();

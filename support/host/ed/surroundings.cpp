@@ -1,12 +1,15 @@
 // Settings, files, the picture and units of the C-style interface.
 #include "host/db/dbents.h"
 #include "host/ed/aced.h"
+#include "host/ed/editorview.h"
 #include "host/ed/session.h"
 #include "host/ed/sysvars.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace host {
 namespace {
@@ -195,34 +198,71 @@ int acedMenuCmd(const ACHAR* text) {
     return text != nullptr ? RTNORM : RTERROR; // there are no menus to change
 }
 
-int acedGrDraw(const ads_point, const ads_point, int, int) {
+int acedGrDraw(const ads_point from, const ads_point to, int color, int highlight) {
+    host::editorView().drawVector(host::ucsToWorld(host::asPoint3d(from)),
+                                  host::ucsToWorld(host::asPoint3d(to)), color, highlight != 0);
     return RTNORM;
 }
-int acedGrVecs(const resbuf*, ads_matrix) {
+/// A list of a colour (below zero: highlighted) and pairs of points, the colour as often as it changes.
+int acedGrVecs(const resbuf* vectors, ads_matrix transform) {
+    AcGeMatrix3d matrix;
+    for (int row = 0; transform != nullptr && row < 4; ++row) {
+        std::copy_n(transform[row], 4, matrix.entry[row]);
+    }
+    int color = AcCmEntityColor::kACIforeground;
+    const auto isPoint = [](const resbuf* at) {
+        return at != nullptr && (at->restype == RTPOINT || at->restype == RT3DPOINT);
+    };
+    const auto world = [&](const resbuf* at) {
+        return host::ucsToWorld(matrix * host::asPoint3d(at->resval.rpoint));
+    };
+    for (const resbuf* at = vectors; at != nullptr; at = at->rbnext) {
+        if (at->restype == RTSHORT) {
+            color = at->resval.rint;
+        } else if (isPoint(at) && isPoint(at->rbnext)) {
+            host::editorView().drawVector(world(at), world(at->rbnext), std::abs(color), color < 0);
+            at = at->rbnext;
+        }
+    }
     return RTNORM;
 }
-int acedGrText(int, const ACHAR*, int) {
+int acedGrText(int box, const ACHAR* text, int) {
+    constexpr int statusLine = -1, coordinates = -2;
+    if (box == statusLine || box == coordinates) {
+        host::editorView().showStatus(text != nullptr ? text : L"");
+    }
     return RTNORM;
 }
 int acedGrRead(int, int*, resbuf*) {
     return RTERROR;
 }
 int acedRedraw(const ads_name entity, int mode) {
-    constexpr int lastMode = 4;
+    constexpr int lastMode = 4, highlights = 3, highlightsNoMore = 4;
     AcDbObjectId id;
     if (entity == nullptr || ads_name_nil(entity)) {
+        host::editorView().redraw();
         return RTNORM;
     }
-    return mode >= 1 && mode <= lastMode && acdbGetObjectId(id, entity) == Acad::eOk ? RTNORM : RTERROR;
+    if (mode < 1 || mode > lastMode || acdbGetObjectId(id, entity) != Acad::eOk) {
+        return RTERROR;
+    }
+    if (mode == highlights || mode == highlightsNoMore) {
+        host::editorView().highlight({&id, 1}, mode == highlights);
+    }
+    return RTNORM;
 }
-void acedUpdateDisplay() {}
+void acedUpdateDisplay() {
+    host::editorView().redraw();
+}
 int acedUpdateDisplayPause(bool) {
     return RTNORM;
 }
 int acedTextScr() {
+    host::editorView().showTextWindow(true);
     return RTNORM;
 }
 int acedGraphScr() {
+    host::editorView().showTextWindow(false);
     return RTNORM;
 }
 int acedTextPage() {

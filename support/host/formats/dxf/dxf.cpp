@@ -19,6 +19,9 @@ ReadResult readDxfText(AcDbDatabase& database, std::string_view bytes) {
     } catch (const dxf::FormatError& error) {
         result.status = Acad::eBadDxfFile;
         result.message = error.message;
+    } catch (const dxf::ReadingStopped&) {
+        result.status = Acad::eUserBreak;
+        result.message = L"已取消打开";
     } catch (const std::bad_alloc&) {
         result.status = Acad::eOutOfMemory;
         result.message = L"内存不足, 无法读取文件";

@@ -19,6 +19,9 @@ public:
     std::wstring message;
 };
 
+/// Thrown when whoever waits for the drawing has had enough.
+class ReadingStopped {};
+
 /// What a binary file begins with.
 inline constexpr std::string_view binarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
 
@@ -63,6 +66,8 @@ public:
         std::size_t group = 0;
     };
     Position position() const { return {static_cast<std::size_t>(mAt - mBegin), mGroup}; }
+    /// Bytes of the file.
+    std::size_t size() const { return static_cast<std::size_t>(mEnd - mBegin); }
     void seek(Position position) {
         mAt = mBegin + position.offset;
         mGroup = position.group;

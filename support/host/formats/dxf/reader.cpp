@@ -1,6 +1,8 @@
 // Sections of a DXF file in any order, header variables, classes and the objects section.
 #include "host/formats/dxf/reader.h"
 
+#include "host/formats/readprogress.h"
+
 #include "host/formats/dxf/versions.h"
 #include "host/rx/format.h"
 #include "host/rx/text.h"
@@ -82,7 +84,17 @@ void Reader::read() {
     finish();
 }
 
+void Reader::tellProgress() {
+    constexpr std::size_t seldom = 1024; // records
+    const std::size_t size = std::max<std::size_t>(mScanner.size(), 1);
+    if (++mRecordCount % seldom == 0 &&
+        !ReadProgress::tell(static_cast<double>(mScanner.position().offset) / static_cast<double>(size))) {
+        throw ReadingStopped();
+    }
+}
+
 bool Reader::nextInSection() {
+    tellProgress();
     if (!mFiler.nextRecord()) {
         throw FormatError(mScanner.place() + L": 文件在段的中间结束, 没有 ENDSEC");
     }

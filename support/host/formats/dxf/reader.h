@@ -38,6 +38,7 @@ private:
     void findTablesAhead();
     /// The next record of a section; false at its end. A file that ends here is broken.
     bool nextInSection();
+    void tellProgress();
 
     // Tables (tables.cpp).
 
@@ -107,6 +108,7 @@ private:
     RecordClasses mClasses;
 
     std::optional<FileFiler::Place> mTablesRead; ///< the TABLES section that was read ahead
+    std::size_t mRecordCount = 0;
     bool mHasTables = false;
     bool mHasHeader = false;
     bool mEnded = false;        ///< the EOF record was read

@@ -1,0 +1,134 @@
+// What a drawing's space shows: every entity's box, colour and, once it was seen near enough, its geometry.
+// Follows the drawing through the journal of touched objects: only what changed is made anew.
+#pragma once
+
+#include "app/canvas/displaytree.h"
+#include "app/canvas/geometry.h"
+
+#include "host/db/db.h"
+#include "host/ge/box2d.h"
+#include "host/gi/flatten.h"
+
+#include <bit>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace app {
+
+/// An entity of the scene, in drawing order.
+struct SceneItem {
+    AcDbStub* stub = nullptr;
+    Geometry geometry;
+    FloatBox box;
+    std::uint32_t color = 0; ///< of a dot that stands for it; foreground: see isForeground
+    bool isForeground : 1 = false;
+    bool isHidden : 1 = false;    ///< erased, invisible, or on a layer that is off or frozen
+    bool isUnbounded : 1 = false; ///< an infinite line
+    bool isInTree : 1 = false;
+    bool isDependent : 1 = false; ///< drawn with other objects: a block's, a style's
+    bool isHighlighted : 1 = false;
+};
+
+/// What has to be painted again.
+struct SceneChange {
+    bool everything = false;
+    std::vector<host::Box2d> boxes; ///< world
+
+    bool isEmpty() const { return !everything && boxes.empty(); }
+};
+
+class Scene {
+public:
+    /// Shows the current space. The database must outlive the scene.
+    explicit Scene(AcDbDatabase& database);
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    AcDbDatabase& database() const { return mDatabase; }
+    /// A drawing tells one scene of its changes; from now on this one.
+    void listen() { mDatabase.impl().places.setJournal(&mJournal); }
+    /// Takes in what changed in the drawing since the last call.
+    SceneChange update();
+    /// Forgets everything drawn.
+    void regenerate();
+
+    std::span<SceneItem> items() { return mItems; }
+    const AcGePoint2d& origin() const { return mOrigin; }
+    const PenTable& pens() const { return mPens; }
+    FloatBox relative(const host::Box2d& box) const;
+    host::Box2d absolute(const FloatBox& box) const;
+    /// Box of all that is shown; empty for an empty drawing.
+    host::Box2d extents() const;
+
+    /// Calls visit(index) for items that may show in the box, in drawing order; of branches of the tree smaller
+    /// than `smallest` for one only.
+    template <class Visit>
+    void search(const host::Box2d& box, double smallest, Visit visit) {
+        collect(box, smallest);
+        for (std::size_t word = 0; word < mMarked.size(); ++word) {
+            for (std::uint64_t bits = mMarked[word]; bits != 0; bits &= bits - 1) {
+                visit(word * 64 + static_cast<std::size_t>(std::countr_zero(bits)));
+            }
+            mMarked[word] = 0;
+        }
+    }
+
+    /// The item's geometry is right for this scale.
+    static bool isFit(const SceneItem& item, int level);
+    /// Makes it so. What can't be drawn has empty geometry.
+    void build(SceneItem& item, double unitsPerPixel);
+    /// Geometry of an entity that is made for one picture only: around `origin`, within `view`.
+    Geometry drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double unitsPerPixel,
+                       const host::Box2d& view);
+    static int levelOf(double unitsPerPixel);
+
+    /// Shows entities as selected, or no more; tells what has to be painted.
+    SceneChange highlight(std::span<const AcDbObjectId> ids, bool on);
+    /// Drops geometry outside of the view when all together takes too much.
+    void trim(const host::Box2d& view);
+    /// Bytes held beside the drawing itself.
+    std::size_t bytes() const;
+
+private:
+    static constexpr std::uint32_t none = ~std::uint32_t{0};
+
+    void load();
+    void loadItems();
+    void measure(SceneItem& item);
+    void look(SceneItem& item) const;
+    void pack();
+    void collect(const host::Box2d& box, double smallest);
+    void mark(std::size_t index) { mMarked[index / 64] |= std::uint64_t{1} << (index % 64); }
+    void forgetGeometry();
+    void change(std::uint32_t index, SceneChange& change);
+    void changed(AcDbStub* stub, SceneChange& change);
+    void blockChanged(AcDbStub* block, SceneChange& change);
+    void append(AcDbStub* stub, SceneChange& change);
+    void use(AcDbStub* block);
+    host::Flattener& flattener(double unitsPerPixel, const host::Box2d* view);
+
+    std::uint32_t indexOf(const AcDbStub* stub) const;
+    void remember(std::uint32_t index);
+    void rehash();
+
+    AcDbDatabase& mDatabase;
+    AcDbObjectId mSpace;
+    AcGePoint2d mOrigin;
+    std::vector<SceneItem> mItems;
+    DisplayTree mTree;
+    std::vector<std::uint32_t> mRecent; ///< not in the tree
+    std::vector<std::uint32_t> mTable;  ///< open addressing by stub
+    std::vector<std::uint64_t> mMarked; ///< a bit an item, zero between searches
+    std::unordered_set<AcDbStub*> mUsedBlocks;
+    std::vector<AcDbStub*> mJournal;
+    PenTable mPens;
+    GeometrySink mSink;
+    std::unique_ptr<host::DrawingSource> mSource;
+    std::unique_ptr<host::Flattener> mFlattener;
+    int mFlattenerLevel = 0;
+    std::size_t mGeometryBytes = 0;
+};
+
+} // namespace app

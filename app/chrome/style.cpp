@@ -1,0 +1,55 @@
+#include "app/chrome/style.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QWidget>
+
+namespace app {
+
+void applyStyle(QWidget& window) {
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QPalette palette;
+    const QColor plate(46, 52, 60), field(34, 40, 47), text(222, 227, 232), dim(128, 136, 145), accent(64, 140, 220);
+    palette.setColor(QPalette::Window, plate);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, field);
+    palette.setColor(QPalette::AlternateBase, QColor(40, 46, 53));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, QColor(56, 63, 72));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::ToolTipBase, QColor(60, 68, 77));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, dim);
+    palette.setColor(QPalette::Highlight, accent);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(108, 182, 255));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, dim);
+    }
+    QApplication::setPalette(palette);
+    window.setStyleSheet(QStringLiteral(
+        "QToolBar { border: 0; spacing: 1px; padding: 2px; }"
+        "QToolBar::separator { background: #4a525c; width: 1px; height: 1px; margin: 4px; }"
+        "QToolButton { border: 1px solid transparent; border-radius: 3px; padding: 2px; }"
+        "QToolButton:hover { background: #465260; border-color: #5a6878; }"
+        "QToolButton:pressed { background: #2f5f92; }"
+        "QStatusBar { background: #262c33; }"
+        "QStatusBar::item { border: 0; }"
+        "QStatusBar QToolButton { padding: 1px 6px; color: #98a1ab; }"
+        "QStatusBar QToolButton:checked { background: #2b5580; color: #ffffff; border-color: #3c73a8; }"
+        "QMenuBar { background: #262c33; padding: 1px; }"
+        "QMenuBar::item { padding: 4px 9px; background: transparent; }"
+        "QMenuBar::item:selected { background: #3d4854; }"
+        "QTabBar { background: #262c33; }"
+        "QTabBar::tab { background: #2e343c; color: #aab2bb; padding: 4px 14px; border: 0; border-right: 1px solid "
+        "#22272d; }"
+        "QTabBar::tab:selected { background: #3a434d; color: #ffffff; border-top: 2px solid #408cdc; }"
+        "#commandLine { background: #22282f; }"
+        "#history { background: #22282f; color: #b9c1c9; }"
+        "#commandEdit { background: #2b323a; border: 1px solid #434c57; border-radius: 2px; padding: 2px 4px; }"
+        "#commandEdit:focus { border-color: #408cdc; }"
+        "QMainWindow::separator { background: #262c33; width: 3px; height: 3px; }"));
+}
+
+} // namespace app

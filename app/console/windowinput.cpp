@@ -1,0 +1,200 @@
+#include "app/console/windowinput.h"
+
+#include "host/ed/aced.h"
+#include "host/ed/question.h"
+
+#include <QKeyEvent>
+#include <QTimer>
+
+namespace app {
+namespace {
+
+constexpr wchar_t escapeCharacter = 27;
+
+host::InputItem pointItem(host::InputItem::Kind kind, const AcGePoint3d& world) {
+    const AcGePoint3d ucs = host::worldToUcs(world);
+    host::ResbufBuilder builder;
+    builder.point(RT3DPOINT, ucs.x, ucs.y, ucs.z);
+    host::InputItem item = host::InputItem::ofValue(builder.release());
+    item.kind = kind;
+    item.fromCursor = true;
+    return item;
+}
+
+} // namespace
+
+WindowInput::WindowInput(Canvas& canvas, CommandLine& commandLine)
+    : mCanvas(canvas), mCommandLine(commandLine), mPicking(canvas) {
+    mCanvas.setListener(this);
+    mCommandLine.submitted = [this](const QString& text) { typed(text); };
+    mCommandLine.cancelled = [this] { cancel(); };
+    mCommandLine.edited = [this](const QString& text) { mCanvas.setTyped(text); };
+}
+
+WindowInput::~WindowInput() {
+    mCanvas.setListener(nullptr);
+}
+
+void WindowInput::wake() {
+    if (mLoop != nullptr) {
+        mLoop->quit();
+    }
+}
+
+void WindowInput::post(std::wstring_view text) {
+    mTyped.post(text);
+    wake();
+}
+
+void WindowInput::typed(const QString& text) {
+    post(text.toStdWString());
+}
+
+void WindowInput::cancel() {
+    mTyped.takePosted();
+    mAnswers.clear();
+    mPicking.cancel();
+    post(std::wstring(1, escapeCharacter));
+}
+
+void WindowInput::run(const QString& command, bool transparently) {
+    mCommandLine.clearText();
+    mPicking.cancel();
+    std::wstring text = command.toStdWString();
+    if (!isIdle()) {
+        text = transparently ? L"'" + text : std::wstring(2, escapeCharacter) + text;
+    }
+    post(text);
+}
+
+void WindowInput::restart() {
+    answer(host::InputItem::of(host::InputItem::Kind::motion));
+}
+
+void WindowInput::close() {
+    mIsClosed = true;
+    wake();
+}
+
+void WindowInput::answer(host::InputItem item) {
+    mAnswers.push_back(std::move(item));
+    wake();
+}
+
+host::InputItem WindowInput::read(const host::InputRequest& request) {
+    if (request.wantsMotion == false) {
+        mLastMotion.reset();
+    }
+    for (;;) {
+        if (mIsClosed) {
+            return host::InputItem::of(host::InputItem::Kind::end);
+        }
+        if (!mTyped.atEnd()) {
+            return withDistance(mTyped.read(request), request);
+        }
+        if (!mAnswers.empty()) {
+            host::InputItem item = std::move(mAnswers.front());
+            mAnswers.pop_front();
+            return item;
+        }
+        QEventLoop loop;
+        mLoop = &loop;
+        mRequest = &request;
+        mCommandLine.setRequest(&request);
+        mCanvas.followDrawing();
+        mPicking.follow(request.atCommandPrompt);
+        mCanvas.setRequest(&request, mCommandLine.prompt());
+        if (asking) {
+            asking(request);
+        }
+        if (request.wantsMotion && mCanvas.underMouse() && !mLastMotion) {
+            QTimer::singleShot(0, &mCanvas, [this] { moved(mCanvas.aimed()); });
+        }
+        loop.exec();
+        mLoop = nullptr;
+        mRequest = nullptr;
+        mCommandLine.setRequest(nullptr);
+        mCanvas.setRequest(nullptr, {});
+    }
+}
+
+/// A number typed for a point is the distance from the base towards the cursor.
+host::InputItem WindowInput::withDistance(host::InputItem item, const host::InputRequest& request) const {
+    if (item.kind != host::InputItem::Kind::text || !request.takesDistance || !request.base) {
+        return item;
+    }
+    const std::optional<double> distance = host::numberIn(item);
+    const AcGeVector3d direction = mCanvas.aimed().point - *request.base;
+    if (!distance || direction.isZeroLength()) {
+        return item;
+    }
+    host::InputItem point =
+        pointItem(host::InputItem::Kind::value, *request.base + direction.normal() * *distance);
+    point.fromCursor = false;
+    return point;
+}
+
+// From the drawing area.
+
+void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, bool released) {
+    if (mRequest == nullptr) {
+        return;
+    }
+    if (mRequest->atCommandPrompt) {
+        if (const std::wstring command = mPicking.pressed(aimed, modifiers, released); !command.empty()) {
+            post(command);
+        }
+        return;
+    }
+    const bool isCorner = mRequest->base && (mRequest->band == host::Aim::Band::rectangle ||
+                                             mRequest->band == host::Aim::Band::selection);
+    if (!mRequest->wantsPoint || (released && !isCorner)) {
+        return;
+    }
+    host::InputItem item = pointItem(host::InputItem::Kind::value, aimed.point);
+    item.isAimed = aimed.snapKind == 0;
+    if (aimed.snapKind != 0) {
+        // The snap is found again by who asked, from where the cursor stood: its point is snapped to itself.
+        item.isAimed = false;
+    }
+    answer(std::move(item));
+}
+
+void WindowInput::moved(const Aimed& aimed) {
+    if (cursorMoved) {
+        cursorMoved(aimed);
+    }
+    if (mRequest != nullptr && mRequest->wantsMotion && mAnswers.empty() &&
+        (!mLastMotion || *mLastMotion != aimed.point)) {
+        mLastMotion = aimed.point;
+        answer(pointItem(host::InputItem::Kind::motion, aimed.point));
+    }
+}
+
+void WindowInput::doubleClicked(const Aimed& aimed) {
+    if (mRequest != nullptr && mRequest->atCommandPrompt) {
+        if (const std::wstring command = mPicking.doubleClicked(aimed); !command.empty()) {
+            post(command);
+        }
+    }
+}
+
+void WindowInput::confirmed() {
+    if (mRequest != nullptr) {
+        mCommandLine.submit();
+    }
+}
+
+void WindowInput::keyPressed(QKeyEvent& event) {
+    if (event.key() == Qt::Key_Delete && mCommandLine.text().isEmpty() && isIdle() && mPicking.hasSelection()) {
+        run(QStringLiteral("_.ERASE\n"));
+        return;
+    }
+    if (!mCommandLine.takeKey(event) && otherKey) {
+        otherKey(event);
+    }
+}
+
+void WindowInput::viewChanged() {}
+
+} // namespace app

@@ -1,0 +1,72 @@
+// The user at the window: answers come from what he types and from where he points. While an answer is awaited
+// the event loop runs.
+#pragma once
+
+#include "app/canvas/canvas.h"
+#include "app/console/commandline.h"
+#include "app/console/picking.h"
+
+#include <QEventLoop>
+#include <deque>
+#include <functional>
+
+namespace app {
+
+class WindowInput final : public host::UserInput, public CanvasListener {
+public:
+    WindowInput(Canvas& canvas, CommandLine& commandLine);
+    ~WindowInput() override;
+
+    /// Called whenever a question begins to stand: the rest of the window follows.
+    std::function<void(const host::InputRequest&)> asking;
+    /// A key that neither the command line nor the drawing area has a use for.
+    std::function<void(QKeyEvent&)> otherKey;
+    std::function<void(const Aimed&)> cursorMoved;
+
+    /// Types a command for the user, ending what runs first. A transparent one does not.
+    void run(const QString& command, bool transparently = false);
+    /// Escape.
+    void cancel();
+    /// The documents changed: the question is put anew for the current one.
+    void restart();
+    /// No more answers: everything ends.
+    void close();
+    /// Nothing is asked but the next command.
+    bool isIdle() const { return mRequest != nullptr && mRequest->atCommandPrompt; }
+    bool isAsking() const { return mRequest != nullptr; }
+    const host::InputRequest* request() const { return mRequest; }
+    Picking& picking() { return mPicking; }
+
+    // UserInput.
+    host::InputItem read(const host::InputRequest& request) override;
+    bool atEnd() override { return mIsClosed; }
+    void post(std::wstring_view text) override;
+    std::wstring takePosted() override { return mTyped.takePosted(); }
+
+    // CanvasListener.
+    void pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, bool released) override;
+    void moved(const Aimed& aimed) override;
+    void doubleClicked(const Aimed& aimed) override;
+    void confirmed() override;
+    void keyPressed(QKeyEvent& event) override;
+    void viewChanged() override;
+
+private:
+    void answer(host::InputItem item);
+    void typed(const QString& text);
+    host::InputItem awaited(const host::InputRequest& request);
+    host::InputItem withDistance(host::InputItem item, const host::InputRequest& request) const;
+    void wake();
+
+    Canvas& mCanvas;
+    CommandLine& mCommandLine;
+    Picking mPicking;
+    host::TypedInput mTyped;
+    std::deque<host::InputItem> mAnswers;
+    const host::InputRequest* mRequest = nullptr;
+    QEventLoop* mLoop = nullptr;
+    std::optional<AcGePoint3d> mLastMotion;
+    bool mIsClosed = false;
+};
+
+} // namespace app

@@ -1,0 +1,253 @@
+// Drawing and editing by hand in the real window.
+#include "tests/app/windowdriver.h"
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+namespace {
+
+using Driver = WindowDriver;
+
+/// Screen pixels are coarser than the drawing's units.
+constexpr double aPixel = 0.35;
+
+void expectNear(const AcGePoint3d& point, double x, double y, double tolerance = aPixel) {
+    EXPECT_NEAR(point.x, x, tolerance);
+    EXPECT_NEAR(point.y, y, tolerance);
+}
+
+void start(Driver& driver, const char* command) {
+    driver.window().trigger(command, false);
+}
+
+std::vector<AcDbObjectId> chosen() {
+    return host::impliedSelection().ids;
+}
+
+/// Two lines and a circle.
+void drawSome(Driver& driver) {
+    driver.type(QStringLiteral("LINE 0,0 40,0\n\n"));
+    driver.type(QStringLiteral("LINE 0,20 40,20\n\n"));
+    driver.type(QStringLiteral("CIRCLE 60,10 5\n"));
+}
+
+} // namespace
+
+TEST(Window, DrawsLinesWithMouseAndKeys) {
+    Driver driver;
+    driver.run({[](Driver& d) { start(d, "_.LINE"); },
+                [](Driver& d) { d.click(10, 10); },
+                [](Driver& d) { d.click(50, 30); },
+                [](Driver& d) {
+                    host::setSystemVariable(L"ORTHOMODE", 1);
+                    d.move(80, 33);
+                },
+                [](Driver& d) { d.click(80, 33); },
+                [](Driver& d) {
+                    host::setSystemVariable(L"ORTHOMODE", 0);
+                    d.move(80, 60); // a number is a distance towards the cursor
+                    d.type(QStringLiteral("12.5\n"));
+                },
+                [](Driver& d) { d.rightClick(); },
+                [](Driver&) { ASSERT_EQ(entities().size(), 3u); },
+                [](Driver& d) { d.rightClick(); }, // repeats the command
+                [](Driver& d) {
+                    EXPECT_STREQ(host::activeCommandNames(*curDoc()).c_str(), L"LINE");
+                    d.key(Qt::Key_Escape);
+                },
+                [](Driver&) {
+                    const auto* first = AcDbLine::cast(entities()[0]);
+                    expectNear(first->startPoint(), 10, 10);
+                    expectNear(first->endPoint(), 50, 30);
+                    const auto* second = AcDbLine::cast(entities()[1]);
+                    EXPECT_DOUBLE_EQ(second->endPoint().y, second->startPoint().y);
+                    const auto* third = AcDbLine::cast(entities()[2]);
+                    EXPECT_NEAR(third->startPoint().distanceTo(third->endPoint()), 12.5, 1e-9);
+                }});
+}
+
+TEST(Window, PolylineIsClosedByItsKeyword) {
+    Driver driver;
+    driver.run({[](Driver& d) { d.type(QStringLiteral("pl ")); },
+                [](Driver& d) { d.click(-20, -20); },
+                [](Driver& d) { d.click(20, -20); },
+                [](Driver& d) { d.click(20, 20); },
+                [](Driver& d) {
+                    const QString prompt = d.window().commandLine().prompt();
+                    const auto keywords = app::keywordsOf(prompt);
+                    const bool offered = std::any_of(keywords.begin(), keywords.end(),
+                                                     [](const auto& keyword) { return keyword.typed == "C"; });
+                    EXPECT_TRUE(offered) << prompt.toStdString();
+                    auto* label = d.window().commandLine().findChild<QLabel*>();
+                    emit label->linkActivated(QStringLiteral("C"));
+                },
+                [](Driver& d) {
+                    ASSERT_TRUE(d.window().windowInput().isIdle());
+                    const auto* polyline = lastEntity<AcDbPolyline>();
+                    ASSERT_NE(polyline, nullptr);
+                    EXPECT_EQ(polyline->numVerts(), 3u);
+                    EXPECT_TRUE(polyline->isClosed());
+                }});
+}
+
+TEST(Window, ObjectSnapTakesThePointItShows) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); },
+                [](Driver& d) {
+                    host::setSystemVariable(L"OSMODE", AcDb::kOsMaskEnd | AcDb::kOsMaskCen);
+                    start(d, "_.LINE");
+                },
+                [](Driver& d) {
+                    d.move(40.6, 0.7);
+                    EXPECT_EQ(d.canvas().aimed().snapKind, AcDb::kOsMaskEnd);
+                    d.click(40.6, 0.7);
+                },
+                [](Driver& d) { d.type(QStringLiteral("_cen\n")); },
+                [](Driver& d) { d.click(64.6, 11); },
+                [](Driver& d) { d.key(Qt::Key_Return); },
+                [](Driver&) {
+                    const auto* line = lastEntity<AcDbLine>();
+                    ASSERT_NE(line, nullptr);
+                    expectNear(line->startPoint(), 40, 0, 1e-9);
+                    expectNear(line->endPoint(), 60, 10, 1e-9);
+                    host::setSystemVariable(L"OSMODE", 0);
+                }});
+}
+
+TEST(Window, RectanglesSelectByTheirDirection) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); },
+                [](Driver& d) { d.drag(-5, -5, 50, 12); }, // a window: what lies inside
+                [](Driver&) { EXPECT_EQ(chosen().size(), 1u); },
+                [](Driver& d) { d.key(Qt::Key_Escape); },
+                [](Driver& d) {
+                    EXPECT_TRUE(chosen().empty());
+                    d.drag(56, 25, 30, -5); // a crossing: what it touches
+                },
+                [](Driver& d) {
+                    EXPECT_EQ(chosen().size(), 3u);
+                    d.click(40, 20.2, Qt::ShiftModifier); // taken out again, by its end's grip nothing happens
+                },
+                [](Driver& d) { d.key(Qt::Key_Escape); },
+                [](Driver& d) { d.key(Qt::Key_Escape); },
+                [](Driver& d) { start(d, "_.ERASE"); },
+                [](Driver& d) { d.click(20, 0); },
+                [](Driver& d) { d.drag(50, 30, 70, 15); }, // within the command: nothing inside
+                [](Driver& d) { d.drag(75, 30, 50, 0); },
+                [](Driver& d) { d.rightClick(); },
+                [](Driver&) {
+                    ASSERT_EQ(entities().size(), 1u);
+                    expectNear(lastEntity<AcDbLine>()->startPoint(), 0, 20, 1e-9);
+                }});
+}
+
+TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); },
+                [](Driver& d) { d.click(20, 0); },
+                [](Driver& d) { d.click(20, 20); },
+                [](Driver& d) {
+                    EXPECT_EQ(chosen().size(), 2u);
+                    d.key(Qt::Key_Delete);
+                },
+                [](Driver& d) {
+                    EXPECT_EQ(entities().size(), 1u);
+                    start(d, "_.U");
+                },
+                [](Driver&) { EXPECT_EQ(entities().size(), 3u); }});
+}
+
+TEST(Window, AGripIsMovedByTwoClicks) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); },
+                [](Driver& d) { d.click(25, 0); },
+                [](Driver& d) { d.click(40, 0); }, // the grip at the end
+                [](Driver& d) {
+                    ASSERT_FALSE(d.window().windowInput().isIdle());
+                    d.move(50, 40);
+                },
+                [](Driver& d) {
+                    ASSERT_EQ(d.window().windowInput().request()->dragged.size(), 1u);
+                    const auto* dragged = AcDbLine::cast(d.window().windowInput().request()->dragged[0]);
+                    expectNear(dragged->endPoint(), 50, 40);
+                    d.click(50, 40);
+                },
+                [](Driver& d) {
+                    ASSERT_TRUE(d.window().windowInput().isIdle());
+                    expectNear(AcDbLine::cast(entities()[0])->endPoint(), 50, 40);
+                    expectNear(AcDbLine::cast(entities()[0])->startPoint(), 0, 0, 1e-9);
+                    EXPECT_EQ(chosen().size(), 1u) << "the choice stays";
+                    start(d, "_.U");
+                },
+                [](Driver&) { expectNear(AcDbLine::cast(entities()[0])->endPoint(), 40, 0, 1e-9); }});
+}
+
+TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
+    Driver driver(QDV_MODULE);
+    driver.run({[](Driver& d) { start(d, "V7_Enclose"); },
+                [](Driver& d) { d.click(0, 0); },
+                [](Driver& d) { d.move(40, 0); },
+                [](Driver& d) { d.click(40, 0); },
+                [](Driver& d) { d.click(40, 30); },
+                [](Driver& d) { d.rightClick(); },
+                [](Driver& d) { d.click(20, 5); },
+                [](Driver& d) { d.rightClick(); },
+                [](Driver& d) {
+                    ASSERT_TRUE(d.window().windowInput().isIdle());
+                    ASSERT_EQ(entities().size(), 2u);
+                    EXPECT_STREQ(entities()[0]->isA()->name(), L"CQDVBlockPline");
+                }});
+}
+
+TEST(Window, TransparentZoomGoesBackToTheQuestion) {
+    Driver driver;
+    driver.run({[](Driver& d) { start(d, "_.LINE"); },
+                [](Driver& d) { d.click(0, 0); },
+                [](Driver& d) { d.window().trigger("_.ZOOM _W", true); },
+                [](Driver& d) { d.click(-10, -10); },
+                [](Driver& d) { d.click(10, 10); },
+                [](Driver& d) {
+                    EXPECT_LT(d.canvas().map().unitsPerPixel * d.canvas().map().width, 60);
+                    EXPECT_NEAR(d.canvas().map().centre.x, 0, 1);
+                    d.click(5, 5);
+                },
+                [](Driver& d) { d.key(Qt::Key_Return); },
+                [](Driver&) { expectNear(lastEntity<AcDbLine>()->endPoint(), 5, 5); }});
+}
+
+TEST(Window, ClosingAsksForWhatIsNotSaved) {
+    Driver driver;
+    int asked = 0;
+    QTimer answers;
+    answers.setInterval(1);
+    QObject::connect(&answers, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            ++asked;
+            EXPECT_EQ(box->buttons().size(), 3);
+            // First to stay, then not to save.
+            box->buttons()[asked == 1 ? 2 : 1]->click();
+        }
+    });
+    driver.run({[&](Driver& d) {
+                    EXPECT_TRUE(d.window().mayClose(*curDoc())) << "nothing was changed yet";
+                    drawSome(d);
+                    answers.start();
+                },
+                [](Driver& d) { EXPECT_FALSE(d.window().mayClose(*curDoc())); },
+                [](Driver& d) { EXPECT_TRUE(d.window().mayClose(*curDoc())); }});
+    EXPECT_EQ(asked, 2);
+}
+
+TEST(CommandLine, PromptsOfferTheirKeywords) {
+    const auto keywords = app::keywordsOf(QStringLiteral("指定下一点或 [圆弧(A)/半宽(H)/放弃(U)] <退出>:"));
+    ASSERT_EQ(keywords.size(), 3u);
+    EXPECT_EQ(keywords[0].typed, "A");
+    EXPECT_EQ(keywords[2].shown, "放弃(U)");
+    EXPECT_EQ(app::keywordsOf(QStringLiteral("输入选项 [On/OFf]")).at(1).typed, "OFf");
+    EXPECT_TRUE(app::keywordsOf(QStringLiteral("点取:")).empty());
+    const QString rich = app::linkedPrompt(QStringLiteral("a<b [是(Y)]"));
+    EXPECT_TRUE(rich.contains(QLatin1String("a&lt;b")));
+    EXPECT_TRUE(rich.contains(QLatin1String("href=\"Y\"")));
+}
