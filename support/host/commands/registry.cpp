@@ -14,7 +14,7 @@ void initializeCommands() {
         blockCommands(),    inquiryCommands(), settingsCommands(),  renameCommands(),    trimCommands(),
         breakCommands(),    filletCommands(),  stretchCommands(),   shapeCommands(),     joinCommands(),
         findCommands(),     arrangeCommands(), curveDrawCommands(), dimensionCommands(), hatchCommands(),
-        mlineCommands(),    mtextCommands()};
+        mlineCommands(),    mtextCommands(),    slideCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,

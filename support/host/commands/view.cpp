@@ -1,6 +1,7 @@
 // ZOOM, REGEN and REDRAW. Without a window the view is kept in VIEWCTR and VIEWSIZE.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+#include "host/ed/documentstate.h"
 
 namespace host {
 namespace {
@@ -97,12 +98,14 @@ void runZoom() {
 }
 
 void runRegen() {
+    curDoc()->state().shownSlide.reset();
     acutPrintf(L"\n正在重生成模型。");
     currentDatabase().updateExt();
     acedUpdateDisplay();
 }
 
 void runRedraw() {
+    curDoc()->state().shownSlide.reset();
     acedUpdateDisplay();
 }
 
