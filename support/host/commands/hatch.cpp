@@ -175,7 +175,8 @@ void Hatching::addAround(const AcGePoint3d& world) {
     }
     if (boundary.loops.empty() && boundary.gap) {
         const auto place = [&](const AcGePoint2d& point) {
-            return shownPoint(worldToUcs(toWorld(normal, to3d(point))));
+            const AcGePoint3d ucs = worldToUcs(toWorld(normal, to3d(point)));
+            return shown(ucs.x) + L"," + shown(ucs.y);
         };
         acutPrintf(L"\n边界不封闭: 在 (%s) 与 (%s) 之间有间隙，宽 %s。", place(boundary.gap->from).c_str(),
                    place(boundary.gap->to).c_str(),
@@ -207,9 +208,11 @@ void Hatching::make() {
     hatch->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
     hatch->setPatternAngle(mSettings.angle);
     hatch->setPatternScale(mSettings.scale);
-    hatch->setPatternSpace(mSettings.spacing);
-    hatch->setPatternDouble(mSettings.crossed);
     const bool user = mSettings.isUserDefined();
+    if (user) {
+        hatch->setPatternSpace(mSettings.spacing);
+        hatch->setPatternDouble(mSettings.crossed);
+    }
     AcString fault;
     if (hatch->setPattern(user ? AcDbHatch::kUserDefined : AcDbHatch::kPreDefined,
                           user ? L"_USER" : mSettings.pattern.c_str(), &fault) != Acad::eOk) {

@@ -124,7 +124,11 @@ private:
     CurveNet mNet;
     AcGePoint2d mPoint;
     std::unordered_set<NetEdge, NetEdgeHash> mVisited;
-    std::vector<AcGePoint2d> mDeadEnds;
+    struct DeadEnd {
+        AcGePoint2d point;
+        NetEdge edge; ///< that leads there
+    };
+    std::vector<DeadEnd> mDeadEnds;
 };
 
 TracedBoundary Tracer::trace() {
@@ -232,7 +236,7 @@ Tracer::Edges Tracer::wayFrom(const NetEdge& start) {
         mVisited.insert(edge);
         const NetEdge next = mNet.next(edge);
         if (next == edge.twin()) {
-            mDeadEnds.push_back(to2d(mNet.pieceOf(edge).curve.pointAt(mNet.rangeOf(edge).second)));
+            mDeadEnds.push_back({to2d(mNet.pieceOf(edge).curve.pointAt(mNet.rangeOf(edge).second)), edge});
         }
         edge = next;
     } while (edge != start && way.size() < mostEdges && !mVisited.contains(edge));
@@ -335,10 +339,14 @@ std::optional<TracedBoundary::Gap> Tracer::narrowestGap() const {
     const std::size_t count = std::min(mDeadEnds.size(), mostEnds);
     for (std::size_t i = 0; i < count; ++i) {
         for (std::size_t j = i + 1; j < count; ++j) {
-            const double distance = mDeadEnds[i].distanceTo(mDeadEnds[j]);
-            if (distance > 8.0 * mNet.tolerance() && distance < smallest) {
+            const DeadEnd& one = mDeadEnds[i];
+            const DeadEnd& other = mDeadEnds[j];
+            const double distance = one.point.distanceTo(other.point);
+            // The two ends of one line are no gap.
+            const bool isPiece = one.edge.stub == other.edge.stub && one.edge.piece == other.edge.piece;
+            if (!isPiece && distance > 8.0 * mNet.tolerance() && distance < smallest) {
                 smallest = distance;
-                narrowest = TracedBoundary::Gap{mDeadEnds[i], mDeadEnds[j]};
+                narrowest = TracedBoundary::Gap{one.point, other.point};
             }
         }
     }
