@@ -115,8 +115,9 @@ double sideOf(const Banks& banks) {
     const CArxObjTemplate<AcDbCurve> first(banks.ids[0], false);
     const CArxObjTemplate<AcDbCurve> second(banks.ids[1], false);
     AcGePoint3d start;
-    return first && second && second->getStartPoint(start) == Acad::eOk && IsRightOfCurve(*first, start) ? 1.0
-                                                                                                         : -1.0;
+    return first && second && second->getStartPoint(start) == Acad::eOk && IsRightOfCurve(*first, start)
+               ? 1.0
+               : -1.0;
 }
 
 /// Parallels of a bank that are polylines, in no database yet.
@@ -204,7 +205,8 @@ void drawHatch(const Banks& boundaries) {
     std::array<AcGePoint3d, 2> ends;
     for (const std::size_t i : {0U, 1U}) {
         const CArxObjTemplate<AcDbCurve> curve(boundaries.ids[i], false);
-        if (!curve || curve->getStartPoint(starts[i]) != Acad::eOk || curve->getEndPoint(ends[i]) != Acad::eOk) {
+        if (!curve || curve->getStartPoint(starts[i]) != Acad::eOk ||
+            curve->getEndPoint(ends[i]) != Acad::eOk) {
             return;
         }
     }

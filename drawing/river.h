@@ -1,4 +1,5 @@
-// What a river is drawn with: its banks, joined from the lines of a multiline, and the decorations between them.
+// What a river is drawn with: its banks, joined from the lines of a multiline, and the decorations between
+// them.
 #pragma once
 
 #include "restools/drawing.h"

@@ -7,8 +7,8 @@
 /// Always RTNORM.
 int DrawWidthPolyline();
 
-/// What the panel shows and the next segment gets. One copy for the module; read from the user's profile when a
-/// polyline is begun and saved when it is done.
+/// What the panel shows and the next segment gets. One copy for the module; read from the user's profile when
+/// a polyline is begun and saved when it is done.
 struct WidthPolylineSettings {
     double startWidth = 0.0;
     double endWidth = 0.0;

@@ -30,7 +30,8 @@ CString AsdkPolyLine::TipText() const {
     ACHAR length[30];
     ACHAR angle[30];
     acdbRToS(mBase.distanceTo(mCursor), database->lunits(), database->luprec(), length);
-    acdbAngToS(acutAngle(asDblArray(mBase), asDblArray(mCursor)), database->aunits(), database->auprec(), angle);
+    acdbAngToS(acutAngle(asDblArray(mBase), asDblArray(mCursor)), database->aunits(), database->auprec(),
+               angle);
     CString text;
     text.Format(L"%s<%s", length, angle);
     return text;

@@ -15,8 +15,8 @@ public:
     ~CMutipleEntityJig() override;
 
     /// Mode kMove drags the entities by the base point, which goes along; kRotate turns them about it. Points
-    /// are in world coordinates, the turn is about the Z axis. Nonzero when the user ends without an answer; the
-    /// entities then stand where they were dragged last.
+    /// are in world coordinates, the turn is about the Z axis. Nonzero when the user ends without an answer;
+    /// the entities then stand where they were dragged last.
     int DoProcess(int mode, AcGePoint3d& base, const ACHAR* prompt);
 
     DragStatus sampler() override;

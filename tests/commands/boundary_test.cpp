@@ -112,7 +112,8 @@ TEST_F(Boundary, WhatIsDrawnTwiceOrTouchesCounts) {
 }
 
 TEST_F(Boundary, GapsAreFoundAndTold) {
-    run("LINE 0,0 100,0\n\nLINE 100,0.5 100,50\n\nLINE 100,50 0,50\n\nLINE 0,50 0,0\n\nLINE 50,30 50,30.2\n\n");
+    run("LINE 0,0 100,0\n\nLINE 100,0.5 100,50\n\nLINE 100,50 0,50\n\nLINE 0,50 0,0\n\nLINE 50,30 "
+        "50,30.2\n\n");
     const host::TracedBoundary boundary = at(10, 10);
     EXPECT_TRUE(boundary.loops.empty());
     ASSERT_TRUE(boundary.gap.has_value());
@@ -129,7 +130,8 @@ TEST_F(Boundary, FacesOfRandomLinesFillTheFrame) {
     for (int round = 0; round < 5; ++round) {
         run("ERASE ALL\n\nRECTANG 0,0 100,100\n");
         for (int line = 0; line < 7; ++line) {
-            run("LINE -1," + number() + " 101," + number() + "\n\nLINE " + number() + ",-1 " + number() + ",101\n\n");
+            run("LINE -1," + number() + " 101," + number() + "\n\nLINE " + number() + ",-1 " + number() +
+                ",101\n\n");
         }
         std::map<long, double> faces; // by area, which tells them apart
         double sum = 0.0;
@@ -152,14 +154,15 @@ TEST_F(Boundary, AWideRiverOfManyVertices) {
     const auto bank = [](double shift) {
         auto line = std::make_unique<AcDbPolyline>();
         for (int i = 0; i < count; ++i) {
-            line->addVertexAt(static_cast<unsigned>(i), {i * 0.1, shift + 3 * std::sin(i * 0.013) + 0.05 * (i % 3)});
+            line->addVertexAt(static_cast<unsigned>(i),
+                              {i * 0.1, shift + 3 * std::sin(i * 0.013) + 0.05 * (i % 3)});
         }
         return line;
     };
     host::appendTo(database().currentSpaceId(), bank(0));
     host::appendTo(database().currentSpaceId(), bank(20));
-    run("LINE 0,0 0,20\n\nLINE " + std::to_string((count - 1) * 0.1) + ",-50 " + std::to_string((count - 1) * 0.1) +
-        ",80\n\nCIRCLE 400,10 3\n");
+    run("LINE 0,0 0,20\n\nLINE " + std::to_string((count - 1) * 0.1) + ",-50 " +
+        std::to_string((count - 1) * 0.1) + ",80\n\nCIRCLE 400,10 3\n");
     const host::TracedBoundary boundary = at(100, 10);
     ASSERT_EQ(boundary.loops.size(), 2u);
     EXPECT_EQ(boundary.loops[0].pieces.size(), 2 * (count - 1) + 2u);

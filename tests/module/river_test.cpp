@@ -11,7 +11,8 @@ protected:
     static std::vector<std::unique_ptr<AcDbEntity>> lines(std::initializer_list<std::array<double, 4>> ends) {
         std::vector<std::unique_ptr<AcDbEntity>> made;
         for (const std::array<double, 4>& e : ends) {
-            made.push_back(std::make_unique<AcDbLine>(AcGePoint3d(e[0], e[1], 0), AcGePoint3d(e[2], e[3], 0)));
+            made.push_back(
+                std::make_unique<AcDbLine>(AcGePoint3d(e[0], e[1], 0), AcGePoint3d(e[2], e[3], 0)));
         }
         return made;
     }
@@ -27,8 +28,8 @@ protected:
 } // namespace
 
 TEST_F(RiverTest, LinesOfTwoBanksAreJoinedInTheirOrder) {
-    std::vector<std::unique_ptr<AcDbEntity>> pieces =
-        lines({{0, 0, 10, 0}, {0, 5, 10, 5}, {10, 0, 20, 10}, {10, 5, 18, 12}, {20, 10, 20, 30}, {18, 12, 18, 30}});
+    std::vector<std::unique_ptr<AcDbEntity>> pieces = lines(
+        {{0, 0, 10, 0}, {0, 5, 10, 5}, {10, 0, 20, 10}, {10, 5, 18, 12}, {20, 10, 20, 30}, {18, 12, 18, 30}});
     pieces.push_back(std::make_unique<AcDbCircle>(AcGePoint3d(), AcGeVector3d::kZAxis, 1.0));
     const river::Polylines banks = river::JoinLines(river::LinesOf(pieces));
     ASSERT_EQ(banks.size(), 2U);
@@ -48,8 +49,8 @@ TEST_F(RiverTest, InnerLinesStandFiveApartInTheMiddle) {
     const struct {
         double width;
         Distances distances;
-    } cases[] = {{7, {3.5, 7}},     {23, {6.5, 11.5, 16.5, 23}}, {5, {2.5, 5}},    {2, {1, 2}},
-                 {10, {5, 10}},     {9.99999, {5.0, 9.99999}},   {14, {7, 14}},    {15, {5, 10, 15}}};
+    } cases[] = {{7, {3.5, 7}}, {23, {6.5, 11.5, 16.5, 23}}, {5, {2.5, 5}}, {2, {1, 2}},
+                 {10, {5, 10}}, {9.99999, {5.0, 9.99999}},   {14, {7, 14}}, {15, {5, 10, 15}}};
     for (const auto& c : cases) {
         const Distances distances = river::InnerLineDistances(c.width);
         ASSERT_EQ(distances.size(), c.distances.size()) << c.width;
@@ -72,9 +73,12 @@ TEST_F(RiverTest, TheArrowPointsAlongX) {
 TEST_F(RiverTest, DecorationsStandWhereTheWidthSays) {
     const auto banksOf = [&](double width) {
         CreateNewLayer(river::layerName, L"CONTINUOUS", river::layerColor);
-        return river::LeaveBanks(river::JoinLines(river::LinesOf(
-            lines({{0, 0, 50, 0}, {50, 0, 100, 0}, {100, 0, 150, 0}, {0, -width, 50, -width},
-                   {50, -width, 100, -width}, {100, -width, 150, -width}}))));
+        return river::LeaveBanks(river::JoinLines(river::LinesOf(lines({{0, 0, 50, 0},
+                                                                        {50, 0, 100, 0},
+                                                                        {100, 0, 150, 0},
+                                                                        {0, -width, 50, -width},
+                                                                        {50, -width, 100, -width},
+                                                                        {100, -width, 150, -width}}))));
     };
     river::Banks banks = banksOf(23);
     ASSERT_TRUE(banks.AreThere());
