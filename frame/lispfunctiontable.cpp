@@ -1,6 +1,7 @@
 // The table of LISP functions, their definition in a document and their dispatch.
 #include "frame/lispfunctiontable.h"
 
+#include "drawing/widthpolyline.h"
 #include "frame/drawingfunctions.h"
 #include "frame/mapsymbols.h"
 #include "frame/utilityfunctions.h"
@@ -54,7 +55,7 @@ constexpr LispFunctionRow functions[] = {
     {L"c:V7_HLGX", notProvided, false},
     {L"ssgetex", SelectWithPrompt, false},
     {L"c:mpedit", EditPolylines, false},
-    {L"c:V7_SPline", notProvided, false},
+    {L"c:V7_SPline", DrawWidthPolyline, false},
     {L"c:V7_DFreeWay", notProvided, false},
     {L"c:V7_DrRoad", notProvided, false},
     {L"c:V7_MarkBSign", notProvided, false},

@@ -5,6 +5,7 @@
 #include "host/db/db.h"
 #include "host/ed/ed.h"
 #include "host/font/fontenumeration.h"
+#include "host/formats/sld/slidedrawing.h"
 #include "host/ge/ge.h"
 #include "host/gi/gi.h"
 #include "host/mfc/mfc.h"

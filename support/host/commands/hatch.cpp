@@ -1,5 +1,6 @@
 // -HATCH: patterns in closed curves, picked by a point inside or one by one.
 #include "host/commands/ask.h"
+#include "host/commands/edit/boundarytrace.h"
 #include "host/commands/edit/editing.h"
 #include "host/commands/registry.h"
 #include "host/rx/text.h"
@@ -19,10 +20,10 @@ struct HatchSettings {
     bool isUserDefined() const { return pattern == L"U" || pattern == L"_U"; }
 };
 
-/// A closed curve in the plane of the UCS.
+/// A closed boundary in the plane of the UCS: a polyline, or lines and arcs of ellipses.
 struct Loop {
-    AcDbObjectId source;
     BulgePath path;
+    std::vector<CurvePiece> edges;
 };
 
 std::optional<Loop> loopOf(AcDbObjectId id) {
@@ -31,7 +32,7 @@ std::optional<Loop> loopOf(AcDbObjectId id) {
         return std::nullopt;
     }
     const ReadAccess access(*entity);
-    Loop loop{id, {}};
+    Loop loop;
     loop.path.closed = true;
     const AcGeVector3d normal = ucsNormal();
     if (const auto* circle = AcDbCircle::cast(entity)) {
@@ -56,31 +57,38 @@ std::optional<Loop> loopOf(AcDbObjectId id) {
     return loop.path.closed && vertices.size() >= 2 ? std::optional(loop) : std::nullopt;
 }
 
-/// The smallest closed curve around the point, and what lies within it without the point.
-std::vector<Loop> loopsAround(const AcGePoint2d& point, std::vector<Loop> all) {
-    std::optional<std::size_t> outer;
-    double smallest = 0.0;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        const double area = std::fabs(signedArea(all[i].path));
-        if (windingNumber(all[i].path, point) != 0 && (!outer || area < smallest)) {
-            outer = i;
-            smallest = area;
+/// A boundary that was traced, as a polyline where its arcs are those of circles.
+Loop loopOf(const TracedLoop& traced) {
+    Loop loop;
+    loop.path.closed = true;
+    for (const CurvePiece& piece : traced.pieces) {
+        if (piece.isArc() && !piece.isCircular()) {
+            return {{}, traced.pieces};
         }
+        const double turn = piece.normal().z < 0.0 ? -1.0 : 1.0;
+        const double bulge = piece.isArc() ? bulgeOfSweep(turn * (piece.to - piece.from)) : 0.0;
+        loop.path.add(to2d(piece.pointAt(piece.from)), bulge);
     }
-    std::vector<Loop> loops;
-    if (!outer) {
-        return loops;
-    }
-    const BulgePath bounds = all[*outer].path;
-    loops.push_back(all[*outer]);
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        const bool within = i != *outer && windingNumber(bounds, all[i].path.vertices.front().point) != 0 &&
-                            std::fabs(signedArea(all[i].path)) < smallest;
-        if (within) {
-            loops.push_back(std::move(all[i]));
+    return loop;
+}
+
+void appendEdges(AcDbHatch& hatch, const std::vector<CurvePiece>& pieces) {
+    AcGeVoidPointerArray edges;
+    AcGeIntArray kinds;
+    for (const CurvePiece& piece : pieces) {
+        if (!piece.isArc()) {
+            edges.append(new AcGeLineSeg2d(to2d(piece.pointAt(piece.from)), to2d(piece.pointAt(piece.to))));
+            kinds.append(AcDbHatch::kLine);
+            continue;
         }
+        const PrincipalAxes axes = principalAxes(piece.u, piece.v);
+        const auto [low, high] = std::minmax(piece.from, piece.to);
+        edges.append(new AcGeEllipArc2d(to2d(piece.origin), to2d(axes.major).normal(),
+                                        to2d(axes.minor).normal(), axes.major.length(), axes.minor.length(),
+                                        low - axes.shift, high - axes.shift));
+        kinds.append(AcDbHatch::kEllArc);
     }
-    return loops;
+    hatch.appendLoop(AcDbHatch::kExternal, edges, kinds);
 }
 
 bool isPattern(const std::wstring& name) {
@@ -102,7 +110,6 @@ private:
                             systemVariableReal(L"HPANG"), systemVariableReal(L"HPSPACE"),
                             systemVariableInteger(L"HPDOUBLE") != 0};
     std::vector<Loop> mLoops;
-    std::optional<std::vector<Loop>> mClosedCurves; ///< of the current space, found when first needed
 };
 
 void Hatching::run() {
@@ -174,23 +181,23 @@ bool Hatching::askProperties() {
 }
 
 void Hatching::addAround(const AcGePoint3d& world) {
-    if (!mClosedCurves) {
-        mClosedCurves.emplace();
-        const auto* space = peek<AcDbBlockTableRecord>(currentDatabase().currentSpaceId());
-        for (AcDbStub* stub : space->entities()) {
-            const auto* entity = peek<AcDbEntity>(stub);
-            std::optional<Loop> loop =
-                entity != nullptr && isSelectable(*entity) ? loopOf(stub) : std::nullopt;
-            if (loop) {
-                mClosedCurves->push_back(std::move(*loop));
-            }
-        }
+    const AcGeVector3d normal = ucsNormal();
+    const TracedBoundary boundary =
+        traceBoundary(currentDatabase().currentSpaceId(), normal, to2d(toObject(normal, world)));
+    for (const TracedLoop& loop : boundary.loops) {
+        mLoops.push_back(loopOf(loop));
     }
-    std::vector<Loop> found = loopsAround(to2d(toObject(ucsNormal(), world)), *mClosedCurves);
-    if (found.empty()) {
+    if (boundary.loops.empty() && boundary.gap) {
+        const auto place = [&](const AcGePoint2d& point) {
+            const AcGePoint3d ucs = worldToUcs(toWorld(normal, to3d(point)));
+            return shown(ucs.x) + L"," + shown(ucs.y);
+        };
+        acutPrintf(L"\n边界不封闭: 在 (%s) 与 (%s) 之间有间隙，宽 %s。", place(boundary.gap->from).c_str(),
+                   place(boundary.gap->to).c_str(),
+                   shown(boundary.gap->from.distanceTo(boundary.gap->to)).c_str());
+    } else if (boundary.loops.empty()) {
         acutPrintf(L"\n未找到有效的图案填充边界。");
     }
-    std::move(found.begin(), found.end(), std::back_inserter(mLoops));
 }
 
 void Hatching::addSelected() {
@@ -215,9 +222,11 @@ void Hatching::make() {
     hatch->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
     hatch->setPatternAngle(mSettings.angle);
     hatch->setPatternScale(mSettings.scale);
-    hatch->setPatternSpace(mSettings.spacing);
-    hatch->setPatternDouble(mSettings.crossed);
     const bool user = mSettings.isUserDefined();
+    if (user) {
+        hatch->setPatternSpace(mSettings.spacing);
+        hatch->setPatternDouble(mSettings.crossed);
+    }
     AcString fault;
     if (hatch->setPattern(user ? AcDbHatch::kUserDefined : AcDbHatch::kPreDefined,
                           user ? L"_USER" : mSettings.pattern.c_str(), &fault) != Acad::eOk) {
@@ -226,6 +235,10 @@ void Hatching::make() {
     }
     hatch->setHatchStyle(AcDbHatch::kNormal);
     for (const Loop& loop : mLoops) {
+        if (!loop.edges.empty()) {
+            appendEdges(*hatch, loop.edges);
+            continue;
+        }
         AcGePoint2dArray vertices;
         AcGeDoubleArray bulges;
         for (const BulgeVertex& vertex : loop.path.vertices) {

@@ -16,7 +16,7 @@ void initializeCommands() {
         renameCommands(),   trimCommands(),      breakCommands(),     filletCommands(),
         stretchCommands(),  shapeCommands(),     joinCommands(),      findCommands(),
         arrangeCommands(),  curveDrawCommands(), dimensionCommands(), dimensionChainCommands(),
-        hatchCommands(),    mlineCommands(),     mtextCommands()};
+        hatchCommands(),    mlineCommands(),     mtextCommands(),     slideCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,

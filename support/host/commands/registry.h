@@ -53,5 +53,6 @@ std::span<const CommandRow> markCommands();
 std::span<const CommandRow> offsetCommands();
 std::span<const CommandRow> peditCommands();
 std::span<const CommandRow> propertyCommands();
+std::span<const CommandRow> slideCommands();
 
 } // namespace host

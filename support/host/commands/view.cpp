@@ -1,6 +1,7 @@
 // ZOOM, PAN, REGEN and REDRAW. The view is kept in VIEWCTR and VIEWSIZE; a window shows it.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+#include "host/ed/documentstate.h"
 
 #include <cmath>
 #include <deque>
@@ -183,12 +184,14 @@ void runPan() {
 }
 
 void runRegen() {
+    curDoc()->state().shownSlide.reset();
     acutPrintf(L"\n正在重生成模型。");
     currentDatabase().updateExt();
     editorView().regenerate();
 }
 
 void runRedraw() {
+    curDoc()->state().shownSlide.reset();
     acedUpdateDisplay();
 }
 

@@ -6,6 +6,7 @@
 #include "host/ed/grips.h"
 #include "host/ed/selection.h"
 #include "host/ed/ucs.h"
+#include "host/formats/sld/slide.h"
 #include "host/rx/text.h"
 
 #include <list>
@@ -79,6 +80,8 @@ struct DocumentState {
     PendingEntity pending;
     std::map<std::wstring, std::size_t> tableCursors; ///< of acdbTblNext
     std::map<AcDbStub*, std::size_t> dictionaryCursors;
+
+    std::shared_ptr<const Slide> shownSlide; ///< in the place of the drawing until the next redraw
 
     Adesk::UInt64 savedChangeCount = 0;
     SaveFormat saveFormat; ///< that the drawing was saved in last

@@ -237,10 +237,39 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 type, const AcGeVoidPointer
     return Acad::eOk;
 }
 
+namespace {
+
+using ObjectPieces = std::vector<host::CurvePiece>;
+
+/// Puts objects into an order in which each begins where the one before ends; those that do are left as they
+/// are. Looking for an object's place takes as many steps as objects are left.
+void orderByEnds(std::vector<ObjectPieces>& objects) {
+    constexpr double touching = 1e-6;
+    AcGePoint3d at = objects.front().back().end();
+    const auto gap = [&at](const ObjectPieces& pieces) {
+        return std::min(at.distanceTo(pieces.front().start()), at.distanceTo(pieces.back().end()));
+    };
+    for (auto place = objects.begin() + 1; place != objects.end(); ++place) {
+        auto next = place;
+        if (gap(*next) > touching) {
+            next = std::min_element(place, objects.end(), [&](const ObjectPieces& a, const ObjectPieces& b) {
+                return gap(a) < gap(b);
+            });
+        }
+        const AcGePoint3d start = next->front().start();
+        const AcGePoint3d end = next->back().end();
+        at = at.distanceTo(start) <= at.distanceTo(end) ? end : start;
+        std::rotate(place, next, next + 1);
+    }
+}
+
+} // namespace
+
 Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 type, const AcDbObjectIdArray& objects) {
     assertWriteEnabled();
     host::HatchLoop loop;
     loop.type = type & ~kPolyline;
+    std::vector<ObjectPieces> ordered;
     for (const AcDbObjectId& id : objects) {
         const auto* entity = host::peek<AcDbEntity>(id);
         if (entity == nullptr) {
@@ -258,12 +287,18 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 type, const AcDbObjectIdArr
             if (!entity->curvePieces(pieces) || pieces.empty()) {
                 return Acad::eInvalidInput;
             }
-            for (const host::CurvePiece& piece : pieces) {
-                loop.edges.push_back(edgeOf(piece, AcGeMatrix3d::worldToPlane(m.normal)));
-            }
+            ordered.push_back(std::move(pieces));
         }
         if (m.associative) {
             loop.sources.push_back(id);
+        }
+    }
+    if (!ordered.empty()) {
+        orderByEnds(ordered);
+    }
+    for (const ObjectPieces& pieces : ordered) {
+        for (const host::CurvePiece& piece : pieces) {
+            loop.edges.push_back(edgeOf(piece, AcGeMatrix3d::worldToPlane(m.normal)));
         }
     }
     if (loop.edges.empty() && loop.path.vertexCount() < 2) {

@@ -81,7 +81,7 @@ public:
     /// status.
     Acad::ErrorStatus appendLoop(Adesk::Int32 type, const AcGeVoidPointerArray& edges,
                                  const AcGeIntArray& edgeTypes);
-    /// One loop of objects that follow each other, remembered for an associative hatch.
+    /// One loop of objects that follow each other in any order, remembered for an associative hatch.
     Acad::ErrorStatus appendLoop(Adesk::Int32 type, const AcDbObjectIdArray& objects);
     Acad::ErrorStatus insertLoopAt(int index, Adesk::Int32 type, const AcGePoint2dArray& vertices,
                                    const AcGeDoubleArray& bulges);

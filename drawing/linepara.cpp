@@ -1,0 +1,7 @@
+// The panel of widths and snap increments.
+#include "drawing/linepara.h"
+
+CLineParaHolder::CLineParaHolder() = default;
+CLineParaHolder::~CLineParaHolder() = default;
+
+void RefreshLinePara() {}

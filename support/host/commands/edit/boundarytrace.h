@@ -1,0 +1,35 @@
+// Closed boundaries around a picked point: the face that visible curves enclose, cut at their crossings, and
+// the islands within it. Nothing is looked at but what lies near the boundary and inside it: finding it takes
+// about log n for each piece of curve on the way.
+#pragma once
+
+#include "host/db/db.h"
+#include "host/db/entities/curvepiece.h"
+
+#include <optional>
+#include <vector>
+
+namespace host {
+
+/// A closed way along pieces that follow each other: lines and arcs; of other curves chords. In coordinates
+/// of the plane, with Z 0.
+struct TracedLoop {
+    std::vector<CurvePiece> pieces; ///< each runs from `from` to `to`; `to` may be smaller
+    std::vector<AcDbObjectId> sources;
+};
+
+struct TracedBoundary {
+    std::vector<TracedLoop>
+        loops; ///< the outer one, then islands of any depth; none when there is no boundary
+    struct Gap {
+        AcGePoint2d from;
+        AcGePoint2d to;
+    };
+    std::optional<Gap> gap; ///< without a boundary: the narrowest place where the curves do not meet
+};
+
+/// In the plane through the origin with this normal, in which the point is given, too; of the curves that can
+/// be selected in the block.
+TracedBoundary traceBoundary(AcDbObjectId block, const AcGeVector3d& normal, const AcGePoint2d& point);
+
+} // namespace host
