@@ -90,7 +90,7 @@ public:
     explicit GeometrySink(PenTable& pens) : mPens(pens) {}
     void start(const AcGePoint2d& origin);
     /// What was drawn since start().
-    Geometry finish(int level);
+    Geometry finish(int level, bool isPatterned);
 
     void polyline(std::span<const AcGePoint3d> points, const host::Pen& pen) override;
     void area(const host::Area& area, const host::Pen& pen) override;
@@ -114,7 +114,6 @@ private:
     AcGePoint2d mOrigin;
     std::vector<std::uint32_t> mWords;
     std::size_t mHead = 0; ///< of the primitive that is being written
-    bool mHasPattern = false;
 };
 
 } // namespace app

@@ -59,14 +59,11 @@ std::size_t hashOf(const AcDbStub* stub) {
 } // namespace
 
 Scene::Scene(AcDbDatabase& database)
-    : mDatabase(database), mSpace(database.currentSpaceId()), mSink(mPens) {
-    listen();
+    : mDatabase(database), mSpace(database.currentSpaceId()), mJournal(database), mSink(mPens) {
     load();
 }
 
-Scene::~Scene() {
-    mDatabase.impl().places.setJournal(nullptr);
-}
+Scene::~Scene() = default;
 
 void Scene::load() {
     mSpace = mDatabase.currentSpaceId();
@@ -76,7 +73,8 @@ void Scene::load() {
     mGeometryBytes = 0;
     mSource.reset();
     mFlattener.reset();
-    mJournal.clear();
+    mJournal.touched.clear();
+    mPatterned.clear();
     loadItems();
     rehash();
     pack();
@@ -149,6 +147,44 @@ void Scene::use(AcDbStub* block) {
             use(reference->blockTableRecord().stub());
         }
     }
+}
+
+/// Whether the picture may have gaps that depend on the scale: where the linetype has some, or where others are
+/// drawn with the entity whose linetypes are not looked up.
+bool Scene::isPatterned(const AcDbEntity& entity) {
+    if (entity.isA() == AcDbBlockReference::desc()) {
+        const auto& reference = static_cast<const AcDbBlockReference&>(entity);
+        if (isPatternedBlock(reference.blockTableRecord().stub())) {
+            return true;
+        }
+    } else if (followsOthers(entity) || entity.isKindOf(AcDbProxyEntity::desc())) {
+        return true;
+    }
+    AcDbObjectId linetype = entity.linetypeId();
+    if (linetype.isNull() || linetype == mDatabase.byLayerLinetype()) {
+        const auto* layer = peek<AcDbLayerTableRecord>(entity.layerId());
+        linetype = layer != nullptr ? layer->linetypeObjectId() : AcDbObjectId();
+    }
+    const auto* record = peek<AcDbLinetypeTableRecord>(linetype);
+    return record != nullptr && !record->dashes().empty();
+}
+
+bool Scene::isPatternedBlock(AcDbStub* block) {
+    const auto [found, added] = mPatterned.try_emplace(block, false);
+    if (added) {
+        bool patterned = false;
+        const auto* record = peek<AcDbBlockTableRecord>(AcDbObjectId(block));
+        for (AcDbStub* stub : record != nullptr ? record->entities() : std::vector<AcDbStub*>()) {
+            const auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
+            if (entity != nullptr && isPatterned(*entity)) {
+                patterned = true;
+                break;
+            }
+        }
+        mPatterned[block] = patterned;
+        return patterned;
+    }
+    return found->second;
 }
 
 void Scene::measure(SceneItem& item) {
@@ -259,17 +295,16 @@ SceneChange Scene::update() {
         change.everything = true;
         return change;
     }
-    if (mJournal.empty()) {
+    if (mJournal.touched.empty()) {
         return change;
     }
-    const std::vector<AcDbStub*> touched = std::exchange(mJournal, {});
+    const std::vector<AcDbStub*> touched = std::exchange(mJournal.touched, {});
     std::unordered_set<AcDbStub*> seen;
     for (AcDbStub* stub : touched) {
         if (seen.insert(stub).second) {
             changed(stub, change);
         }
     }
-    mJournal.clear(); // measuring touches nothing that matters
     if (mRecent.size() > std::max(fewRecent, mItems.size() / 16)) {
         pack();
     }
@@ -303,6 +338,7 @@ void Scene::changed(AcDbStub* stub, SceneChange& change) {
             look(item);
         }
         forgetGeometry();
+        mPatterned.clear();
         change.everything = true;
     }
 }
@@ -318,6 +354,7 @@ void Scene::blockChanged(AcDbStub* block, SceneChange& change) {
         }
     }
     mUsedBlocks.erase(block);
+    mPatterned.clear();
     use(block); // blocks that it refers to now
 }
 
@@ -417,7 +454,7 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
         const host::ReadAccess access(*entity);
         flattener(unitsPerPixel, nullptr).draw(*entity);
     }
-    item.geometry = mSink.finish(levelOf(unitsPerPixel));
+    item.geometry = mSink.finish(levelOf(unitsPerPixel), isPatterned(*entity));
     const std::size_t added = item.geometry.bytes();
     mGeometryBytes += added;
 }
@@ -427,7 +464,7 @@ Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double 
     mSink.start(origin);
     const host::ReadAccess access(entity);
     flattener(unitsPerPixel, &view).draw(entity);
-    return mSink.finish(levelOf(unitsPerPixel));
+    return mSink.finish(levelOf(unitsPerPixel), true);
 }
 
 SceneChange Scene::highlight(std::span<const AcDbObjectId> ids, bool on) {
