@@ -39,13 +39,13 @@ void GeometrySink::start(const AcGePoint2d& origin) {
     mWords.clear();
 }
 
-Geometry GeometrySink::finish(int level, bool isPatterned) {
+Geometry GeometrySink::finish(int level, bool isScaled) {
     Geometry geometry;
     geometry.mWords = std::make_unique_for_overwrite<std::uint32_t[]>(Geometry::headSize + mWords.size());
     const double origin[2] = {mOrigin.x, mOrigin.y};
     std::memcpy(geometry.mWords.get(), origin, sizeof origin);
     geometry.mWords[Geometry::flagsAt] =
-        (isPatterned ? 0U : 1U) | static_cast<std::uint32_t>(static_cast<std::uint8_t>(level)) << 8;
+        (isScaled ? 0U : 1U) | static_cast<std::uint32_t>(static_cast<std::uint8_t>(level)) << 8;
     geometry.mWords[Geometry::sizeAt] = static_cast<std::uint32_t>(mWords.size());
     std::copy(mWords.begin(), mWords.end(), geometry.mWords.get() + Geometry::headSize);
     return geometry;

@@ -42,6 +42,16 @@ bool isLook(const AcDbObject& object) {
            name.ends_with("DEFINITION");
 }
 
+/// Drawn by lines, whole curves and glyphs alone.
+bool isPlain(const AcDbEntity& entity) {
+    const AcRxClass* kind = entity.isA();
+    if (kind == AcDbPolyline::desc()) {
+        return !static_cast<const AcDbPolyline&>(entity).hasWidth();
+    }
+    return kind == AcDbLine::desc() || kind == AcDbCircle::desc() || kind == AcDbArc::desc() ||
+           kind == AcDbText::desc() || kind == AcDbPoint::desc() || entity.dxfRecordName() == "ATTRIB";
+}
+
 Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
@@ -74,7 +84,7 @@ void Scene::load() {
     mSource.reset();
     mFlattener.reset();
     mJournal.touched.clear();
-    mPatterned.clear();
+    mScaledBlocks.clear();
     loadItems();
     rehash();
     pack();
@@ -149,15 +159,14 @@ void Scene::use(AcDbStub* block) {
     }
 }
 
-/// Whether the picture may have gaps that depend on the scale: where the linetype has some, or where others are
-/// drawn with the entity whose linetypes are not looked up.
-bool Scene::isPatterned(const AcDbEntity& entity) {
+/// Whether the primitives depend on the scale: the gaps of a linetype, and chords of what is not given as a curve.
+bool Scene::isScaled(const AcDbEntity& entity) {
     if (entity.isA() == AcDbBlockReference::desc()) {
         const auto& reference = static_cast<const AcDbBlockReference&>(entity);
-        if (isPatternedBlock(reference.blockTableRecord().stub())) {
+        if (isScaledBlock(reference.blockTableRecord().stub())) {
             return true;
         }
-    } else if (followsOthers(entity) || entity.isKindOf(AcDbProxyEntity::desc())) {
+    } else if (!isPlain(entity)) {
         return true;
     }
     AcDbObjectId linetype = entity.linetypeId();
@@ -169,19 +178,19 @@ bool Scene::isPatterned(const AcDbEntity& entity) {
     return record != nullptr && !record->dashes().empty();
 }
 
-bool Scene::isPatternedBlock(AcDbStub* block) {
-    const auto [found, added] = mPatterned.try_emplace(block, false);
+bool Scene::isScaledBlock(AcDbStub* block) {
+    const auto [found, added] = mScaledBlocks.try_emplace(block, false);
     if (added) {
         bool patterned = false;
         const auto* record = peek<AcDbBlockTableRecord>(AcDbObjectId(block));
         for (AcDbStub* stub : record != nullptr ? record->entities() : std::vector<AcDbStub*>()) {
             const auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
-            if (entity != nullptr && isPatterned(*entity)) {
+            if (entity != nullptr && isScaled(*entity)) {
                 patterned = true;
                 break;
             }
         }
-        mPatterned[block] = patterned;
+        mScaledBlocks[block] = patterned;
         return patterned;
     }
     return found->second;
@@ -338,7 +347,7 @@ void Scene::changed(AcDbStub* stub, SceneChange& change) {
             look(item);
         }
         forgetGeometry();
-        mPatterned.clear();
+        mScaledBlocks.clear();
         change.everything = true;
     }
 }
@@ -354,7 +363,7 @@ void Scene::blockChanged(AcDbStub* block, SceneChange& change) {
         }
     }
     mUsedBlocks.erase(block);
-    mPatterned.clear();
+    mScaledBlocks.clear();
     use(block); // blocks that it refers to now
 }
 
@@ -454,7 +463,7 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
         const host::ReadAccess access(*entity);
         flattener(unitsPerPixel, nullptr).draw(*entity);
     }
-    item.geometry = mSink.finish(levelOf(unitsPerPixel), isPatterned(*entity));
+    item.geometry = mSink.finish(levelOf(unitsPerPixel), isScaled(*entity));
     const std::size_t added = item.geometry.bytes();
     mGeometryBytes += added;
 }

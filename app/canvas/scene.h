@@ -128,8 +128,8 @@ private:
     void blockChanged(AcDbStub* block, SceneChange& change);
     void append(AcDbStub* stub, SceneChange& change);
     void use(AcDbStub* block);
-    bool isPatterned(const AcDbEntity& entity);
-    bool isPatternedBlock(AcDbStub* block);
+    bool isScaled(const AcDbEntity& entity);
+    bool isScaledBlock(AcDbStub* block);
     host::Flattener& flattener(double unitsPerPixel, const host::Box2d* view);
 
     std::uint32_t indexOf(const AcDbStub* stub) const;
@@ -146,7 +146,7 @@ private:
     std::vector<std::uint64_t> mMarked; ///< a bit an item, zero between searches
     std::unordered_set<AcDbStub*> mUsedBlocks;
     Journal mJournal;
-    std::unordered_map<AcDbStub*, bool> mPatterned; ///< blocks: something in them has a linetype with gaps
+    std::unordered_map<AcDbStub*, bool> mScaledBlocks; ///< what is in them is drawn for a scale
     PenTable mPens;
     GeometrySink mSink;
     std::unique_ptr<host::DrawingSource> mSource;
