@@ -105,6 +105,7 @@ bool FlattenCore::prepare() {
     mPen.layer = &layer;
     mPen.marker = state.marker;
     mLinetype = &linetypeOf(state);
+    mPen.hasPattern = !mLinetype->isContinuous();
     mLinetypeScale = mSource.linetypeScale() * state.linetypeScale;
     return true;
 }
