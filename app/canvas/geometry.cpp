@@ -37,16 +37,15 @@ std::size_t Geometry::bytes() const {
 void GeometrySink::start(const AcGePoint2d& origin) {
     mOrigin = origin;
     mWords.clear();
-    mHasPattern = false;
 }
 
-Geometry GeometrySink::finish(int level) {
+Geometry GeometrySink::finish(int level, bool isScaled) {
     Geometry geometry;
     geometry.mWords = std::make_unique_for_overwrite<std::uint32_t[]>(Geometry::headSize + mWords.size());
     const double origin[2] = {mOrigin.x, mOrigin.y};
     std::memcpy(geometry.mWords.get(), origin, sizeof origin);
     geometry.mWords[Geometry::flagsAt] =
-        (mHasPattern ? 0U : 1U) | static_cast<std::uint32_t>(static_cast<std::uint8_t>(level)) << 8;
+        (isScaled ? 0U : 1U) | static_cast<std::uint32_t>(static_cast<std::uint8_t>(level)) << 8;
     geometry.mWords[Geometry::sizeAt] = static_cast<std::uint32_t>(mWords.size());
     std::copy(mWords.begin(), mWords.end(), geometry.mWords.get() + Geometry::headSize);
     return geometry;
@@ -54,7 +53,6 @@ Geometry GeometrySink::finish(int level) {
 
 void GeometrySink::head(Primitive kind, std::size_t count, const host::Pen& pen) {
     constexpr std::uint32_t kindBits = 4;
-    mHasPattern = mHasPattern || pen.hasPattern;
     mHead = mWords.size();
     mWords.push_back(static_cast<std::uint32_t>(kind) | static_cast<std::uint32_t>(count) << kindBits);
     mWords.push_back(mPens.numberOf(pen));

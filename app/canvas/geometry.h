@@ -57,7 +57,7 @@ public:
     Geometry() = default;
     bool isBuilt() const { return mWords != nullptr; }
     AcGePoint2d origin() const;
-    /// Drawn without gaps of a linetype: right at any scale.
+    /// Right at any scale.
     bool isScaleFree() const { return (mWords[flagsAt] & 1) != 0; }
     /// Power of two of the units a pixel that it was made for.
     int level() const { return static_cast<std::int8_t>(mWords[flagsAt] >> 8 & 0xFF); }
@@ -89,8 +89,8 @@ class GeometrySink final : public host::PrimitiveSink {
 public:
     explicit GeometrySink(PenTable& pens) : mPens(pens) {}
     void start(const AcGePoint2d& origin);
-    /// What was drawn since start().
-    Geometry finish(int level);
+    /// What was drawn since start(); `isScaled` when it depends on the scale.
+    Geometry finish(int level, bool isScaled);
 
     void polyline(std::span<const AcGePoint3d> points, const host::Pen& pen) override;
     void area(const host::Area& area, const host::Pen& pen) override;
@@ -114,7 +114,6 @@ private:
     AcGePoint2d mOrigin;
     std::vector<std::uint32_t> mWords;
     std::size_t mHead = 0; ///< of the primitive that is being written
-    bool mHasPattern = false;
 };
 
 } // namespace app

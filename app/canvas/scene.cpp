@@ -42,6 +42,16 @@ bool isLook(const AcDbObject& object) {
            name.ends_with("DEFINITION");
 }
 
+/// Drawn by lines, whole curves and glyphs alone.
+bool isPlain(const AcDbEntity& entity) {
+    const AcRxClass* kind = entity.isA();
+    if (kind == AcDbPolyline::desc()) {
+        return !static_cast<const AcDbPolyline&>(entity).hasWidth();
+    }
+    return kind == AcDbLine::desc() || kind == AcDbCircle::desc() || kind == AcDbArc::desc() ||
+           kind == AcDbText::desc() || kind == AcDbPoint::desc() || entity.dxfRecordName() == "ATTRIB";
+}
+
 Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
@@ -59,14 +69,11 @@ std::size_t hashOf(const AcDbStub* stub) {
 } // namespace
 
 Scene::Scene(AcDbDatabase& database)
-    : mDatabase(database), mSpace(database.currentSpaceId()), mSink(mPens) {
-    listen();
+    : mDatabase(database), mSpace(database.currentSpaceId()), mJournal(database), mSink(mPens) {
     load();
 }
 
-Scene::~Scene() {
-    mDatabase.impl().places.setJournal(nullptr);
-}
+Scene::~Scene() = default;
 
 void Scene::load() {
     mSpace = mDatabase.currentSpaceId();
@@ -76,7 +83,8 @@ void Scene::load() {
     mGeometryBytes = 0;
     mSource.reset();
     mFlattener.reset();
-    mJournal.clear();
+    mJournal.touched.clear();
+    mScaledBlocks.clear();
     loadItems();
     rehash();
     pack();
@@ -149,6 +157,43 @@ void Scene::use(AcDbStub* block) {
             use(reference->blockTableRecord().stub());
         }
     }
+}
+
+/// Whether the primitives depend on the scale: the gaps of a linetype, and chords of what is not given as a curve.
+bool Scene::isScaled(const AcDbEntity& entity) {
+    if (entity.isA() == AcDbBlockReference::desc()) {
+        const auto& reference = static_cast<const AcDbBlockReference&>(entity);
+        if (isScaledBlock(reference.blockTableRecord().stub())) {
+            return true;
+        }
+    } else if (!isPlain(entity)) {
+        return true;
+    }
+    AcDbObjectId linetype = entity.linetypeId();
+    if (linetype.isNull() || linetype == mDatabase.byLayerLinetype()) {
+        const auto* layer = peek<AcDbLayerTableRecord>(entity.layerId());
+        linetype = layer != nullptr ? layer->linetypeObjectId() : AcDbObjectId();
+    }
+    const auto* record = peek<AcDbLinetypeTableRecord>(linetype);
+    return record != nullptr && !record->dashes().empty();
+}
+
+bool Scene::isScaledBlock(AcDbStub* block) {
+    const auto [found, added] = mScaledBlocks.try_emplace(block, false);
+    if (added) {
+        bool patterned = false;
+        const auto* record = peek<AcDbBlockTableRecord>(AcDbObjectId(block));
+        for (AcDbStub* stub : record != nullptr ? record->entities() : std::vector<AcDbStub*>()) {
+            const auto* entity = peek<AcDbEntity>(AcDbObjectId(stub));
+            if (entity != nullptr && isScaled(*entity)) {
+                patterned = true;
+                break;
+            }
+        }
+        mScaledBlocks[block] = patterned;
+        return patterned;
+    }
+    return found->second;
 }
 
 void Scene::measure(SceneItem& item) {
@@ -259,17 +304,16 @@ SceneChange Scene::update() {
         change.everything = true;
         return change;
     }
-    if (mJournal.empty()) {
+    if (mJournal.touched.empty()) {
         return change;
     }
-    const std::vector<AcDbStub*> touched = std::exchange(mJournal, {});
+    const std::vector<AcDbStub*> touched = std::exchange(mJournal.touched, {});
     std::unordered_set<AcDbStub*> seen;
     for (AcDbStub* stub : touched) {
         if (seen.insert(stub).second) {
             changed(stub, change);
         }
     }
-    mJournal.clear(); // measuring touches nothing that matters
     if (mRecent.size() > std::max(fewRecent, mItems.size() / 16)) {
         pack();
     }
@@ -303,6 +347,7 @@ void Scene::changed(AcDbStub* stub, SceneChange& change) {
             look(item);
         }
         forgetGeometry();
+        mScaledBlocks.clear();
         change.everything = true;
     }
 }
@@ -318,6 +363,7 @@ void Scene::blockChanged(AcDbStub* block, SceneChange& change) {
         }
     }
     mUsedBlocks.erase(block);
+    mScaledBlocks.clear();
     use(block); // blocks that it refers to now
 }
 
@@ -417,7 +463,7 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
         const host::ReadAccess access(*entity);
         flattener(unitsPerPixel, nullptr).draw(*entity);
     }
-    item.geometry = mSink.finish(levelOf(unitsPerPixel));
+    item.geometry = mSink.finish(levelOf(unitsPerPixel), isScaled(*entity));
     const std::size_t added = item.geometry.bytes();
     mGeometryBytes += added;
 }
@@ -427,7 +473,7 @@ Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double 
     mSink.start(origin);
     const host::ReadAccess access(entity);
     flattener(unitsPerPixel, &view).draw(entity);
-    return mSink.finish(levelOf(unitsPerPixel));
+    return mSink.finish(levelOf(unitsPerPixel), true);
 }
 
 SceneChange Scene::highlight(std::span<const AcDbObjectId> ids, bool on) {

@@ -1,5 +1,5 @@
 // What a drawing's space shows: every entity's box, colour and, once it was seen near enough, its geometry.
-// Follows the drawing through the journal of touched objects: only what changed is made anew.
+// Follows the drawing through its notifications: only what changed is made anew.
 #pragma once
 
 #include "app/canvas/displaytree.h"
@@ -11,6 +11,7 @@
 
 #include <bit>
 #include <memory>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -47,8 +48,6 @@ public:
     Scene& operator=(const Scene&) = delete;
 
     AcDbDatabase& database() const { return mDatabase; }
-    /// A drawing tells one scene of its changes; from now on this one.
-    void listen() { mDatabase.impl().places.setJournal(&mJournal); }
     /// Takes in what changed in the drawing since the last call.
     SceneChange update();
     /// Forgets everything drawn.
@@ -92,6 +91,28 @@ public:
     std::size_t bytes() const;
 
 private:
+    /// Notes the objects that the drawing tells of, to be looked at later.
+    class Journal final : public AcDbDatabaseReactor {
+    public:
+        explicit Journal(AcDbDatabase& database) : mDatabase(database) { mDatabase.addReactor(this); }
+        ~Journal() override { mDatabase.removeReactor(this); }
+        Journal(const Journal&) = delete;
+        Journal& operator=(const Journal&) = delete;
+        void objectAppended(const AcDbDatabase*, const AcDbObject* object) override { note(object); }
+        void objectModified(const AcDbDatabase*, const AcDbObject* object) override { note(object); }
+        void objectErased(const AcDbDatabase*, const AcDbObject* object, bool) override { note(object); }
+        std::vector<AcDbStub*> touched;
+
+    private:
+        void note(const AcDbObject* object) {
+            AcDbStub* stub = object->objectId().stub();
+            if (touched.empty() || touched.back() != stub) {
+                touched.push_back(stub);
+            }
+        }
+        AcDbDatabase& mDatabase;
+    };
+
     static constexpr std::uint32_t none = ~std::uint32_t{0};
 
     void load();
@@ -107,6 +128,8 @@ private:
     void blockChanged(AcDbStub* block, SceneChange& change);
     void append(AcDbStub* stub, SceneChange& change);
     void use(AcDbStub* block);
+    bool isScaled(const AcDbEntity& entity);
+    bool isScaledBlock(AcDbStub* block);
     host::Flattener& flattener(double unitsPerPixel, const host::Box2d* view);
 
     std::uint32_t indexOf(const AcDbStub* stub) const;
@@ -122,7 +145,8 @@ private:
     std::vector<std::uint32_t> mTable;  ///< open addressing by stub
     std::vector<std::uint64_t> mMarked; ///< a bit an item, zero between searches
     std::unordered_set<AcDbStub*> mUsedBlocks;
-    std::vector<AcDbStub*> mJournal;
+    Journal mJournal;
+    std::unordered_map<AcDbStub*, bool> mScaledBlocks; ///< what is in them is drawn for a scale
     PenTable mPens;
     GeometrySink mSink;
     std::unique_ptr<host::DrawingSource> mSource;

@@ -44,8 +44,9 @@ QString nativePath(const std::wstring& path) {
 }
 
 /// Kept beside the settings.
-QSettings windowSettings() {
-    return QSettings(QString::fromStdString((host::settingsFolder() / "window.ini").string()), QSettings::IniFormat);
+std::unique_ptr<QSettings> windowSettings() {
+    return std::make_unique<QSettings>(QString::fromStdString((host::settingsFolder() / "window.ini").string()),
+                                       QSettings::IniFormat);
 }
 
 } // namespace
@@ -216,19 +217,31 @@ void MainWindow::preview() {
     dialog.exec();
 }
 
+void MainWindow::readLayout() {
+    const std::unique_ptr<QSettings> settings = windowSettings();
+    restoreGeometry(settings->value(QStringLiteral("geometry")).toByteArray());
+    restoreState(settings->value(QStringLiteral("state")).toByteArray());
+}
+
+void MainWindow::keepLayout() {
+    const std::unique_ptr<QSettings> settings = windowSettings();
+    settings->setValue(QStringLiteral("geometry"), saveGeometry());
+    settings->setValue(QStringLiteral("state"), saveState());
+}
+
 void MainWindow::rememberFile(const QString& file) {
-    QSettings settings = windowSettings();
-    QStringList files = settings.value(QStringLiteral("recentFiles")).toStringList();
+    const std::unique_ptr<QSettings> settings = windowSettings();
+    QStringList files = settings->value(QStringLiteral("recentFiles")).toStringList();
     const QString path = QFileInfo(file).absoluteFilePath();
     files.removeAll(path);
     files.prepend(path);
-    settings.setValue(QStringLiteral("recentFiles"), files.mid(0, mostRecentFiles));
+    settings->setValue(QStringLiteral("recentFiles"), files.mid(0, mostRecentFiles));
 }
 
 void MainWindow::fillRecentFiles() {
     mRecent->clear();
     int number = 0;
-    for (const QString& file : windowSettings().value(QStringLiteral("recentFiles")).toStringList()) {
+    for (const QString& file : windowSettings()->value(QStringLiteral("recentFiles")).toStringList()) {
         QAction* action = mRecent->addAction(QStringLiteral("&%1 %2").arg(++number).arg(QDir::toNativeSeparators(file)));
         connect(action, &QAction::triggered, this, [this, file] {
             openFile(file);

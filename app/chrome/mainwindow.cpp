@@ -83,6 +83,7 @@ MainWindow::MainWindow()
                                  QString::fromWCharArray(text != nullptr ? text : L""));
     });
     resize(1440, 900);
+    readLayout();
     mCanvas->setFocus();
 }
 
@@ -102,6 +103,7 @@ void MainWindow::begin(const Options& options) {
 }
 
 void MainWindow::end() {
+    keepLayout();
     mCanvas->setRequest(nullptr, {});
 }
 
@@ -180,6 +182,14 @@ void MainWindow::buildDocks() {
     for (const auto& [name, bar] : mBars) {
         mPanels->addAction(bar->toggleViewAction());
     }
+    mLayerPanel = new LayerPanel(this);
+    mPropertyPanel = new PropertyPanel(this);
+    mLayerPanel->run = mPropertyPanel->run = [this](const QString& text) { mInput->run(text); };
+    for (QDockWidget* panel : {static_cast<QDockWidget*>(mPropertyPanel), static_cast<QDockWidget*>(mLayerPanel)}) {
+        addDockWidget(Qt::RightDockWidgetArea, panel);
+        panel->hide();
+        mPanels->addAction(panel->toggleViewAction());
+    }
     mPanels->addAction(mProperties->toggleViewAction());
     mPanels->addAction(dock->toggleViewAction());
 }
@@ -187,6 +197,8 @@ void MainWindow::buildDocks() {
 void MainWindow::followQuestion(const host::InputRequest&) {
     mModes->follow();
     mProperties->follow();
+    mLayerPanel->follow();
+    mPropertyPanel->follow();
     followDocuments();
     if (mTextWindow != nullptr && mTextWindow->isVisible()) {
         showTextWindow();
@@ -244,6 +256,13 @@ void MainWindow::trigger(const char* command, bool transparent) {
     text.replace(QLatin1Char(' '), QLatin1Char('\n'));
     mInput->run(text, transparent);
     mCanvas->setFocus();
+}
+
+void MainWindow::showPanel(QDockWidget& panel) {
+    panel.setVisible(!panel.isVisible());
+    if (panel.isVisible()) {
+        panel.raise();
+    }
 }
 
 void MainWindow::selectAll() {

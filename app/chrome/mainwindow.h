@@ -3,8 +3,10 @@
 
 #include "app/canvas/canvas.h"
 #include "app/chrome/autosave.h"
+#include "app/chrome/layerpanel.h"
 #include "app/chrome/modebar.h"
 #include "app/chrome/propertybar.h"
+#include "app/chrome/propertypanel.h"
 #include "app/console/commandline.h"
 #include "app/console/windowinput.h"
 #include "app/options.h"
@@ -71,11 +73,16 @@ private:
     void showHelp();
     void selectAll();
     void offerRecovery();
+    void showPanel(QDockWidget& panel);
+    void readLayout();
+    void keepLayout();
 
     Canvas* mCanvas;
     CommandLine* mCommandLine;
     PropertyBar* mProperties;
     ModeBar* mModes;
+    LayerPanel* mLayerPanel = nullptr;
+    PropertyPanel* mPropertyPanel = nullptr;
     QTabBar* mTabs;
     QMenu* mRecent = nullptr;
     QMenu* mPanels = nullptr;

@@ -160,7 +160,8 @@ void PropertyBar::choose(const char* variable, const char* property, const QStri
         } else if (given.startsWith(QLatin1Char('T'))) {
             given = QStringLiteral("_T\" \"") + given.mid(1);
         }
-        run(QStringLiteral("(progn (command \"_.CHPROP\" (ssget \"_I\") \"\" \"%1\" \"%2\" \"\") (princ))\n")
+        run(QStringLiteral("(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" \"%2\" \"\") "
+                           "(sssetfirst nil $s) (setq $s nil) (princ))\n")
                 .arg(QLatin1String(property), given));
         return;
     }

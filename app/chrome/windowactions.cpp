@@ -42,8 +42,8 @@ void MainWindow::windowAction(std::string_view name) {
          }},
         {"zoomextents", [](MainWindow& window) { window.mCanvas->zoomExtents(); }},
         {"textwindow", [](MainWindow& window) { window.showTextWindow(); }},
-        {"layers", [](MainWindow& window) { window.mInput->run(QStringLiteral("_.-LAYER\n")); }},
-        {"properties", [](MainWindow& window) { window.mInput->run(QStringLiteral("_.LIST\n")); }},
+        {"layers", [](MainWindow& window) { window.showPanel(*window.mLayerPanel); }},
+        {"properties", [](MainWindow& window) { window.showPanel(*window.mPropertyPanel); }},
         {"help", [](MainWindow& window) { window.showHelp(); }},
         {"about",
          [](MainWindow& window) {

@@ -5,7 +5,7 @@
 #include "host/db/dbents.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/ed.h"
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

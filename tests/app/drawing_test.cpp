@@ -184,6 +184,25 @@ TEST(Window, AGripIsMovedByTwoClicks) {
                 [](Driver&) { expectNear(AcDbLine::cast(entities()[0])->endPoint(), 40, 0, 1e-9); }});
 }
 
+TEST(Window, WhatIsMovedFollowsTheCursor) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); },
+                [](Driver& d) { start(d, "_.MOVE"); },
+                [](Driver& d) { d.type(QStringLiteral("ALL\n\n0,0\n")); },
+                [](Driver& d) { d.move(10, 15); },
+                [](Driver& d) {
+                    const auto& dragged = d.window().windowInput().request()->dragged;
+                    ASSERT_EQ(dragged.size(), 3u);
+                    expectNear(AcDbLine::cast(dragged[0])->startPoint(), 10, 15);
+                    expectNear(AcDbLine::cast(entities()[0])->startPoint(), 0, 0, 1e-9);
+                    d.click(10, 15);
+                },
+                [](Driver& d) {
+                    ASSERT_TRUE(d.window().windowInput().isIdle());
+                    expectNear(AcDbLine::cast(entities()[0])->startPoint(), 10, 15);
+                }});
+}
+
 TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
     Driver driver(QDV_MODULE);
     driver.run({[](Driver& d) { start(d, "V7_Enclose"); },

@@ -1,7 +1,7 @@
 #include "tests/app/windowdriver.h"
 
 #include "app/startup.h"
-#include "tests/win/temporaryfolder.h"
+#include "tests/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 

@@ -3,6 +3,7 @@
 #include "host/commands/edit/editing.h"
 #include "host/commands/erasing.h"
 #include "host/commands/registry.h"
+#include "host/ed/dragging.h"
 
 namespace host {
 
@@ -92,11 +93,16 @@ std::optional<AcGeVector3d> askDisplacement(std::optional<AcGePoint3d>* base = n
     return second.world - first.world;
 }
 
+AcGeMatrix3d movedTo(const AcGePoint3d& base, const AcGePoint3d& point) {
+    return AcGeMatrix3d::translation(point - base);
+}
+
 void runMove() {
     const Selection selection = Selection::askEditable();
     if (selection.empty()) {
         return;
     }
+    const Dragging preview(selection.ids(), movedTo);
     const std::optional<AcGeVector3d> displacement = askDisplacement();
     if (!displacement) {
         return;
@@ -121,6 +127,7 @@ void runCopy() {
     if (selection.empty()) {
         return;
     }
+    const Dragging preview(selection.ids(), movedTo);
     std::optional<AcGePoint3d> base;
     const std::optional<AcGeVector3d> first = askDisplacement(&base);
     if (!first) {

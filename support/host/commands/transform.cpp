@@ -3,6 +3,7 @@
 #include "host/commands/edit/editing.h"
 #include "host/commands/edit/mirroring.h"
 #include "host/commands/registry.h"
+#include "host/ed/dragging.h"
 
 #include <cmath>
 
@@ -24,6 +25,10 @@ void runMirror() {
     if (!first.isValue()) {
         return;
     }
+    const Dragging preview(selection.ids(), [](const AcGePoint3d& from, const AcGePoint3d& to) {
+        const AcGeVector3d normal = ucsNormal().crossProduct(to - from);
+        return normal.isZeroLength() ? AcGeMatrix3d() : AcGeMatrix3d::mirroring(AcGePlane(from, normal));
+    });
     PointAnswer second;
     for (;;) {
         second = askPoint(L"\n指定镜像线的第二点: ", nullptr, &first.ucs, RSG_NONULL);
@@ -106,6 +111,10 @@ void runRotate() {
         return;
     }
     bool copies = false;
+    const Dragging preview(selection.ids(), [](const AcGePoint3d& from, const AcGePoint3d& to) {
+        const AcGeVector3d direction = worldToUcs(to) - worldToUcs(from);
+        return AcGeMatrix3d::rotation(std::atan2(direction.y, direction.x), ucsNormal(), from);
+    });
     std::optional<double> turn;
     while (!turn) {
         const RealAnswer answer =
@@ -158,6 +167,10 @@ void runScale() {
         return;
     }
     bool copies = false;
+    const Dragging preview(selection.ids(), [](const AcGePoint3d& from, const AcGePoint3d& to) {
+        const double distance = from.distanceTo(to);
+        return distance > 0.0 ? AcGeMatrix3d::scaling(distance, from) : AcGeMatrix3d();
+    });
     std::optional<double> factor;
     while (!factor) {
         const RealAnswer answer = askDistance(L"\n指定比例因子或 [复制(C)/参照(R)]: ", L"Copy Reference",

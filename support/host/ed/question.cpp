@@ -4,7 +4,9 @@
 #include "host/ed/acdocman.h"
 #include "host/ed/aced.h"
 #include "host/ed/console.h"
+#include "host/ed/dragging.h"
 #include "host/ed/pointreader.h"
+#include "host/ed/runcontext.h"
 #include "host/ed/sysvars.h"
 #include "host/ed/units.h"
 
@@ -142,8 +144,21 @@ void refuse(std::wstring_view line) {
 }
 
 int askValue(const InitGet& init, const ValueQuestion& question) {
+    AskOptions options = question.options;
+    Dragging* dragging = runContext().dragging;
+    const bool drags = dragging != nullptr && options.wantsPoint && options.base && !options.picksObjects;
+    options.wantsMotion = options.wantsMotion || drags;
+    bool isAsked = false;
     for (;;) {
-        const InputItem item = inputStream().ask(question.prompt, question.options);
+        const InputItem item = inputStream().ask(isAsked ? L"" : question.prompt, options);
+        isAsked = item.kind == InputItem::Kind::motion;
+        if (isAsked) {
+            if (const auto point = drags ? pointIn(item, std::nullopt) : std::nullopt) {
+                options.dragged = dragging->at(*options.base, ucsToWorld(*point));
+            }
+            continue;
+        }
+        options.dragged.clear();
         if (item.isCancel()) {
             return RTCAN;
         }
