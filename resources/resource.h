@@ -1,6 +1,8 @@
 // Numbers of the module's resources and of the controls in its dialogs.
 #pragma once
 
+#define IDI_SUITE 128
+
 #define IDD_LINE_PARA 107
 #define IDC_START_WIDTH 1002
 #define IDC_END_WIDTH 1003
@@ -18,3 +20,13 @@
 #define IDR_RIVER_STYLE_1 215
 #define IDR_RIVER_STYLE_2 216
 #define IDR_RIVER_STYLE_3 217
+
+#define IDD_STANDARD_DRAWING 204
+#define IDC_STANDARD_NAMES_LABEL 200
+#define IDC_STANDARD_LIBRARIES 205
+#define IDC_STANDARD_NAMES 206
+#define IDC_STANDARD_PICTURES 247
+
+#define IDD_IMAGE_COMMAND 212
+#define IDC_IMAGE_CAPTION 206
+#define IDC_IMAGE_LIST 227

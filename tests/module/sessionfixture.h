@@ -40,6 +40,8 @@ protected:
         mSession->runScript(script);
         return mShown;
     }
+    /// What was shown since the last lines were typed.
+    std::wstring takeShown() { return std::exchange(mShown, {}); }
 
 private:
     void write(std::wstring_view text) override { mShown += text; }

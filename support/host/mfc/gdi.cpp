@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <cstring>
+#include <map>
 
 namespace {
 
@@ -209,14 +210,20 @@ int CBitmap::GetBitmap(BITMAP* bitmap) const {
     return sizeof *bitmap;
 }
 
+// Icons are shared: each is made once and stays.
 HICON LoadIcon(HINSTANCE module, LPCWSTR name) {
+    static std::map<const std::byte*, QPixmap> icons;
     host::application();
-    const QPixmap picture = host::iconResource(module, name);
-    return picture.isNull() ? nullptr : host::newIcon(picture);
+    const std::span<const std::byte> group = host::resource(module, RT_GROUP_ICON, name);
+    if (group.empty())
+        return nullptr;
+    const auto [found, isNew] = icons.try_emplace(group.data());
+    if (isNew)
+        found->second = host::iconResource(module, name);
+    return found->second.isNull() ? nullptr : reinterpret_cast<HICON>(&found->second);
 }
 
 BOOL DestroyIcon(HICON icon) {
-    delete reinterpret_cast<QPixmap*>(icon);
     return icon != nullptr ? TRUE : FALSE;
 }
 
@@ -233,10 +240,6 @@ QFont fontOf(HFONT font) {
 
 HFONT newFont(const QFont& font) {
     return static_cast<HFONT>(newObject(font));
-}
-
-HICON newIcon(const QPixmap& picture) {
-    return reinterpret_cast<HICON>(new QPixmap(picture));
 }
 
 QPixmap iconPicture(HICON icon) {

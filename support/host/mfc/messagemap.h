@@ -186,6 +186,12 @@ protected:                                                                      
                       call.result = reinterpret_cast<LRESULT>(self.OnCtlColor(                               \
                           host::contextOf(call.wParam), host::windowOf(static_cast<WPARAM>(call.lParam)),    \
                           call.message - WM_CTLCOLOREDIT + CTLCOLOR_EDIT)))
+// Of a control, whose parent passes the question on.
+#define ON_WM_CTLCOLOR_REFLECT()                                                                             \
+    HOST_WINDOW_ENTRY(WM_REFLECT_BASE + WM_CTLCOLORSTATIC,                                                   \
+                      call.result = reinterpret_cast<LRESULT>(                                               \
+                          self.CtlColor(host::contextOf(call.wParam),                                        \
+                                        call.message - WM_CTLCOLOREDIT + CTLCOLOR_EDIT)))
 inline constexpr UINT CTLCOLOR_MSGBOX = 0, CTLCOLOR_EDIT = 1, CTLCOLOR_LISTBOX = 2, CTLCOLOR_BTN = 3,
                       CTLCOLOR_DLG = 4, CTLCOLOR_SCROLLBAR = 5, CTLCOLOR_STATIC = 6;
 

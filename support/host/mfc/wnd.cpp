@@ -585,6 +585,10 @@ LPCTSTR AfxRegisterWndClass(UINT classStyle, HCURSOR, HBRUSH, HICON) {
     return names.insert(L"AfxWnd:" + std::to_wstring(classStyle)).first->c_str();
 }
 
+BOOL AfxRegisterClass(WNDCLASS* window) {
+    return window != nullptr && window->lpszClassName != nullptr ? TRUE : FALSE;
+}
+
 BOOL IsWindow(HWND window) {
     return window != nullptr && !window->dying ? TRUE : FALSE;
 }

@@ -190,6 +190,8 @@ private:
 // A class name for windows that paint themselves; class styles and brush are taken note of.
 LPCTSTR AfxRegisterWndClass(UINT classStyle, HCURSOR cursor = nullptr, HBRUSH background = nullptr,
                             HICON icon = nullptr);
+// Makes a class name known for dialog templates; every unknown name is such a class here.
+BOOL AfxRegisterClass(WNDCLASS* window);
 int AfxMessageBox(LPCTSTR text, UINT type = MB_OK, UINT help = 0);
 int AfxMessageBox(UINT id, UINT type = MB_OK, UINT help = 0);
 

@@ -129,6 +129,11 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result)
             item->object->OnChildNotify(message, wParam, lParam, result) != FALSE)
             return TRUE;
     }
+    if (isColorMessage(message)) {
+        CWnd* asked = FromHandlePermanent(reinterpret_cast<HWND>(lParam));
+        if (asked != nullptr && asked != this && asked->OnChildNotify(message, wParam, lParam, result) != FALSE)
+            return TRUE;
+    }
     const AFX_MSGMAP_ENTRY* entry = findEntry(isColorMessage(message) ? WM_CTLCOLORSTATIC : message, 0, 0);
     if (entry == nullptr)
         return FALSE;
@@ -172,8 +177,11 @@ BOOL CWnd::OnNotify(WPARAM, LPARAM lParam, LRESULT* result) {
 }
 
 BOOL CWnd::OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
-    const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : HIWORD(wParam);
-    const AFX_MSGMAP_ENTRY* entry = findEntry(WM_REFLECT_BASE + message, code, 0);
+    const UINT code = message == WM_NOTIFY    ? reinterpret_cast<const NMHDR*>(lParam)->code
+                      : message == WM_COMMAND ? HIWORD(wParam)
+                                              : 0;
+    const AFX_MSGMAP_ENTRY* entry =
+        findEntry(WM_REFLECT_BASE + (isColorMessage(message) ? WM_CTLCOLORSTATIC : message), code, 0);
     if (entry == nullptr)
         return FALSE;
     host::MessageCall call{message, wParam, lParam, LOWORD(wParam), 0, true};

@@ -31,6 +31,16 @@ struct CREATESTRUCT {
     DWORD dwExStyle;
 };
 using LPCREATESTRUCT = CREATESTRUCT*;
+struct WNDCLASS {
+    UINT style;
+    void* lpfnWndProc;
+    int cbClsExtra, cbWndExtra;
+    HINSTANCE hInstance;
+    HICON hIcon;
+    HCURSOR hCursor;
+    HBRUSH hbrBackground;
+    LPCWSTR lpszMenuName, lpszClassName;
+};
 struct MINMAXINFO {
     POINT ptReserved, ptMaxSize, ptMaxPosition, ptMinTrackSize, ptMaxTrackSize;
 };

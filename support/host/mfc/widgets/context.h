@@ -22,7 +22,6 @@ struct GdiObject {
 GdiObject* gdiObject(HGDIOBJ handle);
 QFont fontOf(HFONT font); // of dialogs for null
 HFONT newFont(const QFont& font);
-HICON newIcon(const QPixmap& picture);
 QPixmap iconPicture(HICON icon); // null for null
 // Pictures of the resources; null when there is none or it is damaged.
 QImage bitmapResource(HINSTANCE module, LPCWSTR name);

@@ -113,6 +113,23 @@ void CustomWindow::setText(const std::wstring& text) {
     content->update();
 }
 
+std::wstring CustomWindow::scriptCell(int row, int column, const std::wstring& value) {
+    std::wstring text = std::to_wstring(row) + L"\t" + std::to_wstring(column) + L"\t" + value;
+    COPYDATASTRUCT data{1, static_cast<DWORD>(text.size() * sizeof(wchar_t)), text.data()};
+    LRESULT taken = 0;
+    guarded([&] { taken = send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)); });
+    return taken != 0 ? std::wstring()
+                      : L"单元格 " + std::to_wstring(row) + L"," + std::to_wstring(column) +
+                            L" 不存在或者不能填入“" + value + L"”";
+}
+
+std::wstring CustomWindow::scriptGet() const {
+    CString text;
+    if (object != nullptr)
+        object->GetWindowText(text);
+    return text.GetString();
+}
+
 bool CustomWindow::filter(QEvent* event) {
     if (event->type() == QEvent::Paint)
         return false; // the content paints itself

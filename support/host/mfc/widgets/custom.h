@@ -18,6 +18,9 @@ public:
     std::wstring kind() const override { return L"控件"; }
     std::wstring text() const override;
     void setText(const std::wstring& text) override;
+    // Tables take "ROW\tCOLUMN\tVALUE" by WM_COPYDATA with the number 1, and give their cells as text.
+    std::wstring scriptCell(int row, int column, const std::wstring& value) override;
+    std::wstring scriptGet() const override;
 
 protected:
     bool filter(QEvent* event) override;

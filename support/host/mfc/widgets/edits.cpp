@@ -133,6 +133,8 @@ std::wstring EditWindow::scriptSet(const std::wstring& value) {
 }
 
 bool EditWindow::filter(QEvent* event) {
+    if (event->type() == QEvent::Paint && line() != nullptr)
+        askColor(isReadOnly() || !isEnabled() ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT, QPalette::Text);
     const bool done = HWND__::filter(event);
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
         command(event->type() == QEvent::FocusIn ? EN_SETFOCUS : EN_KILLFOCUS);

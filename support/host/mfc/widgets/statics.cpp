@@ -47,7 +47,7 @@ public:
 protected:
     bool filter(QEvent* event) override {
         if (event->type() == QEvent::Paint)
-            askColor();
+            askColor(WM_CTLCOLORSTATIC, QPalette::WindowText);
         if (event->type() == QEvent::MouseButtonRelease && (style & SS_NOTIFY) != 0)
             command(STN_CLICKED);
         return HWND__::filter(event);
@@ -73,27 +73,6 @@ private:
                 label().setPixmap(picture);
                 return;
             }
-        }
-    }
-    // The parent may give the label another colour.
-    void askColor() {
-        if (parent == nullptr || parent->object == nullptr || parent->dying)
-            return;
-        QImage nowhere(1, 1, QImage::Format_RGB32);
-        QPainter painter(&nowhere);
-        CDC context;
-        context.Attach(newContext(&painter));
-        context.SetTextColor(fromColor(parent->content->palette().color(QPalette::WindowText)));
-        guarded([&] {
-            parent->send(WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context.m_hDC),
-                         reinterpret_cast<LPARAM>(this));
-        });
-        const QColor wanted = toColor(context.GetTextColor());
-        if (label().isEnabled() && label().palette().color(QPalette::WindowText) != wanted) {
-            QPalette palette = label().palette();
-            palette.setColor(QPalette::Active, QPalette::WindowText, wanted);
-            palette.setColor(QPalette::Inactive, QPalette::WindowText, wanted);
-            label().setPalette(palette);
         }
     }
 

@@ -281,6 +281,26 @@ void HWND__::timerEvent(QTimerEvent* event) {
         host::guarded([&] { send(WM_TIMER, found->second); });
 }
 
+void HWND__::askColor(UINT message, QPalette::ColorRole role) {
+    if (parent == nullptr || parent->object == nullptr || parent->dying || parent->content.isNull())
+        return;
+    QImage nowhere(1, 1, QImage::Format_RGB32);
+    QPainter painter(&nowhere);
+    CDC context;
+    context.Attach(host::newContext(&painter));
+    context.SetTextColor(host::fromColor(parent->content->palette().color(role)));
+    host::guarded([&] {
+        parent->send(message, reinterpret_cast<WPARAM>(context.m_hDC), reinterpret_cast<LPARAM>(this));
+    });
+    const QColor wanted = host::toColor(context.GetTextColor());
+    if (isEnabled() && widget->palette().color(role) != wanted) {
+        QPalette palette = widget->palette();
+        palette.setColor(QPalette::Active, role, wanted);
+        palette.setColor(QPalette::Inactive, role, wanted);
+        widget->setPalette(palette);
+    }
+}
+
 bool HWND__::setTimer(UINT_PTR timer, UINT milliseconds) {
     killTimerOf(timer);
     const int started = startTimer(static_cast<int>(milliseconds));

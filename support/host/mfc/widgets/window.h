@@ -6,6 +6,7 @@
 
 #include <QFont>
 #include <QObject>
+#include <QPalette>
 #include <QPointer>
 #include <QWidget>
 #include <exception>
@@ -74,6 +75,8 @@ protected:
     void timerEvent(QTimerEvent* event) override;
     // An event that the class may see: its message is sent; true when the event is done with.
     virtual bool filter(QEvent* event);
+    // Before it is painted: the class or the parent's may give the text another colour.
+    void askColor(UINT message, QPalette::ColorRole role);
     // Gives the widget the event that is being filtered, now.
     LRESULT runPending();
 
