@@ -19,11 +19,13 @@ AcString wordAt(const CString& words, int index) {
 } // namespace
 
 AsdkPolyLine::AsdkPolyLine(const WidthPolylineCourse& course)
-    : mBase(course.points.last()), mCursor(course.points.last()) {
+    : mBase(course.points.last()), mCursor(course.points.last()), mTip(acedGetAcadFrame()) {
+    constexpr COLORREF paleYellow = 0xDCFFFF;
+    constexpr int textHeight = 14;
+    mTip.SetColor(paleYellow);
+    mTip.SetTextHeight(textHeight);
     course.AddVertices(*this);
 }
-
-AsdkPolyLine::~AsdkPolyLine() = default;
 
 CString AsdkPolyLine::TipText() const {
     const AcDbDatabase* database = WorkingDatabase();
@@ -37,12 +39,12 @@ CString AsdkPolyLine::TipText() const {
     return text;
 }
 
-void AsdkPolyLine::ShowTip() {}
-
-void AsdkPolyLine::HideTip() {}
+void AsdkPolyLine::HideTip() {
+    mTip.Hide();
+}
 
 Adesk::Boolean AsdkPolyLine::subWorldDraw(AcGiWorldDraw* draw) {
-    ShowTip();
+    mTip.Show(TipText());
     return AcDbPolyline::subWorldDraw(draw);
 }
 

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "drawing/widthpolyline.h"
+#include "restools/tipwnd.h"
 
 /// The segments that are fixed. Drawing it shows the tip.
 class AsdkPolyLine : public AcDbPolyline {
 public:
     explicit AsdkPolyLine(const WidthPolylineCourse& course);
-    ~AsdkPolyLine() override;
 
     const AcGePoint3d& Base() const { return mBase; }
     void SetCursor(const AcGePoint3d& cursor) { mCursor = cursor; }
@@ -20,10 +20,9 @@ protected:
     Adesk::Boolean subWorldDraw(AcGiWorldDraw* draw) override;
 
 private:
-    void ShowTip();
-
     AcGePoint3d mBase; ///< the last point picked
     AcGePoint3d mCursor;
+    CTipWnd mTip;
 };
 
 class AsdkPolyLineJig : public AcEdJig {

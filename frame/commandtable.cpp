@@ -5,6 +5,7 @@
 #include "drawing/displayswitches.h"
 #include "drawing/doublelineenclose.h"
 #include "drawing/enclose.h"
+#include "drawing/riverdialog.h"
 #include "text/dimensionheight.h"
 #include "text/fontreplacement.h"
 #include "text/linetypechange.h"
@@ -40,7 +41,7 @@ constexpr CommandRow commands[] = {
     {L"V7_THAlign", L"V7_文本水平对齐", pickSet, AlignTextsHorizontally},
     {L"V7_TVAlign", L"V7_文本垂直对齐", pickSet, AlignTextsVertically},
     {L"V7_DLEnclose", L"V7_双线围墙", modelOnly, DrawDoubleLineEnclose},
-    {L"V7_DrawRiver", L"V7_河流", modelOnly, notProvided},
+    {L"V7_DrawRiver", L"V7_河流", modelOnly, DrawRiver},
     {L"V7_ChgLType", L"V7_快速修改线型", modelOnly | pickSet, ChangeLinetype},
     {L"V7_DeltaMark", L"V7_差值标注", modelOnly | pickSet, notProvided},
     {L"V7_ReplaceFontFile", L"V7_字体智能替换", modelOnly | pickSet, ReplaceMissingFonts},
