@@ -171,6 +171,7 @@ TEST_F(Pedit, SegmentsDrawnOneByOneAreJoinedAndFittedByProgramsAsTheyDo) {
     const Read fitted(entities<AcDb2dPolyline>()[0]);
     EXPECT_EQ(fitted->polyType(), AcDb::k2dCubicSplinePoly);
     EXPECT_TRUE(fitted->isLinetypeGenerationOn());
+    run("PLINETYPE 2\n"); // settings outlive a test
 }
 
 TEST_F(Pedit, FittingALightPolylineAndBackKeepsItsHandleAndUndoesInOneStep) {
