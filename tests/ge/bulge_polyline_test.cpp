@@ -337,7 +337,8 @@ TEST(BulgePath, VerticesAndRepeatsAreMetOnce) {
 }
 
 TEST(BulgePath, PointsOnChordsLieWithinOrWithoutLikeOthers) {
-    // A ring of two half circles turned through all directions, so that chords are level, upright and oblique.
+    // A ring of two half circles turned through all directions, so that chords are level, upright and
+    // oblique.
     for (int step = 0; step < 48; ++step) {
         const AcGeVector2d arm = 5.0 * host::direction(step * host::pi / 24.0);
         for (const double bulge : {1.0, -1.0, 0.4, -0.4}) {

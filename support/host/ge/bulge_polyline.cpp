@@ -248,8 +248,8 @@ BulgePath withoutRepeatedVertices(const BulgePath& path, double tolerance) {
 
 namespace {
 
-// A point on the chord itself counts as a little above and, more than that, to the right of where it is, as the
-// crossings of the ray count it.
+// A point on the chord itself counts as a little above and, more than that, to the right of where it is, as
+// the crossings of the ray count it.
 bool isBetweenChordAndArc(const PathSegment& segment, const AcGePoint2d& point) {
     const AcGeVector2d a = segment.start - point, b = segment.end - point;
     const double side = a.crossProduct(b);
