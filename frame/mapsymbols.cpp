@@ -171,6 +171,7 @@ void drawSideLines(const CEntity& railway) {
 /// A thin continuous copy on the line itself.
 void overlayCopy(const CEntity& line) {
     const AcDbObjectId before = CEntity::Last().ObjectId();
+    const CSysVar oneCopy(L"COPYMODE", 1); // else the command goes on asking
     RunHostCommand({L"_.COPY", line, enter, L"_NONE", L"0.0,0.0", L"_NONE", L"0.0,0.0"});
     if (const CEntity copy = CEntity::Last(); copy.ObjectId() != before) {
         makeThinContinuous(copy);

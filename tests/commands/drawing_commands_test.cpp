@@ -200,6 +200,37 @@ TEST_F(DrawingCommands, WblockWritesPartsTheWholeAndBlocks) {
     EXPECT_EQ(entities<AcDbLine>().size(), 2u) << host::toUtf8(transcript.shown);
 }
 
+TEST_F(DrawingCommands, AnInsertedDrawingBringsWhatItHasByNameAndKeepsWhatIsThere) {
+    AcDbDatabase library(true);
+    const auto addBlock = [](AcDbDatabase& to, const wchar_t* name, const AcGePoint3d& origin) {
+        auto* block = new AcDbBlockTableRecord;
+        block->setName(name);
+        block->setOrigin(origin);
+        AcDbObjectId id;
+        const host::Opened<AcDbBlockTable> table(to.blockTableId(), AcDb::kForWrite);
+        ASSERT_EQ(table->add(id, block), Acad::eOk);
+        AcDbObjectId line;
+        auto* entity = new AcDbLine({0, 0, 0}, {0, 1, 0});
+        ASSERT_EQ(block->appendAcDbEntity(line, entity), Acad::eOk);
+        entity->close();
+        block->close();
+    };
+    addBlock(library, L"TICK", {0, 0, 0});
+    addBlock(library, L"OWN", {0, 0, 0});
+    addBlock(database(), L"OWN", {7, 0, 0});
+    AcDbObjectId id;
+    ASSERT_EQ(database().insert(id, L"LIB", &library), Acad::eOk);
+    EXPECT_TRUE(hasRecord(database().blockTableId(), L"TICK"));
+    EXPECT_TRUE(entities().empty());
+    const auto* blocks = host::peek<AcDbBlockTable>(database().blockTableId());
+    ASSERT_EQ(blocks->getAt(L"TICK", id), Acad::eOk);
+    EXPECT_EQ(host::peek<AcDbBlockTableRecord>(id)->entities().size(), 1u);
+    ASSERT_EQ(blocks->getAt(L"OWN", id), Acad::eOk);
+    EXPECT_EQ(host::peek<AcDbBlockTableRecord>(id)->origin().x, 7.0);
+    const host::AuditResult result = host::auditDrawing(database(), false);
+    EXPECT_TRUE(result.findings.empty()) << host::toUtf8(result.findings.front().fault);
+}
+
 TEST_F(DrawingCommands, NamesAndSettings) {
     run("-LAYER N\nOLD\n\n-RENAME LA\nNONE\nOLD\n0\nNEW\n");
     EXPECT_TRUE(hasRecord(database().layerTableId(), L"NEW")) << host::toUtf8(transcript.shown);

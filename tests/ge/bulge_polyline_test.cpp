@@ -336,4 +336,22 @@ TEST(BulgePath, VerticesAndRepeatsAreMetOnce) {
     EXPECT_TRUE(selfIntersections(back)[0].overlap);
 }
 
+TEST(BulgePath, PointsOnChordsLieWithinOrWithoutLikeOthers) {
+    // A ring of two half circles turned through all directions, so that chords are level, upright and
+    // oblique.
+    for (int step = 0; step < 48; ++step) {
+        const AcGeVector2d arm = 5.0 * host::direction(step * host::pi / 24.0);
+        for (const double bulge : {1.0, -1.0, 0.4, -0.4}) {
+            host::BulgePath ring;
+            ring.closed = true;
+            ring.add(AcGePoint2d::kOrigin + arm, bulge);
+            ring.add(AcGePoint2d::kOrigin - arm, bulge);
+            const int around = bulge > 0.0 ? 1 : -1;
+            for (const double share : {-0.6, 0.0, 0.8})
+                EXPECT_EQ(host::windingNumber(ring, AcGePoint2d::kOrigin + arm * share), around) << step;
+            EXPECT_EQ(host::windingNumber(ring, AcGePoint2d::kOrigin + arm * 1.5), 0) << step;
+        }
+    }
+}
+
 } // namespace

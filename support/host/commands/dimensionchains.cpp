@@ -100,6 +100,9 @@ void Chain::add(const AcGePoint3d& origin) {
     } else {
         next.first = mLink->second;
     }
+    // The point that defines the line stands where the second extension line meets it.
+    const AcGeVector3d along = to3d(direction(next.direction));
+    next.line += along * along.dotProduct(next.second - next.line);
     append(new AcDbRotatedDimension(normalizedAngle(next.direction), next.first, next.second, next.line));
     ads_name last;
     AcDbObjectId made;

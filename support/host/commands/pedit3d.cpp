@@ -173,9 +173,10 @@ Editing3d::Turn Editing3d::actOnVertex(const Answer& answer, std::size_t& at) {
         if (!second) {
             return Turn::leave;
         }
-        const auto [from, to] = std::minmax(at, *second);
+        const std::size_t from = std::min(at, *second);
+        const std::size_t to = std::max(at, *second);
         if (to > from + 1) {
-            change([from = from, to = to](SpacePolyline& polyline) {
+            change([&](SpacePolyline& polyline) {
                 const auto begin = polyline.points.begin();
                 polyline.points.erase(begin + static_cast<std::ptrdiff_t>(from) + 1,
                                       begin + static_cast<std::ptrdiff_t>(to));

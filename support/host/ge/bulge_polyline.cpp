@@ -246,6 +246,22 @@ BulgePath withoutRepeatedVertices(const BulgePath& path, double tolerance) {
     return result;
 }
 
+namespace {
+
+// A point on the chord itself counts as a little above and, more than that, to the right of where it is, as
+// the crossings of the ray count it.
+bool isBetweenChordAndArc(const PathSegment& segment, const AcGePoint2d& point) {
+    const AcGeVector2d a = segment.start - point, b = segment.end - point;
+    const double side = a.crossProduct(b);
+    if (!segment.isArc() || std::fabs(side) > 1e-14 * a.length() * b.length())
+        return segment.isBeyondChord(point);
+    const AcGeVector2d chord = b - a;
+    const bool isLeft = side != 0.0 ? side > 0.0 : chord.y != 0.0 ? chord.y < 0.0 : chord.x > 0.0;
+    return a.dotProduct(b) < 0.0 && isLeft != (segment.bulge > 0.0);
+}
+
+} // namespace
+
 int windingNumber(const BulgePath& path, const AcGePoint2d& point) {
     int winding = 0;
     const int count = path.vertexCount();
@@ -263,7 +279,7 @@ int windingNumber(const BulgePath& path, const AcGePoint2d& point) {
             else if (a.y > 0.0 && side < 0.0)
                 --winding;
         }
-        if (segment.isBeyondChord(point))
+        if (isBetweenChordAndArc(segment, point))
             winding += segment.bulge > 0.0 ? 1 : -1;
     }
     return winding;

@@ -24,6 +24,9 @@ struct DocumentLisp {
     LispInterpreter interpreter;
     std::set<std::wstring> externals; ///< names whose definition was taken over, upper case
     bool hasStarted = false;          ///< the start-up program was looked for
+    /// Of the expression typed last: a selection set among it lives until the question it answers has taken
+    /// it.
+    Value typed;
 };
 
 /// A program may close its own document, so whoever runs one holds the interpreter too.
@@ -219,7 +222,12 @@ LispOutcome evaluate(const std::wstring& expression) {
         return noDocument();
     }
     const std::wstring_view text = trim(std::wstring_view(expression));
-    return outcomeOf(*lisp, lisp->evaluate(text.starts_with(L'!') ? text.substr(1) : text));
+    LispEvaluation evaluation = lisp->evaluate(text.starts_with(L'!') ? text.substr(1) : text);
+    LispOutcome outcome = outcomeOf(*lisp, evaluation);
+    if (const auto own = interpreters().find(curDoc()); own != interpreters().end()) {
+        own->second->typed = std::move(evaluation.value);
+    }
+    return outcome;
 }
 
 LispOutcome runCommandFunction(const std::wstring& name) {

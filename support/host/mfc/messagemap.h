@@ -78,18 +78,18 @@ protected:                                                                      
 #define ON_MESSAGE(message, memberFxn)                                                                       \
     HOST_WINDOW_ENTRY(message, call.result = (self.*(memberFxn))(call.wParam, call.lParam))
 #define ON_COMMAND(id, memberFxn) HOST_MESSAGE_ENTRY(WM_COMMAND, 0, id, id, (self.*(memberFxn))())
-#define ON_COMMAND_RANGE(id, lastId, memberFxn)                                                              \
-    HOST_MESSAGE_ENTRY(WM_COMMAND, 0, id, lastId, (self.*(memberFxn))(call.id))
+#define ON_COMMAND_RANGE(firstId, lastId, memberFxn)                                                              \
+    HOST_MESSAGE_ENTRY(WM_COMMAND, 0, firstId, lastId, (self.*(memberFxn))(call.id))
 #define ON_CONTROL(code, id, memberFxn) HOST_MESSAGE_ENTRY(WM_COMMAND, code, id, id, (self.*(memberFxn))())
-#define ON_CONTROL_RANGE(code, id, lastId, memberFxn)                                                        \
-    HOST_MESSAGE_ENTRY(WM_COMMAND, code, id, lastId, (self.*(memberFxn))(call.id))
+#define ON_CONTROL_RANGE(code, firstId, lastId, memberFxn)                                                        \
+    HOST_MESSAGE_ENTRY(WM_COMMAND, code, firstId, lastId, (self.*(memberFxn))(call.id))
 #define ON_CONTROL_REFLECT(code, memberFxn)                                                                  \
     HOST_MESSAGE_ENTRY(WM_REFLECT_BASE + WM_COMMAND, code, 0, 0, (self.*(memberFxn))())
 #define ON_NOTIFY(code, id, memberFxn)                                                                       \
     HOST_MESSAGE_ENTRY(WM_NOTIFY, code, id, id,                                                              \
                        (self.*(memberFxn))(reinterpret_cast<NMHDR*>(call.lParam), &call.result))
-#define ON_NOTIFY_RANGE(code, id, lastId, memberFxn)                                                         \
-    HOST_MESSAGE_ENTRY(WM_NOTIFY, code, id, lastId,                                                          \
+#define ON_NOTIFY_RANGE(code, firstId, lastId, memberFxn)                                                         \
+    HOST_MESSAGE_ENTRY(WM_NOTIFY, code, firstId, lastId,                                                          \
                        (self.*(memberFxn))(call.id, reinterpret_cast<NMHDR*>(call.lParam), &call.result))
 #define ON_NOTIFY_REFLECT(code, memberFxn)                                                                   \
     HOST_MESSAGE_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, code, 0, 0,                                              \
