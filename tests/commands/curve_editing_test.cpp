@@ -144,6 +144,19 @@ TEST_F(CurveMarks, LieAtTheirDistancesAlongTheCurve) {
             EXPECT_NEAR(marks[i].tangent.length(), 1.0, 1e-12);
         }
     }
+    const AcDbEllipse ellipse({1, 2, 0}, AcGeVector3d::kZAxis, {9, 0, 0}, 0.2, 0.3, 5.0);
+    const double length = *host::curveLength(ellipse);
+    std::vector<double> distances;
+    for (int i = 0; i <= 1000; ++i) {
+        distances.push_back(length * i / 1000);
+    }
+    const std::vector<host::CurveMark> marks = host::marksAlong(ellipse, distances);
+    ASSERT_EQ(marks.size(), distances.size());
+    for (std::size_t i = 0; i < marks.size(); i += 100) {
+        AcGePoint3d point;
+        ASSERT_EQ(ellipse.getPointAtDist(distances[i], point), Acad::eOk);
+        EXPECT_LT(point.distanceTo(marks[i].point), 1e-7);
+    }
 }
 
 TEST(Corners, ArcsTouchBothSides) {

@@ -58,7 +58,7 @@ bool FileFiler::nextRecord() {
         mEnded = true;
         return false;
     }
-    mRecordName = mDecoder.text(trimmed(mToken.text));
+    mRecordName = trimmed(mDecoder.text(trimmed(mToken.text))); // codes may stand for blanks, too
     mRecordLine = mTokenLine;
     mRecordPosition = mTokenPosition;
     resetRecord();
