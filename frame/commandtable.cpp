@@ -6,12 +6,15 @@
 #include "drawing/doublelineenclose.h"
 #include "drawing/enclose.h"
 #include "drawing/riverdialog.h"
+#include "text/deltamark.h"
 #include "text/dimensionheight.h"
 #include "text/fontreplacement.h"
 #include "text/linetypechange.h"
 #include "text/linktext.h"
 #include "text/sumnumbers.h"
 #include "text/textalign.h"
+#include "text/textedit.h"
+#include "text/texttool.h"
 
 #include <array>
 #include <utility>
@@ -33,9 +36,9 @@ constexpr CommandRow commands[] = {
     {L"V7_CloseRoadCenter", L"V7_关闭公路中心线", modelOnly, CloseRoadCenter},
     {L"V7_OpenRoadCenter", L"V7_打开公路中心线", modelOnly, OpenRoadCenter},
     {L"V7_SelBorderMark", L"V7_设置图签", modelOnly, notProvided},
-    {L"V7_EditText", L"V7_文本编辑", pickSet, notProvided},
+    {L"V7_EditText", L"V7_文本编辑", pickSet, EditTexts},
     {L"V7_LinkDrawingLine", L"V7_绘接图线", ACRX_CMD_MODAL, notProvided},
-    {L"V7_TextTool", L"V7_文本工具", ACRX_CMD_MODAL, notProvided},
+    {L"V7_TextTool", L"V7_文本工具", ACRX_CMD_MODAL, ShowTextTool},
     {L"V7_CCEScale", L"V7_中西文比例", ACRX_CMD_MODAL, ScaleWesternRuns},
     {L"V7_LinkText", L"V7_文本连接", pickSet, LinkTexts},
     {L"V7_THAlign", L"V7_文本水平对齐", pickSet, AlignTextsHorizontally},
@@ -43,7 +46,7 @@ constexpr CommandRow commands[] = {
     {L"V7_DLEnclose", L"V7_双线围墙", modelOnly, DrawDoubleLineEnclose},
     {L"V7_DrawRiver", L"V7_河流", modelOnly, DrawRiver},
     {L"V7_ChgLType", L"V7_快速修改线型", modelOnly | pickSet, ChangeLinetype},
-    {L"V7_DeltaMark", L"V7_差值标注", modelOnly | pickSet, notProvided},
+    {L"V7_DeltaMark", L"V7_差值标注", modelOnly | pickSet, PlaceDeltaMarks},
     {L"V7_ReplaceFontFile", L"V7_字体智能替换", modelOnly | pickSet, ReplaceMissingFonts},
     {L"V7_DrawBridge", L"V7_桥梁", modelOnly | pickSet, DrawBridge},
     {L"V7_BatchPlot", L"V7_批量打印", ACRX_CMD_MODAL, notProvided},

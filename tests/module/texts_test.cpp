@@ -1,5 +1,6 @@
 // What the text commands compute, apart from their dialogue.
 #include "tests/module/sessionfixture.h"
+#include "text/deltamark.h"
 #include "text/fontreplacement.h"
 #include "text/linktext.h"
 #include "text/sumnumbers.h"
@@ -61,4 +62,28 @@ TEST_F(TextsTest, FacesOfTheSameHandReplaceMissingOnes) {
     EXPECT_EQ(ReplacementFor(L"仿宋", installed).fileName, L"SimSun.ttf");
     EXPECT_EQ(ReplacementFor(L"Futura", installed).typeface, L"宋体");
     EXPECT_EQ(ReplacementFor(L"kaiti", installed).typeface, L"宋体") << "names as they are spelt";
+}
+
+TEST_F(TextsTest, LabelsOfASeriesGoUpOrDown) {
+    deltamark::Series series{L"N", L"号", 20, 5, true, 0};
+    EXPECT_STREQ(deltamark::LabelOf(series), L"N20号");
+    deltamark::GoOn(series);
+    EXPECT_STREQ(deltamark::LabelOf(series), L"N15号");
+    series.countsDown = false;
+    deltamark::GoOn(series);
+    EXPECT_EQ(series.number, 20);
+}
+
+TEST_F(TextsTest, AlignmentsAreTheModesOfTheirNames) {
+    const auto modes = [](int alignment) {
+        const deltamark::TextModes is = deltamark::ModesOf(alignment);
+        return std::pair<int, int>(is.horizontal, is.vertical);
+    };
+    const std::pair<int, int> expected[deltamark::alignmentCount] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0},
+                                                                     {5, 0}, {0, 3}, {1, 3}, {2, 3}, {0, 2},
+                                                                     {1, 2}, {2, 2}, {0, 1}, {1, 1}, {2, 1}};
+    for (int i = 0; i < deltamark::alignmentCount; ++i) {
+        EXPECT_EQ(modes(i), expected[i]) << i;
+        EXPECT_EQ(deltamark::IsBetweenPoints(i), i == 3 || i == 5) << i;
+    }
 }

@@ -1,0 +1,105 @@
+// The controls of a text's properties.
+#include "text/textproperties.h"
+
+#include "resources/resource.h"
+#include "restools/drawing.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+namespace {
+
+constexpr double largest = std::numeric_limits<double>::max();
+constexpr double smallest = 0.1;
+
+/// The names and ids of the drawing's text styles; those without a name are shape files.
+std::vector<std::pair<AcString, AcDbObjectId>> textStyles() {
+    std::vector<std::pair<AcString, AcDbObjectId>> styles;
+    AcDbTextStyleTable* table = nullptr;
+    if (WorkingDatabase()->getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
+        return styles;
+    }
+    AcDbTextStyleTableIterator* steps = nullptr;
+    if (table->newIterator(steps) == Acad::eOk) {
+        for (const std::unique_ptr<AcDbTextStyleTableIterator> owner(steps); !steps->done(); steps->step()) {
+            AcDbTextStyleTableRecord* record = nullptr;
+            if (steps->getRecord(record, AcDb::kForRead) != Acad::eOk) {
+                continue;
+            }
+            const ACHAR* name = nullptr;
+            if (record->getName(name) == Acad::eOk && name[0] != L'\0') {
+                styles.emplace_back(name, record->objectId());
+            }
+            record->close();
+        }
+    }
+    table->close();
+    return styles;
+}
+
+} // namespace
+
+void CTextPropertyControls::Exchange(CDataExchange* exchange) {
+    constexpr int ids[] = {IDC_TEXT_HEIGHT, IDC_TEXT_WIDTH, IDC_TEXT_ANGLE, IDC_TEXT_OBLIQUE};
+    for (std::size_t i = 0; i < mNumbers.size(); ++i) {
+        DDX_Control(exchange, ids[i], mNumbers[i]);
+    }
+    DDX_Control(exchange, IDC_TEXT_STYLE, mStyles);
+}
+
+void CTextPropertyControls::SetUp() {
+    mNumbers[height].SetRange(largest, smallest);
+    mNumbers[widthFactor].SetRange(10.0, smallest);
+    mNumbers[rotation].SetRange(360.0, 0.0);
+    mNumbers[oblique].SetRange(360.0, 0.0);
+    for (const auto& [name, id] : textStyles()) {
+        mStyles.SetItemData(mStyles.AddString(name), mStyleIds.size());
+        mStyleIds.push_back(id);
+    }
+}
+
+void CTextPropertyControls::Show(const TextProperties& properties) {
+    mNumbers[height].SetValue(properties.height);
+    mNumbers[widthFactor].SetValue(properties.widthFactor);
+    mNumbers[rotation].SetValue(properties.rotation);
+    mNumbers[oblique].SetValue(properties.oblique);
+    SelectStyle(properties.style);
+}
+
+TextProperties CTextPropertyControls::Read() const {
+    TextProperties properties{mNumbers[height].GetValue(),
+                              mNumbers[widthFactor].GetValue(),
+                              mNumbers[rotation].GetValue(),
+                              mNumbers[oblique].GetValue(),
+                              {}};
+    if (const int selected = mStyles.GetCurSel(); selected != CB_ERR) {
+        properties.style = mStyleIds[mStyles.GetItemData(selected)];
+    }
+    return properties;
+}
+
+bool CTextPropertyControls::IsValid(Field field) const {
+    return field == style || mNumbers[field].IsValid();
+}
+
+void CTextPropertyControls::Enable(Field field, bool enable) {
+    CWnd& control = field == style ? static_cast<CWnd&>(mStyles) : mNumbers[field];
+    control.EnableWindow(enable);
+}
+
+CWnd* CTextPropertyControls::FirstFault() {
+    const auto fault = std::find_if_not(mNumbers.begin(), mNumbers.end(),
+                                        [](const CNumEdit& number) { return number.IsValid(); });
+    return fault != mNumbers.end() ? &*fault : nullptr;
+}
+
+bool CTextPropertyControls::SelectStyle(AcDbObjectId style) {
+    for (int item = 0; item < mStyles.GetCount(); ++item) {
+        if (mStyleIds[mStyles.GetItemData(item)] == style) {
+            mStyles.SetCurSel(item);
+            return true;
+        }
+    }
+    return false;
+}
