@@ -20,21 +20,19 @@ std::vector<std::pair<AcString, AcDbObjectId>> textStyles() {
     if (WorkingDatabase()->getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
         return styles;
     }
-    AcDbTextStyleTableIterator* steps = nullptr;
-    if (table->newIterator(steps) == Acad::eOk) {
-        for (const std::unique_ptr<AcDbTextStyleTableIterator> owner(steps); !steps->done(); steps->step()) {
-            AcDbTextStyleTableRecord* record = nullptr;
-            if (steps->getRecord(record, AcDb::kForRead) != Acad::eOk) {
-                continue;
-            }
-            const ACHAR* name = nullptr;
-            if (record->getName(name) == Acad::eOk && name[0] != L'\0') {
-                styles.emplace_back(name, record->objectId());
-            }
-            record->close();
+    AcDbTextStyleTableIterator* iterator = nullptr;
+    table->newIterator(iterator);
+    table->close();
+    for (const std::unique_ptr<AcDbTextStyleTableIterator> step(iterator); step && !step->done();
+         step->step()) {
+        AcDbObjectId id;
+        step->getRecordId(id);
+        const CArxObjTemplate<AcDbTextStyleTableRecord> style(id, false);
+        AcString name;
+        if (style && style->getName(name) == Acad::eOk && !name.isEmpty()) {
+            styles.emplace_back(name, id);
         }
     }
-    table->close();
     return styles;
 }
 
@@ -94,9 +92,9 @@ CWnd* CTextPropertyControls::FirstFault() {
     return fault != mNumbers.end() ? &*fault : nullptr;
 }
 
-bool CTextPropertyControls::SelectStyle(AcDbObjectId style) {
+bool CTextPropertyControls::SelectStyle(AcDbObjectId id) {
     for (int item = 0; item < mStyles.GetCount(); ++item) {
-        if (mStyleIds[mStyles.GetItemData(item)] == style) {
+        if (mStyleIds[mStyles.GetItemData(item)] == id) {
             mStyles.SetCurSel(item);
             return true;
         }

@@ -36,7 +36,7 @@ public:
 
     CComboBox& Styles() { return mStyles; }
     /// False when the style is not listed.
-    bool SelectStyle(AcDbObjectId style);
+    bool SelectStyle(AcDbObjectId id);
 
 private:
     std::array<CNumEdit, 4> mNumbers; ///< in the order of the fields

@@ -52,9 +52,11 @@ protected:                                                                      
     const AFX_MSGMAP* GetMessageMap() const override;
 
 #define BEGIN_MESSAGE_MAP(theClass, baseClass)                                                               \
-    const AFX_MSGMAP* theClass::GetMessageMap() const { return GetThisMessageMap(); }                        \
+    const AFX_MSGMAP* theClass::GetMessageMap() const {                                                      \
+        return GetThisMessageMap();                                                                          \
+    }                                                                                                        \
     const AFX_MSGMAP* theClass::GetThisMessageMap() {                                                        \
-        using ThisClass = theClass;                                                                          \
+        using ThisClass [[maybe_unused]] = theClass;                                                         \
         using TheBaseClass = baseClass;                                                                      \
         static const AFX_MSGMAP_ENTRY entries[] = {
 #define END_MESSAGE_MAP()                                                                                    \
@@ -69,7 +71,7 @@ protected:                                                                      
 // An entry whose body sees the object as `self` and the message as `call`.
 #define HOST_MESSAGE_ENTRY(message, code, id, lastId, ...)                                                   \
     {static_cast<UINT>(message), static_cast<UINT>(code), static_cast<UINT>(id), static_cast<UINT>(lastId),  \
-     [](CCmdTarget & target, [[maybe_unused]] host::MessageCall & call) {                                    \
+     [](CCmdTarget& target, [[maybe_unused]] host::MessageCall& call) {                                      \
          auto& self = static_cast<ThisClass&>(target);                                                       \
          __VA_ARGS__;                                                                                        \
      }},
@@ -78,18 +80,18 @@ protected:                                                                      
 #define ON_MESSAGE(message, memberFxn)                                                                       \
     HOST_WINDOW_ENTRY(message, call.result = (self.*(memberFxn))(call.wParam, call.lParam))
 #define ON_COMMAND(id, memberFxn) HOST_MESSAGE_ENTRY(WM_COMMAND, 0, id, id, (self.*(memberFxn))())
-#define ON_COMMAND_RANGE(firstId, lastId, memberFxn)                                                              \
+#define ON_COMMAND_RANGE(firstId, lastId, memberFxn)                                                         \
     HOST_MESSAGE_ENTRY(WM_COMMAND, 0, firstId, lastId, (self.*(memberFxn))(call.id))
 #define ON_CONTROL(code, id, memberFxn) HOST_MESSAGE_ENTRY(WM_COMMAND, code, id, id, (self.*(memberFxn))())
-#define ON_CONTROL_RANGE(code, firstId, lastId, memberFxn)                                                        \
+#define ON_CONTROL_RANGE(code, firstId, lastId, memberFxn)                                                   \
     HOST_MESSAGE_ENTRY(WM_COMMAND, code, firstId, lastId, (self.*(memberFxn))(call.id))
 #define ON_CONTROL_REFLECT(code, memberFxn)                                                                  \
     HOST_MESSAGE_ENTRY(WM_REFLECT_BASE + WM_COMMAND, code, 0, 0, (self.*(memberFxn))())
 #define ON_NOTIFY(code, id, memberFxn)                                                                       \
     HOST_MESSAGE_ENTRY(WM_NOTIFY, code, id, id,                                                              \
                        (self.*(memberFxn))(reinterpret_cast<NMHDR*>(call.lParam), &call.result))
-#define ON_NOTIFY_RANGE(code, firstId, lastId, memberFxn)                                                         \
-    HOST_MESSAGE_ENTRY(WM_NOTIFY, code, firstId, lastId,                                                          \
+#define ON_NOTIFY_RANGE(code, firstId, lastId, memberFxn)                                                    \
+    HOST_MESSAGE_ENTRY(WM_NOTIFY, code, firstId, lastId,                                                     \
                        (self.*(memberFxn))(call.id, reinterpret_cast<NMHDR*>(call.lParam), &call.result))
 #define ON_NOTIFY_REFLECT(code, memberFxn)                                                                   \
     HOST_MESSAGE_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, code, 0, 0,                                              \
@@ -121,8 +123,8 @@ protected:                                                                      
 #define ON_WM_ERASEBKGND()                                                                                   \
     HOST_WINDOW_ENTRY(WM_ERASEBKGND, call.result = self.OnEraseBkgnd(host::contextOf(call.wParam)))
 #define ON_WM_SIZE()                                                                                         \
-    HOST_WINDOW_ENTRY(WM_SIZE, self.OnSize(static_cast<UINT>(call.wParam), LOWORD(call.lParam),              \
-                                           HIWORD(call.lParam)))
+    HOST_WINDOW_ENTRY(WM_SIZE,                                                                               \
+                      self.OnSize(static_cast<UINT>(call.wParam), LOWORD(call.lParam), HIWORD(call.lParam)))
 #define ON_WM_MOVE()                                                                                         \
     HOST_WINDOW_ENTRY(WM_MOVE, self.OnMove(GET_X_LPARAM(call.lParam), GET_Y_LPARAM(call.lParam)))
 #define ON_WM_SHOWWINDOW()                                                                                   \
@@ -134,11 +136,11 @@ protected:                                                                      
 #define ON_WM_KILLFOCUS() HOST_WINDOW_ENTRY(WM_KILLFOCUS, self.OnKillFocus(host::windowOf(call.wParam)))
 #define ON_WM_ACTIVATE()                                                                                     \
     HOST_WINDOW_ENTRY(WM_ACTIVATE,                                                                           \
-                      self.OnActivate(LOWORD(call.wParam),                                                   \
-                                      host::windowOf(static_cast<WPARAM>(call.lParam)), HIWORD(call.wParam)))
+                      self.OnActivate(LOWORD(call.wParam), host::windowOf(static_cast<WPARAM>(call.lParam)), \
+                                      HIWORD(call.wParam)))
 #define HOST_KEY_ENTRY(message, handler)                                                                     \
-    HOST_WINDOW_ENTRY(message, self.handler(static_cast<UINT>(call.wParam), LOWORD(call.lParam),             \
-                                            HIWORD(call.lParam)))
+    HOST_WINDOW_ENTRY(                                                                                       \
+        message, self.handler(static_cast<UINT>(call.wParam), LOWORD(call.lParam), HIWORD(call.lParam)))
 #define ON_WM_KEYDOWN() HOST_KEY_ENTRY(WM_KEYDOWN, OnKeyDown)
 #define ON_WM_KEYUP() HOST_KEY_ENTRY(WM_KEYUP, OnKeyUp)
 #define ON_WM_CHAR() HOST_KEY_ENTRY(WM_CHAR, OnChar)
@@ -156,15 +158,15 @@ protected:                                                                      
 #define ON_WM_NCLBUTTONUP() HOST_MOUSE_ENTRY(WM_NCLBUTTONUP, OnNcLButtonUp)
 #define ON_WM_NCLBUTTONDBLCLK() HOST_MOUSE_ENTRY(WM_NCLBUTTONDBLCLK, OnNcLButtonDblClk)
 #define ON_WM_MOUSEWHEEL()                                                                                   \
-    HOST_WINDOW_ENTRY(WM_MOUSEWHEEL,                                                                         \
-                      call.result = self.OnMouseWheel(LOWORD(call.wParam),                                   \
-                                                      static_cast<SHORT>(HIWORD(call.wParam)),               \
-                                                      CPoint(call.lParam)))
+    HOST_WINDOW_ENTRY(WM_MOUSEWHEEL, call.result = self.OnMouseWheel(                                        \
+                                         LOWORD(call.wParam), static_cast<SHORT>(HIWORD(call.wParam)),       \
+                                         CPoint(call.lParam)))
 #define ON_WM_NCHITTEST() HOST_WINDOW_ENTRY(WM_NCHITTEST, call.result = self.OnNcHitTest(CPoint(call.lParam)))
 #define ON_WM_NCPAINT() HOST_WINDOW_ENTRY(WM_NCPAINT, self.OnNcPaint())
 #define ON_WM_SETCURSOR()                                                                                    \
-    HOST_WINDOW_ENTRY(WM_SETCURSOR, call.result = self.OnSetCursor(host::windowOf(call.wParam),              \
-                                                                   LOWORD(call.lParam), HIWORD(call.lParam)))
+    HOST_WINDOW_ENTRY(WM_SETCURSOR,                                                                          \
+                      call.result = self.OnSetCursor(host::windowOf(call.wParam), LOWORD(call.lParam),       \
+                                                     HIWORD(call.lParam)))
 #define ON_WM_SYSCOMMAND()                                                                                   \
     HOST_WINDOW_ENTRY(WM_SYSCOMMAND, self.OnSysCommand(static_cast<UINT>(call.wParam), call.lParam))
 #define ON_WM_GETMINMAXINFO()                                                                                \
@@ -175,8 +177,9 @@ protected:                                                                      
 #define ON_WM_HSCROLL() HOST_SCROLL_ENTRY(WM_HSCROLL, OnHScroll)
 #define ON_WM_VSCROLL() HOST_SCROLL_ENTRY(WM_VSCROLL, OnVScroll)
 #define ON_WM_COPYDATA()                                                                                     \
-    HOST_WINDOW_ENTRY(WM_COPYDATA, call.result = self.OnCopyData(host::windowOf(call.wParam),                \
-                                                                 reinterpret_cast<COPYDATASTRUCT*>(call.lParam)))
+    HOST_WINDOW_ENTRY(WM_COPYDATA,                                                                           \
+                      call.result = self.OnCopyData(host::windowOf(call.wParam),                             \
+                                                    reinterpret_cast<COPYDATASTRUCT*>(call.lParam)))
 #define ON_WM_DRAWITEM()                                                                                     \
     HOST_WINDOW_ENTRY(WM_DRAWITEM, self.OnDrawItem(static_cast<int>(call.wParam),                            \
                                                    reinterpret_cast<LPDRAWITEMSTRUCT>(call.lParam)))
@@ -189,9 +192,8 @@ protected:                                                                      
 // Of a control, whose parent passes the question on.
 #define ON_WM_CTLCOLOR_REFLECT()                                                                             \
     HOST_WINDOW_ENTRY(WM_REFLECT_BASE + WM_CTLCOLORSTATIC,                                                   \
-                      call.result = reinterpret_cast<LRESULT>(                                               \
-                          self.CtlColor(host::contextOf(call.wParam),                                        \
-                                        call.message - WM_CTLCOLOREDIT + CTLCOLOR_EDIT)))
+                      call.result = reinterpret_cast<LRESULT>(self.CtlColor(                                 \
+                          host::contextOf(call.wParam), call.message - WM_CTLCOLOREDIT + CTLCOLOR_EDIT)))
 inline constexpr UINT CTLCOLOR_MSGBOX = 0, CTLCOLOR_EDIT = 1, CTLCOLOR_LISTBOX = 2, CTLCOLOR_BTN = 3,
                       CTLCOLOR_DLG = 4, CTLCOLOR_SCROLLBAR = 5, CTLCOLOR_STATIC = 6;
 
