@@ -29,8 +29,8 @@ TextProperties propertiesOf(const AcDbText& text) {
 } // namespace
 
 BEGIN_MESSAGE_MAP(CTextEditDlg, CDialog)
-ON_BN_CLICKED(IDC_EDIT_ONE_BY_ONE, &CTextEditDlg::OnMode)
-ON_BN_CLICKED(IDC_EDIT_ALL, &CTextEditDlg::OnMode)
+ON_BN_CLICKED(IDC_EDIT_ONE_BY_ONE, &CTextEditDlg::OnChange)
+ON_BN_CLICKED(IDC_EDIT_ALL, &CTextEditDlg::OnChange)
 ON_BN_CLICKED(IDC_EDIT_SPLIT, &CTextEditDlg::OnChange)
 ON_BN_CLICKED(IDC_EDIT_SKIP, &CTextEditDlg::OnSkip)
 ON_BN_CLICKED(IDHELP, &CTextEditDlg::OnHelp)

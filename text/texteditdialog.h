@@ -20,7 +20,6 @@ protected:
     void OnCancel() override;
     void OnSkip();
     void OnHelp();
-    void OnMode();
     void OnChange();
     void OnControl(UINT control);
 
