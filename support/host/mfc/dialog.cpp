@@ -54,7 +54,12 @@ bool CDialog::buildFrom(const host::DialogTemplate& from, CWnd* parent, bool mod
     host::DialogWindow* window =
         host::buildDialog(from, parent != nullptr ? parent->m_hWnd : nullptr, this, modal);
     PreSubclassWindow();
-    const bool setFocus = window->send(WM_INITDIALOG) != 0;
+    bool setFocus = false;
+    host::guarded([&] { setFocus = window->send(WM_INITDIALOG) != 0; });
+    if (host::keptException()) {
+        DestroyWindow();
+        host::throwKept();
+    }
     if (m_hWnd == nullptr)
         return false;
     window->updateLimits();
@@ -64,10 +69,8 @@ bool CDialog::buildFrom(const host::DialogTemplate& from, CWnd* parent, bool mod
 }
 
 INT_PTR CDialog::DoModal() {
-    if (!build(m_lpszTemplateName, m_pParentWnd, true)) {
-        host::throwKept();
+    if (!build(m_lpszTemplateName, m_pParentWnd, true))
         return -1;
-    }
     const int result = host::runModal(*host::dialogOf(m_hWnd));
     DestroyWindow();
     host::processEvents();

@@ -1,6 +1,7 @@
 // The module state and the list of extension libraries.
 #include "host/mfc/modulestate.h"
 
+#include "host/mfc/widgets/dialogwindow.h"
 #include "host/mfc/winapp.h"
 
 #include <algorithm>
@@ -37,6 +38,7 @@ BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE module) {
 void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL all) {
     if (state.bInitialized == FALSE)
         return;
+    host::closeDialogsOf(state.hModule);
     const std::vector<CDynLinkLibrary*> libraries = AfxGetModuleState()->m_libraryList;
     for (CDynLinkLibrary* const library : libraries)
         if (library->m_hModule == state.hModule || (all != FALSE && library->m_hResource == state.hResource))

@@ -3,11 +3,13 @@
 #include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/frame.h"
+#include "host/win/moduleinstance.h"
 
 #include <QApplication>
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QIcon>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QResizeEvent>
 
@@ -133,6 +135,10 @@ LRESULT DialogWindow::defaultProc(UINT message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
+bool DialogWindow::isOverContent(const QMouseEvent& event) const {
+    return content->rect().contains(content->mapFromGlobal(event.globalPosition().toPoint()));
+}
+
 bool DialogWindow::filter(QEvent* event) {
     switch (event->type()) {
     case QEvent::Close:
@@ -149,11 +155,7 @@ bool DialogWindow::filter(QEvent* event) {
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseMove:
         // The frame has its own messages.
-        return static_cast<QMouseEvent*>(event)->spontaneous() && measures.title > 0 &&
-                       !content->rect().contains(content->mapFromGlobal(
-                           static_cast<QMouseEvent*>(event)->globalPosition().toPoint()))
-                   ? false
-                   : HWND__::filter(event);
+        return isOverContent(*static_cast<QMouseEvent*>(event)) && HWND__::filter(event);
     case QEvent::Paint:
         return false; // the content paints itself
     default:
@@ -231,6 +233,18 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
     if ((from.style & WS_CHILD) == 0)
         openDialogs().push_back(window);
     return window;
+}
+
+void closeDialogsOf(HINSTANCE module) {
+    for (const HWND dialog : std::vector(openDialogs())) {
+        // Where the functions of the object's class are.
+        const void* functions = dialog->object != nullptr
+                                    ? *reinterpret_cast<const void* const*>(dialog->object)
+                                    : nullptr;
+        if (functions != nullptr && moduleOfAddress(functions) == module)
+            destroyWindow(dialog);
+    }
+    processEvents();
 }
 
 } // namespace host

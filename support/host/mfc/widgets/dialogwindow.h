@@ -58,11 +58,15 @@ protected:
     bool filter(QEvent* event) override;
 
 private:
+    bool isOverContent(const QMouseEvent& event) const;
     UINT defaultId_ = 0;
 };
 DialogWindow* dialogOf(HWND window);
 
 // The window of a template, hidden, with its controls; `object` gets its messages from the beginning.
 DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, bool modal);
+
+// Dialogs whose class is in a library that goes are closed before.
+void closeDialogsOf(HINSTANCE module);
 
 } // namespace host
