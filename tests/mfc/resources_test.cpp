@@ -2,6 +2,7 @@
 #include "dialogsession.h"
 
 #include "host/mfc/widgets/template.h"
+#include "host/rx/text.h"
 
 #include <vector>
 
@@ -47,7 +48,7 @@ TEST_F(Resources, DialogTemplates) {
     EXPECT_EQ(dialog->items[1].className, L"Edit");
     EXPECT_EQ(dialog->items[1].id, 1001u);
     EXPECT_EQ(dialog->items[1].rect.left, 50);
-    EXPECT_EQ(dialog->items[12].className, L"msctls_updown32");
+    EXPECT_TRUE(host::equalNoCase(dialog->items[12].className, L"msctls_updown32"));
     EXPECT_EQ(dialog->items[14].text, L"询问(&Q)");
     EXPECT_NE(dialog->items[14].style & WS_DISABLED, 0u);
     const auto old = host::findDialogTemplate(MAKEINTRESOURCE(101));

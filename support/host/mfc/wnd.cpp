@@ -21,6 +21,12 @@ QWidget* widgetOf(HWND window) {
 QWidget* contentOf(HWND window) {
     return window != nullptr && !window->dying ? window->content.data() : nullptr;
 }
+// Without a window manager there is no order of windows.
+void bringToFront(QWidget& window) {
+    if (!host::isOffscreen())
+        window.raise();
+    window.activateWindow();
+}
 HWND handleOf(const CWnd* window) {
     return window != nullptr ? window->m_hWnd : nullptr;
 }
@@ -226,8 +232,7 @@ BOOL CWnd::ShowWindow(int command) {
     else
         widget->setVisible(show);
     if (show && widget->isWindow() && command != SW_SHOWNOACTIVATE && command != SW_SHOWNA) {
-        widget->raise();
-        widget->activateWindow();
+        bringToFront(*widget);
     }
     return was;
 }
@@ -255,13 +260,13 @@ CWnd* CWnd::GetFocus() {
 }
 CWnd* CWnd::SetActiveWindow() {
     if (QWidget* widget = widgetOf(m_hWnd)) {
-        widget->window()->raise();
-        widget->window()->activateWindow();
+        bringToFront(*widget->window());
     }
     return this;
 }
 void CWnd::BringWindowToTop() {
-    if (QWidget* widget = widgetOf(m_hWnd))
+    QWidget* widget = widgetOf(m_hWnd);
+    if (widget != nullptr && !(widget->isWindow() && host::isOffscreen()))
         widget->raise();
 }
 CWnd* CWnd::SetCapture() {

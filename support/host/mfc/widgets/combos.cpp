@@ -25,7 +25,17 @@ public:
 
 } // namespace
 
+// As the other platform's Chinese order: Latin letters and digits before Chinese characters, these by their
+// reading.
 bool sortsBefore(const QString& left, const QString& right) {
+    const auto isHan = [](QChar c) { return c.unicode() >= 0x2E80; };
+    for (qsizetype i = 0; i < std::min(left.size(), right.size()); ++i) {
+        if (left[i].toLower() == right[i].toLower())
+            continue;
+        if (isHan(left[i]) != isHan(right[i]))
+            return isHan(right[i]);
+        break;
+    }
     static const QCollator collator = [] {
         QCollator made(QLocale(QLocale::Chinese, QLocale::China));
         made.setCaseSensitivity(Qt::CaseInsensitive);

@@ -3,6 +3,7 @@
 #include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/frame.h"
+#include "host/rx/text.h"
 #include "host/win/moduleinstance.h"
 
 #include <QApplication>
@@ -223,10 +224,10 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
         WindowSpec spec{item.className, item.text, item.image, item.style | WS_CHILD, item.exStyle, {}, window,
                         item.id,        font};
         spec.rect = window->units.pixels(item.rect.left, item.rect.top, item.rect.width, item.rect.height);
-        if (spec.className == L"ComboBox") // the template's height is that of the open list
+        if (equalNoCase(spec.className, L"ComboBox")) // the template's height is that of the open list
             spec.rect.setHeight(window->units.pixels(0, 0, 0, 12).height() + 1);
         createWindow(spec);
-        if (item.className == L"Button" && (item.style & BS_TYPEMASK) == BS_DEFPUSHBUTTON)
+        if (equalNoCase(item.className, L"Button") && (item.style & BS_TYPEMASK) == BS_DEFPUSHBUTTON)
             window->setDefaultId(item.id);
     }
     joinControls(window);

@@ -7,9 +7,9 @@ namespace host {
 
 EditWindow::EditWindow(QWidget* made, const WindowSpec& spec) :
     HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
-    EditWindow::setText(spec.text);
-    modified = false;
     if (QLineEdit* edit = line()) {
+        edit->setText(toQt(spec.text));
+        edit->setCursorPosition(0);
         edit->setAlignment((style & ES_CENTER) != 0  ? Qt::AlignHCenter
                            : (style & ES_RIGHT) != 0 ? Qt::AlignRight
                                                      : Qt::AlignLeft);
@@ -18,6 +18,7 @@ EditWindow::EditWindow(QWidget* made, const WindowSpec& spec) :
             edit->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), edit));
         QObject::connect(edit, &QLineEdit::textChanged, this, [this] { changed(); });
     } else if (QPlainTextEdit* text = lines()) {
+        text->setPlainText(toQt(spec.text).remove('\r'));
         text->setTabChangesFocus(true);
         QObject::connect(text, &QPlainTextEdit::textChanged, this, [this] { changed(); });
     }

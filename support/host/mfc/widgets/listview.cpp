@@ -126,6 +126,7 @@ void ListModel::insert(int at, ListItem item) {
     endInsertRows();
 }
 void ListModel::remove(int at) {
+    window_.forget(at, at);
     beginRemoveRows({}, at, at);
     items.erase(items.begin() + at);
     endRemoveRows();
@@ -142,6 +143,7 @@ void ListModel::setCount(int count) {
         askedCount = count;
         endInsertRows();
     } else if (count < askedCount) {
+        window_.forget(count, askedCount - 1);
         beginRemoveRows({}, count, askedCount - 1);
         askedCount = count;
         endRemoveRows();
@@ -261,6 +263,13 @@ std::vector<int> ListViewWindow::selected() const {
     std::ranges::sort(rows);
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
+}
+
+void ListViewWindow::forget(int first, int last) {
+    view().selectionModel()->select(QItemSelection(model_.index(first, 0), model_.index(last, model_.columnCount() - 1)),
+                                    QItemSelectionModel::Deselect);
+    if (focused() >= first && focused() <= last)
+        view().selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
 }
 
 int ListViewWindow::focused() const {

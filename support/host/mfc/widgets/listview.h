@@ -68,6 +68,7 @@ public:
     int columnWidth(int column) const;
     void setImages(CImageList* images) { images_ = images; }
     CImageList* images() const { return images_; }
+    void forget(int first, int last); // before rows go: nothing else is selected in their place
     void setExtended(DWORD style);
     // What the class draws of an item; true when that is all of it.
     bool drawByClass(QPainter& painter, const QRect& rect, int row, bool selected);
