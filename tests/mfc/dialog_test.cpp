@@ -197,15 +197,16 @@ TEST_F(Dialogs, WhatIsWrongIsSaidAndTheControlGetsTheFocus) {
             int focused = 0;
 
         private:
-            void OnCancel() override {
+            void OnOK() override {
+                TrialDialog::OnOK();
                 focused = GetFocus() != nullptr ? GetFocus()->GetDlgCtrlID() : -1;
-                TrialDialog::OnCancel();
             }
         } dialog;
         lines(std::string(row.line) + "\n@click 1\n@answer 1\n");
         shown();
         EXPECT_EQ(dialog.DoModal(), IDCANCEL);
         EXPECT_NE(shown().find(row.told), std::wstring::npos) << row.line;
+        EXPECT_EQ(dialog.focused, row.id) << row.line;
         // The script had nothing more for it.
         EXPECT_NE(failures().find(L"对话框“试验”没有应答"), std::wstring::npos);
     }
