@@ -435,12 +435,15 @@ BOOL CWnd::SetWindowPos(const CWnd*, int x, int y, int width, int height, UINT f
     if (widget->isWindow() && (flags & SWP_NOSIZE) == 0) // what the window manager draws around it counts
         size -= widget->frameGeometry().size() - widget->geometry().size();
     const bool moved = place != widget->pos();
+    const QSize before = widget->size();
     if (!widget->isWindow()) {
         widget->setGeometry(QRect(place, size));
     } else {
         widget->resize(size);
         widget->move(place);
     }
+    if (widget->size() != before)
+        m_hWnd->resized();
     if (moved)
         SendMessage(WM_MOVE, 0, host::packed(place));
     if ((flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) != 0)

@@ -6,6 +6,7 @@
 #include <QFont>
 #include <QPalette>
 #include <QStyleFactory>
+#include <cstdio>
 #include <cstdlib>
 
 namespace host {
@@ -14,6 +15,12 @@ namespace {
 bool hasDisplay() {
     const auto isSet = [](const char* name) { return std::getenv(name) != nullptr && *std::getenv(name) != 0; };
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+// What the toolkit has to say of its surroundings is no business of the user's diagnostics.
+void tellFaults(QtMsgType kind, const QMessageLogContext&, const QString& text) {
+    if (kind == QtCriticalMsg || kind == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toUtf8().constData());
 }
 
 QPalette lightPalette() {
@@ -43,6 +50,7 @@ QApplication& application() {
         static char* arguments[] = {name, nullptr};
         if (!hasDisplay())
             qputenv("QT_QPA_PLATFORM", "offscreen");
+        qInstallMessageHandler(tellFaults);
         // Lives until the process ends: widgets of modules may outlast every scope here.
         auto* made = new QApplication(argumentCount, arguments);
         made->setApplicationName("qdvhost");

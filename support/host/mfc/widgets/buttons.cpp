@@ -39,6 +39,30 @@ protected:
     }
 };
 
+// A frame with the title in its upper line.
+class GroupFrame : public QGroupBox {
+public:
+    using QGroupBox::QGroupBox;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QFontMetrics metrics(font());
+        const int line = font().pixelSize() * 3 / 4; // where the upper line is
+        const QString shown = title();
+        const int width = metrics.size(Qt::TextShowMnemonic, shown).width();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QColor(190, 190, 190));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, line + 0.5, -0.5, -0.5), 2, 2);
+        if (shown.isEmpty())
+            return;
+        const QRect place(9, line - metrics.height() / 2, width + 6, metrics.height());
+        painter.fillRect(place, palette().color(QPalette::Window));
+        painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+        painter.drawText(place, Qt::AlignCenter | Qt::TextShowMnemonic, shown);
+    }
+};
+
 QAbstractButton* newButton(const WindowSpec& spec) {
     QWidget* const parent = spec.parentWidget();
     switch (spec.style & BS_TYPEMASK) {
@@ -155,7 +179,7 @@ bool ButtonWindow::filter(QEvent* event) {
 }
 
 GroupBoxWindow::GroupBoxWindow(const WindowSpec& spec) :
-    HWND__(new QGroupBox(toQt(spec.text), spec.parentWidget()), spec.parent, spec.id, spec.style,
+    HWND__(new GroupFrame(toQt(spec.text), spec.parentWidget()), spec.parent, spec.id, spec.style,
            spec.exStyle) {
     widget->setAttribute(Qt::WA_TransparentForMouseEvents); // controls inside are its neighbours
 }

@@ -86,8 +86,18 @@ void DialogWindow::end(int value) {
 void DialogWindow::resizeContent(QSize size) {
     widget->resize(size.width() + 2 * measures.border,
                    size.height() + measures.title + 2 * measures.border);
-    if (measures.title == 0 && measures.border == 0)
-        widget->resize(size);
+    if (auto* frame = dynamic_cast<FrameWidget*>(widget.data()))
+        frame->layOut();
+}
+
+void DialogWindow::resized() {
+    if (auto* frame = dynamic_cast<FrameWidget*>(widget.data()))
+        frame->layOut();
+    if (!widget->isVisible())
+        guarded([&] {
+            send(WM_SIZE, SIZE_RESTORED,
+                 MAKELPARAM(static_cast<unsigned>(content->width()), static_cast<unsigned>(content->height())));
+        });
 }
 
 void DialogWindow::updateLimits() {

@@ -41,6 +41,7 @@ public:
     UINT defaultId() const;
     void setDefaultId(UINT buttonId);
     void end(int value);
+    void resized() override;
     // Width and height without the frame.
     void resizeContent(QSize size);
     void updateLimits(); // as the class says to WM_GETMINMAXINFO

@@ -85,7 +85,7 @@ void FrameWidget::paintEvent(QPaintEvent*) {
                      painter.fontMetrics().elidedText(windowTitle(), Qt::ElideRight, caption.width()));
 }
 
-void FrameWidget::resizeEvent(QResizeEvent*) {
+void FrameWidget::layOut() {
     const int around = measures.border, top = measures.title + measures.border;
     content->setGeometry(around, top, std::max(0, width() - 2 * around),
                          std::max(0, height() - top - around));

@@ -17,10 +17,11 @@ public:
     FrameMeasures measures;
 
     int hitTest(QPoint at) const;
+    void layOut(); // the content within the frame
 
 protected:
     void paintEvent(QPaintEvent*) override;
-    void resizeEvent(QResizeEvent*) override;
+    void resizeEvent(QResizeEvent*) override { layOut(); }
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;

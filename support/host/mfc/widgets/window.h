@@ -46,6 +46,7 @@ public:
     virtual void applyStyle() {}
     virtual void setFontOf(const QFont& value);
     virtual bool isDialog() const { return false; }
+    virtual void resized() {} // by a program; the toolkit tells hidden widgets of it only when they are shown
     bool isEnabled() const;
 
     // As by hand; the text says what is wrong, empty when it was done.
