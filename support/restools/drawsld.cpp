@@ -34,7 +34,8 @@ public:
         mBottom = rect.bottom - (rect.Height() - height) / 2.0;
     }
     POINT operator()(host::SlidePoint point) const {
-        return {static_cast<LONG>(mLeft + point.x * mAcross), static_cast<LONG>(mBottom - 1.0 - point.y * mUp)};
+        return {static_cast<LONG>(mLeft + point.x * mAcross),
+                static_cast<LONG>(mBottom - 1.0 - point.y * mUp)};
     }
 
 private:

@@ -13,8 +13,8 @@ public:
     CDrawSld(CDrawSld&&) noexcept;
     CDrawSld& operator=(CDrawSld&&) noexcept;
 
-    /// A slide file (.sld, or .slb(NAME)) or a drawing, which is drawn for a picture of about this size. False
-    /// when there is no picture; Fault() says why in one line.
+    /// A slide file (.sld, or .slb(NAME)) or a drawing, which is drawn for a picture of about this size.
+    /// False when there is no picture; Fault() says why in one line.
     bool Load(const ACHAR* path, CSize size);
     /// The bytes of a slide file.
     bool LoadBytes(std::string_view bytes);

@@ -272,7 +272,8 @@ bool CGridCtrl::DrawCell(CDC& context, int row, int column, const CRect& rect) {
 void CGridCtrl::drawRow(CDC& context, int row, const CRect& client) {
     // The fixed cells come last, over those that are scrolled below them.
     const auto draw = [&](int column) {
-        const CRect rect(CPoint(leftOf(column), topOf(row)), CSize(GetColumnWidth(column), GetRowHeight(row)));
+        const CRect rect(CPoint(leftOf(column), topOf(row)),
+                         CSize(GetColumnWidth(column), GetRowHeight(row)));
         if (rect.left >= client.right || rect.right <= 0 || rect.IsRectEmpty()) {
             return;
         }
@@ -319,12 +320,14 @@ void CGridCtrl::updateScroll() {
         room -= GetRowHeight(row);
     }
     mTopRow = std::clamp(mTopRow, 0, std::max(0, rows - std::max(1, shown)));
-    SCROLLINFO down{sizeof down, SIF_ALL, 0, std::max(0, rows - 1), static_cast<UINT>(std::max(1, shown)), mTopRow, 0};
+    SCROLLINFO down{sizeof down, SIF_ALL, 0, std::max(0, rows - 1), static_cast<UINT>(std::max(1, shown)),
+                    mTopRow,     0};
     SetScrollInfo(SB_VERT, &down);
     const int width = std::accumulate(mColumnWidths.begin(), mColumnWidths.end(), 0);
     mScrolled = std::clamp(mScrolled, 0, std::max(0, width - client.Width()));
-    SCROLLINFO across{sizeof across, SIF_ALL, 0, std::max(0, width - 1), static_cast<UINT>(std::max(1, client.Width())),
-                      mScrolled, 0};
+    SCROLLINFO across{
+        sizeof across, SIF_ALL, 0, std::max(0, width - 1), static_cast<UINT>(std::max(1, client.Width())),
+        mScrolled,     0};
     SetScrollInfo(SB_HORZ, &across);
     Invalidate();
 }
@@ -360,7 +363,8 @@ void CGridCtrl::scrollTo(int row, int column) {
     }
     CRect client;
     GetClientRect(client);
-    while (row >= mFixedRows && mTopRow < row - mFixedRows && topOf(row) + GetRowHeight(row) > client.bottom) {
+    while (row >= mFixedRows && mTopRow < row - mFixedRows &&
+           topOf(row) + GetRowHeight(row) > client.bottom) {
         ++mTopRow;
     }
     if (column >= mFixedColumns) {

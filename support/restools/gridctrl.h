@@ -68,8 +68,8 @@ public:
     int GetRowHeight(int row) const;
     void SetColumnWidth(int column, int width);
     int GetColumnWidth(int column) const;
-    void AutoSizeColumns();    ///< as wide as their widest text
-    void ExpandLastColumn();   ///< to the window's right side
+    void AutoSizeColumns();  ///< as wide as their widest text
+    void ExpandLastColumn(); ///< to the window's right side
     void SetEditable(bool editable = true) { mEditable = editable; }
 
     CCellID GetFocusCell() const { return mFocus; }
@@ -136,7 +136,7 @@ private:
     std::vector<int> mColumnWidths;
     int mFixedRows = 0;
     int mFixedColumns = 0;
-    int mTopRow = 0;  ///< the first one below the fixed ones
+    int mTopRow = 0;   ///< the first one below the fixed ones
     int mScrolled = 0; ///< pixels to the right
     bool mEditable = true;
     CCellID mFocus;

@@ -66,8 +66,9 @@ void CGridCtrl::MoveFocus(int rows, int columns) {
         SetFocusCell(mFixedRows, mFixedColumns);
         return;
     }
-    SetFocusCell(std::clamp(mFocus.row + rows, mFixedRows, std::max(mFixedRows, GetRowCount() - 1)),
-                 std::clamp(mFocus.col + columns, mFixedColumns, std::max(mFixedColumns, GetColumnCount() - 1)));
+    SetFocusCell(
+        std::clamp(mFocus.row + rows, mFixedRows, std::max(mFixedRows, GetRowCount() - 1)),
+        std::clamp(mFocus.col + columns, mFixedColumns, std::max(mFixedColumns, GetColumnCount() - 1)));
 }
 
 bool CGridCtrl::BeginEdit() {

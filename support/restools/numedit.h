@@ -16,7 +16,8 @@ public:
     double GetValue() const;
     /// The text is a number, and within the range.
     bool IsValid() const;
-    /// When the number is not valid: says so ("字高应为 0.1 到 10 之间的数。"), takes the focus, and gives false.
+    /// When the number is not valid: says so ("字高应为 0.1 到 10 之间的数。"), takes the focus, and gives
+    /// false.
     bool Validate(const ACHAR* name);
 
 protected:

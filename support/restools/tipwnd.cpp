@@ -19,14 +19,14 @@ bool CTipWnd::make() {
         return true;
     }
     CWnd* owner = mOwner != nullptr ? mOwner : acedGetAcadFrame();
-    return CreateEx(WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE, AfxRegisterWndClass(CS_SAVEBITS), L"",
-                    WS_POPUP, 0, 0, 1, 1, owner->GetSafeHwnd(), nullptr) != FALSE;
+    return CreateEx(WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE, AfxRegisterWndClass(CS_SAVEBITS),
+                    L"", WS_POPUP, 0, 0, 1, 1, owner->GetSafeHwnd(), nullptr) != FALSE;
 }
 
 CSize CTipWnd::measure() {
     if (mFont.GetSafeHandle() == nullptr) {
-        mFont.CreateFont(-CalculateByDPI(mTextHeight), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0,
-                         L"Microsoft YaHei UI");
+        mFont.CreateFont(-CalculateByDPI(mTextHeight), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0,
+                         0, L"Microsoft YaHei UI");
     }
     CClientDC context(this);
     CFont* before = context.SelectObject(&mFont);

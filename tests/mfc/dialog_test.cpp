@@ -95,7 +95,6 @@ private:
     void OnAsk() { answer = MessageBox(L"真的吗？", L"提示", MB_YESNO | MB_ICONQUESTION); }
 };
 
-
 BEGIN_MESSAGE_MAP(TrialDialog, CDialog)
 ON_EN_CHANGE(1001, &TrialDialog::OnChangeLength)
 ON_EN_CHANGE(1002, &TrialDialog::OnChangeName)
@@ -124,12 +123,13 @@ protected:
 
 TEST_F(Dialogs, ValuesGoInAndComeOut) {
     TrialDialog dialog;
-    lines("@get 1001\n@get 1002\n@get 1003\n@get 1004\n@get 1005\n@set 1001 7.125\n@set 1002 a b\n@check 1003 0\n"
+    lines("@get 1001\n@get 1002\n@get 1003\n@get 1004\n@get 1005\n@set 1001 7.125\n@set 1002 a b\n@check "
+          "1003 0\n"
           "@check 1006 1\n@set 1007 红\n@click 1\n");
     EXPECT_EQ(dialog.DoModal(), IDOK);
     const std::wstring dialogue = shown();
-    for (const wchar_t* part : {L"@get 1001\n2.5\n", L"@get 1002\n甲\n", L"@get 1003\n1\n", L"@get 1004\n0\n",
-                                L"@get 1005\n1\n"})
+    for (const wchar_t* part :
+         {L"@get 1001\n2.5\n", L"@get 1002\n甲\n", L"@get 1003\n1\n", L"@get 1004\n0\n", L"@get 1005\n1\n"})
         EXPECT_NE(dialogue.find(part), std::wstring::npos) << host::toUtf8(part);
     EXPECT_EQ(dialog.length, 7.125);
     EXPECT_EQ(dialog.name, L"a b");
@@ -141,10 +141,11 @@ TEST_F(Dialogs, ValuesGoInAndComeOut) {
 TEST_F(Dialogs, MessagesComeInOrder) {
     TrialDialog dialog;
     // The fields are filled before the dialog's own beginning is over, and each text is told once.
-    EXPECT_EQ(run(dialog, "@set 1001 3\n@check 1003 0\n@check 1003 0\n@click 1005\n@click 1004\n@set 1007 blank\n"
-                          "@select 1008 2\n@select 1009 1\n@select 1009 0\n@click 1\n"),
-              (std::vector<CString>{L"length 3", L"valid off", L"kind 1005", L"kind 1004", L"color blank", L"list",
-                                    L"row 1 on", L"row 1 off", L"row 0 on", L"ok"}));
+    EXPECT_EQ(run(dialog,
+                  "@set 1001 3\n@check 1003 0\n@check 1003 0\n@click 1005\n@click 1004\n@set 1007 blank\n"
+                  "@select 1008 2\n@select 1009 1\n@select 1009 0\n@click 1\n"),
+              (std::vector<CString>{L"length 3", L"valid off", L"kind 1005", L"kind 1004", L"color blank",
+                                    L"list", L"row 1 on", L"row 1 off", L"row 0 on", L"ok"}));
     EXPECT_EQ(dialog.events.front(), L"length 2.5");
     EXPECT_EQ(dialog.kind, 0);
     EXPECT_EQ(dialog.color, 0); // sorted: blank, Blau, then the others
@@ -188,10 +189,11 @@ TEST_F(Dialogs, WhatIsWrongIsSaidAndTheControlGetsTheFocus) {
         const wchar_t* told;
         int id;
     };
-    for (const Row& row : {Row{"@set 1001 11", L"请输入 0 到 10 之间的数。", 1001},
-                           Row{"@set 1001 -0.5", L"请输入 0 到 10 之间的数。", 1001},
-                           Row{"@set 1001 3x", L"请输入一个数。", 1001}, Row{"@set 1001", L"请输入一个数。", 1001},
-                           Row{"@set 1001 nan", L"请输入一个数。", 1001}}) {
+    for (const Row& row :
+         {Row{"@set 1001 11", L"请输入 0 到 10 之间的数。", 1001},
+          Row{"@set 1001 -0.5", L"请输入 0 到 10 之间的数。", 1001},
+          Row{"@set 1001 3x", L"请输入一个数。", 1001}, Row{"@set 1001", L"请输入一个数。", 1001},
+          Row{"@set 1001 nan", L"请输入一个数。", 1001}}) {
         class Refused : public TrialDialog {
         public:
             int focused = 0;
@@ -225,10 +227,11 @@ TEST_F(Dialogs, WrongLinesAreToldAndDoNothing) {
           Row{"@set 1007 黑", L"下拉列表中没有“黑”"}, Row{"@select 1007 4", L"行号应为 0 到 3"},
           Row{"@select 1008 0,1", L"只能选一行"}, Row{"@select 1009 3", L"没有第 3 项"},
           Row{"@select 1009 a", L"行号不对: “a”"}, Row{"@check 1003 2", L"应为 0 或 1"},
-          Row{"@check 1001 1", L"编辑框不能勾选"}, Row{"@set 1010 1a", L"只接受数字"}, Row{"@set 1011 200", L"0 到 100"},
-          Row{"@cell 1009 0 0 x", L"列表不是表格"}, Row{"@click 1013", L"（1013 按钮 询问(Q)）现在不可用"},
-          Row{"@answer 1", L"没有打开的消息框"}, Row{"@wave 1", L"不认识的对话框指令: “@wave”"},
-          Row{"@shot", L"缺少文件名"}, Row{"@shot /none/x.png", L"无法写入图片: /none/x.png"}}) {
+          Row{"@check 1001 1", L"编辑框不能勾选"}, Row{"@set 1010 1a", L"只接受数字"},
+          Row{"@set 1011 200", L"0 到 100"}, Row{"@cell 1009 0 0 x", L"列表不是表格"},
+          Row{"@click 1013", L"（1013 按钮 询问(Q)）现在不可用"}, Row{"@answer 1", L"没有打开的消息框"},
+          Row{"@wave 1", L"不认识的对话框指令: “@wave”"}, Row{"@shot", L"缺少文件名"},
+          Row{"@shot /none/x.png", L"无法写入图片: /none/x.png"}}) {
         TrialDialog dialog;
         const std::vector<CString> events = run(dialog, std::string(row.line) + "\n@click 2\n", IDCANCEL);
         EXPECT_EQ(events, (std::vector<CString>{L"cancel"})) << row.line;
@@ -244,7 +247,8 @@ TEST_F(Dialogs, AMessageBoxInsideADialogIsAnswered) {
     run(dialog, "; a comment\n@click 1013\n@answer 2\n@answer 7\n@click 1\n");
     EXPECT_EQ(dialog.answer, IDNO);
     EXPECT_NE(shown().find(L"提示: 真的吗？"), std::wstring::npos);
-    EXPECT_NE(failures().find(L"消息框“提示”没有答案 2；控件: 6 按钮 是(Y), 7 按钮 否(N)"), std::wstring::npos);
+    EXPECT_NE(failures().find(L"消息框“提示”没有答案 2；控件: 6 按钮 是(Y), 7 按钮 否(N)"),
+              std::wstring::npos);
 }
 
 TEST_F(Dialogs, AnUnansweredDialogEndsTheScript) {
@@ -252,8 +256,9 @@ TEST_F(Dialogs, AnUnansweredDialogEndsTheScript) {
     TrialDialog dialog;
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
     const std::wstring told = failures();
-    EXPECT_NE(told.find(L"对话框“试验”没有应答，脚本到此结束。控件: 1001 编辑框, 1002 编辑框, 1003 复选框 有效(V)"),
-              std::wstring::npos)
+    EXPECT_NE(
+        told.find(L"对话框“试验”没有应答，脚本到此结束。控件: 1001 编辑框, 1002 编辑框, 1003 复选框 有效(V)"),
+        std::wstring::npos)
         << host::toUtf8(told);
     EXPECT_TRUE(allRead());
     lines("");

@@ -105,9 +105,10 @@ TEST_F(ControlsTest, NumbersAreReadShownAndRefused) {
         bool valid;
         double value;
     };
-    for (const Row& row : {Row{"3.5", true, 3.5}, Row{" 2 ", true, 2.0}, Row{"1e1", true, 10.0}, Row{"0.1", true, 0.1},
-                           Row{"0.05", false, 0.05}, Row{"11", false, 11.0}, Row{"", false, 0.0}, Row{"3x", false, 0.0},
-                           Row{"0x3", false, 0.0}, Row{"inf", false, 0.0}, Row{"1e999", false, 0.0}}) {
+    for (const Row& row :
+         {Row{"3.5", true, 3.5}, Row{" 2 ", true, 2.0}, Row{"1e1", true, 10.0}, Row{"0.1", true, 0.1},
+          Row{"0.05", false, 0.05}, Row{"11", false, 11.0}, Row{"", false, 0.0}, Row{"3x", false, 0.0},
+          Row{"0x3", false, 0.0}, Row{"inf", false, 0.0}, Row{"1e999", false, 0.0}}) {
         ControlsDialog dialog;
         dialog.atOk = [&] {
             EXPECT_EQ(dialog.number.IsValid(), row.valid) << row.typed;
@@ -142,13 +143,14 @@ TEST_F(ControlsTest, ATableIsFilledCellByCell) {
     ControlsDialog dialog;
     CString whole;
     dialog.atOk = [&] { dialog.grid.GetWindowText(whole); };
-    const std::wstring shown = run(dialog, "@cell 302 1 1 张 三\n@cell 302 1 1 张 三\n@cell 302 3 2 1\n@cell 302 2 1 x\n"
-                                           "@cell 302 0 1 x\n@cell 302 1 0 x\n@cell 302 9 9 x\n@cell 302 1 a x\n@click 1\n");
+    const std::wstring shown =
+        run(dialog, "@cell 302 1 1 张 三\n@cell 302 1 1 张 三\n@cell 302 3 2 1\n@cell 302 2 1 x\n"
+                    "@cell 302 0 1 x\n@cell 302 1 0 x\n@cell 302 9 9 x\n@cell 302 1 a x\n@click 1\n");
     EXPECT_EQ(whole, L"设计\t张 三\t\n\t\t\n\t\t");
     EXPECT_EQ(dialog.events, (std::vector<CString>{L"1,1"})); // the second time nothing changed
     EXPECT_EQ(dialog.grid.GetItemData(3, 2), 1);
-    for (const wchar_t* refused : {L"单元格 2,1 不存在或者不能填入“x”", L"单元格 0,1 ", L"单元格 1,0 ", L"单元格 9,9 ",
-                                   L"行列号不对"}) {
+    for (const wchar_t* refused : {L"单元格 2,1 不存在或者不能填入“x”", L"单元格 0,1 ", L"单元格 1,0 ",
+                                   L"单元格 9,9 ", L"行列号不对"}) {
         EXPECT_NE(shown.find(refused), std::wstring::npos) << host::toUtf8(refused);
     }
 }

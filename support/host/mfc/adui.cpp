@@ -22,8 +22,8 @@ std::vector<AcedFilterWinMsgFn>& filters() {
 
 } // namespace
 
-CAcUiDialog::CAcUiDialog(UINT id, CWnd* parent, HINSTANCE resources) :
-    CAdUiDialog(id, parent != nullptr ? parent : acedGetAcadFrame(), resources) {}
+CAcUiDialog::CAcUiDialog(UINT id, CWnd* parent, HINSTANCE resources)
+    : CAdUiDialog(id, parent != nullptr ? parent : acedGetAcadFrame(), resources) {}
 
 INT_PTR CAcUiDialog::DoModal() {
     if (m_hDialogResourceSaved == nullptr)

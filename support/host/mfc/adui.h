@@ -6,7 +6,8 @@
 class CAdUiBaseDialog : public CDialog {
 public:
     using CDialog::CDialog;
-    CAdUiBaseDialog(UINT id, CWnd* parent, HINSTANCE resources) : CDialog(id, parent), m_hDialogResourceSaved(resources) {}
+    CAdUiBaseDialog(UINT id, CWnd* parent, HINSTANCE resources)
+        : CDialog(id, parent), m_hDialogResourceSaved(resources) {}
 
 protected:
     HINSTANCE m_hDialogResourceSaved = nullptr;

@@ -262,7 +262,8 @@ int CComboBox::GetLBTextLen(int index) const {
 }
 DWORD_PTR CComboBox::GetItemData(int index) const {
     const host::ComboWindow* combo = comboOf(this);
-    return hasRow(combo, index) ? combo->combo().itemData(index).toULongLong() : static_cast<DWORD_PTR>(CB_ERR);
+    return hasRow(combo, index) ? combo->combo().itemData(index).toULongLong()
+                                : static_cast<DWORD_PTR>(CB_ERR);
 }
 int CComboBox::SetItemData(int index, DWORD_PTR data) {
     host::ComboWindow* combo = comboOf(this);

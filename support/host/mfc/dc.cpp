@@ -1,6 +1,5 @@
 // CDC: drawing over a painter.
 #include "host/mfc/gdi.h"
-
 #include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/window.h"
@@ -60,8 +59,9 @@ QPolygonF centers(const POINT* points, int count) {
 }
 
 int textFlags(UINT format) {
-    int flags = (format & DT_CENTER) != 0 ? Qt::AlignHCenter : (format & DT_RIGHT) != 0 ? Qt::AlignRight
-                                                                                       : Qt::AlignLeft;
+    int flags = (format & DT_CENTER) != 0  ? Qt::AlignHCenter
+                : (format & DT_RIGHT) != 0 ? Qt::AlignRight
+                                           : Qt::AlignLeft;
     const bool single = (format & DT_SINGLELINE) != 0;
     flags |= single && (format & DT_VCENTER) != 0  ? Qt::AlignVCenter
              : single && (format & DT_BOTTOM) != 0 ? Qt::AlignBottom

@@ -73,7 +73,8 @@ template <class Number>
 void checkRange(CDataExchange* exchange, Number value, Number least, Number most, const wchar_t* kind,
                 std::wstring (*text)(Number)) {
     if (exchange->m_bSaveAndValidate && !(value >= least && value <= most))
-        refuse(exchange, std::wstring(L"请输入 ") + text(least) + L" 到 " + text(most) + L" 之间的" + kind + L"。");
+        refuse(exchange,
+               std::wstring(L"请输入 ") + text(least) + L" 到 " + text(most) + L" 之间的" + kind + L"。");
 }
 
 template <class Number>

@@ -1,5 +1,5 @@
-// Exchange of values between a dialog's controls and its fields, and their validation. What is wrong is said in
-// a message box, the control gets the focus, and the exchange ends (UpdateData gives FALSE).
+// Exchange of values between a dialog's controls and its fields, and their validation. What is wrong is said
+// in a message box, the control gets the focus, and the exchange ends (UpdateData gives FALSE).
 #pragma once
 
 #include "host/mfc/cstring.h"
@@ -10,7 +10,8 @@ class CUserException {};
 
 class CDataExchange {
 public:
-    CDataExchange(CWnd* dialog, BOOL saveAndValidate) : m_bSaveAndValidate(saveAndValidate), m_pDlgWnd(dialog) {}
+    CDataExchange(CWnd* dialog, BOOL saveAndValidate)
+        : m_bSaveAndValidate(saveAndValidate), m_pDlgWnd(dialog) {}
 
     BOOL m_bSaveAndValidate; // TRUE: controls to fields
     CWnd* m_pDlgWnd;

@@ -142,8 +142,8 @@ DWORD CDialog::GetDefID() const {
 
 void CDialog::MapDialogRect(LPRECT rect) const {
     if (const host::DialogWindow* window = host::dialogOf(m_hWnd))
-        *rect = host::toRect(window->units.pixels(rect->left, rect->top, rect->right - rect->left,
-                                                  rect->bottom - rect->top));
+        *rect = host::toRect(
+            window->units.pixels(rect->left, rect->top, rect->right - rect->left, rect->bottom - rect->top));
 }
 
 BOOL CDialog::PreTranslateMessage(MSG* message) {
@@ -156,8 +156,8 @@ BOOL CDialog::PreTranslateMessage(MSG* message) {
         return FALSE;
     UINT id = IDCANCEL;
     if (message->wParam == VK_RETURN) {
-        const bool onButton = message->hwnd != nullptr && message->hwnd != m_hWnd &&
-                              host::isPushButton(message->hwnd);
+        const bool onButton =
+            message->hwnd != nullptr && message->hwnd != m_hWnd && host::isPushButton(message->hwnd);
         id = onButton ? message->hwnd->id : GetDefID() != 0 ? GetDefID() : IDOK;
     }
     const CWnd* button = GetDlgItem(static_cast<int>(id));

@@ -56,8 +56,13 @@ public:
         const DWORD shown = WS_CHILD | WS_VISIBLE;
         box.items = {{L"Static", L"文件名(&N):", 0, shown | SS_CENTERIMAGE, 0, {8, 8, 44, 12}, 0xFFFF},
                      {L"Edit", name, 0, shown | WS_TABSTOP | WS_BORDER, 0, {52, 8, 180, 12}, nameId},
-                     {L"Button", open_ ? L"打开(&O)" : L"保存(&S)", 0, shown | WS_TABSTOP | BS_DEFPUSHBUTTON, 0,
-                      {126, 30, 50, 14}, IDOK},
+                     {L"Button",
+                      open_ ? L"打开(&O)" : L"保存(&S)",
+                      0,
+                      shown | WS_TABSTOP | BS_DEFPUSHBUTTON,
+                      0,
+                      {126, 30, 50, 14},
+                      IDOK},
                      {L"Button", L"取消", 0, shown | WS_TABSTOP, 0, {182, 30, 50, 14}, IDCANCEL}};
         buildFrom(box, owner, true);
         const int result = runModal(*dialogOf(m_hWnd));
@@ -100,9 +105,8 @@ private:
             path += std::wstring(L".") + extension.GetString();
         const std::filesystem::path base =
             folder.IsEmpty() ? std::filesystem::current_path() : toNativePath(folder.GetString());
-        return isAbsoluteWindowsPath(path) || path.front() == L'/'
-                   ? toWindowsPath(toNativePath(path))
-                   : toWindowsPath(toNativePath(path, base));
+        return isAbsoluteWindowsPath(path) || path.front() == L'/' ? toWindowsPath(toNativePath(path))
+                                                                   : toWindowsPath(toNativePath(path, base));
     }
 
     bool open_, several_;
@@ -113,13 +117,15 @@ private:
 } // namespace host
 
 CFileDialog::CFileDialog(BOOL open, LPCTSTR extension, LPCTSTR fileName, DWORD flags, LPCTSTR filter,
-                         CWnd* parent) :
-    CDialog(0u, parent), open_(open), extension_(extension), fileName_(fileName), filter_(filter) {
+                         CWnd* parent)
+    : CDialog(0u, parent), open_(open), extension_(extension), fileName_(fileName), filter_(filter) {
     m_ofn.Flags = flags;
 }
 
 INT_PTR CFileDialog::DoModal() {
-    const std::wstring title = m_ofn.lpstrTitle != nullptr ? m_ofn.lpstrTitle : open_ != FALSE ? L"打开" : L"另存为";
+    const std::wstring title = m_ofn.lpstrTitle != nullptr ? m_ofn.lpstrTitle
+                               : open_ != FALSE            ? L"打开"
+                                                           : L"另存为";
     const bool several = (m_ofn.Flags & OFN_ALLOWMULTISELECT) != 0;
     const host::UserInput* user = host::inputStream().user();
     paths_.clear();

@@ -135,8 +135,8 @@ BOOL CGdiObject::DeleteObject() {
 }
 
 BOOL CPen::CreatePen(int style, int width, COLORREF color) {
-    return Attach(newObject(QPen(QBrush(host::toColor(color)), std::max(1, width), penStyle(style),
-                                 Qt::FlatCap, Qt::MiterJoin)));
+    return Attach(newObject(
+        QPen(QBrush(host::toColor(color)), std::max(1, width), penStyle(style), Qt::FlatCap, Qt::MiterJoin)));
 }
 
 BOOL CBrush::CreateSolidBrush(COLORREF color) {
@@ -251,7 +251,8 @@ QImage imageOf(HBITMAP bitmap) {
     return image != nullptr ? *image : QImage();
 }
 
-// A bitmap resource is a bitmap file without its first header of 14 bytes, which tells where the pixels begin.
+// A bitmap resource is a bitmap file without its first header of 14 bytes, which tells where the pixels
+// begin.
 QImage bitmapResource(HINSTANCE module, LPCWSTR name) {
     const std::span<const std::byte> bytes = resource(module, RT_BITMAP, name);
     const auto headerSize = numberAt<std::uint32_t>(bytes, 0);
@@ -284,7 +285,8 @@ QPixmap iconResource(HINSTANCE module, LPCWSTR name) {
     const std::size_t entry = 6 + std::size_t(best) * 14;
     if (entry + 14 > group.size())
         return {};
-    const auto bytes = resource(module, RT_ICON, MAKEINTRESOURCEW(numberAt<std::uint16_t>(group, entry + 12)));
+    const auto bytes =
+        resource(module, RT_ICON, MAKEINTRESOURCEW(numberAt<std::uint16_t>(group, entry + 12)));
     const auto size = static_cast<std::uint32_t>(bytes.size());
     constexpr std::uint32_t offset = 22;
     QByteArray file;

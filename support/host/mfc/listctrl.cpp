@@ -15,7 +15,8 @@ host::ListViewWindow* viewOf(const CListCtrl* list) {
 
 host::ListItem* itemOf(const CListCtrl* list, int index) {
     host::ListViewWindow* view = viewOf(list);
-    const bool there = view != nullptr && index >= 0 && static_cast<std::size_t>(index) < view->model().items.size();
+    const bool there =
+        view != nullptr && index >= 0 && static_cast<std::size_t>(index) < view->model().items.size();
     return there ? &view->model().items[static_cast<std::size_t>(index)] : nullptr;
 }
 
@@ -39,8 +40,9 @@ int CImageList::Add(HICON icon) {
     return GetImageCount() - 1;
 }
 HBITMAP CImageList::image(int index) const {
-    return index >= 0 && index < GetImageCount() ? static_cast<HBITMAP>(*images_[static_cast<std::size_t>(index)])
-                                                 : nullptr;
+    return index >= 0 && index < GetImageCount()
+               ? static_cast<HBITMAP>(*images_[static_cast<std::size_t>(index)])
+               : nullptr;
 }
 
 BOOL CListCtrl::Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
@@ -219,7 +221,8 @@ UINT CListCtrl::GetItemState(int index, UINT mask) const {
     const host::ListViewWindow* view = viewOf(this);
     if (view == nullptr || index < 0 || index >= GetItemCount())
         return 0;
-    return ((view->isSelected(index) ? LVIS_SELECTED : 0) | (view->focused() == index ? LVIS_FOCUSED : 0)) & mask;
+    return ((view->isSelected(index) ? LVIS_SELECTED : 0) | (view->focused() == index ? LVIS_FOCUSED : 0)) &
+           mask;
 }
 int CListCtrl::GetNextItem(int after, int flags) const {
     const host::ListViewWindow* view = viewOf(this);

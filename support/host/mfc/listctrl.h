@@ -1,4 +1,5 @@
-// CListCtrl: lists with columns or with pictures; the items are the list's own or asked for as they are shown.
+// CListCtrl: lists with columns or with pictures; the items are the list's own or asked for as they are
+// shown.
 #pragma once
 
 #include "host/mfc/wnd.h"

@@ -1,11 +1,11 @@
 // Message boxes: a dialog with an icon, a text and the buttons of its kind.
+#include "host/ed/console.h"
+#include "host/ed/input.h"
 #include "host/mfc/dialog.h"
 #include "host/mfc/modulestate.h"
 #include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/dialogwindow.h"
-#include "host/ed/console.h"
-#include "host/ed/input.h"
 #include "host/win/resources.h"
 
 #include <QApplication>
@@ -124,23 +124,27 @@ private:
         const QFont font = window.widget->font();
         const Layout layout(toQt(text_), font, hasIcon, static_cast<int>(answers.size()));
         window.resizeContent(layout.whole);
-        const auto add = [&](const wchar_t* kind, const std::wstring& text, DWORD style, QRect place, UINT id) {
+        const auto add = [&](const wchar_t* kind, const std::wstring& text, DWORD style, QRect place,
+                             UINT id) {
             return createWindow({kind, text, 0, style | WS_CHILD | WS_VISIBLE, 0, place, &window, id, font});
         };
         if (hasIcon) {
-            HWND icon = add(L"Static", L"", SS_NOPREFIX, QRect(Layout::margin, Layout::margin, 32, 32), iconId);
-            setStaticPicture(icon, QApplication::style()->standardPixmap(iconOf(type_)).scaled(
-                                       32, 32, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+            HWND icon =
+                add(L"Static", L"", SS_NOPREFIX, QRect(Layout::margin, Layout::margin, 32, 32), iconId);
+            setStaticPicture(icon, QApplication::style()
+                                       ->standardPixmap(iconOf(type_))
+                                       .scaled(32, 32, Qt::KeepAspectRatio, Qt::SmoothTransformation));
         }
         const int lift = hasIcon ? std::max(0, (Layout::icon - layout.text.height()) / 2) : 0;
-        add(L"Static", text_, SS_NOPREFIX,
-            QRect(QPoint(layout.textLeft, Layout::margin + lift), layout.text), textId);
+        add(L"Static", text_, SS_NOPREFIX, QRect(QPoint(layout.textLeft, Layout::margin + lift), layout.text),
+            textId);
         const std::size_t chosen = std::min<std::size_t>((type_ & MB_DEFMASK) >> 8, answers.size() - 1);
         int left = layout.firstButton;
         for (std::size_t i = 0; i < answers.size(); ++i) {
             const QRect place(left, layout.buttonTop, Layout::buttonWidth, Layout::buttonHeight);
-            HWND button = add(L"Button", answers[i].caption, (i == chosen ? BS_DEFPUSHBUTTON : 0) | WS_TABSTOP,
-                              place, static_cast<UINT>(answers[i].id));
+            HWND button =
+                add(L"Button", answers[i].caption, (i == chosen ? BS_DEFPUSHBUTTON : 0) | WS_TABSTOP, place,
+                    static_cast<UINT>(answers[i].id));
             if (i == chosen) {
                 window.setDefaultId(static_cast<UINT>(answers[i].id));
                 button->widget->setFocus();

@@ -19,8 +19,8 @@ public:
 // What can get commands and messages.
 class CCmdTarget : public CObject {
 public:
-    // Gives a command (code BN_CLICKED, EN_CHANGE, ... of the control `id`) to its handler: TRUE when there is
-    // one. `info` asks only whether there is.
+    // Gives a command (code BN_CLICKED, EN_CHANGE, ... of the control `id`) to its handler: TRUE when there
+    // is one. `info` asks only whether there is.
     virtual BOOL OnCmdMsg(UINT id, int code, void* extra, void* info);
 
     // The handler of the class or its bases for a message, command or notification; null when there is none.

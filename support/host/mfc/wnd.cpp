@@ -88,7 +88,7 @@ BOOL CWnd::Create(LPCTSTR className, LPCTSTR title, DWORD style, const RECT& rec
 
 BOOL CWnd::CreateEx(DWORD exStyle, LPCTSTR className, LPCTSTR title, DWORD style, int x, int y, int width,
                     int height, HWND parent, HMENU id, LPVOID) {
-    CREATESTRUCT made{nullptr, nullptr, id,          parent,    height, width, y, x, static_cast<LONG>(style),
+    CREATESTRUCT made{nullptr, nullptr,   id,     parent, height, width, y, x, static_cast<LONG>(style),
                       title,   className, exStyle};
     if (m_hWnd != nullptr || PreCreateWindow(made) == FALSE)
         return FALSE;
@@ -148,7 +148,8 @@ void CWnd::GetWindowText(CString& text) const {
 int CWnd::GetWindowText(LPTSTR text, int size) const {
     if (size > 0)
         *text = 0;
-    return static_cast<int>(SendMessage(WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
+    return static_cast<int>(
+        SendMessage(WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
 }
 int CWnd::GetWindowTextLength() const {
     return static_cast<int>(SendMessage(WM_GETTEXTLENGTH));
@@ -387,7 +388,8 @@ UINT CWnd::GetDlgItemInt(int id, BOOL* good, BOOL isSigned) const {
     return read ? value : 0;
 }
 void CWnd::SetDlgItemInt(int id, UINT value, BOOL isSigned) {
-    const std::wstring text = isSigned != FALSE ? std::to_wstring(static_cast<int>(value)) : std::to_wstring(value);
+    const std::wstring text =
+        isSigned != FALSE ? std::to_wstring(static_cast<int>(value)) : std::to_wstring(value);
     SetDlgItemText(id, text.c_str());
 }
 void CWnd::CheckDlgButton(int id, UINT check) {
@@ -627,8 +629,9 @@ HCURSOR LoadCursor(HINSTANCE, LPCWSTR name) {
 
 HCURSOR SetCursor(HCURSOR cursor) {
     static constexpr std::pair<ULONG_PTR, Qt::CursorShape> shapes[] = {
-        {32512, Qt::ArrowCursor}, {32513, Qt::IBeamCursor},   {32514, Qt::WaitCursor},        {32515, Qt::CrossCursor},
-        {32516, Qt::UpArrowCursor}, {32646, Qt::SizeAllCursor}, {32649, Qt::PointingHandCursor}};
+        {32512, Qt::ArrowCursor},       {32513, Qt::IBeamCursor},   {32514, Qt::WaitCursor},
+        {32515, Qt::CrossCursor},       {32516, Qt::UpArrowCursor}, {32646, Qt::SizeAllCursor},
+        {32649, Qt::PointingHandCursor}};
     host::application();
     QWidget* under = QApplication::widgetAt(QCursor::pos());
     for (const auto& [id, shape] : shapes)

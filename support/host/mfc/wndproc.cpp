@@ -1,7 +1,6 @@
 // From messages to handlers: message maps, commands, notifications and their reflection.
-#include "host/mfc/widgets/window.h"
-
 #include "host/mfc/widgets/context.h"
+#include "host/mfc/widgets/window.h"
 #include "host/mfc/wnd.h"
 
 #include <utility>
@@ -67,7 +66,8 @@ const AFX_MSGMAP_ENTRY* CCmdTarget::findEntry(UINT message, UINT code, UINT id) 
     for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
          map = map->pfnGetBaseMap != nullptr ? map->pfnGetBaseMap() : nullptr) {
         for (const AFX_MSGMAP_ENTRY* entry = map->lpEntries; entry->pfn != nullptr; ++entry) {
-            if (entry->nMessage == message && entry->nCode == code && id >= entry->nID && id <= entry->nLastID)
+            if (entry->nMessage == message && entry->nCode == code && id >= entry->nID &&
+                id <= entry->nLastID)
                 return entry;
         }
     }
@@ -87,7 +87,8 @@ BOOL CCmdTarget::OnCmdMsg(UINT id, int code, void*, void* info) {
 
 const AFX_MSGMAP* CWnd::GetThisMessageMap() {
     static const AFX_MSGMAP_ENTRY entries[] = {{0, 0, 0, 0, nullptr}};
-    static const AFX_MSGMAP map{[]() -> const AFX_MSGMAP* { return CCmdTarget::GetThisMessageMap(); }, entries};
+    static const AFX_MSGMAP map{[]() -> const AFX_MSGMAP* { return CCmdTarget::GetThisMessageMap(); },
+                                entries};
     return &map;
 }
 
@@ -131,7 +132,8 @@ BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result)
     }
     if (isColorMessage(message)) {
         CWnd* asked = FromHandlePermanent(reinterpret_cast<HWND>(lParam));
-        if (asked != nullptr && asked != this && asked->OnChildNotify(message, wParam, lParam, result) != FALSE)
+        if (asked != nullptr && asked != this &&
+            asked->OnChildNotify(message, wParam, lParam, result) != FALSE)
             return TRUE;
     }
     const AFX_MSGMAP_ENTRY* entry = findEntry(isColorMessage(message) ? WM_CTLCOLORSTATIC : message, 0, 0);

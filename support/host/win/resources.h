@@ -25,7 +25,8 @@ inline BOOL FreeResource(HGLOBAL) {
     return FALSE;
 }
 
-// A text of a string table, cut to size - 1 characters and closed by a zero: its length, 0 when there is none.
+// A text of a string table, cut to size - 1 characters and closed by a zero: its length, 0 when there is
+// none.
 int LoadStringW(HINSTANCE module, UINT id, LPWSTR text, int size);
 inline constexpr auto LoadString = LoadStringW;
 

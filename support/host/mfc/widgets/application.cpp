@@ -13,7 +13,9 @@ namespace host {
 namespace {
 
 bool hasDisplay() {
-    const auto isSet = [](const char* name) { return std::getenv(name) != nullptr && *std::getenv(name) != 0; };
+    const auto isSet = [](const char* name) {
+        return std::getenv(name) != nullptr && *std::getenv(name) != 0;
+    };
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 

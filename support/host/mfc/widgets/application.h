@@ -1,5 +1,5 @@
-// The one application object of the toolkit: made when something first needs it, on the offscreen platform when
-// there is no display.
+// The one application object of the toolkit: made when something first needs it, on the offscreen platform
+// when there is no display.
 #pragma once
 
 class QApplication;

@@ -27,15 +27,13 @@ protected:
         DRAWITEMSTRUCT item{};
         item.CtlType = ODT_BUTTON;
         item.CtlID = window->id;
-        item.itemState = (isDown() ? ODS_SELECTED : 0) | (isEnabled() ? 0 : ODS_DISABLED) |
-                         (hasFocus() ? ODS_FOCUS : 0);
+        item.itemState =
+            (isDown() ? ODS_SELECTED : 0) | (isEnabled() ? 0 : ODS_DISABLED) | (hasFocus() ? ODS_FOCUS : 0);
         item.hwndItem = window;
         item.hDC = context.m_hDC;
         item.rcItem = toRect(rect());
         if (window->parent != nullptr && !window->dying)
-            guarded([&] {
-                window->parent->send(WM_DRAWITEM, window->id, reinterpret_cast<LPARAM>(&item));
-            });
+            guarded([&] { window->parent->send(WM_DRAWITEM, window->id, reinterpret_cast<LPARAM>(&item)); });
     }
 };
 
@@ -58,7 +56,8 @@ protected:
             return;
         const QRect place(9, line - metrics.height() / 2, width + 6, metrics.height());
         painter.fillRect(place, palette().color(QPalette::Window));
-        painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+        painter.setPen(
+            palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
         painter.drawText(place, Qt::AlignCenter | Qt::TextShowMnemonic, shown);
     }
 };
@@ -94,8 +93,8 @@ ButtonWindow* buttonOf(HWND window) {
 
 } // namespace
 
-ButtonWindow::ButtonWindow(QAbstractButton* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+ButtonWindow::ButtonWindow(QAbstractButton* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     made->setText(toQt(spec.text));
     if (auto* drawn = dynamic_cast<OwnerDrawnButton*>(made))
         drawn->window = this;
@@ -111,7 +110,7 @@ bool ButtonWindow::isCheckBox() const {
 
 int ButtonWindow::check() const {
     if (const auto* box = qobject_cast<const QCheckBox*>(&button()))
-        return static_cast<int>(box->checkState()) == 0   ? BST_UNCHECKED
+        return static_cast<int>(box->checkState()) == 0    ? BST_UNCHECKED
                : box->checkState() == Qt::PartiallyChecked ? BST_INDETERMINATE
                                                            : BST_CHECKED;
     return button().isChecked() ? BST_CHECKED : BST_UNCHECKED;
@@ -178,9 +177,9 @@ bool ButtonWindow::filter(QEvent* event) {
     return done;
 }
 
-GroupBoxWindow::GroupBoxWindow(const WindowSpec& spec) :
-    HWND__(new GroupFrame(toQt(spec.text), spec.parentWidget()), spec.parent, spec.id, spec.style,
-           spec.exStyle) {
+GroupBoxWindow::GroupBoxWindow(const WindowSpec& spec)
+    : HWND__(new GroupFrame(toQt(spec.text), spec.parentWidget()), spec.parent, spec.id, spec.style,
+             spec.exStyle) {
     widget->setAttribute(Qt::WA_TransparentForMouseEvents); // controls inside are its neighbours
 }
 std::wstring GroupBoxWindow::text() const {

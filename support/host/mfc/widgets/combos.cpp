@@ -45,8 +45,8 @@ bool sortsBefore(const QString& left, const QString& right) {
     return order != 0 ? order < 0 : left < right;
 }
 
-ComboWindow::ComboWindow(QComboBox* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+ComboWindow::ComboWindow(QComboBox* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     static_cast<Combo*>(made)->window = this;
     made->setInsertPolicy(QComboBox::NoInsert);
     made->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);

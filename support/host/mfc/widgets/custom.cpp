@@ -1,5 +1,5 @@
-// Windows whose class paints them: with scroll bars when they ask for them, as controls or as windows of their
-// own over others.
+// Windows whose class paints them: with scroll bars when they ask for them, as controls or as windows of
+// their own over others.
 #include "host/mfc/widgets/custom.h"
 
 #include <QApplication>
@@ -11,9 +11,9 @@ namespace {
 // The content with a bar at its right and its bottom.
 class CustomWidget : public QWidget {
 public:
-    CustomWidget(QWidget* parent, Qt::WindowFlags flags) :
-        QWidget(parent, flags), area(new ContentWidget(this)), across(Qt::Horizontal, this),
-        down(Qt::Vertical, this) {
+    CustomWidget(QWidget* parent, Qt::WindowFlags flags)
+        : QWidget(parent, flags), area(new ContentWidget(this)), across(Qt::Horizontal, this),
+          down(Qt::Vertical, this) {
         across.hide();
         down.hide();
         setFocusPolicy(Qt::StrongFocus);
@@ -49,8 +49,8 @@ CustomWidget& widgetOf(const CustomWindow& window) {
 
 } // namespace
 
-CustomWindow::CustomWindow(QWidget* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+CustomWindow::CustomWindow(QWidget* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     auto& whole = static_cast<CustomWidget&>(*made);
     content = whole.area;
     whole.area->window = this;

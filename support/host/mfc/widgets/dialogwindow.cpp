@@ -24,7 +24,8 @@ bool hasHandler(HWND window, UINT message) {
 } // namespace
 
 void ContentWidget::paintEvent(QPaintEvent*) {
-    if (window != nullptr && !window->dying && (hasHandler(window, WM_PAINT) || hasHandler(window, WM_ERASEBKGND)))
+    if (window != nullptr && !window->dying &&
+        (hasHandler(window, WM_PAINT) || hasHandler(window, WM_ERASEBKGND)))
         window->paintByClass(this);
 }
 
@@ -38,8 +39,8 @@ void ContentWidget::resizeEvent(QResizeEvent* event) {
 }
 
 DialogWindow::DialogWindow(QWidget* frame, ContentWidget* area, HWND owner, DWORD windowStyle,
-                           DWORD extendedStyle, FrameMeasures around) :
-    HWND__(frame, owner, 0, windowStyle, extendedStyle), measures(around) {
+                           DWORD extendedStyle, FrameMeasures around)
+    : HWND__(frame, owner, 0, windowStyle, extendedStyle), measures(around) {
     content = area;
     area->window = this;
     area->setMouseTracking(true);
@@ -84,8 +85,7 @@ void DialogWindow::end(int value) {
 }
 
 void DialogWindow::resizeContent(QSize size) {
-    widget->resize(size.width() + 2 * measures.border,
-                   size.height() + measures.title + 2 * measures.border);
+    widget->resize(size.width() + 2 * measures.border, size.height() + measures.title + 2 * measures.border);
     if (auto* frame = dynamic_cast<FrameWidget*>(widget.data()))
         frame->layOut();
 }
@@ -96,7 +96,8 @@ void DialogWindow::resized() {
     if (!widget->isVisible())
         guarded([&] {
             send(WM_SIZE, SIZE_RESTORED,
-                 MAKELPARAM(static_cast<unsigned>(content->width()), static_cast<unsigned>(content->height())));
+                 MAKELPARAM(static_cast<unsigned>(content->width()),
+                            static_cast<unsigned>(content->height())));
         });
 }
 
@@ -107,7 +108,8 @@ void DialogWindow::updateLimits() {
     MINMAXINFO limits{};
     limits.ptMaxTrackSize = {QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
     guarded([&] { send(WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits)); });
-    widget->setMinimumSize(std::max<int>(0, limits.ptMinTrackSize.x), std::max<int>(0, limits.ptMinTrackSize.y));
+    widget->setMinimumSize(std::max<int>(0, limits.ptMinTrackSize.x),
+                           std::max<int>(0, limits.ptMinTrackSize.y));
 }
 
 void DialogWindow::setText(const std::wstring& text) {
@@ -159,7 +161,9 @@ bool DialogWindow::filter(QEvent* event) {
     case QEvent::WindowActivate:
     case QEvent::WindowDeactivate:
         if ((style & WS_CHILD) == 0)
-            guarded([&] { send(WM_ACTIVATE, event->type() == QEvent::WindowActivate ? WA_ACTIVE : WA_INACTIVE); });
+            guarded([&] {
+                send(WM_ACTIVATE, event->type() == QEvent::WindowActivate ? WA_ACTIVE : WA_INACTIVE);
+            });
         return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonRelease:
@@ -189,12 +193,14 @@ MadeFrame makeFrame(const DialogTemplate& from, HWND owner) {
         return {content, content, {}};
     }
     if (isOffscreen() || (from.exStyle & WS_EX_TOOLWINDOW) != 0) {
-        auto* frame = new FrameWidget(parent != nullptr ? parent->window() : nullptr, from.style, from.exStyle);
+        auto* frame =
+            new FrameWidget(parent != nullptr ? parent->window() : nullptr, from.style, from.exStyle);
         return {frame, frame->content, frame->measures};
     }
     auto* content = new ContentWidget(nullptr);
-    content->setParent(parent != nullptr ? parent->window() : nullptr,
-                       Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    content->setParent(parent != nullptr ? parent->window() : nullptr, Qt::Dialog | Qt::CustomizeWindowHint |
+                                                                           Qt::WindowTitleHint |
+                                                                           Qt::WindowCloseButtonHint);
     return {content, content, {}};
 }
 
@@ -231,8 +237,8 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
     if (object != nullptr)
         object->Attach(window);
     for (const TemplateItem& item : from.items) {
-        WindowSpec spec{item.className, item.text, item.image, item.style | WS_CHILD, item.exStyle, {}, window,
-                        item.id,        font};
+        WindowSpec spec{item.className, item.text, item.image, item.style | WS_CHILD, item.exStyle, {},
+                        window,         item.id,   font};
         spec.rect = window->units.pixels(item.rect.left, item.rect.top, item.rect.width, item.rect.height);
         if (equalNoCase(spec.className, L"ComboBox")) // the template's height is that of the open list
             spec.rect.setHeight(window->units.pixels(0, 0, 0, 12).height() + 1);
@@ -249,9 +255,8 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
 void closeDialogsOf(HINSTANCE module) {
     for (const HWND dialog : std::vector(openDialogs())) {
         // Where the functions of the object's class are.
-        const void* functions = dialog->object != nullptr
-                                    ? *reinterpret_cast<const void* const*>(dialog->object)
-                                    : nullptr;
+        const void* functions =
+            dialog->object != nullptr ? *reinterpret_cast<const void* const*>(dialog->object) : nullptr;
         if (functions != nullptr && moduleOfAddress(functions) == module)
             destroyWindow(dialog);
     }

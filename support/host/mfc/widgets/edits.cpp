@@ -5,8 +5,8 @@
 
 namespace host {
 
-EditWindow::EditWindow(QWidget* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+EditWindow::EditWindow(QWidget* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     if (QLineEdit* edit = line()) {
         edit->setText(toQt(spec.text));
         edit->setCursorPosition(0);

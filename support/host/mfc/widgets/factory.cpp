@@ -53,7 +53,7 @@ HWND createWindow(const WindowSpec& spec) {
 HWND createWindow(const std::wstring& className, const std::wstring& text, DWORD style, DWORD exStyle,
                   const QRect& rect, HWND parent, UINT id) {
     const QFont font = parent != nullptr && !parent->widget.isNull() ? parent->widget->font()
-                                                                      : dialogFont(L"", 9, FW_NORMAL, false);
+                                                                     : dialogFont(L"", 9, FW_NORMAL, false);
     return createWindow(WindowSpec{className, text, 0, style, exStyle, rect, parent, id, font});
 }
 

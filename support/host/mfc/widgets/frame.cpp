@@ -14,9 +14,9 @@ constexpr int titleHeight = 30, toolTitleHeight = 23, border = 1;
 
 } // namespace
 
-FrameWidget::FrameWidget(QWidget* parent, DWORD style, DWORD exStyle) :
-    QWidget(parent, Qt::FramelessWindowHint | ((exStyle & WS_EX_TOOLWINDOW) != 0 ? Qt::Tool : Qt::Dialog)),
-    content(new ContentWidget(this)), hasClose_((style & WS_SYSMENU) != 0) {
+FrameWidget::FrameWidget(QWidget* parent, DWORD style, DWORD exStyle)
+    : QWidget(parent, Qt::FramelessWindowHint | ((exStyle & WS_EX_TOOLWINDOW) != 0 ? Qt::Tool : Qt::Dialog)),
+      content(new ContentWidget(this)), hasClose_((style & WS_SYSMENU) != 0) {
     const bool titled = (style & WS_CAPTION) == WS_CAPTION;
     measures.title = !titled ? 0 : (exStyle & WS_EX_TOOLWINDOW) != 0 ? toolTitleHeight : titleHeight;
     measures.border = titled || (style & (WS_BORDER | WS_DLGFRAME | WS_THICKFRAME)) != 0 ? border : 0;

@@ -6,8 +6,8 @@
 
 namespace host {
 
-ListBoxWindow::ListBoxWindow(QListWidget* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+ListBoxWindow::ListBoxWindow(QListWidget* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     made->viewport()->installEventFilter(this);
     made->setSelectionMode((style & LBS_EXTENDEDSEL) != 0   ? QAbstractItemView::ExtendedSelection
                            : (style & LBS_MULTIPLESEL) != 0 ? QAbstractItemView::MultiSelection

@@ -18,7 +18,8 @@ class RowDelegate : public QStyledItemDelegate {
 public:
     explicit RowDelegate(ListViewWindow& window) : window_(window) {}
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
         QStyledItemDelegate::paint(painter, option, index);
         if ((window_.extended & LVS_EX_GRIDLINES) != 0) {
             painter->setPen(QColor(225, 225, 225));
@@ -40,7 +41,8 @@ class PictureDelegate : public QStyledItemDelegate {
 public:
     explicit PictureDelegate(ListViewWindow& window) : window_(window) {}
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
         const bool selected = option.state.testFlag(QStyle::State_Selected);
         if (window_.drawByClass(*painter, option.rect, index.row(), selected))
             return;
@@ -49,14 +51,17 @@ public:
             painter->fillRect(rect.adjusted(2, 2, -2, -2), QColor(204, 228, 247));
         const int labelHeight = option.fontMetrics.height() + 2;
         if (CImageList* images = window_.images()) {
-            const QImage image = imageOf(images->image(window_.model().items[static_cast<std::size_t>(index.row())].image));
+            const QImage image =
+                imageOf(images->image(window_.model().items[static_cast<std::size_t>(index.row())].image));
             const CSize size = images->size();
-            painter->drawImage(QRect(rect.center().x() - size.cx / 2, rect.top() + 4, size.cx, size.cy), image);
+            painter->drawImage(QRect(rect.center().x() - size.cx / 2, rect.top() + 4, size.cx, size.cy),
+                               image);
         }
         painter->setPen(option.palette.color(QPalette::Text));
-        painter->drawText(QRect(rect.left() + 2, rect.bottom() - labelHeight - 2, rect.width() - 4, labelHeight),
-                          Qt::AlignCenter | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, rect.width() - 4));
+        painter->drawText(
+            QRect(rect.left() + 2, rect.bottom() - labelHeight - 2, rect.width() - 4, labelHeight),
+            Qt::AlignCenter | Qt::TextSingleLine,
+            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, rect.width() - 4));
     }
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override { return window_.cell; }
 
@@ -102,9 +107,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         return toQt(window_.itemText(index.row(), index.column()));
     if (role == Qt::TextAlignmentRole && column < columns.size()) {
         const int format = columns[column].format & 3;
-        return QVariant::fromValue(Qt::Alignment(Qt::AlignVCenter | (format == LVCFMT_RIGHT    ? Qt::AlignRight
-                                                                     : format == LVCFMT_CENTER ? Qt::AlignHCenter
-                                                                                               : Qt::AlignLeft)));
+        return QVariant::fromValue(
+            Qt::Alignment(Qt::AlignVCenter | (format == LVCFMT_RIGHT    ? Qt::AlignRight
+                                              : format == LVCFMT_CENTER ? Qt::AlignHCenter
+                                                                        : Qt::AlignLeft)));
     }
     return {};
 }
@@ -171,8 +177,8 @@ void ListModel::removeColumn(int at) {
     endResetModel();
 }
 
-ListViewWindow::ListViewWindow(QAbstractItemView* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle), model_(*this) {
+ListViewWindow::ListViewWindow(QAbstractItemView* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle), model_(*this) {
     made->setModel(&model_);
     made->viewport()->installEventFilter(this);
     made->viewport()->setMouseTracking(true);
@@ -183,8 +189,9 @@ ListViewWindow::ListViewWindow(QAbstractItemView* made, const WindowSpec& spec) 
     made->setItemDelegate(isReport() ? static_cast<QAbstractItemDelegate*>(new RowDelegate(*this))
                                      : new PictureDelegate(*this));
     made->itemDelegate()->setParent(made);
-    QObject::connect(made->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                     [this](const QItemSelection& now, const QItemSelection& before) { selectionChanged(now, before); });
+    QObject::connect(
+        made->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+        [this](const QItemSelection& now, const QItemSelection& before) { selectionChanged(now, before); });
     QObject::connect(made, &QAbstractItemView::clicked, this,
                      [this](const QModelIndex& at) { activate(NM_CLICK, at.row()); });
     QObject::connect(made, &QAbstractItemView::doubleClicked, this,
@@ -266,8 +273,9 @@ std::vector<int> ListViewWindow::selected() const {
 }
 
 void ListViewWindow::forget(int first, int last) {
-    view().selectionModel()->select(QItemSelection(model_.index(first, 0), model_.index(last, model_.columnCount() - 1)),
-                                    QItemSelectionModel::Deselect);
+    view().selectionModel()->select(
+        QItemSelection(model_.index(first, 0), model_.index(last, model_.columnCount() - 1)),
+        QItemSelectionModel::Deselect);
     if (focused() >= first && focused() <= last)
         view().selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
 }
@@ -334,7 +342,8 @@ bool ListViewWindow::drawByClass(QPainter& painter, const QRect& rect, int row, 
     item.nmcd.hdc = context.m_hDC;
     item.nmcd.rc = toRect(rect);
     item.nmcd.dwItemSpec = static_cast<DWORD_PTR>(row);
-    item.nmcd.uItemState = (selected ? CDIS_SELECTED : 0) | (row == focused() && view().hasFocus() ? CDIS_FOCUS : 0);
+    item.nmcd.uItemState =
+        (selected ? CDIS_SELECTED : 0) | (row == focused() && view().hasFocus() ? CDIS_FOCUS : 0);
     if (!asksForItems())
         item.nmcd.lItemlParam = model_.items[static_cast<std::size_t>(row)].data;
     const LRESULT result = notify(item.nmcd.hdr, NM_CUSTOMDRAW);
@@ -354,8 +363,8 @@ std::wstring ListViewWindow::scriptSelect(const std::vector<int>& items) {
     const int count = model_.rowCount();
     for (const int item : items)
         if (item < 0 || item >= count)
-            return kind() + L"没有第 " + std::to_wstring(item) + L" 项（从 0 数起，共 " + std::to_wstring(count) +
-                   L" 项）";
+            return kind() + L"没有第 " + std::to_wstring(item) + L" 项（从 0 数起，共 " +
+                   std::to_wstring(count) + L" 项）";
     if (items.size() > 1 && (style & LVS_SINGLESEL) != 0)
         return kind() + L"只能选一项";
     QItemSelection selection;

@@ -83,7 +83,8 @@ std::wstring describe(const HWND__& control) {
 std::wstring listControls(const DialogWindow& dialog) {
     std::wstring list;
     for (const HWND child : dialog.children)
-        if (child->id != 0 && child->id != IDC_STATIC && child->kind() != L"分组框" && child->kind() != L"标签")
+        if (child->id != 0 && child->id != IDC_STATIC && child->kind() != L"分组框" &&
+            child->kind() != L"标签")
             list += (list.empty() ? L"" : L", ") + describe(*child);
     return list.empty() ? L"没有控件" : L"控件: " + list;
 }
@@ -168,8 +169,7 @@ void select(Words& words) {
     const std::wstring list(trim(words.rest()));
     for (std::size_t at = 0; !list.empty() && at != std::wstring::npos;) {
         const std::size_t comma = list.find(L',', at);
-        const std::optional<int> item =
-            numberIn(trim(std::wstring_view(list).substr(at, comma - at)));
+        const std::optional<int> item = numberIn(trim(std::wstring_view(list).substr(at, comma - at)));
         if (!item)
             throw Refused{L"@select 的行号不对: “" + list + L"”"};
         items.push_back(*item);
@@ -254,7 +254,8 @@ void tellUnanswered(const DialogWindow& dialog) {
     if (user == nullptr)
         return;
     const bool terminal = user->echoesItself();
-    reportFailure(nameOf(dialog) + (terminal ? L"没有应答，已取消。" : L"没有应答，脚本到此结束。") + listControls(dialog));
+    reportFailure(nameOf(dialog) + (terminal ? L"没有应答，已取消。" : L"没有应答，脚本到此结束。") +
+                  listControls(dialog));
     if (!terminal)
         user->close();
 }

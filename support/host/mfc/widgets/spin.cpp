@@ -4,8 +4,8 @@
 
 #include <QMouseEvent>
 #include <QPainter>
-#include <QStyleOptionSpinBox>
 #include <QStyle>
+#include <QStyleOptionSpinBox>
 #include <QTimer>
 
 namespace host {
@@ -60,8 +60,8 @@ private:
 
 } // namespace
 
-SpinWindow::SpinWindow(QWidget* made, const WindowSpec& spec) :
-    HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+SpinWindow::SpinWindow(QWidget* made, const WindowSpec& spec)
+    : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
     static_cast<Arrows*>(made)->window = this;
 }
 

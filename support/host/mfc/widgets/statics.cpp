@@ -12,8 +12,8 @@ namespace {
 
 class StaticWindow : public HWND__ {
 public:
-    StaticWindow(QLabel* made, const WindowSpec& spec) :
-        HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
+    StaticWindow(QLabel* made, const WindowSpec& spec)
+        : HWND__(made, spec.parent, spec.id, spec.style, spec.exStyle) {
         const DWORD type = style & SS_TYPEMASK;
         made->setTextFormat(Qt::PlainText);
         made->setAttribute(Qt::WA_TransparentForMouseEvents, (style & SS_NOTIFY) == 0);
@@ -66,9 +66,9 @@ private:
     void showPicture(UINT image) {
         const bool isIcon = (style & SS_TYPEMASK) == SS_ICON;
         for (const HINSTANCE module : resourceModules()) {
-            const QPixmap picture =
-                isIcon ? iconResource(module, MAKEINTRESOURCE(image))
-                     : QPixmap::fromImage(bitmapResource(module, MAKEINTRESOURCE(image)));
+            const QPixmap picture = isIcon
+                                        ? iconResource(module, MAKEINTRESOURCE(image))
+                                        : QPixmap::fromImage(bitmapResource(module, MAKEINTRESOURCE(image)));
             if (!picture.isNull()) {
                 label().setPixmap(picture);
                 return;

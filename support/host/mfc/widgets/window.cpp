@@ -54,8 +54,8 @@ UINT mouseMessage(const QEvent& event) {
 
 } // namespace
 
-HWND__::HWND__(QWidget* made, HWND owner, UINT controlId, DWORD windowStyle, DWORD extendedStyle) :
-    widget(made), content(made), parent(owner), id(controlId), style(windowStyle), exStyle(extendedStyle) {
+HWND__::HWND__(QWidget* made, HWND owner, UINT controlId, DWORD windowStyle, DWORD extendedStyle)
+    : widget(made), content(made), parent(owner), id(controlId), style(windowStyle), exStyle(extendedStyle) {
     if (owner != nullptr && (style & WS_CHILD) != 0)
         owner->children.push_back(this);
     made->installEventFilter(this);
@@ -153,9 +153,8 @@ std::wstring HWND__::scriptCell(int, int, const std::wstring&) {
 
 void HWND__::command(UINT code) {
     if (parent != nullptr && !parent->dying && !dying)
-        host::guarded([&] {
-            parent->send(WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(this));
-        });
+        host::guarded(
+            [&] { parent->send(WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(this)); });
 }
 
 LRESULT HWND__::notify(NMHDR& header, UINT code) {
@@ -215,7 +214,8 @@ bool HWND__::mouseEvent(QEvent* event) {
         return false;
     const auto& mouse = static_cast<QMouseEvent&>(*event);
     const WPARAM keys = host::mouseKeys(mouse.buttons(), mouse.modifiers());
-    const QPoint at = content.isNull() ? mouse.pos() : content->mapFromGlobal(mouse.globalPosition().toPoint());
+    const QPoint at =
+        content.isNull() ? mouse.pos() : content->mapFromGlobal(mouse.globalPosition().toPoint());
     MSG whole{this, message, keys, host::packed(at), GetTickCount(), {}};
     for (HWND up = this; up != nullptr; up = up->parent) {
         BOOL taken = FALSE;
@@ -466,8 +466,8 @@ QFont dialogFont(std::wstring_view, int points, int weight, bool italic) {
     return font;
 }
 
-// The average width of the Latin letters, and a line's height as Chinese interface faces have it, whatever the
-// line gap of the face that stands for them.
+// The average width of the Latin letters, and a line's height as Chinese interface faces have it, whatever
+// the line gap of the face that stands for them.
 DialogUnits dialogUnits(const QFont& font) {
     static const QString letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     const double width = QFontMetricsF(font).horizontalAdvance(letters) / static_cast<double>(letters.size());

@@ -65,10 +65,10 @@ public:
     LRESULT notify(NMHDR& header, UINT code); // WM_NOTIFY
     // Painting by a class: WM_ERASEBKGND and WM_PAINT. True when the class paints.
     bool paintByClass(QWidget* on);
-    CDC* paintContext = nullptr; // while painting
+    CDC* paintContext = nullptr;                      // while painting
     bool setTimer(UINT_PTR timer, UINT milliseconds); // again: from now on
     bool killTimerOf(UINT_PTR timer);
-    std::unique_ptr<CFont> ownFont;   // of GetFont
+    std::unique_ptr<CFont> ownFont;  // of GetFont
     std::unique_ptr<CWnd> temporary; // of FromHandle
 
 protected:
