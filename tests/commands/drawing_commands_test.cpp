@@ -89,7 +89,8 @@ TEST_F(DrawingCommands, PurgeOfEmptyGeometry) {
 }
 
 TEST_F(DrawingCommands, OopsBringsBackWhatTheLastEraseTookUnlessItWasUndone) {
-    run("-STYLE 式 txt 0 1 0 N N N\nTEXT 0,0 2 0 杆\n\nERASE L\n\n-PURGE ST * N\n");
+    run("-STYLE 式\ntxt\n0\n1\n0\nN\nN\nN\nTEXT 0,0 2 0 杆\n\nTEXTSTYLE Standard\n");
+    run("ERASE L\n\n-PURGE ST *\nN\n");
     AcDbTextStyleTable* styles = nullptr;
     database().getSymbolTable(styles, AcDb::kForRead);
     EXPECT_FALSE(styles->has(L"式"));

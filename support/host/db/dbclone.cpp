@@ -374,8 +374,9 @@ AcDbObjectIdArray entitiesOf(const AcDbDatabase& database, AcDbObjectId block) {
 /// may be a library.
 AcDbObjectIdArray namedRecordsOf(const AcDbDatabase& database) {
     AcDbObjectIdArray ids;
-    for (const AcDbObjectId table : {database.linetypeTableId(), database.layerTableId(), database.textStyleTableId(),
-                                     database.dimStyleTableId(), database.blockTableId()}) {
+    for (const AcDbObjectId table :
+         {database.linetypeTableId(), database.layerTableId(), database.textStyleTableId(),
+          database.dimStyleTableId(), database.blockTableId()}) {
         for (AcDbStub* stub : host::peek<AcDbSymbolTable>(table)->records()) {
             const auto* record = host::peek<AcDbSymbolTableRecord>(stub);
             const auto* block = AcDbBlockTableRecord::cast(record);
@@ -445,8 +446,7 @@ Acad::ErrorStatus AcDbDatabase::insert(const AcGeMatrix3d& transform, AcDbDataba
     mapping.assign(AcDbIdPair(source->modelSpaceId(), modelSpaceId(), false));
     AcDbObjectIdArray objects = entitiesOf(*source, source->modelSpaceId());
     objects.append(namedRecordsOf(*source));
-    const Acad::ErrorStatus status =
-        wblockCloneObjects(objects, modelSpaceId(), mapping, AcDb::kDrcIgnore);
+    const Acad::ErrorStatus status = wblockCloneObjects(objects, modelSpaceId(), mapping, AcDb::kDrcIgnore);
     for (const AcDbIdPair& pair : mapping.pairs()) {
         const host::Opened<AcDbEntity> entity(pair.isPrimary() ? pair.value() : AcDbObjectId(),
                                               AcDb::kForWrite);

@@ -22,9 +22,9 @@ struct FitVertex {
 // three vertices, where nothing tells a direction, the segments are straight.
 BulgePath fitArcs(std::span<const FitVertex> vertices, bool closed);
 
-// Points of the uniform B-spline over a frame, `segments` chords for each of its segments. An open curve begins
-// and ends with the frame, a closed one does not repeat its first point. A frame with too few vertices lowers
-// the degree.
+// Points of the uniform B-spline over a frame, `segments` chords for each of its segments. An open curve
+// begins and ends with the frame, a closed one does not repeat its first point. A frame with too few vertices
+// lowers the degree.
 std::vector<AcGePoint3d> splineVertices(std::span<const AcGePoint3d> frame, bool closed, int degree,
                                         int segments);
 // The number of segments of that frame.
