@@ -40,6 +40,7 @@ public:
     // UserInput.
     host::InputItem read(const host::InputRequest& request) override;
     bool atEnd() override { return mIsClosed; }
+    bool worksDialogs() const override { return true; }
     void post(std::wstring_view text) override;
     std::wstring takePosted() override { return mTyped.takePosted(); }
 

@@ -14,8 +14,10 @@ namespace {
 
 const host::TemplateItem* overlapping(const host::DialogTemplate& dialog, std::size_t index) {
     const auto rectOf = [](const host::TemplateItem& item) {
+        constexpr int closedCombo = 12; // the template's height is that of the open list
         const host::TemplateRect& r = item.rect;
-        return CRect(r.left, r.top, r.left + r.width, r.top + r.height);
+        const int height = item.className == L"ComboBox" ? closedCombo : r.height;
+        return CRect(r.left, r.top, r.left + r.width, r.top + height);
     };
     const auto isFrame = [](const host::TemplateItem& item) {
         return item.className == L"Button" && (item.style & BS_TYPEMASK) == BS_GROUPBOX;

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QPointer>
 #include <algorithm>
 #include <vector>
 
@@ -19,6 +20,39 @@ std::vector<AcedFilterWinMsgFn>& filters() {
     static std::vector<AcedFilterWinMsgFn> list;
     return list;
 }
+
+// Shows the keys of the program's window to the filters before its shortcuts and widgets see them. Dialogs do
+// so themselves.
+class WindowKeys : public QObject {
+public:
+    QPointer<QWidget> frame;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress && swallows_)
+            return std::exchange(swallows_, false);
+        // The first that is heard of a key.
+        const auto* widget = qobject_cast<const QWidget*>(watched);
+        const bool isFirst = event->type() == QEvent::ShortcutOverride && widget != nullptr &&
+                             widget == QApplication::focusWidget() && !frame.isNull() &&
+                             widget->window() == frame->window();
+        if (!isFirst)
+            return false;
+        MSG message{acedGetAcadDwgView()->GetSafeHwnd(),
+                    WM_KEYDOWN,
+                    host::virtualKey(static_cast<const QKeyEvent*>(event)->key()),
+                    1,
+                    GetTickCount(),
+                    {}};
+        swallows_ = host::filterMessage(message);
+        if (swallows_)
+            event->accept();
+        return swallows_;
+    }
+
+private:
+    bool swallows_ = false;
+};
 
 } // namespace
 
@@ -78,6 +112,13 @@ void hangApplicationWindows(QWidget* frame, QWidget* drawingView) {
     };
     attach(*acedGetAcadFrame(), frame);
     attach(*acedGetAcadDwgView(), drawingView);
+    static WindowKeys* const keys = [] {
+        auto* made = new WindowKeys;
+        made->setParent(&application());
+        application().installEventFilter(made);
+        return made;
+    }();
+    keys->frame = frame;
 }
 
 bool dialogKeepsFocus() {

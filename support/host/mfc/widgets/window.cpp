@@ -258,7 +258,7 @@ bool HWND__::filter(QEvent* event) {
 }
 
 bool HWND__::eventFilter(QObject* watched, QEvent* event) {
-    if (dying || widget.isNull())
+    if (dying || adopted || widget.isNull())
         return false;
     const QEvent::Type type = event->type();
     if (type == QEvent::KeyPress || type == QEvent::KeyRelease)
@@ -348,6 +348,7 @@ HWND adoptWidget(QWidget* widget) {
     if (const auto found = windowsByWidget().find(widget); found != windowsByWidget().end())
         return found->second;
     auto* window = new HWND__(widget, nullptr, 0, WS_VISIBLE, 0);
+    window->adopted = true;
     // The widget is not ours; it may go at any time.
     QObject::connect(widget, &QObject::destroyed, window, [window] {
         if (CWnd* object = std::exchange(window->object, nullptr))

@@ -32,6 +32,7 @@ public:
     DWORD style, exStyle;
     int wheel = 0;
     bool dying = false;
+    bool adopted = false; // made elsewhere: its events are its owner's
     bool redraws = true;
     HICON icon = nullptr;
     HFONT font = nullptr;
