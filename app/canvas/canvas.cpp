@@ -7,6 +7,7 @@
 #include "host/ed/aced.h"
 #include "host/ed/question.h"
 #include "host/ed/sysvars.h"
+#include "host/mfc/appwindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -595,6 +596,12 @@ void Canvas::wheelEvent(QWheelEvent* event) {
 void Canvas::keyPressEvent(QKeyEvent* event) {
     if (mListener != nullptr) {
         mListener->keyPressed(*event);
+    }
+}
+
+void Canvas::enterEvent(QEnterEvent*) {
+    if (!hasFocus() && !host::dialogKeepsFocus() && window()->isActiveWindow()) {
+        setFocus(Qt::MouseFocusReason);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "host/db/dbents.h"
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
+#include "host/mfc/appwindow.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
@@ -78,6 +79,7 @@ MainWindow::MainWindow()
     acDocManagerPtr()->addReactor(this);
     host::console().setSink(mCommandLine);
     host::setEditorView(mCanvas);
+    host::hangApplicationWindows(this, mCanvas);
     acedSetAlertFunction([](const ACHAR* text) {
         QMessageBox::information(QApplication::activeWindow(), QStringLiteral("QDVHost"),
                                  QString::fromWCharArray(text != nullptr ? text : L""));
@@ -90,6 +92,7 @@ MainWindow::MainWindow()
 MainWindow::~MainWindow() {
     acDocManagerPtr()->removeReactor(this);
     acedSetAlertFunction(nullptr);
+    host::hangApplicationWindows(nullptr, nullptr);
 }
 
 void MainWindow::begin(const Options& options) {

@@ -2,6 +2,7 @@
 
 #include "host/ed/aced.h"
 #include "host/ed/question.h"
+#include "host/mfc/appwindow.h"
 
 #include <QKeyEvent>
 #include <QTimer>
@@ -115,6 +116,7 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
         mRequest = nullptr;
         mCommandLine.setRequest(nullptr);
         mCanvas.setRequest(nullptr, {});
+        host::throwKept();
     }
 }
 
