@@ -127,6 +127,7 @@ std::optional<std::size_t> Canvas::gripAt(const AcGePoint2d& place) const {
 // The view.
 
 void Canvas::setView(const AcGePoint2d& centre, double unitsPerPixel) {
+    mShowsAll = false;
     mMap.centre = centre;
     mMap.unitsPerPixel = std::clamp(unitsPerPixel, smallestUnits, greatestUnits);
     mIsStale = true;
@@ -188,6 +189,7 @@ void Canvas::zoomExtents() {
     }
     const double units = std::max(box.width() / mMap.width, box.height() / mMap.height) * around;
     setView(box.center(), units > 0 ? units : mMap.unitsPerPixel);
+    mShowsAll = true;
 }
 
 void Canvas::zoomAt(double x, double y, double factor) {
@@ -491,11 +493,11 @@ void Canvas::paintCursor(QPainter& painter) {
 
 void Canvas::resizeEvent(QResizeEvent*) {
     const double units = mMap.unitsPerPixel;
-    const bool isFirst = mMap.width <= 1;
+    const bool showsAll = mShowsAll || mMap.width <= 1;
     mMap.width = std::max(1, static_cast<int>(std::lround(width() * ratio())));
     mMap.height = std::max(1, static_cast<int>(std::lround(height() * ratio())));
     mIsStale = true;
-    if (isFirst && mView != nullptr && !mView->scene->extents().isEmpty()) {
+    if (showsAll && mView != nullptr && !mView->scene->extents().isEmpty()) {
         zoomExtents();
         return;
     }

@@ -133,6 +133,7 @@ private:
     ViewMap mMap;
     CanvasLook mLook;
     QImage mPicture;
+    bool mShowsAll = false;    ///< nothing was zoomed or moved since all was shown
     bool mIsStale = true;      ///< the whole picture
     QRegion mStaleParts;       ///< device pixels
     bool mIsIncomplete = false;

@@ -25,6 +25,9 @@ void applyStyle(QWidget& window) {
         palette.setColor(QPalette::Disabled, role, dim);
     }
     window.setPalette(palette);
+    QFont font = window.font();
+    font.setFamilies({QStringLiteral("Noto Sans CJK SC"), QStringLiteral("Microsoft YaHei"), font.family()});
+    window.setFont(font);
     window.setStyleSheet(QStringLiteral(
         "QToolBar { border: 0; spacing: 1px; padding: 2px; }"
         "QToolBar::separator { background: #4a525c; width: 1px; height: 1px; margin: 4px; }"
