@@ -56,6 +56,9 @@ void applyStyle(QWidget& window) {
         "#history { background: #22282f; color: #b9c1c9; }"
         "#commandEdit { background: #2b323a; border: 1px solid #434c57; border-radius: 2px; padding: 2px 4px; }"
         "#commandEdit:focus { border-color: #408cdc; }"
+        "#suggestions { background: #2e343c; border: 1px solid #5a6878; border-radius: 3px; padding: 1px; }"
+        "#suggestions::item { padding: 2px 6px; }"
+        "#suggestions::item:selected { background: #3c6ea0; }"
         "QMainWindow::separator { background: #262c33; width: 3px; height: 3px; }"));
 }
 

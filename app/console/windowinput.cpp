@@ -43,8 +43,19 @@ void WindowInput::wake() {
 }
 
 void WindowInput::post(std::wstring_view text) {
-    mTyped.post(text);
+    mComing.emplace_back(std::wstring(text));
     wake();
+}
+
+std::wstring WindowInput::takePosted() {
+    std::wstring rest = mTyped.takePosted();
+    for (const auto& coming : mComing) {
+        if (const auto* text = std::get_if<std::wstring>(&coming)) {
+            rest += *text;
+        }
+    }
+    mComing.clear();
+    return rest;
 }
 
 void WindowInput::typed(const QString& text) {
@@ -52,8 +63,6 @@ void WindowInput::typed(const QString& text) {
 }
 
 void WindowInput::cancel() {
-    mTyped.takePosted();
-    mAnswers.clear();
     mPicking.cancel();
     post(std::wstring(1, escapeCharacter));
 }
@@ -78,7 +87,7 @@ void WindowInput::close() {
 }
 
 void WindowInput::answer(host::InputItem item) {
-    mAnswers.push_back(std::move(item));
+    mComing.emplace_back(std::move(item));
     wake();
 }
 
@@ -93,10 +102,14 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
         if (!mTyped.atEnd()) {
             return withDistance(mTyped.read(request), request);
         }
-        if (!mAnswers.empty()) {
-            host::InputItem item = std::move(mAnswers.front());
-            mAnswers.pop_front();
-            return item;
+        if (!mComing.empty()) {
+            auto coming = std::move(mComing.front());
+            mComing.pop_front();
+            if (auto* item = std::get_if<host::InputItem>(&coming)) {
+                return std::move(*item);
+            }
+            mTyped.post(std::get<std::wstring>(coming));
+            continue;
         }
         QEventLoop loop;
         mLoop = &loop;
@@ -166,7 +179,7 @@ void WindowInput::moved(const Aimed& aimed) {
     if (cursorMoved) {
         cursorMoved(aimed);
     }
-    if (mRequest != nullptr && mRequest->wantsMotion && mAnswers.empty() &&
+    if (mRequest != nullptr && mRequest->wantsMotion && mComing.empty() &&
         (!mLastMotion || *mLastMotion != aimed.point)) {
         mLastMotion = aimed.point;
         answer(pointItem(host::InputItem::Kind::motion, aimed.point));
