@@ -511,7 +511,7 @@ void Canvas::aim(const QPointF& at) {
         mAimed = aimAt(*mView->scene, mMap, *mRequest, worldAt(at));
     } else {
         const AcGePoint2d place = worldAt(at);
-        mAimed = {{place.x, place.y, 0}};
+        mAimed = {{place.x, place.y, 0}, {place.x, place.y, 0}};
     }
 }
 

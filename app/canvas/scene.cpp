@@ -474,8 +474,12 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
 Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double unitsPerPixel,
                           const Box2d& view) {
     mSink.start(origin);
-    const host::ReadAccess access(entity);
-    flattener(unitsPerPixel, &view).draw(entity);
+    mSink.setWantsCurves(false);
+    {
+        const host::ReadAccess access(entity);
+        flattener(unitsPerPixel, &view).draw(entity);
+    }
+    mSink.setWantsCurves(true);
     return mSink.finish(levelOf(unitsPerPixel), true);
 }
 

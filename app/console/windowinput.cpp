@@ -22,6 +22,19 @@ host::InputItem pointItem(host::InputItem::Kind kind, const AcGePoint3d& world) 
     return item;
 }
 
+/// Who asked finds the snap point again from where the cursor stood.
+host::InputItem pickedItem(const Aimed& aimed) {
+    const bool isSnapped = aimed.snapKind != 0;
+    host::InputItem item = pointItem(host::InputItem::Kind::value, isSnapped ? aimed.place : aimed.point);
+    item.isAimed = !isSnapped;
+    return item;
+}
+
+bool asksForCorner(const host::InputRequest& request) {
+    return request.base && (request.band == host::Aim::Band::rectangle ||
+                            request.band == host::Aim::Band::selection);
+}
+
 } // namespace
 
 WindowInput::WindowInput(Canvas& canvas, CommandLine& commandLine)
@@ -111,6 +124,9 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
             mTyped.post(std::get<std::wstring>(coming));
             continue;
         }
+        if (const auto released = std::exchange(mReleased, std::nullopt); released && asksForCorner(request)) {
+            return pickedItem(*released);
+        }
         QEventLoop loop;
         mLoop = &loop;
         mRequest = &request;
@@ -161,18 +177,14 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
         }
         return;
     }
-    const bool isCorner = mRequest->base && (mRequest->band == host::Aim::Band::rectangle ||
-                                             mRequest->band == host::Aim::Band::selection);
-    if (!mRequest->wantsPoint || (released && !isCorner)) {
+    if (released && !asksForCorner(*mRequest)) {
+        // The press may still be on its way to who asks for the corner then.
+        mReleased = mComing.empty() ? std::nullopt : std::optional(aimed);
         return;
     }
-    host::InputItem item = pointItem(host::InputItem::Kind::value, aimed.point);
-    item.isAimed = aimed.snapKind == 0;
-    if (aimed.snapKind != 0) {
-        // The snap is found again by who asked, from where the cursor stood: its point is snapped to itself.
-        item.isAimed = false;
+    if (mRequest->wantsPoint) {
+        answer(pickedItem(aimed));
     }
-    answer(std::move(item));
 }
 
 void WindowInput::moved(const Aimed& aimed) {

@@ -66,6 +66,7 @@ private:
     const host::InputRequest* mRequest = nullptr;
     QEventLoop* mLoop = nullptr;
     std::optional<AcGePoint3d> mLastMotion;
+    std::optional<Aimed> mReleased; ///< the end of a drag whose press is being answered
     bool mIsClosed = false;
 };
 
