@@ -4,8 +4,8 @@
 #include "app/startup.h"
 
 #include "host/ed/ed.h"
+#include "host/mfc/appwindow.h"
 
-#include <QApplication>
 #include <cstdlib>
 #include <iostream>
 
@@ -41,11 +41,7 @@ int runWindow(const Options& options) {
         std::cerr << "qdvhost: 没有图形显示 (DISPLAY 未设置)，无法打开窗口；运行脚本请用 --script\n";
         return 1;
     }
-    int count = 1;
-    char name[] = "qdvhost";
-    char* arguments[] = {name, nullptr};
-    const std::unique_ptr<QApplication> own =
-        QCoreApplication::instance() == nullptr ? std::make_unique<QApplication>(count, arguments) : nullptr;
+    host::application();
     {
         host::Session session;
         MainWindow window;

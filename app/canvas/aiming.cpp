@@ -58,7 +58,7 @@ AcGePoint3d onPlane(const AcGePoint2d& place) {
 }
 
 Aimed aimAt(Scene& scene, const ViewMap&, const host::InputRequest& request, const AcGePoint2d& place) {
-    Aimed aimed{onPlane(place)};
+    Aimed aimed{onPlane(place), onPlane(place)};
     if (request.picksObjects || !request.wantsPoint) {
         return aimed;
     }
@@ -67,7 +67,7 @@ Aimed aimAt(Scene& scene, const ViewMap&, const host::InputRequest& request, con
     if (modes != 0 && !isThicket(scene, place)) {
         const AcGePoint3d last = request.base.value_or(host::ucsToWorld(host::lastPoint()));
         if (const std::optional<host::Snapped> snapped = host::snapPoint(aimed.point, modes, last)) {
-            return {snapped->point, snapped->kind};
+            return {snapped->point, aimed.place, snapped->kind};
         }
     }
     if (host::systemVariableInteger(L"SNAPMODE") != 0) {

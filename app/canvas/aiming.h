@@ -12,6 +12,7 @@ namespace app {
 
 struct Aimed {
     AcGePoint3d point; ///< world
+    AcGePoint3d place; ///< where the cursor stands, world
     int snapKind = 0;  ///< bit of OSMODE of the snap that was found; 0: none
 };
 

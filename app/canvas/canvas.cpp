@@ -7,6 +7,7 @@
 #include "host/ed/aced.h"
 #include "host/ed/question.h"
 #include "host/ed/sysvars.h"
+#include "host/mfc/appwindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -126,6 +127,7 @@ std::optional<std::size_t> Canvas::gripAt(const AcGePoint2d& place) const {
 // The view.
 
 void Canvas::setView(const AcGePoint2d& centre, double unitsPerPixel) {
+    mShowsAll = false;
     mMap.centre = centre;
     mMap.unitsPerPixel = std::clamp(unitsPerPixel, smallestUnits, greatestUnits);
     mIsStale = true;
@@ -187,6 +189,7 @@ void Canvas::zoomExtents() {
     }
     const double units = std::max(box.width() / mMap.width, box.height() / mMap.height) * around;
     setView(box.center(), units > 0 ? units : mMap.unitsPerPixel);
+    mShowsAll = true;
 }
 
 void Canvas::zoomAt(double x, double y, double factor) {
@@ -490,11 +493,11 @@ void Canvas::paintCursor(QPainter& painter) {
 
 void Canvas::resizeEvent(QResizeEvent*) {
     const double units = mMap.unitsPerPixel;
-    const bool isFirst = mMap.width <= 1;
+    const bool showsAll = mShowsAll || mMap.width <= 1;
     mMap.width = std::max(1, static_cast<int>(std::lround(width() * ratio())));
     mMap.height = std::max(1, static_cast<int>(std::lround(height() * ratio())));
     mIsStale = true;
-    if (isFirst && mView != nullptr && !mView->scene->extents().isEmpty()) {
+    if (showsAll && mView != nullptr && !mView->scene->extents().isEmpty()) {
         zoomExtents();
         return;
     }
@@ -508,7 +511,7 @@ void Canvas::aim(const QPointF& at) {
         mAimed = aimAt(*mView->scene, mMap, *mRequest, worldAt(at));
     } else {
         const AcGePoint2d place = worldAt(at);
-        mAimed = {{place.x, place.y, 0}};
+        mAimed = {{place.x, place.y, 0}, {place.x, place.y, 0}};
     }
 }
 
@@ -595,6 +598,12 @@ void Canvas::wheelEvent(QWheelEvent* event) {
 void Canvas::keyPressEvent(QKeyEvent* event) {
     if (mListener != nullptr) {
         mListener->keyPressed(*event);
+    }
+}
+
+void Canvas::enterEvent(QEnterEvent*) {
+    if (!hasFocus() && !host::dialogKeepsFocus() && window()->isActiveWindow()) {
+        setFocus(Qt::MouseFocusReason);
     }
 }
 

@@ -95,6 +95,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool event(QEvent* event) override;
 
@@ -132,6 +133,7 @@ private:
     ViewMap mMap;
     CanvasLook mLook;
     QImage mPicture;
+    bool mShowsAll = false;    ///< nothing was zoomed or moved since all was shown
     bool mIsStale = true;      ///< the whole picture
     QRegion mStaleParts;       ///< device pixels
     bool mIsIncomplete = false;

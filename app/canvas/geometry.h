@@ -96,7 +96,9 @@ public:
     void area(const host::Area& area, const host::Pen& pen) override;
     void dot(const AcGePoint3d& point, const host::Pen& pen) override;
     void glyphs(const host::GlyphRun& run, const host::Pen& pen) override;
-    bool wantsCurves() const override { return true; }
+    bool wantsCurves() const override { return mWantsCurves; }
+    /// Curves far larger than what is seen of them are better given by chords: those near are small numbers.
+    void setWantsCurves(bool wants) { mWantsCurves = wants; }
     void path(const host::WorldPath& path, const host::Pen& pen) override;
     void pushClip(std::span<const AcGePoint3d> polygon) override;
     void popClip() override;
@@ -113,6 +115,7 @@ private:
     PenTable& mPens;
     AcGePoint2d mOrigin;
     std::vector<std::uint32_t> mWords;
+    bool mWantsCurves = true;
     std::size_t mHead = 0; ///< of the primitive that is being written
 };
 

@@ -130,6 +130,7 @@ void Scene::look(SceneItem& item) const {
     if (entity == nullptr) {
         return;
     }
+    const host::ReadAccess access(*entity);
     item.isDependent = followsOthers(*entity);
     const auto* layer = peek<AcDbLayerTableRecord>(entity->layerId());
     item.isHidden = entity->visibility() == AcDb::kInvisible ||
@@ -154,6 +155,7 @@ void Scene::use(AcDbStub* block) {
     const auto* record = peek<AcDbBlockTableRecord>(AcDbObjectId(block));
     for (AcDbStub* stub : record != nullptr ? record->entities() : std::vector<AcDbStub*>()) {
         if (const auto* reference = peek<AcDbBlockReference>(AcDbObjectId(stub))) {
+            const host::ReadAccess access(*reference);
             use(reference->blockTableRecord().stub());
         }
     }
@@ -161,6 +163,7 @@ void Scene::use(AcDbStub* block) {
 
 /// Whether the primitives depend on the scale: the gaps of a linetype, and chords of what is not given as a curve.
 bool Scene::isScaled(const AcDbEntity& entity) {
+    const host::ReadAccess access(entity);
     if (entity.isA() == AcDbBlockReference::desc()) {
         const auto& reference = static_cast<const AcDbBlockReference&>(entity);
         if (isScaledBlock(reference.blockTableRecord().stub())) {
@@ -471,8 +474,12 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
 Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double unitsPerPixel,
                           const Box2d& view) {
     mSink.start(origin);
-    const host::ReadAccess access(entity);
-    flattener(unitsPerPixel, &view).draw(entity);
+    mSink.setWantsCurves(false);
+    {
+        const host::ReadAccess access(entity);
+        flattener(unitsPerPixel, &view).draw(entity);
+    }
+    mSink.setWantsCurves(true);
     return mSink.finish(levelOf(unitsPerPixel), true);
 }
 

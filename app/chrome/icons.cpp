@@ -109,6 +109,7 @@ constexpr Drawing drawings[] = {
     {"app", "BR2 2 20 20|WM5 18L10 6L14 14L19 5|WO10 6 1.6|WO14 14 1.6"},
     {"lighton", "YO12 10 6|gM9 17L15 17|gM10 20L14 20"},
     {"lightoff", "gO12 10 6|gM9 17L15 17|gM10 20L14 20"},
+    {"close", "gM7 7L17 17|gM17 7L7 17"},
     {"lock", "YR5 11 14 9|gM8 11L8 7C8 3 16 3 16 7L16 11"},
     {"freeze", "bM12 3L12 21|bM4 7.5L20 16.5|bM4 16.5L20 7.5"},
 };

@@ -9,6 +9,7 @@
 #include "host/db/dbents.h"
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
+#include "host/mfc/appwindow.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
@@ -19,6 +20,7 @@
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace app {
@@ -50,7 +52,6 @@ MainWindow::MainWindow()
     auto* layout = new QVBoxLayout(middle);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    mTabs->setTabsClosable(true);
     mTabs->setDrawBase(false);
     mTabs->setExpanding(false);
     mTabs->setFocusPolicy(Qt::NoFocus);
@@ -71,13 +72,10 @@ MainWindow::MainWindow()
             mInput->restart();
         }
     });
-    connect(mTabs, &QTabBar::tabCloseRequested, this, [this](int index) {
-        mTabs->setCurrentIndex(index);
-        closeCurrent();
-    });
     acDocManagerPtr()->addReactor(this);
     host::console().setSink(mCommandLine);
     host::setEditorView(mCanvas);
+    host::hangApplicationWindows(this, mCanvas);
     acedSetAlertFunction([](const ACHAR* text) {
         QMessageBox::information(QApplication::activeWindow(), QStringLiteral("QDVHost"),
                                  QString::fromWCharArray(text != nullptr ? text : L""));
@@ -90,6 +88,7 @@ MainWindow::MainWindow()
 MainWindow::~MainWindow() {
     acDocManagerPtr()->removeReactor(this);
     acedSetAlertFunction(nullptr);
+    host::hangApplicationWindows(nullptr, nullptr);
 }
 
 void MainWindow::begin(const Options& options) {
@@ -119,8 +118,11 @@ void MainWindow::buildMenus() {
             auto* bar = new QToolBar(translated(row.bar), this);
             bar->setObjectName(QString::fromUtf8(row.bar));
             bar->setIconSize(QSize(22, 22));
-            const bool isSide = std::string_view(row.bar) == "绘图" || std::string_view(row.bar) == "修改";
-            addToolBar(isSide ? Qt::LeftToolBarArea : Qt::TopToolBarArea, bar);
+            const std::string_view name = row.bar;
+            addToolBar(name == "绘图"   ? Qt::LeftToolBarArea
+                       : name == "修改" ? Qt::RightToolBarArea
+                                        : Qt::TopToolBarArea,
+                       bar);
             mBars[row.bar] = bar;
         }
         QToolBar* bar = row.bar != nullptr ? mBars[row.bar] : nullptr;
@@ -216,7 +218,12 @@ void MainWindow::followDocuments() {
         const bool changed = isChanged(document);
         const QString title = QString::fromWCharArray(document.docTitle()) + (changed ? QStringLiteral(" *") : QString());
         if (i >= mTabs->count()) {
-            mTabs->addTab(title);
+            auto* button = new QToolButton(mTabs);
+            button->setIcon(icon("close"));
+            button->setIconSize(QSize(12, 12));
+            button->setAutoRaise(true);
+            connect(button, &QToolButton::clicked, this, [this, button] { closeTabOf(button); });
+            mTabs->setTabButton(mTabs->addTab(title), QTabBar::RightSide, button);
         }
         mTabs->setTabText(i, title);
         mTabs->setTabToolTip(i, QString::fromWCharArray(document.fileName()));
@@ -227,6 +234,16 @@ void MainWindow::followDocuments() {
         }
     }
     mIsFollowing = false;
+}
+
+void MainWindow::closeTabOf(const QWidget* button) {
+    for (int i = 0; i < mTabs->count(); ++i) {
+        if (mTabs->tabButton(i, QTabBar::RightSide) == button) {
+            mTabs->setCurrentIndex(i);
+            closeCurrent();
+            return;
+        }
+    }
 }
 
 void MainWindow::documentBecameCurrent(AcApDocument* document) {

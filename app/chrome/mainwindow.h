@@ -65,6 +65,7 @@ private:
     void windowAction(std::string_view name);
     void openDialog();
     void closeCurrent();
+    void closeTabOf(const QWidget* button);
     void exportPicture();
     void preview();
     void rememberFile(const QString& file);

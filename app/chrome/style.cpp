@@ -1,14 +1,11 @@
 #include "app/chrome/style.h"
 
-#include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
 #include <QWidget>
 
 namespace app {
 
 void applyStyle(QWidget& window) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QPalette palette;
     const QColor plate(46, 52, 60), field(34, 40, 47), text(222, 227, 232), dim(128, 136, 145), accent(64, 140, 220);
     palette.setColor(QPalette::Window, plate);
@@ -27,7 +24,10 @@ void applyStyle(QWidget& window) {
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Disabled, role, dim);
     }
-    QApplication::setPalette(palette);
+    window.setPalette(palette);
+    QFont font = window.font();
+    font.setFamilies({QStringLiteral("Noto Sans CJK SC"), QStringLiteral("Microsoft YaHei"), font.family()});
+    window.setFont(font);
     window.setStyleSheet(QStringLiteral(
         "QToolBar { border: 0; spacing: 1px; padding: 2px; }"
         "QToolBar::separator { background: #4a525c; width: 1px; height: 1px; margin: 4px; }"
@@ -38,6 +38,13 @@ void applyStyle(QWidget& window) {
         "QStatusBar::item { border: 0; }"
         "QStatusBar QToolButton { padding: 1px 6px; color: #98a1ab; }"
         "QStatusBar QToolButton:checked { background: #2b5580; color: #ffffff; border-color: #3c73a8; }"
+        "QMenu { background: #2e343c; color: #dee3e8; border: 1px solid #4a525c; padding: 3px; }"
+        "QMenu::item { padding: 4px 26px 4px 8px; border-radius: 3px; }"
+        "QMenu::item:selected { background: #3c6ea0; }"
+        "QMenu::item:disabled { color: #7b838c; }"
+        "QMenu::separator { height: 1px; background: #4a525c; margin: 3px 6px; }"
+        "QToolTip { background: #3c444d; color: #dee3e8; border: 1px solid #5a6878; padding: 2px 4px; }"
+        "QComboBox QAbstractItemView { background: #2e343c; color: #dee3e8; selection-background-color: #3c6ea0; }"
         "QMenuBar { background: #262c33; padding: 1px; }"
         "QMenuBar::item { padding: 4px 9px; background: transparent; }"
         "QMenuBar::item:selected { background: #3d4854; }"
@@ -49,6 +56,9 @@ void applyStyle(QWidget& window) {
         "#history { background: #22282f; color: #b9c1c9; }"
         "#commandEdit { background: #2b323a; border: 1px solid #434c57; border-radius: 2px; padding: 2px 4px; }"
         "#commandEdit:focus { border-color: #408cdc; }"
+        "#suggestions { background: #2e343c; border: 1px solid #5a6878; border-radius: 3px; padding: 1px; }"
+        "#suggestions::item { padding: 2px 6px; }"
+        "#suggestions::item:selected { background: #3c6ea0; }"
         "QMainWindow::separator { background: #262c33; width: 3px; height: 3px; }"));
 }
 

@@ -95,6 +95,7 @@ CommandLine::CommandLine(QWidget* parent)
     mEdit->setObjectName(QStringLiteral("commandEdit"));
     mSuggestions->setFocusPolicy(Qt::NoFocus);
     mSuggestions->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    mSuggestions->setObjectName(QStringLiteral("suggestions"));
     mSuggestions->hide();
     auto* line = new QHBoxLayout;
     line->setContentsMargins(6, 2, 6, 3);

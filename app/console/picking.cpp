@@ -30,7 +30,8 @@ std::wstring Picking::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifier
     if (released || curDoc() == nullptr) {
         return {};
     }
-    if (const std::optional<std::size_t> grip = mCanvas.gripAt({aimed.point.x, aimed.point.y})) {
+    if (const std::optional<std::size_t> grip =
+            remove ? std::nullopt : mCanvas.gripAt({aimed.point.x, aimed.point.y})) {
         host::setHotGrips(host::gripsAt(host::shownGrips()[*grip].point));
         return L"GRIP_STRETCH\n";
     }

@@ -2,6 +2,7 @@
 
 #include "host/ed/aced.h"
 #include "host/ed/question.h"
+#include "host/mfc/appwindow.h"
 
 #include <QKeyEvent>
 #include <QTimer>
@@ -19,6 +20,19 @@ host::InputItem pointItem(host::InputItem::Kind kind, const AcGePoint3d& world) 
     item.kind = kind;
     item.fromCursor = true;
     return item;
+}
+
+/// Who asked finds the snap point again from where the cursor stood.
+host::InputItem pickedItem(const Aimed& aimed) {
+    const bool isSnapped = aimed.snapKind != 0;
+    host::InputItem item = pointItem(host::InputItem::Kind::value, isSnapped ? aimed.place : aimed.point);
+    item.isAimed = !isSnapped;
+    return item;
+}
+
+bool asksForCorner(const host::InputRequest& request) {
+    return request.base && (request.band == host::Aim::Band::rectangle ||
+                            request.band == host::Aim::Band::selection);
 }
 
 } // namespace
@@ -42,8 +56,19 @@ void WindowInput::wake() {
 }
 
 void WindowInput::post(std::wstring_view text) {
-    mTyped.post(text);
+    mComing.emplace_back(std::wstring(text));
     wake();
+}
+
+std::wstring WindowInput::takePosted() {
+    std::wstring rest = mTyped.takePosted();
+    for (const auto& coming : mComing) {
+        if (const auto* text = std::get_if<std::wstring>(&coming)) {
+            rest += *text;
+        }
+    }
+    mComing.clear();
+    return rest;
 }
 
 void WindowInput::typed(const QString& text) {
@@ -51,8 +76,6 @@ void WindowInput::typed(const QString& text) {
 }
 
 void WindowInput::cancel() {
-    mTyped.takePosted();
-    mAnswers.clear();
     mPicking.cancel();
     post(std::wstring(1, escapeCharacter));
 }
@@ -77,7 +100,7 @@ void WindowInput::close() {
 }
 
 void WindowInput::answer(host::InputItem item) {
-    mAnswers.push_back(std::move(item));
+    mComing.emplace_back(std::move(item));
     wake();
 }
 
@@ -92,10 +115,17 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
         if (!mTyped.atEnd()) {
             return withDistance(mTyped.read(request), request);
         }
-        if (!mAnswers.empty()) {
-            host::InputItem item = std::move(mAnswers.front());
-            mAnswers.pop_front();
-            return item;
+        if (!mComing.empty()) {
+            auto coming = std::move(mComing.front());
+            mComing.pop_front();
+            if (auto* item = std::get_if<host::InputItem>(&coming)) {
+                return std::move(*item);
+            }
+            mTyped.post(std::get<std::wstring>(coming));
+            continue;
+        }
+        if (const auto released = std::exchange(mReleased, std::nullopt); released && asksForCorner(request)) {
+            return pickedItem(*released);
         }
         QEventLoop loop;
         mLoop = &loop;
@@ -115,6 +145,7 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
         mRequest = nullptr;
         mCommandLine.setRequest(nullptr);
         mCanvas.setRequest(nullptr, {});
+        host::throwKept();
     }
 }
 
@@ -146,25 +177,21 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
         }
         return;
     }
-    const bool isCorner = mRequest->base && (mRequest->band == host::Aim::Band::rectangle ||
-                                             mRequest->band == host::Aim::Band::selection);
-    if (!mRequest->wantsPoint || (released && !isCorner)) {
+    if (released && !asksForCorner(*mRequest)) {
+        // The press may still be on its way to who asks for the corner then.
+        mReleased = mComing.empty() ? std::nullopt : std::optional(aimed);
         return;
     }
-    host::InputItem item = pointItem(host::InputItem::Kind::value, aimed.point);
-    item.isAimed = aimed.snapKind == 0;
-    if (aimed.snapKind != 0) {
-        // The snap is found again by who asked, from where the cursor stood: its point is snapped to itself.
-        item.isAimed = false;
+    if (mRequest->wantsPoint) {
+        answer(pickedItem(aimed));
     }
-    answer(std::move(item));
 }
 
 void WindowInput::moved(const Aimed& aimed) {
     if (cursorMoved) {
         cursorMoved(aimed);
     }
-    if (mRequest != nullptr && mRequest->wantsMotion && mAnswers.empty() &&
+    if (mRequest != nullptr && mRequest->wantsMotion && mComing.empty() &&
         (!mLastMotion || *mLastMotion != aimed.point)) {
         mLastMotion = aimed.point;
         answer(pointItem(host::InputItem::Kind::motion, aimed.point));

@@ -9,6 +9,7 @@
 #include <QEventLoop>
 #include <deque>
 #include <functional>
+#include <variant>
 
 namespace app {
 
@@ -42,7 +43,7 @@ public:
     bool atEnd() override { return mIsClosed; }
     bool worksDialogs() const override { return true; }
     void post(std::wstring_view text) override;
-    std::wstring takePosted() override { return mTyped.takePosted(); }
+    std::wstring takePosted() override;
 
     // CanvasListener.
     void pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, bool released) override;
@@ -55,7 +56,6 @@ public:
 private:
     void answer(host::InputItem item);
     void typed(const QString& text);
-    host::InputItem awaited(const host::InputRequest& request);
     host::InputItem withDistance(host::InputItem item, const host::InputRequest& request) const;
     void wake();
 
@@ -63,10 +63,11 @@ private:
     CommandLine& mCommandLine;
     Picking mPicking;
     host::TypedInput mTyped;
-    std::deque<host::InputItem> mAnswers;
+    std::deque<std::variant<host::InputItem, std::wstring>> mComing; ///< answers and typed text, as they came
     const host::InputRequest* mRequest = nullptr;
     QEventLoop* mLoop = nullptr;
     std::optional<AcGePoint3d> mLastMotion;
+    std::optional<Aimed> mReleased; ///< the end of a drag whose press is being answered
     bool mIsClosed = false;
 };
 

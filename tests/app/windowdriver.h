@@ -52,9 +52,3 @@ private:
 
 /// Entities of the current space that are not erased, in order.
 std::vector<AcDbEntity*> entities();
-/// The last of them as its class; null when it is of another.
-template <class T>
-T* lastEntity() {
-    const std::vector<AcDbEntity*> all = entities();
-    return all.empty() ? nullptr : T::cast(all.back());
-}
