@@ -83,7 +83,10 @@ void CLinePara::RefreshEnabling() {
 }
 
 void CLinePara::OnValueChange() {
-    GetDlgItem(IDC_APPLY_WIDTHS)->EnableWindow(TRUE);
+    // The controls tell of their first texts before the button is there.
+    if (CWnd* apply = GetDlgItem(IDC_APPLY_WIDTHS)) {
+        apply->EnableWindow(TRUE);
+    }
 }
 
 void CLinePara::OnApply() {

@@ -1,8 +1,9 @@
 // The panel beside the drawing while a polyline with widths is drawn.
 #pragma once
 
-#include "host/arx.h"
 #include "resources/resource.h"
+
+#include "host/arx.h"
 
 #include <memory>
 

@@ -65,9 +65,6 @@ std::optional<Pieces> piecesOf(CArxObject multiline) {
 
 } // namespace
 
-BEGIN_MESSAGE_MAP(CDrawRiverDlg, CResizeDialog)
-END_MESSAGE_MAP()
-
 CDrawRiverDlg::CDrawRiverDlg(CWnd* parent)
     : CResizeDialog(IDD_DRAW_RIVER, parent), CAcDbMlineJig(L"CDrawRiverDlg\\"), mStyles(170, 115, 175, 145) {}
 

@@ -23,7 +23,6 @@ public:
     void DrawCourse();
 
 protected:
-    DECLARE_MESSAGE_MAP()
     void DoDataExchange(CDataExchange* exchange) override;
     BOOL OnInitDialog() override;
     void OnOK() override;

@@ -23,8 +23,8 @@ void SaveWidthPolylineSettings();
 /// Points and widths of a polyline that is being drawn: the segment from point i to the next one has the
 /// widths 2i (start) and 2i + 1 (end).
 struct WidthPolylineCourse {
-    AcGePoint3dArray points{0, 8}; ///< world
-    AcGeDoubleArray widths{0, 8};
+    AcGePoint3dArray points = AcGePoint3dArray(0, 8); ///< world
+    AcGeDoubleArray widths = AcGeDoubleArray(0, 8);
 
     void Add(const AcGePoint3d& point);
     void AddSegment(const AcGePoint3d& point, double startWidth, double endWidth);

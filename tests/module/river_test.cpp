@@ -107,3 +107,30 @@ TEST_F(RiverTest, DecorationsStandWhereTheWidthSays) {
         EXPECT_EQ(levels[i].second == L"HIDDEN", i > 0 && i < 4) << i;
     }
 }
+
+TEST_F(RiverTest, AHatchFillsTheBendsAndNothingElse) {
+    CreateNewLayer(river::layerName, L"CONTINUOUS", river::layerColor);
+    // One bank is the other one moved.
+    const river::Banks banks = river::LeaveBanks(river::JoinLines(
+        river::LinesOf(lines({{0, 0, 50, 30}, {50, 30, 100, 0}, {0, -20, 50, 10}, {50, 10, 100, -20}}))));
+    ASSERT_TRUE(banks.AreThere());
+    river::Decorate(banks, river::Style::hatch, 20);
+    AcDbBlockTableRecordIterator* started = nullptr;
+    const CArxObjTemplate<AcDbBlockTableRecord> space(database().modelSpaceId(), false);
+    ASSERT_EQ(space->newIterator(started), Acad::eOk);
+    int hatches = 0;
+    for (const std::unique_ptr<AcDbBlockTableRecordIterator> it(started); !it->done(); it->step()) {
+        AcDbObjectId id;
+        it->getEntityId(id);
+        const CArxObjTemplate<AcDbHatch> hatch(id, false);
+        if (hatch) {
+            ++hatches;
+            double area = 0.0;
+            EXPECT_EQ(hatch->getArea(area), Acad::eOk);
+            EXPECT_NEAR(area, 2000, 1e-6);
+            EXPECT_EQ(hatch->patternScale(), 15.0);
+            EXPECT_STREQ(hatch->patternName().constPtr(), L"HL1");
+        }
+    }
+    EXPECT_EQ(hatches, 1);
+}

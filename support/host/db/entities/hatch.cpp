@@ -241,8 +241,8 @@ namespace {
 
 using ObjectPieces = std::vector<host::CurvePiece>;
 
-/// Puts objects into an order in which each begins where the one before ends; those that do are left as they
-/// are. Looking for an object's place takes as many steps as objects are left.
+/// Puts objects, and the pieces of each, into an order in which each goes on where the one before ends; those
+/// that do are left as they are. Looking for an object's place takes as many steps as objects are left.
 void orderByEnds(std::vector<ObjectPieces>& objects) {
     constexpr double touching = 1e-6;
     AcGePoint3d at = objects.front().back().end();
@@ -258,7 +258,11 @@ void orderByEnds(std::vector<ObjectPieces>& objects) {
         }
         const AcGePoint3d start = next->front().start();
         const AcGePoint3d end = next->back().end();
-        at = at.distanceTo(start) <= at.distanceTo(end) ? end : start;
+        const bool isForward = at.distanceTo(start) <= at.distanceTo(end);
+        at = isForward ? end : start;
+        if (!isForward) {
+            std::reverse(next->begin(), next->end());
+        }
         std::rotate(place, next, next + 1);
     }
 }
