@@ -1,6 +1,7 @@
 // Keys and mouse in dialogs, message filters, timers, and the frame that is drawn here; pictures of dialogs.
 #include "dialogsession.h"
 
+#include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/dialogwindow.h"
 #include "host/mfc/widgets/script.h"
 

@@ -119,7 +119,7 @@ TEST_F(ControlsTest, NumbersAreReadShownAndRefused) {
     ControlsDialog dialog;
     std::vector<CString> texts;
     dialog.atOk = [&] {
-        for (const double value : {3.5, 2.0, -0.001, 1234567.125, 0.75}) {
+        for (const double value : {3.5, 2.0, -0.001, 1234567.126, 0.75}) {
             dialog.number.SetValue(value);
             CString text;
             dialog.number.GetWindowText(text);
