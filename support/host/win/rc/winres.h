@@ -1,4 +1,4 @@
-/* The style names that resource scripts use, for the resource compiler. */
+// The style names that resource scripts use, for the resource compiler.
 #pragma once
 
 #define WS_POPUP 0x80000000L
