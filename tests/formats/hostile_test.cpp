@@ -18,6 +18,10 @@ void survives(const std::string& bytes) {
     const std::string once = host::writeDxfText(*database);
     const Drawing again(once);
     EXPECT_EQ(difference(again.written(), once), "");
+    host::DxfWriteOptions options;
+    options.binary = true;
+    const std::string binary = host::writeDxfText(*database, options);
+    EXPECT_EQ(host::writeDxfText(*Drawing(binary).database, options) == binary, true) << once;
 }
 
 std::string point(const std::string& handle, std::initializer_list<Group> more = {}) {
@@ -182,6 +186,31 @@ TEST(DxfHostile, deepNestingAndEndlessLists) {
     const Drawing drawing(section("BLOCKS", blocks) + entities(groups({{0, "INSERT"}, {2, "0"}})) + eof);
     EXPECT_EQ(drawing.model().size(), 1U);
     EXPECT_FALSE(drawing.written().empty());
+}
+
+TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
+    using namespace std::string_literals;
+    survives(
+        section("ENTITIES", groups({{0, "\0 THING\0"s}, {5, "30"}, {100, "AcDbThing\0\0"s}, {1, "a\0b"s}}) +
+                                groups({{0, "\\U+0020"}, {5, "31"}, {1, "x"}})) +
+        eof);
+    // A dictionary that lists a table does not own it.
+    survives(section("TABLES", groups({{0, "TABLE"}, {2, "STYLE"}, {5, "72"}, {70, "0"}, {0, "ENDTAB"}})) +
+             section("OBJECTS", groups({{0, "DICTIONARY"}, {5, "C"}, {330, "0"}, {3, "A"}, {350, "D"}}) +
+                                    groups({{0, "DICTIONARY"}, {5, "D"}, {330, "C"}, {3, "T"}, {350, "72"}}) +
+                                    groups({{0, "XRECORD"}, {5, "E"}}) +
+                                    groups({{0, "DIMSTYLE"}, {5, "71"}, {330, "C"}, {2, "s"}})) +
+             eof);
+    // References behind a table's marker; a table of an unknown kind that does not end.
+    survives(section("TABLES",
+                     groups({{0, "TABLE"}, {2, "LTYPE"}, {5, "5"}, {330, "1"}, {100, "X"}, {330, "1F"}}) +
+                         groups({{0, "ENDTAB"}, {0, "TABLE"}, {2, "ODD"}, {5, "6"}, {0, "ODD"}, {2, "a"}}) +
+                         groups({{0, "SECTION"}, {2, "ENTITIES"}, {0, "POINT"}, {5, "8"}})) +
+             eof);
+    survives(header("AC1032", groups({{9, "$DWGCODEPAGE"},
+                                      {3, "ANSI_\0\x1B"
+                                          "936"s}})) +
+             eof);
 }
 
 TEST(DxfHostile, numbersOutOfRange) {

@@ -274,10 +274,12 @@ Acad::ErrorStatus AcDbSymbolTable::dwgInFields(AcDbDwgFiler* filer) {
 }
 
 Acad::ErrorStatus AcDbSymbolTable::dxfInFields(AcDbDxfFiler* filer) {
+    bool isPastMarker = false; // where a reference no longer is the owner
     while (const host::DxfGroup* group = filer->nextGroup()) {
+        isPastMarker = isPastMarker || group->code == 100;
         const bool marker = group->code == 100 && group->text == "AcDbSymbolTable";
         const bool kept = group->code != 2 && group->code != 70 && !marker;
-        if (kept && !takeObjectGroup(filer, *group)) {
+        if (kept && ((isPastMarker && group->code == 330) || !takeObjectGroup(filer, *group))) {
             keepGroup("AcDbSymbolTable", *group);
         }
     }

@@ -175,10 +175,9 @@ bool FileFiler::convert() {
         break;
     }
     if (mToken.code == 5 || mToken.code == 105) {
-        // In dimension styles of old releases 5 is a name; then it stays a text.
         std::uint64_t handle = 0;
         mGroup.text = trimmed(mToken.text);
-        const bool own = mMarkers == 0 && mHandle == 0 && (mToken.code == 105 || mRecordName != "DIMSTYLE");
+        const bool own = mMarkers == 0 && mHandle == 0 && (mToken.code == 105 || !mInDimStyles);
         if (parseHandle(mToken.text, handle) && handle <= greatestHandle) {
             mGroup.integer = static_cast<Adesk::Int64>(handle);
             mHandle = own ? handle : mHandle;

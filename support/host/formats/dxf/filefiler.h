@@ -76,6 +76,8 @@ public:
     void setSymbolFinder(SymbolFinder finder) { mFindSymbol = std::move(finder); }
     /// Names are looked up from now on, or no more.
     void resolveNames(bool on) { mResolveNames = on; }
+    /// In the table of dimension styles group 5 is a text, of old releases, and 105 the handle.
+    void inDimStyles(bool on) { mInDimStyles = on; }
 
     /// Application names that came with extended data.
     const std::unordered_set<std::string>& applications() const { return mApplications; }
@@ -150,6 +152,7 @@ private:
 
     SymbolFinder mFindSymbol;
     bool mResolveNames = false;
+    bool mInDimStyles = false;
     struct Symbols {
         std::string_view lastName; ///< as in the file, like the keys
         AcDbStub* lastRecord = nullptr;

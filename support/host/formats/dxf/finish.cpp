@@ -111,9 +111,11 @@ void Reader::addMissingApplications() {
     }
 }
 
-/// Only what stands in the objects section can be without a valid owner: everything else was given one.
+/// Only what stands in the objects section can be without a valid owner: everything else was given one, and
+/// tables need none.
 bool Reader::isLost(const AcDbStub& stub) const {
     return stub.object != nullptr && !stub.object->ownerId().isValid() &&
+           !stub.object->isKindOf(AcDbSymbolTable::desc()) &&
            AcDbObjectId(const_cast<AcDbStub*>(&stub)) != mImpl.containers.namedObjects;
 }
 

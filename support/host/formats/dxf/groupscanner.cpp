@@ -12,8 +12,9 @@
 namespace host::dxf {
 namespace {
 
+/// A zero byte, too: binary files end texts with it, so it can't stay at a text's end.
 constexpr bool isBlank(char c) {
-    return c == ' ' || c == '\t';
+    return c == ' ' || c == '\t' || c == '\0';
 }
 
 bool isDigit(char c) {

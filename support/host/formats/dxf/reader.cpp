@@ -216,7 +216,9 @@ void Reader::readHeaderVariable(const std::string& name) {
         takeVersion(group->text);
     } else if (name == "DWGCODEPAGE") {
         const std::string_view page = trimmed(group->text);
-        mImpl.codePage = page;
+        if (std::all_of(page.begin(), page.end(), [](char c) { return c > ' ' && c != '^' && c < 0x7F; })) {
+            mImpl.codePage = page;
+        }
         if (const std::optional<CodePage> known = codePageByName(page);
             known.has_value() && mFiler.version() < AcDb::kDHL_1021) {
             mFiler.decoder().setCodePage(*known);

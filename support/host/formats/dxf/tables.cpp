@@ -129,8 +129,10 @@ void Reader::readTable(std::string_view name) {
     } else {
         report(L"第二个表 " + fromUtf8(name), Done::repaired);
     }
+    mFiler.inDimStyles(kind->name == "DIMSTYLE");
     readTableRecords(*static_cast<AcDbSymbolTable*>(container.stub()->object),
                      acrxFindAcRxClass(kind->recordClass), kind->name);
+    mFiler.inDimStyles(false);
 }
 
 void Reader::readTableRecords(AcDbSymbolTable& table, AcRxClass* recordClass, std::string_view recordName) {
@@ -186,7 +188,9 @@ void Reader::keepTable(std::string_view name) {
         while (const DxfGroup* group = mFiler.nextGroup()) {
             groups.add(*group);
         }
-        if (!mFiler.nextRecord() || mFiler.recordName() == "ENDSEC" || mFiler.recordName() == "TABLE") {
+        const std::string& record = mFiler.recordName();
+        if (!mFiler.nextRecord() || record == "ENDSEC" || record == "TABLE" || record == "SECTION" ||
+            record == "EOF") {
             break;
         }
         groups.add(0, mFiler.recordName());
