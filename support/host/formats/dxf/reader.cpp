@@ -1,9 +1,8 @@
 // Sections of a DXF file in any order, header variables, classes and the objects section.
 #include "host/formats/dxf/reader.h"
 
-#include "host/formats/readprogress.h"
-
 #include "host/formats/dxf/versions.h"
+#include "host/formats/readprogress.h"
 #include "host/rx/format.h"
 #include "host/rx/text.h"
 
