@@ -59,11 +59,18 @@ bool askSetting(const Answer& answer, RectangleSettings& settings) {
     return askLength(L"\n指定矩形的线宽", settings.width);
 }
 
+/// The axes of a shape turned by an angle, exactly those of the UCS when it is not turned.
+struct Axes {
+    explicit Axes(double turn) : x(turn == 0.0 ? AcGeVector2d::kXAxis : direction(turn)), y(x.perpVector()) {}
+    AcGeVector2d x;
+    AcGeVector2d y;
+};
+
 /// A rectangle by a corner, its size along its own axes and its turn; corners are cut when there is room.
 WidePath rectangle(const AcGePoint2d& corner, double length, double height, double turn,
                    const RectangleSettings& settings) {
-    const AcGeVector2d x = direction(turn) * length;
-    const AcGeVector2d y = direction(turn + halfPi) * height;
+    const AcGeVector2d x = Axes(turn).x * length;
+    const AcGeVector2d y = Axes(turn).y * height;
     std::vector<AcGePoint2d> corners{corner, corner + x, corner + x + y, corner + y};
     const bool rounds = settings.radius > 0.0;
     const double before = rounds ? settings.radius : settings.firstCut;
@@ -94,6 +101,7 @@ void askOtherCorner(const AcGePoint3d& first, const RectangleSettings& settings)
     double turn = 0.0;
     double length = 0.0;
     double height = 0.0;
+    bool isSized = false; // the sizes are given, and the other corner tells the side
     for (;;) {
         const PointAnswer other = askPoint(L"\n指定另一个角点或 [面积(A)/尺寸(D)/旋转(R)]: ",
                                            L"Area Dimensions Rotation", &first, RSG_NONULL);
@@ -107,14 +115,18 @@ void askOtherCorner(const AcGePoint3d& first, const RectangleSettings& settings)
         }
         if (other.isValue()) {
             const AcGeVector2d way = to2d(other.ucs) - to2d(first);
-            length = way.dotProduct(direction(turn));
-            height = way.dotProduct(direction(turn + halfPi));
+            const double along = way.dotProduct(Axes(turn).x);
+            const double across = way.dotProduct(Axes(turn).y);
+            length = isSized ? std::copysign(length, along) : along;
+            height = isSized ? std::copysign(height, across) : across;
         } else if (other.isKeyword(L"Dimensions")) {
             length = height = 10.0;
             if (!askLength(L"\n指定矩形的长度", length, RSG_NOZERO) ||
                 !askLength(L"\n指定矩形的宽度", height, RSG_NOZERO)) {
                 return;
             }
+            isSized = true;
+            continue;
         } else if (other.isKeyword(L"Area")) {
             double area = 100.0;
             if (!askLength(L"\n输入以当前单位计算的矩形面积", area, RSG_NOZERO | RSG_NONEG)) {
@@ -155,14 +167,25 @@ void runRectang() {
     }
 }
 
-/// Regular, with a first vertex.
-void appendPolygon(const AcGePoint3d& center, const AcGePoint2d& vertex, int sides) {
+/// Regular, with a first vertex. Quarter turns are exact.
+WidePath polygon(const AcGePoint2d& center, const AcGePoint2d& vertex, int sides) {
     WidePath shape;
-    const AcGeVector2d arm = vertex - to2d(center);
     for (int i = 0; i < sides; ++i) {
-        shape.path.add(polar(to2d(center), arm.angle() + twoPi * i / sides, arm.length()));
+        AcGeVector2d arm = vertex - center;
+        if (4 * i % sides == 0) {
+            for (int quarter = 0; quarter < 4 * i / sides; ++quarter) {
+                arm = arm.perpVector();
+            }
+        } else {
+            arm.rotateBy(twoPi * i / sides);
+        }
+        shape.path.add(center + arm);
     }
-    appendClosed(std::move(shape), center.z);
+    return shape;
+}
+
+void appendPolygon(const AcGePoint3d& center, const AcGePoint2d& vertex, int sides) {
+    appendClosed(polygon(to2d(center), vertex, sides), center.z);
 }
 
 void polygonOnEdge(int sides) {
@@ -180,7 +203,9 @@ void polygonOnEdge(int sides) {
     }
     const AcGeVector2d up(-edge.y, edge.x);
     const AcGePoint2d center = to2d(first.ucs) + edge * 0.5 + up * (0.5 / std::tan(pi / sides));
-    appendPolygon(to3d(center, first.ucs.z), to2d(first.ucs), sides);
+    WidePath shape = polygon(center, to2d(first.ucs), sides);
+    shape.path.vertices[1].point = to2d(second.ucs);
+    appendClosed(std::move(shape), first.ucs.z);
 }
 
 void runPolygon() {
