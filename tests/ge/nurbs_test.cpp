@@ -322,6 +322,16 @@ TEST(PolylineFit, ArcsRunThroughTheVerticesWithCommonTangents) {
     EXPECT_NEAR(length(host::fitArcs(quarter, false)), 2.5 * host::pi, 1e-9);
     EXPECT_EQ(
         host::fitArcs(std::vector<host::FitVertex>{{{0, 0}, {}}, {{4, 0}, {}}}, false).vertices[0].bulge, 0);
+    // A ring that repeats its first vertex at the end is as round there as elsewhere; so is a chain with
+    // doubled vertices.
+    std::vector<host::FitVertex> ring;
+    for (int i = 0; i <= 12; ++i)
+        ring.push_back({AcGePoint2d::kOrigin + 5.0 * host::direction(i % 12 * host::pi / 6.0), {}});
+    EXPECT_NEAR(length(host::fitArcs(ring, true)), 10.0 * host::pi, 1e-9);
+    const std::vector<host::FitVertex> doubled{quarter[0], quarter[0], quarter[1],
+                                               quarter[1], quarter[2], quarter[2]};
+    EXPECT_NEAR(length(host::fitArcs(doubled, false)), 2.5 * host::pi, 1e-9);
+    EXPECT_EQ(length(host::fitArcs(std::vector<host::FitVertex>(3, quarter[0]), true)), 0.0);
 }
 
 TEST(PolylineFit, SplinesKeepEndsAndStayInTheirFrame) {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace host {
 
@@ -37,28 +38,50 @@ AcGeVector2d mirrored(const AcGeVector2d& direction, const AcGeVector2d& chord) 
     return axis * (2.0 * axis.dotProduct(direction)) - direction;
 }
 
-// The directions at all vertices; nothing tells them where there are two only.
+// For every vertex the nearest one before it, or after it, that stands elsewhere; the vertex itself where
+// there is none.
+std::vector<std::size_t> elsewhere(std::span<const FitVertex> vertices, bool closed, bool before) {
+    const std::size_t count = vertices.size();
+    std::vector<std::size_t> result(count);
+    std::iota(result.begin(), result.end(), std::size_t{0});
+    // A closed polyline is gone round twice, as its first vertices know nothing yet of the last ones.
+    for (std::size_t step = 0; step < (closed ? 2 * count : count); ++step) {
+        const std::size_t place = step % count;
+        const std::size_t at = before ? place : count - 1 - place;
+        if (!closed && place == 0)
+            continue;
+        const std::size_t next = before ? (at + count - 1) % count : (at + 1) % count;
+        if (!vertices[at].point.isEqualTo(vertices[next].point))
+            result[at] = next;
+        else if (result[next] != next)
+            result[at] = result[next];
+    }
+    return result;
+}
+
+// The directions at all vertices; nothing tells them where there are two only. Vertices that repeat the one
+// before them have its direction.
 std::vector<AcGeVector2d> directions(std::span<const FitVertex> vertices, bool closed) {
     const std::size_t count = vertices.size();
+    const std::vector<std::size_t> before = elsewhere(vertices, closed, true);
+    const std::vector<std::size_t> after = elsewhere(vertices, closed, false);
     std::vector<AcGeVector2d> result(count);
     for (std::size_t i = 0; i < count; ++i) {
-        if (vertices[i].tangent) {
+        if (vertices[i].tangent)
             result[i] = unitAt(*vertices[i].tangent);
-        } else if (closed || (i > 0 && i + 1 < count)) {
-            result[i] = circleTangent(vertices[(i + count - 1) % count].point, vertices[i].point,
-                                      vertices[(i + 1) % count].point);
-        }
+        else if (before[i] != i && after[i] != i)
+            result[i] = circleTangent(vertices[before[i]].point, vertices[i].point, vertices[after[i]].point);
     }
-    const auto finish = [&](std::size_t end, std::size_t next) {
-        if (closed || vertices[end].tangent)
-            return;
-        const AcGeVector2d chord = vertices[next].point - vertices[end].point;
-        result[end] = result[next].lengthSqrd() > 0.0 ? mirrored(result[next], chord)
-                      : end < next                    ? chord.normal()
-                                                      : -chord.normal();
-    };
-    finish(0, 1);
-    finish(count - 1, count - 2);
+    // The ends of an open polyline go on as the arc next to them.
+    for (std::size_t i = 0; i < count; ++i) {
+        if (vertices[i].tangent || (before[i] != i) == (after[i] != i))
+            continue;
+        const bool isStart = before[i] == i;
+        const std::size_t next = isStart ? after[i] : before[i];
+        const AcGeVector2d chord = vertices[next].point - vertices[i].point;
+        const bool isKnown = vertices[next].tangent || (before[next] != next && after[next] != next);
+        result[i] = isKnown ? mirrored(result[next], chord) : isStart ? chord.normal() : -chord.normal();
+    }
     return result;
 }
 
