@@ -1,5 +1,5 @@
-// The user at the window: answers come from what he types and from where he points. While an answer is awaited
-// the event loop runs.
+// The user at the window: answers come from what he types and from where he points. While an answer is
+// awaited the event loop runs.
 #pragma once
 
 #include "app/canvas/canvas.h"
