@@ -27,7 +27,7 @@ void Renderer::setPen(const ScreenPen& pen, Raster& raster) const {
     double width = mLook.pixelRatio;
     if (mLook.showsLineWeights && pen.lineWeight > 0) {
         constexpr double pixelsAHundredthMillimetre = 96 / 25.4 / 100;
-        width = std::max(width, pen.lineWeight * pixelsAHundredthMillimetre * mLook.pixelRatio * 2);
+        width = std::max(width, pen.lineWeight * pixelsAHundredthMillimetre * mLook.pixelRatio);
     }
     raster.setWidth(mIsHighlighted ? width * 2 : width);
 }
@@ -235,6 +235,7 @@ void Renderer::glyph(const KeptPrimitive& primitive, Raster& raster) {
     };
     const host::GlyphBox& box = glyph->box();
     if (std::hypot(vx, vy) < legible) {
+        raster.setWidth(mLook.pixelRatio);
         raster.line(pixel(box.left, 0.5 * (box.bottom + box.top)),
                     pixel(box.right, 0.5 * (box.bottom + box.top)));
         return;
