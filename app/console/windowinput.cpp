@@ -172,7 +172,7 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
     if (mRequest == nullptr) {
         return;
     }
-    if (mRequest->atCommandPrompt) {
+    if (isIdle()) {
         if (const std::wstring command = mPicking.pressed(aimed, modifiers, released); !command.empty()) {
             post(command);
         }
@@ -183,7 +183,8 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
         mReleased = mComing.empty() ? std::nullopt : std::optional(aimed);
         return;
     }
-    if (mRequest->wantsPoint) {
+    // At the prompt of a command that is on its way this is the answer to its first question.
+    if (mRequest->wantsPoint || mRequest->atCommandPrompt) {
         answer(pickedItem(aimed));
     }
 }
