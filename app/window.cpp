@@ -19,8 +19,8 @@ bool hasDisplay() {
         const char* value = std::getenv(name);
         return value != nullptr && *value != '\0';
     };
-    return (platform != nullptr && *platform != '\0' && std::string_view(platform) != "xcb") || isSet("DISPLAY") ||
-           isSet("WAYLAND_DISPLAY");
+    return (platform != nullptr && *platform != '\0' && std::string_view(platform) != "xcb") ||
+           isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
 }
 
 } // namespace

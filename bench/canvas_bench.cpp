@@ -1,5 +1,5 @@
-// What it costs to show drawings of so many entities in the window: building what is kept, pictures of all of it and
-// of a part, panning, and bytes an entity.
+// What it costs to show drawings of so many entities in the window: building what is kept, pictures of all of
+// it and of a part, panning, and bytes an entity.
 #include "app/canvas/renderer.h"
 #include "app/startup.h"
 
@@ -59,7 +59,13 @@ void firstPicture(benchmark::State& state) {
         draw(view, image, 1000);
     }
 }
-BENCHMARK(firstPicture)->Unit(benchmark::kMillisecond)->Iterations(1)->Arg(10000)->Arg(5000)->Arg(2500)->Arg(500);
+BENCHMARK(firstPicture)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1)
+    ->Arg(10000)
+    ->Arg(5000)
+    ->Arg(2500)
+    ->Arg(500);
 
 void picture(benchmark::State& state) {
     QImage image(1600, 900, QImage::Format_RGB32);
@@ -68,10 +74,17 @@ void picture(benchmark::State& state) {
     for (auto step : state) {
         draw(view, image, 1000);
     }
-    state.counters["bytes_an_entity"] =
-        static_cast<double>(scene().bytes()) / static_cast<double>(std::max<std::size_t>(scene().items().size(), 1));
+    state.counters["bytes_an_entity"] = static_cast<double>(scene().bytes()) /
+                                        static_cast<double>(std::max<std::size_t>(scene().items().size(), 1));
 }
-BENCHMARK(picture)->Unit(benchmark::kMillisecond)->Arg(10000)->Arg(5000)->Arg(2500)->Arg(1000)->Arg(500)->Arg(100);
+BENCHMARK(picture)
+    ->Unit(benchmark::kMillisecond)
+    ->Arg(10000)
+    ->Arg(5000)
+    ->Arg(2500)
+    ->Arg(1000)
+    ->Arg(500)
+    ->Arg(100);
 
 } // namespace
 

@@ -85,20 +85,19 @@ QString snapName(int kind) {
         int kind;
         const char* name;
     };
-    static constexpr Name names[] = {
-        {AcDb::kOsMaskEnd, QT_TRANSLATE_NOOP("Snap", "端点")},
-        {AcDb::kOsMaskMid, QT_TRANSLATE_NOOP("Snap", "中点")},
-        {AcDb::kOsMaskCen, QT_TRANSLATE_NOOP("Snap", "圆心")},
-        {AcDb::kOsMaskNode, QT_TRANSLATE_NOOP("Snap", "节点")},
-        {AcDb::kOsMaskQuad, QT_TRANSLATE_NOOP("Snap", "象限点")},
-        {AcDb::kOsMaskInt, QT_TRANSLATE_NOOP("Snap", "交点")},
-        {AcDb::kOsMaskIns, QT_TRANSLATE_NOOP("Snap", "插入点")},
-        {AcDb::kOsMaskPerp, QT_TRANSLATE_NOOP("Snap", "垂足")},
-        {AcDb::kOsMaskTan, QT_TRANSLATE_NOOP("Snap", "切点")},
-        {AcDb::kOsMaskNear, QT_TRANSLATE_NOOP("Snap", "最近点")},
-        {AcDb::kOsMaskApint, QT_TRANSLATE_NOOP("Snap", "外观交点")}};
-    const auto* found = std::find_if(std::begin(names), std::end(names),
-                                     [&](const Name& name) { return name.kind == kind; });
+    static constexpr Name names[] = {{AcDb::kOsMaskEnd, QT_TRANSLATE_NOOP("Snap", "端点")},
+                                     {AcDb::kOsMaskMid, QT_TRANSLATE_NOOP("Snap", "中点")},
+                                     {AcDb::kOsMaskCen, QT_TRANSLATE_NOOP("Snap", "圆心")},
+                                     {AcDb::kOsMaskNode, QT_TRANSLATE_NOOP("Snap", "节点")},
+                                     {AcDb::kOsMaskQuad, QT_TRANSLATE_NOOP("Snap", "象限点")},
+                                     {AcDb::kOsMaskInt, QT_TRANSLATE_NOOP("Snap", "交点")},
+                                     {AcDb::kOsMaskIns, QT_TRANSLATE_NOOP("Snap", "插入点")},
+                                     {AcDb::kOsMaskPerp, QT_TRANSLATE_NOOP("Snap", "垂足")},
+                                     {AcDb::kOsMaskTan, QT_TRANSLATE_NOOP("Snap", "切点")},
+                                     {AcDb::kOsMaskNear, QT_TRANSLATE_NOOP("Snap", "最近点")},
+                                     {AcDb::kOsMaskApint, QT_TRANSLATE_NOOP("Snap", "外观交点")}};
+    const auto* found =
+        std::find_if(std::begin(names), std::end(names), [&](const Name& name) { return name.kind == kind; });
     return found != std::end(names) ? QCoreApplication::translate("Snap", found->name) : QString();
 }
 

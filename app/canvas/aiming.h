@@ -1,4 +1,5 @@
-// Where the cursor aims when a point is asked for: object snap, ortho and grid snap applied to where it stands.
+// Where the cursor aims when a point is asked for: object snap, ortho and grid snap applied to where it
+// stands.
 #pragma once
 
 #include "app/canvas/scene.h"

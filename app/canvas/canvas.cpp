@@ -384,7 +384,8 @@ void Canvas::setBackground(std::uint32_t color) {
 }
 
 Acad::ErrorStatus Canvas::runLong(std::wstring_view title, const std::function<Acad::ErrorStatus()>& job) {
-    return runLongJob(window(), QString::fromWCharArray(title.data(), static_cast<qsizetype>(title.size())), job);
+    return runLongJob(window(), QString::fromWCharArray(title.data(), static_cast<qsizetype>(title.size())),
+                      job);
 }
 
 // Painting.
@@ -423,8 +424,9 @@ void Canvas::paintOverlay(QPainter& painter) {
     overlay::axes(painter, QPointF(26, height() - 26), angle, ucs.isEqualTo(AcGeMatrix3d::kIdentity),
                   rgb(mLook.foreground));
     const double gripSize = host::systemVariableInteger(L"GRIPSIZE");
-    const std::optional<std::size_t> under =
-        mIsInside && mRequest != nullptr && mRequest->atCommandPrompt ? gripAt(worldAt(mCursor)) : std::nullopt;
+    const std::optional<std::size_t> under = mIsInside && mRequest != nullptr && mRequest->atCommandPrompt
+                                                 ? gripAt(worldAt(mCursor))
+                                                 : std::nullopt;
     for (std::size_t i = 0; i < mGrips.size(); ++i) {
         overlay::grip(painter, toWidget(mGrips[i].point), gripSize,
                       mGrips[i].isHot ? overlay::Grip::hot
@@ -474,7 +476,8 @@ void Canvas::paintCursor(QPainter& painter) {
     const bool picks = mRequest->picksObjects && !isCorner;
     const bool idle = mRequest->atCommandPrompt;
     const double percent = std::clamp(host::systemVariableInteger(L"CURSORSIZE"), 1, 100) / 100.0;
-    const double reach = percent >= 1 ? std::max(width(), height()) * 1.0 : std::max(width(), height()) * percent * 0.5;
+    const double reach =
+        percent >= 1 ? std::max(width(), height()) * 1.0 : std::max(width(), height()) * percent * 0.5;
     const double box = picks || idle ? std::max(host::systemVariableInteger(L"PICKBOX"), 1) : 0;
     if (mAimed.snapKind != 0) {
         const QPointF at = toWidget(mAimed.point);
@@ -543,7 +546,8 @@ void Canvas::mouseMoveEvent(QMouseEvent* event) {
         const QPoint by = event->pos() - mPannedFrom;
         mPannedFrom = event->pos();
         mCursor = event->position();
-        pan({static_cast<int>(std::lround(by.x() * ratio())), static_cast<int>(std::lround(by.y() * ratio()))});
+        pan({static_cast<int>(std::lround(by.x() * ratio())),
+             static_cast<int>(std::lround(by.y() * ratio()))});
         return;
     }
     aim(event->position());
@@ -590,7 +594,8 @@ void Canvas::wheelEvent(QWheelEvent* event) {
     constexpr double notch = 120;
     const double notches = event->angleDelta().y() / notch;
     if (notches != 0) {
-        zoomAt(event->position().x() * ratio(), event->position().y() * ratio(), std::pow(wheelStep, notches));
+        zoomAt(event->position().x() * ratio(), event->position().y() * ratio(),
+               std::pow(wheelStep, notches));
     }
     event->accept();
 }

@@ -1,5 +1,5 @@
-// The drawing area: shows the current drawing, follows it, and turns what the mouse does into points for whoever
-// listens. Pan, zoom and everything drawn on top are dealt with here; what an answer means is not.
+// The drawing area: shows the current drawing, follows it, and turns what the mouse does into points for
+// whoever listens. Pan, zoom and everything drawn on top are dealt with here; what an answer means is not.
 #pragma once
 
 #include "app/canvas/aiming.h"
@@ -83,7 +83,8 @@ public:
     void regenerate() override;
     void highlight(std::span<const AcDbObjectId> ids, bool on) override;
     void drawVector(const AcGePoint3d& from, const AcGePoint3d& to, int color, bool highlighted) override;
-    Acad::ErrorStatus runLong(std::wstring_view title, const std::function<Acad::ErrorStatus()>& job) override;
+    Acad::ErrorStatus runLong(std::wstring_view title,
+                              const std::function<Acad::ErrorStatus()>& job) override;
     bool isShown() const override { return true; }
 
 protected:
@@ -133,9 +134,9 @@ private:
     ViewMap mMap;
     CanvasLook mLook;
     QImage mPicture;
-    bool mShowsAll = false;    ///< nothing was zoomed or moved since all was shown
-    bool mIsStale = true;      ///< the whole picture
-    QRegion mStaleParts;       ///< device pixels
+    bool mShowsAll = false; ///< nothing was zoomed or moved since all was shown
+    bool mIsStale = true;   ///< the whole picture
+    QRegion mStaleParts;    ///< device pixels
     bool mIsIncomplete = false;
     QTimer mCompletion;
 

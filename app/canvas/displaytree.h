@@ -1,5 +1,5 @@
-// A packed tree over the boxes of a drawing's entities for culling: about six bytes an entity. Searches tell of
-// whole branches too small to be seen, so that they are passed over with one of their entities drawn.
+// A packed tree over the boxes of a drawing's entities for culling: about six bytes an entity. Searches tell
+// of whole branches too small to be seen, so that they are passed over with one of their entities drawn.
 #pragma once
 
 #include <cstdint>
@@ -26,8 +26,8 @@ public:
     /// Item i has box i; empty boxes are not found.
     explicit DisplayTree(std::span<const FloatBox> boxes);
 
-    /// Calls visit(item) for the items of all leaves that touch the box, which may be a few more than touch it
-    /// themselves; of a leaf smaller than `smallest` in both directions only for the first.
+    /// Calls visit(item) for the items of all leaves that touch the box, which may be a few more than touch
+    /// it themselves; of a leaf smaller than `smallest` in both directions only for the first.
     template <class Visit>
     void search(const FloatBox& box, float smallest, Visit visit) const {
         if (mLevels.empty()) {
@@ -62,7 +62,7 @@ private:
         }
     }
 
-    std::vector<std::uint32_t> mItems; ///< along a space-filling curve
+    std::vector<std::uint32_t> mItems;          ///< along a space-filling curve
     std::vector<std::vector<FloatBox>> mLevels; ///< the leaves first
 };
 

@@ -42,8 +42,8 @@ struct KeptPrimitive {
     Primitive kind;
     std::uint32_t count; ///< polyline: points; path: verbs; area: contours; clip: corners
     std::uint32_t pen;
-    /// path: verbs, sixteen a word, then points; area: contour ends with the rule in the first bit of the first
-    /// word, then points; glyph: the glyph's address, place, and the matrix of its axes.
+    /// path: verbs, sixteen a word, then points; area: contour ends with the rule in the first bit of the
+    /// first word, then points; glyph: the glyph's address, place, and the matrix of its axes.
     std::span<const std::uint32_t> words;
 };
 
@@ -71,8 +71,8 @@ public:
         const std::uint32_t* const end = at + mWords[sizeAt];
         while (at < end) {
             constexpr std::uint32_t kindBits = 4;
-            const KeptPrimitive primitive{static_cast<Primitive>(at[0] & 0xF), at[0] >> kindBits, at[1],
-                                          {at + 3, at[2]}};
+            const KeptPrimitive primitive{
+                static_cast<Primitive>(at[0] & 0xF), at[0] >> kindBits, at[1], {at + 3, at[2]}};
             at += 3 + at[2];
             visit(primitive);
         }

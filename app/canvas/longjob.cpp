@@ -14,7 +14,8 @@
 
 namespace app {
 
-Acad::ErrorStatus runLongJob(QWidget* parent, const QString& title, const std::function<Acad::ErrorStatus()>& job) {
+Acad::ErrorStatus runLongJob(QWidget* parent, const QString& title,
+                             const std::function<Acad::ErrorStatus()>& job) {
     constexpr int steps = 1000, interval = 30; // milliseconds
     constexpr qint64 patience = 400;           // milliseconds before anything is shown
     std::atomic<double> share = 0;

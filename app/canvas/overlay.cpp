@@ -87,7 +87,8 @@ void snapMarker(QPainter& painter, const QPointF& at, int kind) {
         zigzag(painter, at, {{-1, -1}, {1, -1}, {-1, 1}, {1, 1}}, true);
         break;
     case AcDb::kOsMaskIns:
-        zigzag(painter, at, {{-1, -1}, {0.2, -1}, {0.2, 0}, {1, 0}, {1, 1}, {-0.2, 1}, {-0.2, 0}, {-1, 0}}, true);
+        zigzag(painter, at, {{-1, -1}, {0.2, -1}, {0.2, 0}, {1, 0}, {1, 1}, {-0.2, 1}, {-0.2, 0}, {-1, 0}},
+               true);
         break;
     default:
         zigzag(painter, at, {{-1, -1}, {1, 1}}, false);
@@ -104,7 +105,8 @@ void rubberLine(QPainter& painter, const QPointF& from, const QPointF& to, const
     painter.drawLine(from, to);
 }
 
-void rectangle(QPainter& painter, const QPointF& from, const QPointF& to, Rectangle kind, const QColor& color) {
+void rectangle(QPainter& painter, const QPointF& from, const QPointF& to, Rectangle kind,
+               const QColor& color) {
     painter.setRenderHint(QPainter::Antialiasing, false);
     const QRectF area = QRectF(sharp(from), sharp(to)).normalized();
     switch (kind) {
@@ -171,8 +173,8 @@ void axes(QPainter& painter, const QPointF& at, double angle, bool isWorld, cons
         painter.drawLine(end, end - along * head - across * (head * 0.6));
         painter.setPen(color);
         const QPointF middle = at + along * (length + letter * 0.8);
-        painter.drawText(QRectF(middle.x() - letter, middle.y() - letter, 2 * letter, 2 * letter), Qt::AlignCenter,
-                         name);
+        painter.drawText(QRectF(middle.x() - letter, middle.y() - letter, 2 * letter, 2 * letter),
+                         Qt::AlignCenter, name);
     };
     arm(angle, QColor(220, 90, 80), QStringLiteral("X"));
     arm(angle + 1.5707963267948966, QColor(110, 200, 90), QStringLiteral("Y"));

@@ -170,8 +170,8 @@ void Raster::smooth(PixelPoint from, PixelPoint to) {
 }
 
 void Raster::spot(double x, double y, int size) {
-    const QRect square = QRect(static_cast<int>(std::floor(x)) - size / 2, static_cast<int>(std::floor(y)) - size / 2,
-                               size, size)
+    const QRect square = QRect(static_cast<int>(std::floor(x)) - size / 2,
+                               static_cast<int>(std::floor(y)) - size / 2, size, size)
                              .intersected(mClip);
     for (int row = square.top(); row <= square.bottom(); ++row) {
         for (int column = square.left(); column <= square.right(); ++column) {

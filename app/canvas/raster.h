@@ -1,5 +1,5 @@
-// Fills an image's pixels with thin lines, dots and areas: what the picture of a drawing consists of. Lines one
-// pixel wide have their own fast way, smooth or plain; wider ones and areas go through slower ones.
+// Fills an image's pixels with thin lines, dots and areas: what the picture of a drawing consists of. Lines
+// one pixel wide have their own fast way, smooth or plain; wider ones and areas go through slower ones.
 #pragma once
 
 #include "host/plot/lineraster.h"

@@ -7,9 +7,9 @@
 namespace app {
 namespace {
 
-constexpr double dotBelow = 1.3;         ///< pixels: what is smaller is a dot
-constexpr double coarseDotBelow = 2.6;   ///< the same among very many
-constexpr std::size_t manyItems = 60'000;   ///< in view: lines are drawn plain
+constexpr double dotBelow = 1.3;          ///< pixels: what is smaller is a dot
+constexpr double coarseDotBelow = 2.6;    ///< the same among very many
+constexpr std::size_t manyItems = 60'000; ///< in view: lines are drawn plain
 constexpr std::size_t veryManyItems = 150'000;
 constexpr double tooFineForFloats = 2e6; ///< pixels: geometry this large is drawn from doubles
 constexpr double legible = 4;            ///< pixels of a text height that are drawn as a text
@@ -21,13 +21,13 @@ std::uint32_t Renderer::colorOf(bool isForeground, std::uint32_t color) const {
 }
 
 void Renderer::setPen(const ScreenPen& pen, Raster& raster) const {
-    raster.setColor(mIsHighlighted      ? mLook.highlight
+    raster.setColor(mIsHighlighted     ? mLook.highlight
                     : pen.isBackground ? mLook.background
                                        : colorOf(pen.isForeground, pen.color));
     double width = mLook.pixelRatio;
     if (mLook.showsLineWeights && pen.lineWeight > 0) {
         constexpr double pixelsAHundredthMillimetre = 96 / 25.4 / 100;
-        width = std::max(width, pen.lineWeight * pixelsAHundredthMillimetre * mLook.pixelRatio * 2);
+        width = std::max(width, pen.lineWeight * pixelsAHundredthMillimetre * mLook.pixelRatio);
     }
     raster.setWidth(mIsHighlighted ? width * 2 : width);
 }
@@ -161,9 +161,9 @@ void Renderer::polyline(std::span<const std::uint32_t> words, Raster& raster) {
 
 void Renderer::curve(const PixelPoint (&points)[4], Raster& raster) const {
     // The chords of n parts of a cubic lie within (sqrt 3 / 18) / n^2 times the bend of its control polygon.
-    const double bend =
-        std::max(std::hypot(points[0].x - 2 * points[1].x + points[2].x, points[0].y - 2 * points[1].y + points[2].y),
-                 std::hypot(points[1].x - 2 * points[2].x + points[3].x, points[1].y - 2 * points[2].y + points[3].y));
+    const double bend = std::max(
+        std::hypot(points[0].x - 2 * points[1].x + points[2].x, points[0].y - 2 * points[1].y + points[2].y),
+        std::hypot(points[1].x - 2 * points[2].x + points[3].x, points[1].y - 2 * points[2].y + points[3].y));
     constexpr double share = 0.75, within = 0.2;
     constexpr int mostParts = 2000;
     const int parts = static_cast<int>(
@@ -193,8 +193,8 @@ void Renderer::path(const KeptPrimitive& primitive, Raster& raster) {
     };
     PixelPoint last;
     for (std::size_t i = 0; i < primitive.count; ++i) {
-        const auto verb = static_cast<host::WorldPath::Verb>(
-            primitive.words[i / verbsAWord] >> (2 * (i % verbsAWord)) & 3);
+        const auto verb =
+            static_cast<host::WorldPath::Verb>(primitive.words[i / verbsAWord] >> (2 * (i % verbsAWord)) & 3);
         if (verb == host::WorldPath::Verb::move) {
             last = take();
         } else if (verb == host::WorldPath::Verb::line) {
@@ -235,7 +235,9 @@ void Renderer::glyph(const KeptPrimitive& primitive, Raster& raster) {
     };
     const host::GlyphBox& box = glyph->box();
     if (std::hypot(vx, vy) < legible) {
-        raster.line(pixel(box.left, 0.5 * (box.bottom + box.top)), pixel(box.right, 0.5 * (box.bottom + box.top)));
+        raster.setWidth(mLook.pixelRatio);
+        raster.line(pixel(box.left, 0.5 * (box.bottom + box.top)),
+                    pixel(box.right, 0.5 * (box.bottom + box.top)));
         return;
     }
     mPoints.clear();

@@ -1,5 +1,5 @@
-// Draws a scene into an image: what is smaller than a pixel as a dot, the rest from its kept geometry, which is
-// made on the way as far as the time allows.
+// Draws a scene into an image: what is smaller than a pixel as a dot, the rest from its kept geometry, which
+// is made on the way as far as the time allows.
 #pragma once
 
 #include "app/canvas/raster.h"
@@ -13,13 +13,14 @@ struct CanvasLook {
     std::uint32_t background = 0xFF1F262E;
     std::uint32_t foreground = 0xFFFFFFFF;
     std::uint32_t highlight = 0xFF4CA6FF;
-    double pixelRatio = 1;        ///< device pixels a pixel
+    double pixelRatio = 1; ///< device pixels a pixel
     bool showsLineWeights = false;
 };
 
 class Renderer {
 public:
-    Renderer(Scene& scene, const ViewMap& view, const CanvasLook& look) : mScene(scene), mView(view), mLook(look) {}
+    Renderer(Scene& scene, const ViewMap& view, const CanvasLook& look)
+        : mScene(scene), mView(view), mLook(look) {}
 
     /// Draws what lies in the rectangle over the image as it is. False when time ran out while geometry was
     /// made: dots stand for what is missing. `seconds` is what making geometry may take.

@@ -15,7 +15,7 @@ namespace {
 using host::Box2d;
 using host::peek;
 
-constexpr double chordsWithin = 0.25; ///< pixels, of curves that are dashed
+constexpr double chordsWithin = 0.25;  ///< pixels, of curves that are dashed
 constexpr double shortestDashes = 3.0; ///< pixels a pattern must have to be drawn
 constexpr std::size_t fewRecent = 2048;
 // Geometry beside the hundred bytes that item, tree and table take, and what any drawing may have.
@@ -37,9 +37,9 @@ bool isInfinite(const AcDbEntity& entity) {
 /// Layers, linetypes, styles: what many entities' looks follow.
 bool isLook(const AcDbObject& object) {
     const std::string& name = object.dxfRecordName();
-    return AcDbLayerTableRecord::cast(&object) != nullptr || AcDbLinetypeTableRecord::cast(&object) != nullptr ||
-           name.ends_with("STYLE") || name == "SORTENTSTABLE" || name.ends_with("DEF") ||
-           name.ends_with("DEFINITION");
+    return AcDbLayerTableRecord::cast(&object) != nullptr ||
+           AcDbLinetypeTableRecord::cast(&object) != nullptr || name.ends_with("STYLE") ||
+           name == "SORTENTSTABLE" || name.ends_with("DEF") || name.ends_with("DEFINITION");
 }
 
 /// Drawn by lines, whole curves and glyphs alone.
@@ -55,8 +55,7 @@ bool isPlain(const AcDbEntity& entity) {
 Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
-    if (entity.getGeomExtents(extents) != Acad::eOk &&
-        host::drawnExtents(entity, extents) != Acad::eOk) {
+    if (entity.getGeomExtents(extents) != Acad::eOk && host::drawnExtents(entity, extents) != Acad::eOk) {
         return {};
     }
     return {{extents.minPoint().x, extents.minPoint().y}, {extents.maxPoint().x, extents.maxPoint().y}};
@@ -161,7 +160,8 @@ void Scene::use(AcDbStub* block) {
     }
 }
 
-/// Whether the primitives depend on the scale: the gaps of a linetype, and chords of what is not given as a curve.
+/// Whether the primitives depend on the scale: the gaps of a linetype, and chords of what is not given as a
+/// curve.
 bool Scene::isScaled(const AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     if (entity.isA() == AcDbBlockReference::desc()) {
@@ -431,8 +431,8 @@ int Scene::levelOf(double unitsPerPixel) {
 }
 
 bool Scene::isFit(const SceneItem& item, int level) {
-    return item.geometry.isBuilt() &&
-           (item.geometry.isScaleFree() || item.geometry.level() == level || item.geometry.level() == level - 1);
+    return item.geometry.isBuilt() && (item.geometry.isScaleFree() || item.geometry.level() == level ||
+                                       item.geometry.level() == level - 1);
 }
 
 host::Flattener& Scene::flattener(double unitsPerPixel, const Box2d* view) {

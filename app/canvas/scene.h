@@ -61,8 +61,8 @@ public:
     /// Box of all that is shown; empty for an empty drawing.
     host::Box2d extents() const;
 
-    /// Calls visit(index) for items that may show in the box, in drawing order; of branches of the tree smaller
-    /// than `smallest` for one only.
+    /// Calls visit(index) for items that may show in the box, in drawing order; of branches of the tree
+    /// smaller than `smallest` for one only.
     template <class Visit>
     void search(const host::Box2d& box, double smallest, Visit visit) {
         collect(box, smallest);

@@ -1,15 +1,15 @@
 // Where the drawing lies on the screen: seen from above, in device pixels from the upper left corner.
 #pragma once
 
-#include "host/ge/ge.h"
 #include "host/ge/box2d.h"
+#include "host/ge/ge.h"
 
 namespace app {
 
 struct ViewMap {
-    AcGePoint2d centre;          ///< world
-    double unitsPerPixel = 1.0;  ///< drawing units a device pixel
-    int width = 1, height = 1;   ///< device pixels
+    AcGePoint2d centre;         ///< world
+    double unitsPerPixel = 1.0; ///< drawing units a device pixel
+    int width = 1, height = 1;  ///< device pixels
 
     double left() const { return centre.x - 0.5 * width * unitsPerPixel; }
     double top() const { return centre.y + 0.5 * height * unitsPerPixel; }

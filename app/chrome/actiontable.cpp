@@ -25,7 +25,8 @@ constexpr const char* drawBar = T("绘图");
 constexpr const char* modifyBar = T("修改");
 constexpr const char* commonBar = T("通用工具");
 
-constexpr const char* titles[] = {file, edit, view, insertion, format, tools, draw, dimension, modify, common, help};
+constexpr const char* titles[] = {file, edit,      view,   insertion, format, tools,
+                                  draw, dimension, modify, common,    help};
 
 constexpr ActionRow separator(const char* menu) {
     return {menu, nullptr, nullptr, nullptr, nullptr, nullptr};
@@ -186,7 +187,6 @@ constexpr ActionRow rows[] = {
     {help, T("命令和键(&K)"), "@help", nullptr, "F1", nullptr},
     {help, T("关于(&A)"), "@about", nullptr, nullptr, nullptr},
 };
-
 
 } // namespace
 

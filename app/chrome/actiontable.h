@@ -6,10 +6,11 @@
 namespace app {
 
 struct ActionRow {
-    const char* menu;     ///< in which it stands; null: only on the bar
-    const char* text;     ///< null: a separator
-    const char* command;  ///< typed for the user, with line ends as blanks; or "@name", something of the window
-    const char* icon;     ///< null: none
+    const char* menu; ///< in which it stands; null: only on the bar
+    const char* text; ///< null: a separator
+    const char*
+        command;      ///< typed for the user, with line ends as blanks; or "@name", something of the window
+    const char* icon; ///< null: none
     const char* shortcut; ///< null: none
     const char* bar;      ///< tool bar; null: none
     bool transparent = false;

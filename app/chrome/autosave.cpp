@@ -93,7 +93,8 @@ void Autosave::copy(AcApDocument& document) {
                   document.isNamedDrawing()
                       ? QString::fromStdString(host::toNativePath(document.fileName()).string())
                       : QString());
-    note.setValue(QStringLiteral("when"), QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    note.setValue(QStringLiteral("when"),
+                  QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     note.sync();
     const pid_t child = fork();
     if (child == 0) {

@@ -1,6 +1,8 @@
-// Copies of changed drawings beside the settings, so that a program that ends badly loses minutes at most. Copies are
-// written by a child process from its own snapshot of the memory: the user never waits for one.
+// Copies of changed drawings beside the settings, so that a program that ends badly loses minutes at most.
+// Copies are written by a child process from its own snapshot of the memory: the user never waits for one.
 #pragma once
+
+#include "host/ge/ge.h"
 
 #include <QString>
 #include <QTimer>
@@ -8,8 +10,6 @@
 #include <map>
 #include <sys/types.h>
 #include <vector>
-
-#include "host/ge/ge.h"
 
 class AcApDocument;
 

@@ -1,4 +1,5 @@
-// What the main window does with files: opening, saving, pictures, and what is asked before something is lost.
+// What the main window does with files: opening, saving, pictures, and what is asked before something is
+// lost.
 #include "app/chrome/files.h"
 
 #include "app/chrome/mainwindow.h"
@@ -31,8 +32,8 @@ namespace {
 constexpr int mostRecentFiles = 10;
 
 QString filters() {
-    return QCoreApplication::translate("MainWindow",
-                                       "图形 (*.dwg *.dxf *.DWG *.DXF);;DWG (*.dwg *.DWG);;DXF (*.dxf *.DXF)");
+    return QCoreApplication::translate(
+        "MainWindow", "图形 (*.dwg *.dxf *.DWG *.DXF);;DWG (*.dwg *.DWG);;DXF (*.dxf *.DXF)");
 }
 
 std::wstring windowsPath(const QString& file) {
@@ -45,8 +46,8 @@ QString nativePath(const std::wstring& path) {
 
 /// Kept beside the settings.
 std::unique_ptr<QSettings> windowSettings() {
-    return std::make_unique<QSettings>(QString::fromStdString((host::settingsFolder() / "window.ini").string()),
-                                       QSettings::IniFormat);
+    return std::make_unique<QSettings>(
+        QString::fromStdString((host::settingsFolder() / "window.ini").string()), QSettings::IniFormat);
 }
 
 } // namespace
@@ -84,10 +85,11 @@ bool MainWindow::save(bool underNewName) {
     }
     std::wstring name = document->fileName();
     if (underNewName || !document->isNamedDrawing()) {
-        const QString start = document->isNamedDrawing()
-                                  ? nativePath(name)
-                                  : QFileInfo(QString::fromWCharArray(document->docTitle())).completeBaseName() +
-                                        QStringLiteral(".dxf");
+        const QString start =
+            document->isNamedDrawing()
+                ? nativePath(name)
+                : QFileInfo(QString::fromWCharArray(document->docTitle())).completeBaseName() +
+                      QStringLiteral(".dxf");
         QString file = QFileDialog::getSaveFileName(this, tr("图形另存为"), start, filters());
         if (file.isEmpty()) {
             return false;
@@ -142,8 +144,9 @@ void MainWindow::offerRecovery() {
     for (const Recoverable& one : found) {
         list += QStringLiteral("\n    %1   %2").arg(one.title, one.when);
     }
-    QMessageBox box(QMessageBox::Question, tr("恢复图形"), tr("上次程序没有正常结束。以下图形有自动保存的副本:") + list,
-                    QMessageBox::NoButton, this);
+    QMessageBox box(QMessageBox::Question, tr("恢复图形"),
+                    tr("上次程序没有正常结束。以下图形有自动保存的副本:") + list, QMessageBox::NoButton,
+                    this);
     const QPushButton* open = box.addButton(tr("恢复(&R)"), QMessageBox::AcceptRole);
     const QPushButton* drop = box.addButton(tr("丢弃(&D)"), QMessageBox::DestructiveRole);
     box.addButton(tr("以后再问"), QMessageBox::RejectRole);
@@ -162,7 +165,8 @@ void MainWindow::offerRecovery() {
 
 void MainWindow::closeCurrent() {
     AcApDocument* document = curDoc();
-    if (document == nullptr || !mInput->isAsking() || host::Fiber::current() != nullptr || !mayClose(*document)) {
+    if (document == nullptr || !mInput->isAsking() || host::Fiber::current() != nullptr ||
+        !mayClose(*document)) {
         return;
     }
     acDocManagerPtr()->closeDocument(document);
@@ -176,12 +180,13 @@ void MainWindow::exportPicture() {
     if (curDoc() == nullptr) {
         return;
     }
-    const QString file = QFileDialog::getSaveFileName(this, tr("输出图形"), QString(),
-                                                      QStringLiteral("PDF (*.pdf);;PNG (*.png);;SVG (*.svg)"));
+    const QString file = QFileDialog::getSaveFileName(
+        this, tr("输出图形"), QString(), QStringLiteral("PDF (*.pdf);;PNG (*.png);;SVG (*.svg)"));
     if (file.isEmpty()) {
         return;
     }
-    const std::wstring message = host::plotExtents(curDoc()->database(), std::filesystem::path(file.toStdString()));
+    const std::wstring message =
+        host::plotExtents(curDoc()->database(), std::filesystem::path(file.toStdString()));
     if (!message.empty()) {
         QMessageBox::warning(this, tr("输出"), QString::fromStdWString(message));
     }
@@ -242,7 +247,8 @@ void MainWindow::fillRecentFiles() {
     mRecent->clear();
     int number = 0;
     for (const QString& file : windowSettings()->value(QStringLiteral("recentFiles")).toStringList()) {
-        QAction* action = mRecent->addAction(QStringLiteral("&%1 %2").arg(++number).arg(QDir::toNativeSeparators(file)));
+        QAction* action =
+            mRecent->addAction(QStringLiteral("&%1 %2").arg(++number).arg(QDir::toNativeSeparators(file)));
         connect(action, &QAction::triggered, this, [this, file] {
             openFile(file);
             mInput->restart();

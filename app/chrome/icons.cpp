@@ -13,8 +13,9 @@
 namespace app {
 namespace {
 
-/// Parts between bars on a field of 24 x 24: a letter for the look (g grey line, b blue line, y yellow, r red, n
-/// green; a capital one fills), then M, L, C (cubic), O (circle: centre, radius), R (rectangle: corner, size), Z.
+/// Parts between bars on a field of 24 x 24: a letter for the look (g grey line, b blue line, y yellow, r
+/// red, n green; a capital one fills), then M, L, C (cubic), O (circle: centre, radius), R (rectangle:
+/// corner, size), Z.
 struct Drawing {
     std::string_view name;
     std::string_view parts;
@@ -45,7 +46,8 @@ constexpr Drawing drawings[] = {
     {"mtext", "bM3 8L3 5L13 5L13 8|bM8 5L8 19|gM16 11L21 11|gM16 15L21 15|gM12 19L21 19"},
     {"block", "gR4 4 9 9|bR10 10 10 10|GO15 15 1.5"},
     {"insert", "bR4 10 10 10|nM20 4L12 12|nM12 7L12 12L17 12"},
-    {"move", "bM12 3L12 21|bM3 12L21 12|bM9 6L12 3L15 6|bM9 18L12 21L15 18|bM6 9L3 12L6 15|bM18 9L21 12L18 15"},
+    {"move",
+     "bM12 3L12 21|bM3 12L21 12|bM9 6L12 3L15 6|bM9 18L12 21L15 18|bM6 9L3 12L6 15|bM18 9L21 12L18 15"},
     {"copy", "gR4 4 11 11|bR9 9 11 11"},
     {"rotate", "bM19 8C15 2 5 4 5 12C5 20 16 21 19 15|bM19 3L19 8L14 8"},
     {"scale", "gR3 12 9 9|bR3 3 18 18|nM13 11L19 5|nM15 5L19 5L19 9"},
@@ -72,7 +74,8 @@ constexpr Drawing drawings[] = {
     {"zoomextents", "gO11 11 5|gM15 15L19 19|bM3 8L3 3L8 3|bM16 3L21 3L21 8|bM21 16L21 21|bM3 16L3 21L8 21"},
     {"zoomwindow", "bR3 3 13 11|gO15 14 4.5|gM18 17L22 21"},
     {"zoomprevious", "gO13 11 6|gM17 15L22 20|bM8 4L3 8L8 12|bM3 8L10 8"},
-    {"pan", "gM8 21L5 14C4 12 6 11 7 13L8 14L8 5C8 3 10 3 10 5L10 10L10 4C10 2 13 2 13 4L13 10L13 5C13 3 16 3 16 5L16 11L16 "
+    {"pan", "gM8 21L5 14C4 12 6 11 7 13L8 14L8 5C8 3 10 3 10 5L10 10L10 4C10 2 13 2 13 4L13 10L13 5C13 3 16 "
+            "3 16 5L16 11L16 "
             "7C16 5 19 5 19 7L19 15L17 21Z"},
     {"layers", "YM12 4L21 9L12 14L3 9Z|bM3 13L12 18L21 13|bM3 17L12 22L21 17"},
     {"properties", "gR4 3 16 18|bM7 8L17 8|bM7 12L17 12|bM7 16L13 16"},
@@ -91,7 +94,8 @@ constexpr Drawing drawings[] = {
     {"edittext", "bM4 6L4 4L14 4L14 6|bM9 4L9 16|yM12 20L20 10L22 12L14 21Z"},
     {"texttool", "bM3 7L3 4L13 4L13 7|bM8 4L8 15|gO17 16 4|gM17 10L17 12|gM17 20L17 22"},
     {"ccscale", "bM3 5L10 5|bM6.5 5L6.5 15|gM14 15L17.5 5L21 15|gM15 12L20 12|yM3 20L21 20"},
-    {"linetype", "bM2 6L22 6|bM2 12L8 12|bM11 12L13 12|bM16 12L22 12|gM2 18L5 18|gM8 18L11 18|gM14 18L17 18|gM20 18L22 18"},
+    {"linetype", "bM2 6L22 6|bM2 12L8 12|bM11 12L13 12|bM16 12L22 12|gM2 18L5 18|gM8 18L11 18|gM14 18L17 "
+                 "18|gM20 18L22 18"},
     {"delta", "bM12 4L21 19L3 19Z|yM9 15L15 15"},
     {"font", "bM3 19L8 5L13 19|bM5 14L11 14|nM15 9L21 9L18 6|nM21 15L15 15L18 18"},
     {"cursor", "gM12 2L12 22|gM2 12L22 12|bR9 9 6 6"},
@@ -160,7 +164,8 @@ public:
         atEnd();
         double value = 0;
         const auto [end, error] = std::from_chars(mText.data(), mText.data() + mText.size(), value);
-        mText.remove_prefix(error == std::errc() ? static_cast<std::size_t>(end - mText.data()) : mText.size());
+        mText.remove_prefix(error == std::errc() ? static_cast<std::size_t>(end - mText.data())
+                                                 : mText.size());
         return value;
     }
     QPointF point() {

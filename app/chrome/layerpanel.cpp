@@ -22,7 +22,8 @@ QString text(const AcString& name) {
 /// As a string of LISP.
 QString quoted(QString value) {
     return QLatin1Char('"') +
-           value.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\"")) +
+           value.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+               .replace(QLatin1Char('"'), QLatin1String("\\\"")) +
            QLatin1Char('"');
 }
 
@@ -44,8 +45,9 @@ QString weightText(int weight) {
 }
 
 QString colorText(const AcCmEntityColor& color) {
-    return color.isByColor() ? QStringLiteral("%1,%2,%3").arg(color.red()).arg(color.green()).arg(color.blue())
-                             : QString::number(color.colorIndex());
+    return color.isByColor()
+               ? QStringLiteral("%1,%2,%3").arg(color.red()).arg(color.green()).arg(color.blue())
+               : QString::number(color.colorIndex());
 }
 
 } // namespace
@@ -66,7 +68,8 @@ LayerPanel::LayerPanel(QWidget* parent)
     button(tr("新建"), [this] { addLayer(); });
     button(tr("置为当前"), [this] { option(QStringLiteral("_S"), current()); });
     button(tr("删除"), [this] {
-        run(QStringLiteral("(progn (command \"_.-PURGE\" \"_LA\" %1 \"_N\") (princ))\n").arg(quoted(literal(current()))));
+        run(QStringLiteral("(progn (command \"_.-PURGE\" \"_LA\" %1 \"_N\") (princ))\n")
+                .arg(quoted(literal(current()))));
     });
     mFilter->setPlaceholderText(tr("搜索图层"));
     mFilter->setClearButtonEnabled(true);
@@ -86,7 +89,8 @@ LayerPanel::LayerPanel(QWidget* parent)
     }
     layout->addWidget(mTable);
     setWidget(box);
-    connect(mTable, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item, int column) { clicked(item, column); });
+    connect(mTable, &QTreeWidget::itemClicked, this,
+            [this](QTreeWidgetItem* item, int column) { clicked(item, column); });
     connect(mTable, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item, int column) {
         if (column == name) {
             option(QStringLiteral("_S"), item->text(name));
@@ -107,7 +111,8 @@ void LayerPanel::follow() {
         return;
     }
     const AcDbDatabase& database = *document->database();
-    const quint64 state = database.undoLog().changeCount() * 2 + reinterpret_cast<std::uintptr_t>(&database) + 1;
+    const quint64 state =
+        database.undoLog().changeCount() * 2 + reinterpret_cast<std::uintptr_t>(&database) + 1;
     if (state != mSeen) {
         mSeen = state;
         fill();
@@ -176,8 +181,9 @@ void LayerPanel::option(const QString& word, const QString& layer, const QString
     const QString named = quoted(takesPattern ? literal(layer) : layer);
     const QString given = value.isEmpty() ? named : value + QLatin1Char(' ') + named;
     // Switching the current layer off asks whether that is meant.
-    const bool isCurrent = curDoc() != nullptr && word == QLatin1String("_OFF") &&
-                           text(host::peek<AcDbLayerTableRecord>(curDoc()->database()->clayer())->name()) == layer;
+    const bool isCurrent =
+        curDoc() != nullptr && word == QLatin1String("_OFF") &&
+        text(host::peek<AcDbLayerTableRecord>(curDoc()->database()->clayer())->name()) == layer;
     run(QStringLiteral("(progn (command \"_.-LAYER\" \"%1\" %2%3 \"\") (princ))\n")
             .arg(word, given, isCurrent ? QStringLiteral(" \"_Y\"") : QString()));
 }
@@ -217,8 +223,9 @@ void LayerPanel::clicked(QTreeWidgetItem* item, int column) {
 void LayerPanel::chooseColor(const QString& layer, const QPoint& at) {
     QMenu menu(this);
     for (const int index : {1, 2, 3, 4, 5, 6, 7, 8, 9, 30, 40, 94, 140, 150, 200, 250, 252, 254}) {
-        QAction* action = menu.addAction(colorIcon(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))),
-                                         tr("颜色 %1").arg(index));
+        QAction* action =
+            menu.addAction(colorIcon(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))),
+                           tr("颜色 %1").arg(index));
         action->setData(index);
     }
     if (const QAction* chosen = menu.exec(at)) {
@@ -244,7 +251,8 @@ void LayerPanel::chooseLinetype(const QString& layer, const QPoint& at) {
 void LayerPanel::chooseWeight(const QString& layer, const QPoint& at) {
     QMenu menu(this);
     menu.addAction(tr("默认"))->setData(QStringLiteral("_Default"));
-    for (const int hundredths : {0, 5, 9, 13, 15, 18, 20, 25, 30, 35, 40, 50, 53, 60, 70, 80, 90, 100, 140, 200}) {
+    for (const int hundredths :
+         {0, 5, 9, 13, 15, 18, 20, 25, 30, 35, 40, 50, 53, 60, 70, 80, 90, 100, 140, 200}) {
         menu.addAction(weightText(hundredths))->setData(weightText(hundredths));
     }
     if (const QAction* chosen = menu.exec(at)) {
@@ -254,7 +262,8 @@ void LayerPanel::chooseWeight(const QString& layer, const QPoint& at) {
 
 void LayerPanel::addLayer() {
     bool accepted = false;
-    const QString layer = QInputDialog::getText(this, tr("新建图层"), tr("图层名:"), QLineEdit::Normal, tr("图层1"), &accepted);
+    const QString layer =
+        QInputDialog::getText(this, tr("新建图层"), tr("图层名:"), QLineEdit::Normal, tr("图层1"), &accepted);
     if (accepted && !layer.trimmed().isEmpty()) {
         option(QStringLiteral("_N"), layer.trimmed());
     }

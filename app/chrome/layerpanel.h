@@ -1,5 +1,5 @@
-// The layers of the drawing in a table: what is on, thawed, unlocked, their looks; all changes go through -LAYER, so
-// that each is a step of undo.
+// The layers of the drawing in a table: what is on, thawed, unlocked, their looks; all changes go through
+// -LAYER, so that each is a step of undo.
 #pragma once
 
 #include <QCoreApplication>

@@ -166,9 +166,10 @@ QAction* MainWindow::buildAction(const ActionRow& row) {
     }
     action->setObjectName(QString::fromUtf8(row.command));
     const QString name = plain(translated(row.text));
-    action->setToolTip(row.command[0] == '@' ? name
-                                             : name + QStringLiteral("\n") +
-                                                   QString::fromUtf8(row.command).remove(QLatin1String("_.")));
+    action->setToolTip(row.command[0] == '@'
+                           ? name
+                           : name + QStringLiteral("\n") +
+                                 QString::fromUtf8(row.command).remove(QLatin1String("_.")));
     connect(action, &QAction::triggered, this, [this, &row] { trigger(row.command, row.transparent); });
     return action;
 }
@@ -187,7 +188,8 @@ void MainWindow::buildDocks() {
     mLayerPanel = new LayerPanel(this);
     mPropertyPanel = new PropertyPanel(this);
     mLayerPanel->run = mPropertyPanel->run = [this](const QString& text) { mInput->run(text); };
-    for (QDockWidget* panel : {static_cast<QDockWidget*>(mPropertyPanel), static_cast<QDockWidget*>(mLayerPanel)}) {
+    for (QDockWidget* panel :
+         {static_cast<QDockWidget*>(mPropertyPanel), static_cast<QDockWidget*>(mLayerPanel)}) {
         addDockWidget(Qt::RightDockWidgetArea, panel);
         panel->hide();
         mPanels->addAction(panel->toggleViewAction());
@@ -216,7 +218,8 @@ void MainWindow::followDocuments() {
     for (int i = 0; i < static_cast<int>(documents.size()); ++i) {
         AcApDocument& document = *documents[static_cast<std::size_t>(i)];
         const bool changed = isChanged(document);
-        const QString title = QString::fromWCharArray(document.docTitle()) + (changed ? QStringLiteral(" *") : QString());
+        const QString title =
+            QString::fromWCharArray(document.docTitle()) + (changed ? QStringLiteral(" *") : QString());
         if (i >= mTabs->count()) {
             auto* button = new QToolButton(mTabs);
             button->setIcon(icon("close"));

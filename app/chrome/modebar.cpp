@@ -28,7 +28,8 @@ QString length(double value) {
 
 } // namespace
 
-ModeBar::ModeBar(QWidget* parent) : QStatusBar(parent), mCoordinates(new QLabel(this)), mText(new QLabel(this)) {
+ModeBar::ModeBar(QWidget* parent)
+    : QStatusBar(parent), mCoordinates(new QLabel(this)), mText(new QLabel(this)) {
     setSizeGripEnabled(false);
     mCoordinates->setMinimumWidth(260);
     mCoordinates->setObjectName(QStringLiteral("coordinates"));
@@ -45,7 +46,8 @@ ModeBar::ModeBar(QWidget* parent) : QStatusBar(parent), mCoordinates(new QLabel(
             [this, snaps](const QPoint& at) { chooseSnaps(snaps->mapToGlobal(at)); });
 }
 
-void ModeBar::add(const QString& text, const char* iconName, const QString& tip, const wchar_t* variable, int key) {
+void ModeBar::add(const QString& text, const char* iconName, const QString& tip, const wchar_t* variable,
+                  int key) {
     auto* button = new QToolButton(this);
     button->setText(text);
     button->setIcon(icon(iconName));
@@ -82,8 +84,8 @@ void ModeBar::turn(const Switch& one) {
 }
 
 bool ModeBar::toggle(int key) {
-    const auto found =
-        std::find_if(mSwitches.begin(), mSwitches.end(), [&](const Switch& one) { return one.key == key && key != 0; });
+    const auto found = std::find_if(mSwitches.begin(), mSwitches.end(),
+                                    [&](const Switch& one) { return one.key == key && key != 0; });
     if (found == mSwitches.end()) {
         return false;
     }

@@ -1,13 +1,14 @@
-// The line below the drawing: coordinates and the switches for grid, snap, ortho, object snap and lineweights.
+// The line below the drawing: coordinates and the switches for grid, snap, ortho, object snap and
+// lineweights.
 #pragma once
+
+#include "host/ge/ge.h"
 
 #include <QCoreApplication>
 #include <QLabel>
 #include <QStatusBar>
 #include <QToolButton>
 #include <vector>
-
-#include "host/ge/ge.h"
 
 namespace app {
 

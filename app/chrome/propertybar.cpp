@@ -99,8 +99,9 @@ QString colorText(const AcCmEntityColor& color) {
     if (color.isByBlock()) {
         return QStringLiteral("BYBLOCK");
     }
-    return color.isByACI() ? QString::number(color.colorIndex())
-                           : QStringLiteral("T%1,%2,%3").arg(color.red()).arg(color.green()).arg(color.blue());
+    return color.isByACI()
+               ? QString::number(color.colorIndex())
+               : QStringLiteral("T%1,%2,%3").arg(color.red()).arg(color.green()).arg(color.blue());
 }
 
 QString weightText(int weight) {
@@ -130,9 +131,10 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
     mWeights->addItem(weightIcon(25), tr("随层"), weightText(-1));
     mWeights->addItem(weightIcon(25), tr("随块"), weightText(-2));
     mWeights->addItem(weightIcon(25), tr("默认"), weightText(-3));
-    for (const int weight : {0, 5, 9, 13, 15, 18, 20, 25, 30, 35, 40, 50, 53, 60, 70, 80, 90, 100, 106, 120, 140,
-                             158, 200, 211}) {
-        mWeights->addItem(weightIcon(weight), tr("%1 毫米").arg(weight / 100.0, 0, 'f', 2), weightText(weight));
+    for (const int weight : {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
+                             53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211}) {
+        mWeights->addItem(weightIcon(weight), tr("%1 毫米").arg(weight / 100.0, 0, 'f', 2),
+                          weightText(weight));
     }
     const auto follows = [this](QComboBox* box, const char* variable, const char* property) {
         connect(box, &QComboBox::activated, this, [this, box, variable, property](int index) {
@@ -160,13 +162,15 @@ void PropertyBar::choose(const char* variable, const char* property, const QStri
         } else if (given.startsWith(QLatin1Char('T'))) {
             given = QStringLiteral("_T\" \"") + given.mid(1);
         }
-        run(QStringLiteral("(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" \"%2\" \"\") "
-                           "(sssetfirst nil $s) (setq $s nil) (princ))\n")
+        run(QStringLiteral(
+                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" \"%2\" \"\") "
+                "(sssetfirst nil $s) (setq $s nil) (princ))\n")
                 .arg(QLatin1String(property), given));
         return;
     }
     run(isWeight ? QStringLiteral("(progn (setvar \"CELWEIGHT\" %1) (princ))\n").arg(value)
-                 : QStringLiteral("(progn (setvar \"%1\" \"%2\") (princ))\n").arg(QLatin1String(variable), quoted));
+                 : QStringLiteral("(progn (setvar \"%1\" \"%2\") (princ))\n")
+                       .arg(QLatin1String(variable), quoted));
     mSeen = 0;
 }
 
@@ -213,9 +217,10 @@ void PropertyBar::fillLinetypes(AcDbDatabase& database) {
     for (AcDbStub* stub : host::peek<AcDbLinetypeTable>(database.linetypeTableId())->records()) {
         const QString name = nameOf(AcDbObjectId(stub));
         if (!name.isEmpty()) {
-            const QString shown = name.compare(QLatin1String("ByLayer"), Qt::CaseInsensitive) == 0   ? tr("随层")
-                                  : name.compare(QLatin1String("ByBlock"), Qt::CaseInsensitive) == 0 ? tr("随块")
-                                                                                                     : name;
+            const QString shown =
+                name.compare(QLatin1String("ByLayer"), Qt::CaseInsensitive) == 0   ? tr("随层")
+                : name.compare(QLatin1String("ByBlock"), Qt::CaseInsensitive) == 0 ? tr("随块")
+                                                                                   : name;
             mLinetypes->addItem(shown, name);
         }
     }

@@ -1,5 +1,5 @@
-// Layer, colour, linetype and lineweight: what new objects get, or what the chosen objects have. A choice made here
-// is typed as a command, so that it is one step of undo.
+// Layer, colour, linetype and lineweight: what new objects get, or what the chosen objects have. A choice
+// made here is typed as a command, so that it is one step of undo.
 #pragma once
 
 #include <QComboBox>

@@ -48,7 +48,8 @@ QString colorText(const AcCmEntityColor& color) {
 class ValueDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
-    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
         return index.column() == 1 && !index.data(Qt::UserRole).toString().isEmpty()
                    ? QStyledItemDelegate::createEditor(parent, option, index)
                    : nullptr;
@@ -57,13 +58,14 @@ public:
 
 QString kindName(const AcDbEntity& entity) {
     static const std::map<std::string, const char*> names = {
-        {"LINE", "直线"},        {"LWPOLYLINE", "多段线"}, {"POLYLINE", "多段线"}, {"CIRCLE", "圆"},
-        {"ARC", "圆弧"},         {"ELLIPSE", "椭圆"},      {"SPLINE", "样条曲线"}, {"TEXT", "单行文字"},
-        {"MTEXT", "多行文字"},   {"INSERT", "块参照"},     {"POINT", "点"},        {"HATCH", "图案填充"},
-        {"DIMENSION", "标注"},   {"MLINE", "多线"},        {"SOLID", "实体填充"},  {"XLINE", "构造线"},
-        {"RAY", "射线"},         {"LEADER", "引线"},       {"VIEWPORT", "视口"},   {"IMAGE", "图像"}};
+        {"LINE", "直线"},      {"LWPOLYLINE", "多段线"}, {"POLYLINE", "多段线"}, {"CIRCLE", "圆"},
+        {"ARC", "圆弧"},       {"ELLIPSE", "椭圆"},      {"SPLINE", "样条曲线"}, {"TEXT", "单行文字"},
+        {"MTEXT", "多行文字"}, {"INSERT", "块参照"},     {"POINT", "点"},        {"HATCH", "图案填充"},
+        {"DIMENSION", "标注"}, {"MLINE", "多线"},        {"SOLID", "实体填充"},  {"XLINE", "构造线"},
+        {"RAY", "射线"},       {"LEADER", "引线"},       {"VIEWPORT", "视口"},   {"IMAGE", "图像"}};
     const auto found = names.find(entity.dxfRecordName());
-    return found != names.end() ? QString::fromUtf8(found->second) : QString::fromStdString(entity.dxfRecordName());
+    return found != names.end() ? QString::fromUtf8(found->second)
+                                : QString::fromStdString(entity.dxfRecordName());
 }
 
 } // namespace
@@ -77,7 +79,8 @@ PropertyPanel::PropertyPanel(QWidget* parent) : QDockWidget(tr("特性"), parent
     mTable->setItemDelegate(new ValueDelegate(mTable));
     mTable->header()->resizeSection(0, 110);
     setWidget(mTable);
-    connect(mTable, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int column) { changed(item, column); });
+    connect(mTable, &QTreeWidget::itemChanged, this,
+            [this](QTreeWidgetItem* item, int column) { changed(item, column); });
     connect(this, &QDockWidget::visibilityChanged, this, [this] { follow(); });
 }
 
@@ -86,8 +89,8 @@ void PropertyPanel::follow() {
     if (!isVisible() || document == nullptr) {
         return;
     }
-    quint64 state = document->database()->undoLog().changeCount() * 31 +
-                    reinterpret_cast<std::uintptr_t>(document) + 1;
+    quint64 state =
+        document->database()->undoLog().changeCount() * 31 + reinterpret_cast<std::uintptr_t>(document) + 1;
     for (const AcDbObjectId id : host::impliedSelection().ids) {
         state = state * 1099511628211U + reinterpret_cast<std::uintptr_t>(id.stub());
     }
@@ -97,7 +100,8 @@ void PropertyPanel::follow() {
     }
 }
 
-void PropertyPanel::add(QTreeWidgetItem& group, const QString& label, const QString& value, const QString& code) {
+void PropertyPanel::add(QTreeWidgetItem& group, const QString& label, const QString& value,
+                        const QString& code) {
     auto* item = new QTreeWidgetItem(&group, {label, value});
     item->setData(1, Qt::UserRole, code);
     if (!code.isEmpty()) {
@@ -130,7 +134,8 @@ void PropertyPanel::fill() {
             return first;
         };
         add(*general, tr("对象"), single ? kindName(*entity) : tr("全部 (%1)").arg(ids.size()));
-        add(*general, tr("图层"), common([](const AcDbEntity& e) { return nameOf(e.layerId()); }), QStringLiteral("_LA"));
+        add(*general, tr("图层"), common([](const AcDbEntity& e) { return nameOf(e.layerId()); }),
+            QStringLiteral("_LA"));
         add(*general, tr("颜色"), common([](const AcDbEntity& e) { return colorText(e.entityColor()); }),
             QStringLiteral("_C"));
         add(*general, tr("线型"), common([](const AcDbEntity& e) { return nameOf(e.linetypeId()); }),
@@ -150,7 +155,8 @@ void PropertyPanel::addGeometry(const AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     auto* group = new QTreeWidgetItem(mTable, {tr("几何图形")});
     const auto point = [&](const QString& label, const AcGePoint3d& at, const QString& code = {}) {
-        add(*group, label, number(at.x) + QLatin1Char(',') + number(at.y) + QLatin1Char(',') + number(at.z), code);
+        add(*group, label, number(at.x) + QLatin1Char(',') + number(at.y) + QLatin1Char(',') + number(at.z),
+            code);
     };
     if (const auto* line = AcDbLine::cast(&entity)) {
         point(tr("起点"), line->startPoint(), QStringLiteral("p10"));
@@ -203,7 +209,8 @@ void PropertyPanel::changed(QTreeWidgetItem* item, int column) {
     mSeen = 0; // whatever comes of it is shown
     const auto quoted = [](QString given) {
         return QLatin1Char('"') +
-               given.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\"")) +
+               given.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
+                   .replace(QLatin1Char('"'), QLatin1String("\\\"")) +
                QLatin1Char('"');
     };
     if (code.startsWith(QLatin1Char('_'))) {
@@ -232,9 +239,10 @@ void PropertyPanel::changed(QTreeWidgetItem* item, int column) {
         form += QLatin1Char(')');
     }
     // A value that cannot be read leaves the object as it is.
-    run(QStringLiteral("(progn (setq $v %1 $s (ssget \"_I\")) (if (and $v $s (or (atom $v) (apply 'and $v))) "
-                       "(progn (setq $e (entget (ssname $s 0))) (entmod (subst (cons %2 $v) (assoc %2 $e) $e)) "
-                       "(sssetfirst nil $s)) (princ \"\\n值无效。\")) (setq $v nil $s nil $e nil) (princ))\n")
+    run(QStringLiteral(
+            "(progn (setq $v %1 $s (ssget \"_I\")) (if (and $v $s (or (atom $v) (apply 'and $v))) "
+            "(progn (setq $e (entget (ssname $s 0))) (entmod (subst (cons %2 $v) (assoc %2 $e) $e)) "
+            "(sssetfirst nil $s)) (princ \"\\n值无效。\")) (setq $v nil $s nil $e nil) (princ))\n")
             .arg(form, group));
 }
 

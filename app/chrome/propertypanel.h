@@ -1,5 +1,5 @@
-// The properties of what is chosen, by name and value; values that can be changed are typed over. A change goes
-// through LISP's entmod or a command, so that it is a step of undo.
+// The properties of what is chosen, by name and value; values that can be changed are typed over. A change
+// goes through LISP's entmod or a command, so that it is a step of undo.
 #pragma once
 
 #include <QCoreApplication>

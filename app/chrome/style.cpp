@@ -7,7 +7,8 @@ namespace app {
 
 void applyStyle(QWidget& window) {
     QPalette palette;
-    const QColor plate(46, 52, 60), field(34, 40, 47), text(222, 227, 232), dim(128, 136, 145), accent(64, 140, 220);
+    const QColor plate(46, 52, 60), field(34, 40, 47), text(222, 227, 232), dim(128, 136, 145),
+        accent(64, 140, 220);
     palette.setColor(QPalette::Window, plate);
     palette.setColor(QPalette::WindowText, text);
     palette.setColor(QPalette::Base, field);
@@ -44,17 +45,33 @@ void applyStyle(QWidget& window) {
         "QMenu::item:disabled { color: #7b838c; }"
         "QMenu::separator { height: 1px; background: #4a525c; margin: 3px 6px; }"
         "QToolTip { background: #3c444d; color: #dee3e8; border: 1px solid #5a6878; padding: 2px 4px; }"
-        "QComboBox QAbstractItemView { background: #2e343c; color: #dee3e8; selection-background-color: #3c6ea0; }"
-        "QMenuBar { background: #262c33; padding: 1px; }"
+        "QComboBox QAbstractItemView { background: #2e343c; color: #dee3e8; selection-background-color: "
+        "#3c6ea0; }"
+        "QMenuBar { background: #262c33; color: #dee3e8; padding: 1px; }"
+        "QMainWindow QLabel, QMainWindow QDockWidget, QMainWindow QToolButton { color: #dee3e8; }"
+        "QToolBar QComboBox { background: #383f48; color: #dee3e8; border: 1px solid #4a525c; border-radius: "
+        "3px; "
+        "padding: 2px 6px; }"
+        "QToolBar QComboBox:hover { border-color: #6b7a8a; }"
+        "QToolBar QComboBox::drop-down { border: 0; width: 18px; }"
+        "QDockWidget QTreeWidget { background: #22282f; alternate-background-color: #282e35; color: #dee3e8; "
+        "}"
+        "QDockWidget QHeaderView::section { background: #383f48; color: #dee3e8; border: 0; padding: 3px; }"
+        "QDockWidget QPushButton { background: #383f48; color: #dee3e8; border: 1px solid #4a525c; padding: "
+        "3px 10px; "
+        "border-radius: 3px; }"
+        "QDockWidget QLineEdit { background: #2b323a; color: #dee3e8; border: 1px solid #434c57; }"
         "QMenuBar::item { padding: 4px 9px; background: transparent; }"
         "QMenuBar::item:selected { background: #3d4854; }"
         "QTabBar { background: #262c33; }"
-        "QTabBar::tab { background: #2e343c; color: #aab2bb; padding: 4px 14px; border: 0; border-right: 1px solid "
+        "QTabBar::tab { background: #2e343c; color: #aab2bb; padding: 4px 14px; border: 0; border-right: 1px "
+        "solid "
         "#22272d; }"
         "QTabBar::tab:selected { background: #3a434d; color: #ffffff; border-top: 2px solid #408cdc; }"
         "#commandLine { background: #22282f; }"
         "#history { background: #22282f; color: #b9c1c9; }"
-        "#commandEdit { background: #2b323a; border: 1px solid #434c57; border-radius: 2px; padding: 2px 4px; }"
+        "#commandEdit { background: #2b323a; color: #dee3e8; border: 1px solid #434c57; border-radius: 2px; "
+        "padding: 2px 4px; }"
         "#commandEdit:focus { border-color: #408cdc; }"
         "#suggestions { background: #2e343c; border: 1px solid #5a6878; border-radius: 3px; padding: 1px; }"
         "#suggestions::item { padding: 2px 6px; }"

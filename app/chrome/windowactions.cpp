@@ -34,11 +34,13 @@ void MainWindow::windowAction(std::string_view name) {
         {"selectall", [](MainWindow& window) { window.selectAll(); }},
         {"zoomin",
          [](MainWindow& window) {
-             window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5, step);
+             window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5,
+                                    step);
          }},
         {"zoomout",
          [](MainWindow& window) {
-             window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5, 1 / step);
+             window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5,
+                                    1 / step);
          }},
         {"zoomextents", [](MainWindow& window) { window.mCanvas->zoomExtents(); }},
         {"textwindow", [](MainWindow& window) { window.showTextWindow(); }},
@@ -47,7 +49,8 @@ void MainWindow::windowAction(std::string_view name) {
         {"help", [](MainWindow& window) { window.showHelp(); }},
         {"about",
          [](MainWindow& window) {
-             QMessageBox::about(&window, tr("关于"), tr("QDVHost：绘图程序，配通用工具模块 QDVCommonTools。"));
+             QMessageBox::about(&window, tr("关于"),
+                                tr("QDVHost：绘图程序，配通用工具模块 QDVCommonTools。"));
          }},
     };
     for (const Row& row : rows) {

@@ -81,8 +81,8 @@ QString linkedPrompt(const QString& prompt) {
 }
 
 CommandLine::CommandLine(QWidget* parent)
-    : QWidget(parent), mHistory(new QPlainTextEdit(this)), mPrompt(new QLabel(this)), mEdit(new QLineEdit(this)),
-      mSuggestions(new QListWidget(this)) {
+    : QWidget(parent), mHistory(new QPlainTextEdit(this)), mPrompt(new QLabel(this)),
+      mEdit(new QLineEdit(this)), mSuggestions(new QListWidget(this)) {
     setObjectName(QStringLiteral("commandLine"));
     mHistory->setReadOnly(true);
     mHistory->setFrameShape(QFrame::NoFrame);
@@ -246,7 +246,8 @@ void CommandLine::placeSuggestions() {
         mSuggestions->setParent(top);
     }
     const int rows = std::min<int>(mSuggestions->count(), mostSuggestions);
-    const int height = rows * std::max(mSuggestions->sizeHintForRow(0), 16) + 2 * mSuggestions->frameWidth() + 2;
+    const int height =
+        rows * std::max(mSuggestions->sizeHintForRow(0), 16) + 2 * mSuggestions->frameWidth() + 2;
     const QPoint corner = mEdit->mapTo(top, QPoint(0, 0));
     mSuggestions->setGeometry(corner.x(), std::max(0, corner.y() - height - 2), 300, height);
     mSuggestions->show();
@@ -298,8 +299,8 @@ bool CommandLine::takeKey(QKeyEvent& event) {
         const int step = event.key() == Qt::Key_Up ? -1 : 1;
         if (mSuggestions->isVisible()) {
             const int count = mSuggestions->count();
-            mSuggestions->setCurrentRow((std::max(mSuggestions->currentRow(), step > 0 ? -1 : 0) + step + count) %
-                                        count);
+            mSuggestions->setCurrentRow(
+                (std::max(mSuggestions->currentRow(), step > 0 ? -1 : 0) + step + count) % count);
         } else {
             recall(step);
         }
@@ -309,7 +310,8 @@ bool CommandLine::takeKey(QKeyEvent& event) {
         break;
     }
     const bool isEditing = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Left ||
-                           event.key() == Qt::Key_Right || event.key() == Qt::Key_Home || event.key() == Qt::Key_End;
+                           event.key() == Qt::Key_Right || event.key() == Qt::Key_Home ||
+                           event.key() == Qt::Key_End;
     const QString text = event.text();
     const bool isText = !text.isEmpty() && text.at(0).isPrint() &&
                         !event.modifiers().testFlag(Qt::ControlModifier) &&

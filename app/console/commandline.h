@@ -1,5 +1,5 @@
-// The command line: what was said, the question that stands with its keywords to click, and what is typed. It is
-// where the editor's dialogue goes to while there is a window.
+// The command line: what was said, the question that stands with its keywords to click, and what is typed. It
+// is where the editor's dialogue goes to while there is a window.
 #pragma once
 
 #include "host/ed/console.h"
@@ -77,7 +77,7 @@ private:
     QLabel* mPrompt;
     QLineEdit* mEdit;
     QListWidget* mSuggestions;
-    QString mPartial; ///< of the line being written
+    QString mPartial;   ///< of the line being written
     QStringList mTyped; ///< for the arrow keys
     qsizetype mRecalled = 0;
     bool mAtCommandPrompt = true;

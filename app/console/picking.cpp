@@ -1,9 +1,9 @@
 #include "app/console/picking.h"
 
 #include "host/db/dbents.h"
-#include "host/ed/acedreactor.h"
 #include "host/ed/acdocman.h"
 #include "host/ed/aced.h"
+#include "host/ed/acedreactor.h"
 #include "host/ed/grips.h"
 #include "host/ed/selection.h"
 #include "host/ed/sysvars.h"
@@ -121,11 +121,11 @@ void Picking::follow(bool atCommandPrompt) {
 
 void Picking::showGrips(bool visible) {
     AcApDocument* document = curDoc();
-    const bool shows = visible && document != nullptr && !mShown.empty() &&
-                       host::systemVariableInteger(L"GRIPS") != 0 &&
-                       mShown.size() <= static_cast<std::size_t>(
-                                            std::max(host::systemVariableInteger(L"GRIPOBJLIMIT"), 1));
-    const Adesk::UInt64 generation = document != nullptr ? document->database()->impl().places.generation() + 1 : 0;
+    const bool shows =
+        visible && document != nullptr && !mShown.empty() && host::systemVariableInteger(L"GRIPS") != 0 &&
+        mShown.size() <= static_cast<std::size_t>(std::max(host::systemVariableInteger(L"GRIPOBJLIMIT"), 1));
+    const Adesk::UInt64 generation =
+        document != nullptr ? document->database()->impl().places.generation() + 1 : 0;
     if (shows == mShowsGrips && (!shows || generation == mGeneration)) {
         return;
     }

@@ -1,5 +1,5 @@
-// Choosing before a command: clicks and rectangles make the pick-first set, its entities show grips, and a grip
-// that is clicked is moved by a command.
+// Choosing before a command: clicks and rectangles make the pick-first set, its entities show grips, and a
+// grip that is clicked is moved by a command.
 #pragma once
 
 #include "app/canvas/canvas.h"

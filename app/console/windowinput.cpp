@@ -31,8 +31,8 @@ host::InputItem pickedItem(const Aimed& aimed) {
 }
 
 bool asksForCorner(const host::InputRequest& request) {
-    return request.base && (request.band == host::Aim::Band::rectangle ||
-                            request.band == host::Aim::Band::selection);
+    return request.base &&
+           (request.band == host::Aim::Band::rectangle || request.band == host::Aim::Band::selection);
 }
 
 } // namespace
@@ -124,7 +124,8 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
             mTyped.post(std::get<std::wstring>(coming));
             continue;
         }
-        if (const auto released = std::exchange(mReleased, std::nullopt); released && asksForCorner(request)) {
+        if (const auto released = std::exchange(mReleased, std::nullopt);
+            released && asksForCorner(request)) {
             return pickedItem(*released);
         }
         QEventLoop loop;
@@ -171,7 +172,7 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
     if (mRequest == nullptr) {
         return;
     }
-    if (mRequest->atCommandPrompt) {
+    if (isIdle()) {
         if (const std::wstring command = mPicking.pressed(aimed, modifiers, released); !command.empty()) {
             post(command);
         }
@@ -182,7 +183,8 @@ void WindowInput::pressed(const Aimed& aimed, Qt::KeyboardModifiers modifiers, b
         mReleased = mComing.empty() ? std::nullopt : std::optional(aimed);
         return;
     }
-    if (mRequest->wantsPoint) {
+    // At the prompt of a command that is on its way this is the answer to its first question.
+    if (mRequest->wantsPoint || mRequest->atCommandPrompt) {
         answer(pickedItem(aimed));
     }
 }
@@ -213,7 +215,8 @@ void WindowInput::confirmed() {
 }
 
 void WindowInput::keyPressed(QKeyEvent& event) {
-    if (event.key() == Qt::Key_Delete && mCommandLine.text().isEmpty() && isIdle() && mPicking.hasSelection()) {
+    if (event.key() == Qt::Key_Delete && mCommandLine.text().isEmpty() && isIdle() &&
+        mPicking.hasSelection()) {
         run(QStringLiteral("_.ERASE\n"));
         return;
     }

@@ -33,8 +33,9 @@ public:
     /// No more answers: everything ends.
     void close();
     /// Nothing is asked but the next command.
-    bool isIdle() const { return mRequest != nullptr && mRequest->atCommandPrompt; }
-    bool isAsking() const { return mRequest != nullptr; }
+    bool isIdle() const { return isAsking() && mRequest->atCommandPrompt; }
+    /// A question stands and nothing that answers it is on its way.
+    bool isAsking() const { return mRequest != nullptr && mComing.empty(); }
     const host::InputRequest* request() const { return mRequest; }
     Picking& picking() { return mPicking; }
 

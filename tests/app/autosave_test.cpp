@@ -1,11 +1,11 @@
 // What a program that was killed leaves behind, and how the next one finds it.
 #include "app/chrome/autosave.h"
 #include "app/chrome/files.h"
+#include "tests/temporaryfolder.h"
 
 #include "host/db/dbents.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/ed.h"
-#include "tests/temporaryfolder.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -57,9 +57,7 @@ TEST(Autosave, AKilledProgramLeavesItsDrawingToTheNext) {
 
 TEST(Autosave, OnlyChangesAreCopiedAndNothingStaysBehind) {
     const TemporaryFolder folder;
-    const auto files = [&] {
-        return std::distance(std::filesystem::directory_iterator(folder.path()), {});
-    };
+    const auto files = [&] { return std::distance(std::filesystem::directory_iterator(folder.path()), {}); };
     host::Session session;
     session.newDrawing();
     {

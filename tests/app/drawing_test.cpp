@@ -1,9 +1,9 @@
 // Drawing and editing by hand in the real window.
 #include "tests/app/windowdriver.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QMessageBox>
-#include <QAbstractButton>
 #include <gtest/gtest.h>
 
 namespace {
@@ -51,8 +51,7 @@ void drawSome(Driver& driver) {
 
 TEST(Window, DrawsLinesWithMouseAndKeys) {
     Driver driver;
-    driver.run({[](Driver& d) { start(d, "_.LINE"); },
-                [](Driver& d) { d.click(10, 10); },
+    driver.run({[](Driver& d) { start(d, "_.LINE"); }, [](Driver& d) { d.click(10, 10); },
                 [](Driver& d) { d.click(50, 30); },
                 [](Driver& d) {
                     host::setSystemVariable(L"ORTHOMODE", 1);
@@ -64,8 +63,7 @@ TEST(Window, DrawsLinesWithMouseAndKeys) {
                     d.move(80, 60); // a number is a distance towards the cursor
                     d.type(QStringLiteral("12.5\n"));
                 },
-                [](Driver& d) { d.rightClick(); },
-                [](Driver&) { ASSERT_EQ(entities().size(), 3u); },
+                [](Driver& d) { d.rightClick(); }, [](Driver&) { ASSERT_EQ(entities().size(), 3u); },
                 [](Driver& d) { d.rightClick(); }, // repeats the command
                 [](Driver& d) {
                     EXPECT_STREQ(host::activeCommandNames(*curDoc()).c_str(), L"LINE");
@@ -81,15 +79,14 @@ TEST(Window, DrawsLinesWithMouseAndKeys) {
 
 TEST(Window, PolylineIsClosedByItsKeyword) {
     Driver driver;
-    driver.run({[](Driver& d) { d.type(QStringLiteral("pl ")); },
-                [](Driver& d) { d.click(-20, -20); },
-                [](Driver& d) { d.click(20, -20); },
-                [](Driver& d) { d.click(20, 20); },
+    driver.run({[](Driver& d) { d.type(QStringLiteral("pl ")); }, [](Driver& d) { d.click(-20, -20); },
+                [](Driver& d) { d.click(20, -20); }, [](Driver& d) { d.click(20, 20); },
                 [](Driver& d) {
                     const QString prompt = d.window().commandLine().prompt();
                     const auto keywords = app::keywordsOf(prompt);
-                    const bool offered = std::any_of(keywords.begin(), keywords.end(),
-                                                     [](const auto& keyword) { return keyword.typed == "C"; });
+                    const bool offered =
+                        std::any_of(keywords.begin(), keywords.end(),
+                                    [](const auto& keyword) { return keyword.typed == "C"; });
                     EXPECT_TRUE(offered) << prompt.toStdString();
                     auto* label = d.window().commandLine().findChild<QLabel*>();
                     emit label->linkActivated(QStringLiteral("C"));
@@ -116,8 +113,7 @@ TEST(Window, ObjectSnapTakesThePointItShows) {
                     EXPECT_EQ(d.canvas().aimed().snapKind, AcDb::kOsMaskEnd);
                     d.click(40.6, 0.7);
                 },
-                [](Driver& d) { d.type(QStringLiteral("_cen\n")); },
-                [](Driver& d) { d.click(64.6, 11); },
+                [](Driver& d) { d.type(QStringLiteral("_cen\n")); }, [](Driver& d) { d.click(64.6, 11); },
                 [](Driver& d) { d.key(Qt::Key_Return); },
                 [](Driver&) {
                     expectNear(lineAt(3).start, 40, 0, 1e-9);
@@ -130,8 +126,7 @@ TEST(Window, RectanglesSelectByTheirDirection) {
     Driver driver;
     driver.run({[](Driver& d) { drawSome(d); },
                 [](Driver& d) { d.drag(-5, -5, 50, 12); }, // a window: what lies inside
-                [](Driver&) { EXPECT_EQ(chosen().size(), 1u); },
-                [](Driver& d) { d.key(Qt::Key_Escape); },
+                [](Driver&) { EXPECT_EQ(chosen().size(), 1u); }, [](Driver& d) { d.key(Qt::Key_Escape); },
                 [](Driver& d) {
                     EXPECT_TRUE(chosen().empty());
                     d.drag(56, 25, 30, -5); // a crossing: what it touches
@@ -140,14 +135,11 @@ TEST(Window, RectanglesSelectByTheirDirection) {
                     EXPECT_EQ(chosen().size(), 3u);
                     d.click(40, 20, Qt::ShiftModifier); // taken out again, though a grip lies there
                 },
-                [](Driver&) { EXPECT_EQ(chosen().size(), 2u); },
-                [](Driver& d) { d.key(Qt::Key_Escape); },
-                [](Driver& d) { d.key(Qt::Key_Escape); },
-                [](Driver& d) { start(d, "_.ERASE"); },
+                [](Driver&) { EXPECT_EQ(chosen().size(), 2u); }, [](Driver& d) { d.key(Qt::Key_Escape); },
+                [](Driver& d) { d.key(Qt::Key_Escape); }, [](Driver& d) { start(d, "_.ERASE"); },
                 [](Driver& d) { d.click(20, 0); },
                 [](Driver& d) { d.drag(50, 30, 70, 15); }, // within the command: nothing inside
-                [](Driver& d) { d.drag(75, 30, 50, 0); },
-                [](Driver& d) { d.rightClick(); },
+                [](Driver& d) { d.drag(75, 30, 50, 0); }, [](Driver& d) { d.rightClick(); },
                 [](Driver&) {
                     ASSERT_EQ(entities().size(), 1u);
                     expectNear(lineAt(0).start, 0, 20, 1e-9);
@@ -156,8 +148,7 @@ TEST(Window, RectanglesSelectByTheirDirection) {
 
 TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
     Driver driver;
-    driver.run({[](Driver& d) { drawSome(d); },
-                [](Driver& d) { d.click(20, 0); },
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(20, 0); },
                 [](Driver& d) { d.click(20, 20); },
                 [](Driver& d) {
                     EXPECT_EQ(chosen().size(), 2u);
@@ -172,8 +163,7 @@ TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
 
 TEST(Window, AGripIsMovedByTwoClicks) {
     Driver driver;
-    driver.run({[](Driver& d) { drawSome(d); },
-                [](Driver& d) { d.click(25, 0); },
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(25, 0); },
                 [](Driver& d) { d.click(40, 0); }, // the grip at the end
                 [](Driver& d) {
                     ASSERT_FALSE(d.window().windowInput().isIdle());
@@ -197,10 +187,8 @@ TEST(Window, AGripIsMovedByTwoClicks) {
 
 TEST(Window, WhatIsMovedFollowsTheCursor) {
     Driver driver;
-    driver.run({[](Driver& d) { drawSome(d); },
-                [](Driver& d) { start(d, "_.MOVE"); },
-                [](Driver& d) { d.type(QStringLiteral("ALL\n\n0,0\n")); },
-                [](Driver& d) { d.move(10, 15); },
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { start(d, "_.MOVE"); },
+                [](Driver& d) { d.type(QStringLiteral("ALL\n\n0,0\n")); }, [](Driver& d) { d.move(10, 15); },
                 [](Driver& d) {
                     const auto& dragged = d.window().windowInput().request()->dragged;
                     ASSERT_EQ(dragged.size(), 3u);
@@ -216,14 +204,10 @@ TEST(Window, WhatIsMovedFollowsTheCursor) {
 
 TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
     Driver driver(QDV_MODULE);
-    driver.run({[](Driver& d) { start(d, "V7_Enclose"); },
-                [](Driver& d) { d.click(0, 0); },
-                [](Driver& d) { d.move(40, 0); },
-                [](Driver& d) { d.click(40, 0); },
-                [](Driver& d) { d.click(40, 30); },
-                [](Driver& d) { d.rightClick(); },
-                [](Driver& d) { d.click(20, 5); },
-                [](Driver& d) { d.rightClick(); },
+    driver.run({[](Driver& d) { start(d, "V7_Enclose"); }, [](Driver& d) { d.click(0, 0); },
+                [](Driver& d) { d.move(40, 0); }, [](Driver& d) { d.click(40, 0); },
+                [](Driver& d) { d.click(40, 30); }, [](Driver& d) { d.rightClick(); },
+                [](Driver& d) { d.click(20, 5); }, [](Driver& d) { d.rightClick(); },
                 [](Driver& d) {
                     ASSERT_TRUE(d.window().windowInput().isIdle());
                     ASSERT_EQ(entities().size(), 2u);
@@ -233,18 +217,15 @@ TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
 
 TEST(Window, TransparentZoomGoesBackToTheQuestion) {
     Driver driver;
-    driver.run({[](Driver& d) { start(d, "_.LINE"); },
-                [](Driver& d) { d.click(0, 0); },
+    driver.run({[](Driver& d) { start(d, "_.LINE"); }, [](Driver& d) { d.click(0, 0); },
                 [](Driver& d) { d.window().trigger("_.ZOOM _W", true); },
-                [](Driver& d) { d.click(-10, -10); },
-                [](Driver& d) { d.click(10, 10); },
+                [](Driver& d) { d.click(-10, -10); }, [](Driver& d) { d.click(10, 10); },
                 [](Driver& d) {
                     EXPECT_LT(d.canvas().map().unitsPerPixel * d.canvas().map().width, 60);
                     EXPECT_NEAR(d.canvas().map().centre.x, 0, 1);
                     d.click(5, 5);
                 },
-                [](Driver& d) { d.key(Qt::Key_Return); },
-                [](Driver&) { expectNear(lineAt(0).end, 5, 5); }});
+                [](Driver& d) { d.key(Qt::Key_Return); }, [](Driver&) { expectNear(lineAt(0).end, 5, 5); }});
 }
 
 TEST(Window, ClosingAsksForWhatIsNotSaved) {

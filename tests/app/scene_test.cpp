@@ -1,8 +1,7 @@
 // The picture follows the drawing: what is kept between two pictures never shows in them.
-#include "tests/app/windowdriver.h"
-
 #include "app/canvas/displaytree.h"
 #include "app/canvas/renderer.h"
+#include "tests/app/windowdriver.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -151,8 +150,9 @@ TEST_F(DrawnScene, ToldPartsCoverWhatChanged) {
     ASSERT_FALSE(change.everything);
     ASSERT_EQ(change.boxes.size(), 3u) << "where the circle was and is, and the arc";
     for (const host::Box2d& box : change.boxes) {
-        const QRect part(QPoint(static_cast<int>(view.x(box.minimum.x)) - 2, static_cast<int>(view.y(box.maximum.y)) - 2),
-                         QPoint(static_cast<int>(view.x(box.maximum.x)) + 2, static_cast<int>(view.y(box.minimum.y)) + 2));
+        const QRect part(
+            QPoint(static_cast<int>(view.x(box.minimum.x)) - 2, static_cast<int>(view.y(box.maximum.y)) - 2),
+            QPoint(static_cast<int>(view.x(box.maximum.x)) + 2, static_cast<int>(view.y(box.minimum.y)) + 2));
         QPainter(&image).fillRect(part, Qt::black);
         app::Renderer(scene, view, look).draw(image, part, 100);
     }

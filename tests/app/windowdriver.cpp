@@ -56,8 +56,8 @@ void WindowDriver::run(std::vector<Step> steps) {
     mSession.run(mWindow->input());
 }
 
-void WindowDriver::send(QEvent::Type type, const QPointF& at, Qt::MouseButton button, Qt::MouseButtons buttons,
-                        Qt::KeyboardModifiers modifiers) {
+void WindowDriver::send(QEvent::Type type, const QPointF& at, Qt::MouseButton button,
+                        Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers) {
     QMouseEvent event(type, at, canvas().mapToGlobal(at), button, buttons, modifiers);
     QApplication::sendEvent(&canvas(), &event);
 }

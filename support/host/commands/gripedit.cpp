@@ -1,5 +1,5 @@
-// GRIP_STRETCH: what the window runs when a grip is clicked. The grips move by what lies between the one clicked and
-// the point that is given; the other modes move, copy or turn the whole pick-first set.
+// GRIP_STRETCH: what the window runs when a grip is clicked. The grips move by what lies between the one
+// clicked and the point that is given; the other modes move, copy or turn the whole pick-first set.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
 #include "host/ed/grips.h"
@@ -81,8 +81,8 @@ private:
         options.base = mBase;
         options.dragged = mPreview.at(mOffset);
         const wchar_t* prompt = mIsPromptShown ? L""
-                                : mCopies     ? L"\n** 拉伸 (多个) **\n指定拉伸点或 [基点(B)/放弃(U)/退出(X)]: "
-                                              : L"\n** 拉伸 **\n指定拉伸点或 [基点(B)/复制(C)/放弃(U)/退出(X)]: ";
+                                : mCopies ? L"\n** 拉伸 (多个) **\n指定拉伸点或 [基点(B)/放弃(U)/退出(X)]: "
+                                          : L"\n** 拉伸 **\n指定拉伸点或 [基点(B)/复制(C)/放弃(U)/退出(X)]: ";
         InputItem item = inputStream().ask(prompt, options);
         mIsPromptShown = item.kind == InputItem::Kind::motion;
         return item;
@@ -94,7 +94,8 @@ private:
             return true;
         }
         static const KeywordList words(L"Base Copy Undo eXit");
-        if (const auto word = item.kind == InputItem::Kind::text ? words.matchGlobal(item.text) : std::nullopt) {
+        if (const auto word =
+                item.kind == InputItem::Kind::text ? words.matchGlobal(item.text) : std::nullopt) {
             if (*word == L"Base") {
                 const PointAnswer base = host::askPoint(L"\n指定基点: ");
                 mBase = base.isValue() ? base.world : mBase;
@@ -136,7 +137,8 @@ private:
         AcDbObjectIdArray ids;
         ids.append(id);
         AcDbIdMapping mapping;
-        if (currentDatabase().deepCloneObjects(ids, currentDatabase().currentSpaceId(), mapping) != Acad::eOk) {
+        if (currentDatabase().deepCloneObjects(ids, currentDatabase().currentSpaceId(), mapping) !=
+            Acad::eOk) {
             return;
         }
         AcDbIdPair pair(id, AcDbObjectId(), false);

@@ -32,7 +32,8 @@ void runErase() {
     eraseForOops(selection.ids());
 }
 
-/// Brings back the records that the entity names and that were purged since; false when a new one has the name.
+/// Brings back the records that the entity names and that were purged since; false when a new one has the
+/// name.
 bool bringBackRecords(const AcDbEntity& entity) {
     IdCollector collector(AcDb::kPurgeFiler);
     {

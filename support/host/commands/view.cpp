@@ -89,17 +89,17 @@ void zoomExtents(bool withLimits) {
 void zoomCentre() {
     const PointAnswer centre = askPoint(L"\n指定中心点: ", nullptr, nullptr, 1);
     const RealAnswer height =
-        centre.isValue() ? askDistance(L"\n输入比例或高度 <" + shown(systemVariableReal(L"VIEWSIZE")) + L">: ",
-                                       nullptr, &centre.ucs, 6)
-                         : RealAnswer();
+        centre.isValue()
+            ? askDistance(L"\n输入比例或高度 <" + shown(systemVariableReal(L"VIEWSIZE")) + L">: ", nullptr,
+                          &centre.ucs, 6)
+            : RealAnswer();
     if (height.isValue()) {
         setView(centre.ucs, height.value);
     }
 }
 
 void zoomWindow(const PointAnswer& first) {
-    const PointAnswer corner =
-        first.isValue() ? first : askPoint(L"\n指定第一个角点: ", nullptr, nullptr, 1);
+    const PointAnswer corner = first.isValue() ? first : askPoint(L"\n指定第一个角点: ", nullptr, nullptr, 1);
     if (!corner.isValue()) {
         return;
     }
@@ -196,11 +196,13 @@ void runRedraw() {
 }
 
 constexpr Adesk::Int32 flags = ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER;
-constexpr CommandRow rows[] = {
-    {L"ZOOM", L"缩放", flags, runZoom},     {L"PAN", L"平移", flags, runPan},
-    {L"-PAN", L"-平移", flags, runPan},     {L"REGEN", L"重生成", flags, runRegen},
-    {L"REGENALL", L"全部重生成", flags, runRegen}, {L"REDRAW", L"重画", flags, runRedraw},
-    {L"REDRAWALL", L"全部重画", flags, runRedraw}};
+constexpr CommandRow rows[] = {{L"ZOOM", L"缩放", flags, runZoom},
+                               {L"PAN", L"平移", flags, runPan},
+                               {L"-PAN", L"-平移", flags, runPan},
+                               {L"REGEN", L"重生成", flags, runRegen},
+                               {L"REGENALL", L"全部重生成", flags, runRegen},
+                               {L"REDRAW", L"重画", flags, runRedraw},
+                               {L"REDRAWALL", L"全部重画", flags, runRedraw}};
 
 } // namespace
 

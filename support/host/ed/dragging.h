@@ -9,8 +9,8 @@
 
 namespace host {
 
-/// While in scope, questions of this line of execution that have a base show copies of the entities, transformed by
-/// what the base and the place of the cursor mean. A script moves no cursor and pays nothing.
+/// While in scope, questions of this line of execution that have a base show copies of the entities,
+/// transformed by what the base and the place of the cursor mean. A script moves no cursor and pays nothing.
 class Dragging {
 public:
     /// Both points in world coordinates.

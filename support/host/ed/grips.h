@@ -10,7 +10,7 @@ namespace host {
 
 struct EntityGrip {
     AcDbObjectId entity;
-    int index = 0; ///< for AcDbEntity::moveGripPointsAt
+    int index = 0;     ///< for AcDbEntity::moveGripPointsAt
     AcGePoint3d point; ///< world
 };
 

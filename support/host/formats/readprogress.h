@@ -6,8 +6,8 @@
 
 namespace host {
 
-/// While in scope, readers on this thread tell the share that is read, now and then; false ends the reading with
-/// eUserBreak.
+/// While in scope, readers on this thread tell the share that is read, now and then; false ends the reading
+/// with eUserBreak.
 class ReadProgress {
 public:
     explicit ReadProgress(std::function<bool(double)> tell) : mTell(std::move(tell)), mOuter(current()) {
