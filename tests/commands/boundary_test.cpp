@@ -170,11 +170,11 @@ TEST_F(Boundary, AWideRiverOfManyVertices) {
 }
 
 TEST_F(Boundary, AHatchKeepsItsScaleAndItsLoops) {
-    run("RECTANG 0,0 100,50\nCIRCLE 30,25 10\nELLIPSE C\n70,25 80,25 5\n-HATCH P\nANSI31\n3\n45\n5,5\n\n");
+    run("RECTANG 0,0 100,50\nCIRCLE 30,25 10\nELLIPSE C\n70,25 80,25 5\n-HATCH P\nU\n45\n3\nN\n5,5\n\n");
     const std::vector<AcDbHatch*> hatches = entities<AcDbHatch>();
     ASSERT_EQ(hatches.size(), 1u) << host::toUtf8(transcript.shown);
     EXPECT_EQ(Read(hatches[0])->numLoops(), 3);
-    EXPECT_EQ(Read(hatches[0])->patternScale(), 3.0);
+    EXPECT_EQ(Read(hatches[0])->patternSpace(), 3.0);
     double area = 0.0;
     EXPECT_EQ(Read(hatches[0])->getArea(area), Acad::eOk);
     EXPECT_NEAR(area, 5000 - 100 * host::pi - 50 * host::pi, 0.1);
