@@ -76,8 +76,8 @@ void CTextEditDlg::load(std::size_t index) {
     mCurrent = index;
     if (const CArxObjTemplate<AcDbText> text(mTexts[index], false); text) {
         highlight(index, true);
+        mProperties.Show(propertiesOf(*text)); // first: its changes are heard, and the string read back
         mString = text->textStringConst();
-        mProperties.Show(propertiesOf(*text));
     }
     UpdateData(FALSE);
     CWnd* string = GetDlgItem(IDC_EDIT_TEXT);
