@@ -93,11 +93,11 @@ void Raster::whole(PixelPoint from, PixelPoint to) {
         mWide.line(from.x, from.y, to.x, to.y);
         return;
     }
+    // Lines along the axes stand on whole pixels and need no smoothing.
+    const bool straight = std::abs(from.x - to.x) < 0.5 || std::abs(from.y - to.y) < 0.5;
     if (!cut(from, to, mClip.left() - 1, mClip.top() - 1, mClip.right() + 2, mClip.bottom() + 2)) {
         return;
     }
-    // Lines along the axes stand on whole pixels and need no smoothing.
-    const bool straight = std::abs(from.x - to.x) < 0.5 || std::abs(from.y - to.y) < 0.5;
     mIsSmooth && !straight ? smooth(from, to) : plain(from, to);
 }
 
