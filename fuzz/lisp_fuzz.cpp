@@ -34,7 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (isReadable(printed)) {
         host::LispInterpreter fresh;
         const host::LispEvaluation again = fresh.evaluate(L"(quote " + printed + L")");
-        require(again.ok && host::lisp::printed(again.value) == printed, "printed, the value reads as another");
+        require(again.ok && host::lisp::printed(again.value) == printed,
+                "printed, the value reads as another");
     }
     return 0;
 }

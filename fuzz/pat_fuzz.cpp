@@ -1,4 +1,5 @@
-// Any bytes as a hatch pattern file: every definition is either good or says in one line what is wrong with it.
+// Any bytes as a hatch pattern file: every definition is either good or says in one line what is wrong with
+// it.
 #include "fuzz/target.h"
 
 #include "host/formats/pat/patfile.h"

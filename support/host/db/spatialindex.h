@@ -86,8 +86,8 @@ public:
         }
     }
 
-    /// From now on every touched object is noted there, some more than once; null ends it. Who keeps a picture
-    /// of the drawing takes them out.
+    /// From now on every touched object is noted there, some more than once; null ends it. Who keeps a
+    /// picture of the drawing takes them out.
     void setJournal(std::vector<AcDbStub*>* journal) { mJournal = journal; }
 
     /// Grows with everything that changes in the drawing, appended objects included.

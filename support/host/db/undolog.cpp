@@ -143,7 +143,8 @@ void UndoLog::apply(Record& record) {
         mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
         break;
     case Kind::entities:
-        swapStubs(static_cast<AcDbBlockTableRecord&>(*record.stub->object).entitiesForReaders(), record.image);
+        swapStubs(static_cast<AcDbBlockTableRecord&>(*record.stub->object).entitiesForReaders(),
+                  record.image);
         break;
     case Kind::lastErased:
         swapStubs(mLastErased, record.image);

@@ -97,7 +97,8 @@ private:
     struct Record {
         Kind kind;
         AcDbStub* stub = nullptr;
-        std::string image;      ///< image, replaced: what the object filed; entities, lastErased: addresses of stubs
+        std::string
+            image; ///< image, replaced: what the object filed; entities, lastErased: addresses of stubs
         std::wstring className; ///< replaced
         HeaderIndex index = 0;  ///< header
         HeaderValue value;      ///< header

@@ -197,7 +197,7 @@ void setLastPoint(const AcGePoint3d& point) {
 }
 
 std::optional<AcGePoint3d> pointIn(const InputItem& item, const std::optional<AcGePoint3d>& base) {
-    if (item.kind == InputItem::Kind::value) {
+    if (item.kind == InputItem::Kind::value || item.kind == InputItem::Kind::motion) {
         return item.value != nullptr ? pointInValue(*item.value) : std::nullopt;
     }
     if (item.kind != InputItem::Kind::text) {

@@ -34,7 +34,7 @@ struct RunContext {
     CommandFrame* frame = nullptr;
     Drive* drive = nullptr; ///< null: answers come from the user
     Invocation* invocation = nullptr;
-    Dragging* dragging = nullptr; ///< what follows the cursor in questions with a base
+    Dragging* dragging = nullptr;   ///< what follows the cursor in questions with a base
     LoadedModule* module = nullptr; ///< kept here only while the context does not run
     int muteDepth = 0;              ///< likewise
 };

@@ -229,12 +229,11 @@ void Audit::checkLists() {
         const auto faulty = std::count_if(entities.begin(), entities.end(), isFaulty);
         if (faulty > 0) {
             seen.clear();
-            note<AcDbBlockTableRecord>(
-                *block, L"对象表中有 " + std::to_wstring(faulty) + L" 个无效的项", L"移除",
-                [&](AcDbBlockTableRecord& opened) {
-                    mDatabase.undoLog().recordEntities(opened);
-                    std::erase_if(opened.entitiesForReaders(), isFaulty);
-                });
+            note<AcDbBlockTableRecord>(*block, L"对象表中有 " + std::to_wstring(faulty) + L" 个无效的项",
+                                       L"移除", [&](AcDbBlockTableRecord& opened) {
+                                           mDatabase.undoLog().recordEntities(opened);
+                                           std::erase_if(opened.entitiesForReaders(), isFaulty);
+                                       });
             applyFixes();
         }
     }
@@ -262,9 +261,8 @@ void Audit::checkOwner(AcDbObject& object) {
     const auto listed = mListedIn.find(object.objectId().stub());
     if (entity == nullptr || isThere(object.ownerId())) {
         if (entity != nullptr && listed == mListedIn.end() && peek<AcDbBlockTableRecord>(object.ownerId())) {
-            note<AcDbObject>(object, L"不在所有者的对象表中", L"加入", [](AcDbObject& opened) {
-                appendTo(opened.ownerId(), opened);
-            });
+            note<AcDbObject>(object, L"不在所有者的对象表中", L"加入",
+                             [](AcDbObject& opened) { appendTo(opened.ownerId(), opened); });
         } else if (listed != mListedIn.end() && listed->second != object.ownerId().stub()) {
             note<AcDbObject>(object, L"所有者不正确", L"改正", [owner = listed->second](AcDbObject& opened) {
                 opened.setOwnerId(AcDbObjectId(owner));

@@ -41,8 +41,8 @@ std::unique_ptr<AcDbEntity> splineEntity(const AcDbEntity& source, const BezierC
     if (!curve.isRational()) {
         weights.setLogicalLength(0);
     }
-    auto spline =
-        std::make_unique<AcDbSpline>(curve.degree(), curve.isRational(), false, false, points, knots, weights);
+    auto spline = std::make_unique<AcDbSpline>(curve.degree(), curve.isRational(), false, false, points,
+                                               knots, weights);
     spline->setPropertiesFrom(&source);
     return spline;
 }

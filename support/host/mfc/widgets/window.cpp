@@ -199,12 +199,14 @@ bool HWND__::keyEvent(QEvent* event, bool down) {
     const bool isCharacter = !typed.isEmpty() && (typed[0].isPrint() || code == VK_BACK || code == VK_RETURN);
     if (object == nullptr) {
         static_cast<QObject*>(widget.data())->event(event);
+        key.accept(); // a key that nobody wants is not offered to the parents: here only this window has it
         return true;
     }
     // A key that types something reaches the widget as its character.
     offer(message.message, code, 1, isCharacter ? nullptr : event);
     if (isCharacter && !self.isNull())
         offer(WM_CHAR, typed[0].unicode(), 1, event);
+    key.accept();
     return true;
 }
 
