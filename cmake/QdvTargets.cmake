@@ -2,37 +2,51 @@
 
 add_library(qdv_flags INTERFACE)
 target_compile_options(qdv_flags INTERFACE -fno-semantic-interposition)
-if(QDV_FUZZ) # Clang warns of other things than the compiler that the warnings are kept clean for
-  target_compile_options(qdv_flags INTERFACE -w -fsanitize=fuzzer-no-link)
+if(QDV_SANITIZE) # Clang warns of other things than the compiler that the warnings are kept clean for
+  target_compile_options(qdv_flags INTERFACE -w -fsanitize=address,undefined,fuzzer-no-link
+    -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(qdv_flags INTERFACE -fsanitize=address,undefined)
 else()
   target_compile_options(qdv_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
 endif()
 target_compile_definitions(qdv_flags INTERFACE UNICODE _UNICODE)
 target_include_directories(qdv_flags INTERFACE ${CMAKE_SOURCE_DIR}/support ${CMAKE_SOURCE_DIR})
-if(QDV_SANITIZE)
-  target_compile_options(qdv_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-    -fno-omit-frame-pointer)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(qdv_flags INTERFACE -Wno-maybe-uninitialized) # misjudges the library here
-  endif()
-  target_link_options(qdv_flags INTERFACE -fsanitize=address,undefined)
-endif()
 
-# qdv_precompile(target): the standard headers that nearly every file needs, parsed once.
-add_library(qdv_pch OBJECT ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
-target_link_libraries(qdv_pch PUBLIC qdv_flags)
-target_precompile_headers(qdv_pch PRIVATE
-  <algorithm> <array> <cmath> <cstdint> <functional> <map> <memory> <optional> <span> <string>
+# qdv_precompile(target [std|db|ed|window|test]): the headers that nearly every file of a target needs, parsed once. Each
+# kind holds the ones before it. With QDV_PRECOMPILE_HOST off all targets get the standard headers alone, so that an edited
+# header rebuilds no more than what includes it, and a missing include shows.
+function(qdv_precompiled kind)
+  add_library(qdv_pch_${kind} OBJECT ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
+  target_link_libraries(qdv_pch_${kind} PUBLIC qdv_flags)
+  target_precompile_headers(qdv_pch_${kind} PRIVATE ${ARGN})
+endfunction()
+set(qdv_std_headers <algorithm> <array> <cmath> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string>
   <string_view> <unordered_map> <utility> <variant> <vector>)
+qdv_precompiled(std ${qdv_std_headers})
+if(QDV_PRECOMPILE_HOST)
+  set(qdv_db_headers ${qdv_std_headers} ${CMAKE_SOURCE_DIR}/support/host/db/db.h ${CMAKE_SOURCE_DIR}/support/host/db/dbents.h)
+  set(qdv_ed_headers ${qdv_db_headers} ${CMAKE_SOURCE_DIR}/support/host/arx.h)
+  qdv_precompiled(db ${qdv_db_headers})
+  qdv_precompiled(ed ${qdv_ed_headers})
+  qdv_precompiled(window ${qdv_ed_headers} <QtCore/QtCore> <QtGui/QtGui> <QtWidgets/QtWidgets>)
+  target_link_libraries(qdv_pch_window PUBLIC Qt6::Widgets)
+  if(QDV_TESTS)
+    qdv_precompiled(test ${qdv_ed_headers} <gtest/gtest.h>)
+  endif()
+endif()
 function(qdv_precompile target)
+  set(kind std)
+  if(QDV_PRECOMPILE_HOST AND ARGC GREATER 1)
+    set(kind ${ARGV1})
+  endif()
   target_compile_options(${target} PRIVATE -fPIC) # executables too: the header was compiled so
-  target_precompile_headers(${target} REUSE_FROM qdv_pch)
+  target_precompile_headers(${target} REUSE_FROM qdv_pch_${kind})
 endfunction()
 
-# qdv_host_library(area [USES area...] [LINK library...]): host_<area> from every .cpp of the folder.
+# qdv_host_library(area [USES area...] [LINK library...] [HEADERS kind]): host_<area> from every .cpp of the folder.
 function(qdv_host_library area)
-  cmake_parse_arguments(arg "" "" "USES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "HEADERS" "USES;LINK" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources) # a folder that has only headers
     set(sources ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
@@ -43,7 +57,7 @@ function(qdv_host_library area)
     target_link_libraries(host_${area} PUBLIC host_${used})
   endforeach()
   target_link_libraries(host_${area} PUBLIC ${arg_LINK})
-  qdv_precompile(host_${area})
+  qdv_precompile(host_${area} ${arg_HEADERS})
   set_property(GLOBAL APPEND PROPERTY QDV_HOST_AREAS host_${area})
 endfunction()
 
@@ -56,7 +70,7 @@ function(qdv_unit_test name)
   endif()
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE qdv_flags ${arg_LINK} GTest::gtest_main)
-  qdv_precompile(test_${name})
+  qdv_precompile(test_${name} test)
   gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST)
 endfunction()
 
@@ -66,8 +80,8 @@ function(qdv_module_part name)
   add_library(qdv_${name} OBJECT ${sources})
   target_link_libraries(qdv_${name} PRIVATE qdv_flags)
   # A library with unique symbols could never be unloaded.
-  target_compile_options(qdv_${name} PRIVATE -fno-gnu-unique)
-  qdv_precompile(qdv_${name})
+  target_compile_options(qdv_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+  qdv_precompile(qdv_${name} ed)
   set_property(GLOBAL APPEND PROPERTY QDV_MODULE_PARTS qdv_${name})
 endfunction()
 

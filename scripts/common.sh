@@ -6,7 +6,7 @@ build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev libfreetype
     libfontconfig-dev zlib1g-dev libdeflate-dev binutils-mingw-w64-x86-64)
 font_packages=(fonts-noto-cjk fonts-liberation hershey-fonts-data)
 test_packages=(libgtest-dev libgmock-dev python3)
-fuzz_packages=(clang libclang-rt-14-dev)
+sanitizer_packages=(clang libclang-rt-14-dev)
 
 # GCC's precompiled headers and ccache agree only when told to.
 export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime

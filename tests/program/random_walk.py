@@ -7,6 +7,7 @@ random_walk.py PROGRAM DRAWING [--seed N] [--commands N] [--folder DIR] [--shrin
 """
 
 import argparse
+import os
 import pathlib
 import random
 import re
@@ -231,7 +232,7 @@ class Walk:
         words = [self.program, "--script", "walk.scr", "--module", "none", "--settings", "settings", *options,
                  str(drawing or self.drawing)]
         result = subprocess.run(words, cwd=self.folder, capture_output=True, timeout=self.timeout,
-                                env={"QT_QPA_PLATFORM": "offscreen", "PATH": "/usr/bin:/bin", "HOME": str(self.folder)})
+                                env=os.environ | {"QT_QPA_PLATFORM": "offscreen", "HOME": str(self.folder)})
         (self.folder / "output.txt").write_bytes(result.stdout)
         (self.folder / "errors.txt").write_bytes(result.stderr)
         return result
