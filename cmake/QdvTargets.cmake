@@ -13,26 +13,27 @@ endif()
 target_compile_definitions(qdv_flags INTERFACE UNICODE _UNICODE)
 target_include_directories(qdv_flags INTERFACE ${CMAKE_SOURCE_DIR}/support ${CMAKE_SOURCE_DIR})
 
-# qdv_precompile(target [std|db|ed|window|test]): the headers that nearly every file of a target needs, parsed once. Each
-# kind holds the ones before it. With QDV_PRECOMPILE_HOST off all targets get the standard headers alone, so that an edited
-# header rebuilds no more than what includes it, and a missing include shows.
+# qdv_precompile(target [std|db|ed|arx|window|test]): the headers that nearly every file of a target needs, parsed once. No
+# kind goes beyond what its targets link to: checks of casts ask for every class that a file knows of. With
+# QDV_PRECOMPILE_HOST off all get the standard headers alone, so that an edited header rebuilds no more than what includes
+# it, and a missing include shows.
 function(qdv_precompiled kind)
   add_library(qdv_pch_${kind} OBJECT ${CMAKE_SOURCE_DIR}/cmake/pch.cpp)
   target_link_libraries(qdv_pch_${kind} PUBLIC qdv_flags)
-  target_precompile_headers(qdv_pch_${kind} PRIVATE ${ARGN})
+  target_precompile_headers(qdv_pch_${kind} PRIVATE
+    <algorithm> <array> <cmath> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
+    <unordered_map> <utility> <variant> <vector> ${ARGN})
 endfunction()
-set(qdv_std_headers <algorithm> <array> <cmath> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string>
-  <string_view> <unordered_map> <utility> <variant> <vector>)
-qdv_precompiled(std ${qdv_std_headers})
+qdv_precompiled(std)
 if(QDV_PRECOMPILE_HOST)
-  set(qdv_db_headers ${qdv_std_headers} ${CMAKE_SOURCE_DIR}/support/host/db/db.h ${CMAKE_SOURCE_DIR}/support/host/db/dbents.h)
-  set(qdv_ed_headers ${qdv_db_headers} ${CMAKE_SOURCE_DIR}/support/host/arx.h)
-  qdv_precompiled(db ${qdv_db_headers})
-  qdv_precompiled(ed ${qdv_ed_headers})
-  qdv_precompiled(window ${qdv_ed_headers} <QtCore/QtCore> <QtGui/QtGui> <QtWidgets/QtWidgets>)
+  set(host ${CMAKE_SOURCE_DIR}/support/host)
+  qdv_precompiled(db ${host}/db/db.h ${host}/db/dbents.h)
+  qdv_precompiled(ed ${host}/db/dbents.h ${host}/ed/ed.h)
+  qdv_precompiled(arx ${host}/arx.h)
+  qdv_precompiled(window ${host}/arx.h <QtCore/QtCore> <QtGui/QtGui> <QtWidgets/QtWidgets>)
   target_link_libraries(qdv_pch_window PUBLIC Qt6::Widgets)
   if(QDV_TESTS)
-    qdv_precompiled(test ${qdv_ed_headers} <gtest/gtest.h>)
+    qdv_precompiled(test ${host}/arx.h <gtest/gtest.h>)
   endif()
 endif()
 function(qdv_precompile target)
@@ -61,16 +62,16 @@ function(qdv_host_library area)
   set_property(GLOBAL APPEND PROPERTY QDV_HOST_AREAS host_${area})
 endfunction()
 
-# qdv_unit_test(name LINK library...): test_<name> from every .cpp of the current folder.
+# qdv_unit_test(name LINK library... [HEADERS kind]): test_<name> from every .cpp of the current folder.
 function(qdv_unit_test name)
-  cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "HEADERS" "LINK" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
     return()
   endif()
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE qdv_flags ${arg_LINK} GTest::gtest_main)
-  qdv_precompile(test_${name} test)
+  qdv_precompile(test_${name} ${arg_HEADERS})
   gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST)
 endfunction()
 
@@ -81,7 +82,7 @@ function(qdv_module_part name)
   target_link_libraries(qdv_${name} PRIVATE qdv_flags)
   # A library with unique symbols could never be unloaded.
   target_compile_options(qdv_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
-  qdv_precompile(qdv_${name} ed)
+  qdv_precompile(qdv_${name} arx)
   set_property(GLOBAL APPEND PROPERTY QDV_MODULE_PARTS qdv_${name})
 endfunction()
 

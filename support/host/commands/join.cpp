@@ -23,12 +23,13 @@ int joinLines(const AcDbObjectIdArray& ids) {
         const ReadAccess access(*line);
         return std::pair(line->startPoint(), line->endPoint());
     };
-    const auto [start, end] = ends(ids[0]);
-    const double length = start.distanceTo(end);
+    const std::pair<AcGePoint3d, AcGePoint3d> first = ends(ids[0]);
+    const AcGePoint3d& start = first.first;
+    const double length = start.distanceTo(first.second);
     if (length == 0.0) {
         return 0;
     }
-    const AcGeVector3d along = (end - start).normal();
+    const AcGeVector3d along = (first.second - start).normal();
     double low = 0.0;
     double high = length;
     std::vector<AcDbObjectId> joined;

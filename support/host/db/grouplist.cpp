@@ -31,6 +31,12 @@ Adesk::Int64 parseInteger(std::string_view text) {
     return value;
 }
 
+/// 10 to 37 and 110 to 132 (also of extended data), 210 to 230: x, y and z of points, ten apart.
+constexpr bool isCoordinate(int code) {
+    code = code >= 1000 ? code - 1000 : code;
+    return (code >= 10 && code <= 37) || (code >= 110 && code <= 132) || (code >= 210 && code <= 230);
+}
+
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';
@@ -181,7 +187,8 @@ void GroupList::add(const DxfGroup& group) {
         }
         break;
     case ResbufKind::real:
-        if (group.text.empty()) {
+        // A coordinate that stands alone may, when written, come to stand after another that it makes a point with.
+        if (group.text.empty() || isCoordinate(group.code)) {
             addReal(group.code, group.real);
         } else {
             add(group.code, group.text);

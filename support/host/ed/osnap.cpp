@@ -192,6 +192,16 @@ std::optional<Snapped> snapPoint(const AcGePoint3d& place, int modes, const AcGe
     return search.best();
 }
 
+std::wstring snapModesText(int modes) {
+    std::wstring text;
+    for (const SnapMode& mode : snapModes) {
+        if ((modes & mode.mask) != 0 && text.find(mode.local) == std::wstring::npos) {
+            text.append(text.empty() ? L"" : L",").append(mode.local);
+        }
+    }
+    return text.empty() ? L"无" : text;
+}
+
 int runningSnapModes() {
     const int modes = systemVariableInteger(L"OSMODE");
     return (modes & switchedOff) != 0 ? 0 : modes & (switchedOff - 1);

@@ -12,6 +12,9 @@ namespace host {
 /// Bits of AcDb::OsnapMask of words such as "_end,mid", "端点" or "none"; nothing when a word is no mode.
 std::optional<int> parseSnapModes(std::wstring_view text);
 
+/// The modes as such words, between commas; "无" for none.
+std::wstring snapModesText(int modes);
+
 /// A word typed instead of a point that says how the point will be found.
 struct PointWord {
     enum class Kind {

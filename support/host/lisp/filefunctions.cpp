@@ -81,7 +81,9 @@ Value load(LispInterpreter& lisp, Arguments arguments) {
     if (arguments.size() > 1) {
         return insteadOfLoading(lisp, arguments[1]);
     }
-    throw Error(L"LOAD 失败: \"" + escaped(name) + L"\"");
+    const bool outside = visiblePath(lisp, name) || visiblePath(lisp, name + L".lsp");
+    throw Error(L"LOAD 失败: \"" + escaped(name) + L"\"" +
+                (outside ? L"，程序只从支持文件夹和变量 TRUSTEDPATHS 所列的文件夹加载" : L""));
 }
 
 // (autoload file (command ...)): the first call of a command loads the file and calls what it has defined.

@@ -1,6 +1,7 @@
 // Blocks that hold themselves: they are refused, and taken apart where a file has them.
 #include "host/db/dbdatabase.h"
 #include "host/db/entities/blockreference.h"
+#include "host/rx/format.h"
 
 #include <unordered_map>
 #include <unordered_set>
@@ -41,6 +42,19 @@ bool forContents(AcDbObjectId outer, Visit&& visit) {
     return true;
 }
 
+/// What a reference of a block comes to, with all that its blocks hold.
+struct Contents {
+    double references = 0.0; ///< as many as blocks in blocks make: beyond what integers hold
+    int depth = 0;
+    bool isImmense() const { return references > mostNestedReferences || depth >= deepestBlocks; }
+};
+
+std::wstring immensity(const AcDbBlockTableRecord& block, const Contents& contents) {
+    return formatted(L"块 \"%s\" 展开后有 %.7g 个块参照, 嵌套 %d 层, 最多显示 %d 个, %d 层",
+                     block.name().constPtr(), contents.references, contents.depth, mostNestedReferences,
+                     deepestBlocks);
+}
+
 } // namespace
 
 bool blockContains(AcDbObjectId outer, AcDbObjectId inner) {
@@ -66,8 +80,7 @@ bool wouldHoldItself(const AcDbDatabase& database, const ACHAR* blockName, const
     });
 }
 
-void breakBlockCycles(AcDbDatabase& database,
-                      const std::function<void(const std::wstring&, Adesk::UInt64)>& report) {
+void breakBlockCycles(AcDbDatabase& database, const BlockReport& report, const BlockReport& tell) {
     const auto* table = peek<AcDbBlockTable>(database.blockTableId());
     if (table == nullptr) {
         return;
@@ -77,6 +90,7 @@ void breakBlockCycles(AcDbDatabase& database,
     struct Frame {
         AcDbStub* block;
         std::vector<std::pair<AcDbBlockReference*, AcDbStub*>> references;
+        std::unordered_map<AcDbStub*, std::size_t> counts; ///< of references, by their block
         std::size_t next = 0;
     };
     std::vector<Frame> stack;
@@ -85,15 +99,32 @@ void breakBlockCycles(AcDbDatabase& database,
         Frame& frame = stack.emplace_back();
         frame.block = stub;
         const auto* block = peek<AcDbBlockTableRecord>(AcDbObjectId(stub));
-        std::unordered_set<AcDbStub*> done; // references to what is known to be free of cycles need no visit
         forReferences(*block, [&](AcDbBlockReference& reference, AcDbObjectId inner) {
-            if (states[inner.stub()] == State::unseen && !done.insert(inner.stub()).second) {
+            // References to what is known to be free of cycles need no visit.
+            if (++frame.counts[inner.stub()] > 1 && states[inner.stub()] == State::unseen) {
                 return;
             }
             if (states[inner.stub()] != State::done && peek<AcDbBlockTableRecord>(inner) != nullptr) {
                 frame.references.emplace_back(&reference, inner.stub());
             }
         });
+    };
+    std::unordered_map<AcDbStub*, Contents> sizes;
+    const auto leave = [&](const Frame& frame) {
+        states[frame.block] = State::done;
+        Contents& contents = sizes[frame.block];
+        bool isTold = false;
+        for (const auto& [inner, count] : frame.counts) {
+            if (const auto found = sizes.find(inner); found != sizes.end()) {
+                contents.references += static_cast<double>(count) * (1.0 + found->second.references);
+                contents.depth = std::max(contents.depth, found->second.depth + 1);
+                isTold = isTold || found->second.isImmense();
+            }
+        }
+        const auto* block = peek<AcDbBlockTableRecord>(AcDbObjectId(frame.block));
+        if (contents.isImmense() && !isTold && !block->isLayout()) {
+            tell(immensity(*block, contents), frame.block->handle);
+        }
     };
     for (AcDbStub* record : table->records()) {
         if (states[record] != State::unseen || peek<AcDbBlockTableRecord>(AcDbObjectId(record)) == nullptr) {
@@ -102,7 +133,7 @@ void breakBlockCycles(AcDbDatabase& database,
         enter(record);
         while (!stack.empty()) {
             if (stack.back().next == stack.back().references.size()) {
-                states[stack.back().block] = State::done;
+                leave(stack.back());
                 stack.pop_back();
                 continue;
             }

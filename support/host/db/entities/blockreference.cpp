@@ -24,7 +24,7 @@ class VisitScope {
 public:
     explicit VisitScope(const AcDbBlockTableRecord* block) : mBlock(block) {
         State& now = state();
-        mEntered = block != nullptr && now.blocks.size() < deepest &&
+        mEntered = block != nullptr && now.blocks.size() < deepestBlocks &&
                    (now.definitions == 0 || now.left > 0) &&
                    std::find(now.blocks.begin(), now.blocks.end(), block) == now.blocks.end();
         if (!mEntered) {
@@ -32,7 +32,7 @@ public:
         }
         now.blocks.push_back(block);
         if (!block->isLayout()) {
-            now.left = now.definitions++ == 0 ? mostNested : now.left - 1;
+            now.left = now.definitions++ == 0 ? mostNestedReferences : now.left - 1;
         }
     }
     ~VisitScope() {
@@ -46,8 +46,6 @@ public:
     bool entered() const { return mEntered; }
 
 private:
-    static constexpr std::size_t deepest = 64;
-    static constexpr int mostNested = 1'000'000; ///< references within one reference
     struct State {
         std::vector<const AcDbBlockTableRecord*> blocks;
         int definitions = 0; ///< of them that are no layouts

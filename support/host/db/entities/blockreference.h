@@ -135,9 +135,14 @@ bool drawBlockContents(const AcDbBlockTableRecord& block, AcGiWorldDraw* draw);
 bool blockContains(AcDbObjectId outer, AcDbObjectId inner);
 /// Whether a block of that name, filled with the model space of another drawing, would come to hold itself.
 bool wouldHoldItself(const AcDbDatabase& database, const ACHAR* blockName, const AcDbDatabase& source);
-/// Takes out the references by which blocks hold themselves (of damaged files), and tells each in one line
-/// with its handle.
-void breakBlockCycles(AcDbDatabase& database,
-                      const std::function<void(const std::wstring& what, Adesk::UInt64 handle)>& report);
+/// What is drawn of one reference: more references within it, or deeper ones, do not show.
+inline constexpr int mostNestedReferences = 1'000'000;
+inline constexpr int deepestBlocks = 64;
+
+/// One line, with the handle it is about.
+using BlockReport = std::function<void(const std::wstring& what, Adesk::UInt64 handle)>;
+/// Takes out the references by which blocks hold themselves (of damaged files), and reports each; tells of
+/// blocks that multiply beyond what is drawn.
+void breakBlockCycles(AcDbDatabase& database, const BlockReport& report, const BlockReport& tell);
 
 } // namespace host

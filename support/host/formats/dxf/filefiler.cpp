@@ -4,8 +4,19 @@
 #include "host/rx/format.h"
 #include "host/rx/text.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace host::dxf {
 namespace {
+
+/// Without blanks and control characters at its ends, which codes may stand for and which files cannot keep.
+std::string_view withoutControls(std::string_view text) {
+    const auto shows = [](char character) { return static_cast<unsigned char>(character) > ' '; };
+    const auto first = std::find_if(text.begin(), text.end(), shows);
+    const auto last = std::find_if(text.rbegin(), std::make_reverse_iterator(first), shows);
+    return {first, last.base()};
+}
 
 /// Codes whose texts are names that many records share: layer, linetype, style, block, marker.
 constexpr bool isNameCode(int code) {
@@ -58,7 +69,7 @@ bool FileFiler::nextRecord() {
         mEnded = true;
         return false;
     }
-    mRecordName = trimmed(mDecoder.text(trimmed(mToken.text))); // codes may stand for blanks, too
+    mRecordName = withoutControls(mDecoder.text(trimmed(mToken.text)));
     mRecordLine = mTokenLine;
     mRecordPosition = mTokenPosition;
     resetRecord();

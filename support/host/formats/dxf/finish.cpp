@@ -25,9 +25,10 @@ void Reader::finish() {
     if (mFiler.version() < AcDb::kDHL_1012) {
         upgradeFromRelease12(mDatabase);
     }
-    breakBlockCycles(mDatabase, [this](const std::wstring& what, Adesk::UInt64 handle) {
-        report(what, Done::leftOut, 0, handle);
-    });
+    breakBlockCycles(
+        mDatabase,
+        [this](const std::wstring& what, Adesk::UInt64 handle) { report(what, Done::leftOut, 0, handle); },
+        [this](const std::wstring& what, Adesk::UInt64 handle) { report(what, Done::kept, 0, handle); });
     reportDangling();
     if (mFiler.decoder().wrongEncoding()) {
         report(L"部分文字不是 UTF-8, 按代码页读取", Done::repaired, 0, 0);
