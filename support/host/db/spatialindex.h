@@ -78,17 +78,10 @@ public:
     /// The object is being changed, was changed, erased or brought back. Constant time.
     void touch(AcDbStub* stub) {
         ++mGeneration;
-        if (mJournal != nullptr && (mJournal->empty() || mJournal->back() != stub)) {
-            mJournal->push_back(stub);
-        }
         if (!mIndexes.empty() && !mAllStale) {
             note(stub);
         }
     }
-
-    /// From now on every touched object is noted there, some more than once; null ends it. Who keeps a
-    /// picture of the drawing takes them out.
-    void setJournal(std::vector<AcDbStub*>* journal) { mJournal = journal; }
 
     /// Grows with everything that changes in the drawing, appended objects included.
     Adesk::UInt64 generation() const { return mGeneration; }
@@ -103,7 +96,6 @@ private:
     std::unordered_map<AcDbStub*, SpatialIndex> mIndexes; ///< by block
     ReferenceBoxes mBoxes;                                ///< filled while indexes are brought up to date
     std::vector<AcDbStub*> mTouched;
-    std::vector<AcDbStub*>* mJournal = nullptr;
     Adesk::UInt64 mGeneration = 0;
     bool mAllStale = false;
     bool mDependentsStale = false;

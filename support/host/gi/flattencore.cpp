@@ -105,7 +105,6 @@ bool FlattenCore::prepare() {
     mPen.layer = &layer;
     mPen.marker = state.marker;
     mLinetype = &linetypeOf(state);
-    mPen.hasPattern = !mLinetype->isContinuous();
     mLinetypeScale = mSource.linetypeScale() * state.linetypeScale;
     return true;
 }

@@ -21,7 +21,6 @@ struct Pen {
     bool isPlottable = true;
     Adesk::LongPtr marker = 0;               // the selection marker that was set
     const struct LayerLook* layer = nullptr; // it is drawn on, as long as the drawing's source lives
-    bool hasPattern = false;                 // its linetype has gaps, drawn or too short to be
 
     bool operator==(const Pen&) const = default;
 };
