@@ -1,7 +1,8 @@
 // -LAYER: layers by name, one option after the other.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
-#include "host/rx/text.h"
+#include "host/commands/tables.h"
+#include "host/ed/colornames.h"
 
 #include <cmath>
 
@@ -110,67 +111,20 @@ void rename() {
     }
 }
 
-/// A colour by number, by the name of one of the first seven, or as red,green,blue.
-std::optional<AcCmEntityColor> colorFrom(const std::wstring& text) {
-    constexpr std::pair<const wchar_t*, Adesk::Int16> names[] = {
-        {L"RED", 1},     {L"YELLOW", 2}, {L"GREEN", 3}, {L"CYAN", 4}, {L"BLUE", 5},
-        {L"MAGENTA", 6}, {L"WHITE", 7},  {L"红", 1},    {L"黄", 2},   {L"绿", 3},
-        {L"青", 4},      {L"蓝", 5},     {L"洋红", 6},  {L"白", 7}};
-    AcCmEntityColor color;
-    for (const auto& [name, index] : names) {
-        if (text.size() >= 1 && equalNoCase(text, name)) {
-            color.setColorIndex(index);
-            return color;
-        }
-    }
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-    if (std::swscanf(text.c_str(), L"%d,%d,%d", &red, &green, &blue) == 3) {
-        const auto byte = [](int value) { return value >= 0 && value <= 255; };
-        if (byte(red) && byte(green) && byte(blue)) {
-            color.setRGB(static_cast<Adesk::UInt8>(red), static_cast<Adesk::UInt8>(green),
-                         static_cast<Adesk::UInt8>(blue));
-            return color;
-        }
-        return std::nullopt;
-    }
-    wchar_t* end = nullptr;
-    const long index = std::wcstol(text.c_str(), &end, 10);
-    if (end == text.c_str() || *end != L'\0' || index < 1 || index > 255) {
-        return std::nullopt;
-    }
-    color.setColorIndex(static_cast<Adesk::Int16>(index));
-    return color;
-}
-
 TextAnswer askNames(const std::wstring& what) {
     return askText(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ", true);
 }
 
 void setColor() {
-    TextAnswer answer = askText(L"\n新颜色 [真彩色(T)/配色系统(CO)]: ");
-    if (answer.isValue() && equalNoCase(answer.text, L"T")) {
-        answer = askText(L"\n红,绿,蓝: ");
-    }
-    if (!answer.isValue()) {
+    const std::optional<LayerColor> given = askLayerColor(L"新颜色");
+    if (!given) {
         return;
     }
-    bool off = false;
-    std::wstring text = answer.text;
-    if (text.front() == L'-') { // a negative colour turns the layer off
-        off = true;
-        text.erase(0, 1);
-    }
-    const std::optional<AcCmEntityColor> color = colorFrom(text);
-    if (!color) {
-        acutPrintf(L"\n需要 1 到 255 的颜色号、颜色名或 红,绿,蓝。");
-        return;
-    }
-    change(askNames(L"图层名列表，这些图层使用颜色 " + text), [&](AcDbLayerTableRecord& layer) {
-        layer.setColor(AcCmColor(*color));
-        layer.setIsOff(off);
-    });
+    change(askNames(L"图层名列表，这些图层使用颜色 " + colorText(given->color)),
+           [&](AcDbLayerTableRecord& layer) {
+               layer.setColor(AcCmColor(given->color));
+               layer.setIsOff(given->off);
+           });
 }
 
 void setLinetype() {
@@ -179,16 +133,10 @@ void setLinetype() {
         return;
     }
     const std::wstring name = answer.isNone() ? L"Continuous" : answer.text;
-    AcDbObjectId linetype;
-    AcDbDatabase& database = currentDatabase();
-    const auto* table = peek<AcDbLinetypeTable>(database.linetypeTableId());
-    if (table->getAt(name.c_str(), linetype) != Acad::eOk) {
-        const bool loaded = acdbLoadLineTypeFile(name.c_str(), L"acadiso.lin", &database) == Acad::eOk ||
-                            acdbLoadLineTypeFile(name.c_str(), L"acad.lin", &database) == Acad::eOk;
-        if (!loaded || table->getAt(name.c_str(), linetype) != Acad::eOk) {
-            acutPrintf(L"\n找不到线型 \"%s\"。", name.c_str());
-            return;
-        }
+    const AcDbObjectId linetype = linetypeNamed(name);
+    if (linetype.isNull()) {
+        acutPrintf(L"\n找不到线型 \"%s\"。", name.c_str());
+        return;
     }
     change(askNames(L"图层名列表，这些图层使用线型 \"" + name + L"\""),
            [&](AcDbLayerTableRecord& layer) { layer.setLinetypeObjectId(linetype); });
