@@ -118,14 +118,15 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
         filer->setFilerStatus(Acad::eInvalidInput);
     }
     read.linetypeGeneration = (flags & generatesLinetype) != 0;
-    read.path.closed = (flags & isClosedPath) != 0;
-    read.path.vertices.reserve(roomFor(count));
+    host::BulgePath& path = read.path.change();
+    path.closed = (flags & isClosedPath) != 0;
+    path.vertices.reserve(roomFor(count));
     for (Adesk::Int32 index = 0; index < count && get.isGood(); ++index) {
-        get(read.path.vertices.emplace_back().point);
+        get(path.vertices.emplace_back().point);
     }
     if ((flags & hasBulgeList) != 0) {
-        for (std::size_t index = 0; index < read.path.vertices.size() && get.isGood(); ++index) {
-            get(read.path.vertices[index].bulge);
+        for (std::size_t index = 0; index < path.vertices.size() && get.isGood(); ++index) {
+            get(path.vertices[index].bulge);
         }
     }
     if ((flags & (hasIdentifierList | hasWidthList)) != 0) {
