@@ -54,7 +54,7 @@ void change(const TextAnswer& names, const std::function<void(AcDbLayerTableReco
 
 void make() {
     const std::wstring current = nameOf(currentDatabase().clayer());
-    const TextAnswer answer = askText(L"\n输入新图层的名称（将成为当前图层）<" + current + L">: ", true);
+    const TextAnswer answer = askName(L"\n输入新图层的名称（将成为当前图层）<" + current + L">: ");
     if (!answer.isValue()) {
         return;
     }
@@ -66,7 +66,7 @@ void make() {
 
 void set() {
     const std::wstring current = nameOf(currentDatabase().clayer());
-    const TextAnswer answer = askText(L"\n输入要置为当前的图层名 <" + current + L">: ", true);
+    const TextAnswer answer = askName(L"\n输入要置为当前的图层名 <" + current + L">: ");
     AcDbObjectId id;
     if (!answer.isValue()) {
         return;
@@ -81,7 +81,7 @@ void set() {
 }
 
 void create() {
-    const TextAnswer answer = askText(L"\n输入新图层名列表: ", true);
+    const TextAnswer answer = askName(L"\n输入新图层名列表: ");
     std::size_t begin = 0;
     while (answer.isValue() && begin < answer.text.size()) {
         const std::size_t end = std::min(answer.text.find(L',', begin), answer.text.size());
@@ -95,8 +95,8 @@ void create() {
 }
 
 void rename() {
-    const TextAnswer from = askText(L"\n输入旧图层名: ", true);
-    const TextAnswer to = from.isValue() ? askText(L"\n输入新图层名: ", true) : TextAnswer();
+    const TextAnswer from = askName(L"\n输入旧图层名: ");
+    const TextAnswer to = from.isValue() ? askName(L"\n输入新图层名: ") : TextAnswer();
     if (!to.isValue()) {
         return;
     }
@@ -112,7 +112,7 @@ void rename() {
 }
 
 TextAnswer askNames(const std::wstring& what) {
-    return askText(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ", true);
+    return askName(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ");
 }
 
 void setColor() {
@@ -128,7 +128,7 @@ void setColor() {
 }
 
 void setLinetype() {
-    const TextAnswer answer = askText(L"\n输入已加载的线型名或 [?] <Continuous>: ", true);
+    const TextAnswer answer = askName(L"\n输入已加载的线型名或 [?] <Continuous>: ");
     if (answer.isCancelled()) {
         return;
     }
@@ -165,7 +165,7 @@ void setPlottable() {
 }
 
 void turnOff() {
-    change(askText(L"\n输入要关闭的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+    change(askName(L"\n输入要关闭的图层名列表: "), [](AcDbLayerTableRecord& layer) {
         if (layer.objectId() == currentDatabase().clayer()) {
             const Answer sure = askKeyword(L"\n真的要关闭当前图层吗? [是(Y)/否(N)] <N>: ", L"Yes No");
             if (!sure.isKeyword(L"Yes")) {
@@ -177,7 +177,7 @@ void turnOff() {
 }
 
 void freeze() {
-    change(askText(L"\n输入要冻结的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+    change(askName(L"\n输入要冻结的图层名列表: "), [](AcDbLayerTableRecord& layer) {
         if (layer.setIsFrozen(true) != Acad::eOk) {
             acutPrintf(L"\n不能冻结当前图层 \"%s\"。", layer.name().kwszPtr());
         }
@@ -185,7 +185,7 @@ void freeze() {
 }
 
 void list() {
-    const TextAnswer answer = askText(L"\n输入要列出的图层名 <*>: ", true);
+    const TextAnswer answer = askName(L"\n输入要列出的图层名 <*>: ");
     if (answer.isCancelled()) {
         return;
     }
@@ -218,7 +218,7 @@ constexpr Option options[] = {{L"?", list},
                               {L"Rename", rename},
                               {L"ON",
                                [] {
-                                   change(askText(L"\n输入要打开的图层名列表: ", true),
+                                   change(askName(L"\n输入要打开的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsOff(false); });
                                }},
                               {L"OFF", turnOff},
@@ -229,16 +229,16 @@ constexpr Option options[] = {{L"?", list},
                               {L"Freeze", freeze},
                               {L"Thaw",
                                [] {
-                                   change(askText(L"\n输入要解冻的图层名列表: ", true),
+                                   change(askName(L"\n输入要解冻的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsFrozen(false); });
                                }},
                               {L"LOck",
                                [] {
-                                   change(askText(L"\n输入要锁定的图层名列表: ", true),
+                                   change(askName(L"\n输入要锁定的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsLocked(true); });
                                }},
                               {L"Unlock", [] {
-                                   change(askText(L"\n输入要解锁的图层名列表: ", true),
+                                   change(askName(L"\n输入要解锁的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsLocked(false); });
                                }}};
 

@@ -20,7 +20,7 @@ std::optional<AcDbObjectId> askNamed(AcDbObjectId table, const std::wstring& pro
                                      const std::function<AcDbObjectId(const std::wstring&)>& find) {
     const std::wstring standard = current.isNull() ? std::wstring(L"多种") : recordName(current);
     for (;;) {
-        const TextAnswer answer = askText(L"\n" + prompt + L" <" + standard + L">: ", true);
+        const TextAnswer answer = askName(L"\n" + prompt + L" <" + standard + L">: ");
         if (answer.isCancelled()) {
             return std::nullopt;
         }

@@ -57,7 +57,7 @@ const AcDbTextStyleTableRecord& currentStyle() {
 void askStyle() {
     for (;;) {
         const TextAnswer answer =
-            askText(L"\n输入样式名或 [?] <" + std::wstring(currentStyle().name().kwszPtr()) + L">: ", true);
+            askName(L"\n输入样式名或 [?] <" + std::wstring(currentStyle().name().kwszPtr()) + L">: ");
         if (!answer.isValue()) {
             return;
         }

@@ -193,7 +193,7 @@ const AcDbUCSTable& savedTable() {
 }
 
 void list() {
-    const TextAnswer pattern = askText(L"\n输入要列出的 UCS 名称 <*>: ", true);
+    const TextAnswer pattern = askName(L"\n输入要列出的 UCS 名称 <*>: ");
     if (pattern.isCancelled()) {
         return;
     }
@@ -221,7 +221,7 @@ void list() {
 /// A name; `?` lists and asks again. Empty when none was given.
 std::wstring askName(const std::wstring& prompt) {
     for (;;) {
-        const TextAnswer answer = askText(prompt, true);
+        const TextAnswer answer = askName(prompt);
         if (!answer.isValue()) {
             return {};
         }
