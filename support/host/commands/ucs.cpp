@@ -219,7 +219,7 @@ void list() {
 }
 
 /// A name; `?` lists and asks again. Empty when none was given.
-std::wstring askName(const std::wstring& prompt) {
+std::wstring askUcsName(const std::wstring& prompt) {
     for (;;) {
         const TextAnswer answer = askName(prompt);
         if (!answer.isValue()) {
@@ -233,7 +233,7 @@ std::wstring askName(const std::wstring& prompt) {
 }
 
 void save() {
-    const std::wstring name = askName(L"\n输入保存当前 UCS 的名称或 [?]: ");
+    const std::wstring name = askUcsName(L"\n输入保存当前 UCS 的名称或 [?]: ");
     if (name.empty()) {
         return;
     }
@@ -270,7 +270,7 @@ void save() {
 }
 
 void restore() {
-    const std::wstring name = askName(L"\n输入要恢复的 UCS 名称或 [?]: ");
+    const std::wstring name = askUcsName(L"\n输入要恢复的 UCS 名称或 [?]: ");
     AcDbObjectId id;
     if (name.empty()) {
         return;
