@@ -285,7 +285,7 @@ void restore() {
 }
 
 void remove() {
-    const std::wstring names = askName(L"\n输入要删除的 UCS 名称 <无>: ");
+    const std::wstring names = askUcsName(L"\n输入要删除的 UCS 名称 <无>: ");
     if (names.empty()) {
         return;
     }
