@@ -3,6 +3,8 @@
 
 #include "host/commands/edit/audit.h"
 #include "host/commands/registry.h"
+#include "host/commands/tables.h"
+#include "host/ed/colornames.h"
 #include "host/formats/formats.h"
 
 #include <set>
@@ -78,6 +80,28 @@ TEST_F(DrawingCommands, PurgeAsksForEachAndKeepsCurrentAndNamedOnes) {
     EXPECT_FALSE(hasRecord(database().layerTableId(), L"A3"));
     EXPECT_TRUE(hasRecord(database().regAppTableId(), L"QDVTEST"));
     EXPECT_FALSE(hasRecord(database().regAppTableId(), L"QDVFREE"));
+}
+
+TEST_F(DrawingCommands, NamesEndWithABlankOutsideOfQuotesAndLayersTakeEveryColour) {
+    EXPECT_TRUE(run("-LAYER M 道路 C 红色 道路 N \"a b\",cc C T 300,1,1 1,2,3 \"a b\" C purple RGB:9,8,7 cc \n"));
+    const auto colorOf = [&](const wchar_t* name) {
+        AcDbObjectId id;
+        host::peek<AcDbLayerTable>(database().layerTableId())->getAt(name, id);
+        const auto* layer = host::peek<AcDbLayerTableRecord>(id);
+        return layer != nullptr ? host::colorText(layer->entityColor()) + (layer->isOff() ? L" off" : L"")
+                                : std::wstring();
+    };
+    EXPECT_EQ(colorOf(L"道路"), L"1");
+    EXPECT_EQ(colorOf(L"a b"), L"RGB:1,2,3");
+    EXPECT_EQ(colorOf(L"cc"), L"RGB:9,8,7");
+    EXPECT_TRUE(run("-LAYER C BYLAYER -4 cc S \"a b\" \n"));
+    EXPECT_EQ(colorOf(L"cc"), L"4 off");
+    EXPECT_EQ(host::recordName(database().clayer()), L"a b");
+    // Blocks in one line, as scripts have them.
+    EXPECT_TRUE(run("LINE 0,0 1,0 \n-BLOCK \"b 1\" 0,0 L \n-INSERT \"b 1\" 5,5 2 3 90\n-INSERT \"*b 1\" 9,9 1 0\n"));
+    ASSERT_EQ(entities<AcDbBlockReference>().size(), 1u);
+    EXPECT_EQ(Read(entities<AcDbBlockReference>()[0])->scaleFactors().sy, 3.0);
+    EXPECT_EQ(entities<AcDbLine>().size(), 1u);
 }
 
 TEST_F(DrawingCommands, PurgeOfEmptyGeometry) {

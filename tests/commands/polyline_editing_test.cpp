@@ -30,7 +30,7 @@ double totalLength(const std::vector<host::WidePath>& paths) {
 TEST(PathJoin, PiecesOfAPathInAnyOrderAndDirectionGiveThePathBack) {
     test::RandomPaths random(7);
     std::mt19937 shuffle(11);
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         const host::BulgePath whole = host::withoutRepeatedVertices(random.walk(), 1e-6);
         std::vector<host::WidePath> pieces;
         for (int i = 0; i < whole.segmentCount(); ++i) {

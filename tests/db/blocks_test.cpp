@@ -171,6 +171,51 @@ TEST_F(BlocksTest, ArraysOfBlocksCoverAllTheirPlaces) {
     EXPECT_EQ(array.explode(parts), Acad::eCannotExplodeEntity);
 }
 
+TEST_F(BlocksTest, WhatComesBackBringsOnlyWhatWentWithIt) {
+    const auto erase = [](AcDbObjectId id, bool erasing) {
+        const host::Opened<AcDbObject> object(id, AcDb::kForWrite, true);
+        EXPECT_EQ(object->erase(erasing), Acad::eOk);
+    };
+    host::UndoLog& undo = drawing.database.undoLog();
+    const auto eraseAsStep = [&](AcDbObjectId id, bool erasing) {
+        undo.beginCommand(L"ERASE");
+        erase(id, erasing);
+        undo.endCommand();
+    };
+    AcDbCircle* gone = circle(1);
+    AcDbCircle* kept = circle(2);
+    const AcDbObjectId name = block(L"KREIS", {gone, kept});
+    const AcDbObjectId reference = drawing.append(this->reference(name));
+    std::vector<AcDbObjectId> attributes(3);
+    {
+        const host::Opened<AcDbBlockReference> open(reference, AcDb::kForWrite);
+        for (AcDbObjectId& id : attributes) {
+            auto* attribute = new AcDbAttribute({0, 0, 0}, L"1", L"TAG");
+            ASSERT_EQ(open->appendAttribute(id, attribute), Acad::eOk);
+            attribute->close();
+        }
+    }
+    eraseAsStep(attributes[1], true);
+    eraseAsStep(gone->objectId(), true);
+    for (const AcDbObjectId owner : {reference, name}) {
+        eraseAsStep(owner, true);
+        EXPECT_TRUE(attributes[0].isErased());
+        eraseAsStep(owner, false);
+        EXPECT_FALSE(attributes[0].isErased() || attributes[2].isErased() || kept->isErased());
+        EXPECT_TRUE(attributes[1].isErased() && gone->isErased());
+    }
+    // The same after steps were taken back that told a part otherwise.
+    eraseAsStep(name, true);
+    eraseAsStep(name, false);
+    eraseAsStep(kept->objectId(), true);
+    eraseAsStep(name, true);
+    EXPECT_EQ(undo.undo(3), 3);
+    EXPECT_TRUE(name.isErased() && kept->isErased());
+    eraseAsStep(name, false);
+    EXPECT_FALSE(kept->isErased());
+    EXPECT_TRUE(gone->isErased());
+}
+
 TEST_F(BlocksTest, DrawingOrder) {
     AcDbObjectIdArray ids;
     for (int index = 0; index < 5; ++index) {

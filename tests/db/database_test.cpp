@@ -148,6 +148,46 @@ TEST_F(DatabaseTest, AMarkInAGroupStandsBeforeItAndARedoRepeatsOneUndo) {
     EXPECT_EQ(log.redoLastUndo(), 0);
 }
 
+TEST_F(DatabaseTest, GroupsNestAndAnOpenOneIsTakenBackStepByStep) {
+    host::UndoLog& log = database.undoLog();
+    std::vector<AcDbObjectId> lines;
+    const auto line = [&] { step(L"LINE", [&] { lines.push_back(addLine(1)); }); };
+    const auto present = [&] {
+        return std::count_if(lines.begin(), lines.end(), [](AcDbObjectId id) { return !id.isErased(); });
+    };
+    line();
+    line(); // made just before the group, by the one that begins it
+    log.beginGroup(1);
+    line();
+    for (int mark = 0; mark < 3; ++mark) {
+        log.beginGroup();
+        line();
+        line();
+        log.endGroup();
+    }
+    EXPECT_TRUE(log.inGroup());
+    std::vector<std::wstring> names;
+    EXPECT_EQ(log.undo(1, &names), 1);
+    EXPECT_EQ(present(), 7) << "the inner group, while the outer is open";
+    line();
+    log.endGroup();
+    EXPECT_FALSE(log.inGroup());
+    EXPECT_EQ(log.undo(1, &names), 1);
+    EXPECT_EQ(present(), 1);
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"GROUP", L"GROUP"}));
+    EXPECT_EQ(log.redo(1), 1);
+    EXPECT_EQ(present(), 8);
+    log.beginGroup();
+    line();
+    EXPECT_EQ(log.undo(3), 3) << "beyond the beginning of an open group";
+    EXPECT_EQ(present(), 0);
+    EXPECT_FALSE(log.inGroup());
+    log.beginGroup();
+    log.beginGroup();
+    log.endAllGroups();
+    EXPECT_EQ(log.stepCount(), 0u) << "groups without changes are no steps";
+}
+
 TEST_F(DatabaseTest, AbortedTransactionsLeaveNoTrace) {
     const AcDbObjectId id = addLine(1);
     AcDbTransactionManager& manager = *database.transactionManager();

@@ -293,7 +293,7 @@ TEST(NurbCurve, OfThePlaneFollowsThatOfSpace) {
 
 TEST(PolylineFit, ArcsRunThroughTheVerticesWithCommonTangents) {
     RandomPaths random(37);
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         std::vector<host::FitVertex> vertices;
         for (int k = 3 + random.below(8); k > 0; --k) {
             vertices.push_back({{random.number(-9, 9), random.number(-9, 9)}, {}});

@@ -92,9 +92,9 @@ TEST_F(Linking, ShapesOfRandomLinesAreKept) {
     std::uniform_real_distribution<double> place(-100.0, 100.0);
     std::uniform_real_distribution<double> bend(-1.0, 1.0);
     const AcGePoint2d meeting(0.0, 0.0);
-    for (int round = 0; round < 400; ++round) {
-        // Both lines end or begin where they meet, by the kind of join.
-        const int kind = round % 4;
+    for (int round = 0; round < 5000; ++round) {
+        // Both lines end or begin where they meet, by the kind of join; with the last kind they do not meet.
+        const int kind = round % 5 == 4 ? -1 : round % 5;
         const auto line = [&](bool beginsThere) {
             std::vector<Vertex> vertices(2 + random() % 5);
             for (Vertex& vertex : vertices) {
@@ -106,10 +106,17 @@ TEST_F(Linking, ShapesOfRandomLinesAreKept) {
         };
         const std::unique_ptr<AcDbPolyline> first = line(kind == 0 || kind == 1);
         const std::unique_ptr<AcDbPolyline> second = line(kind == 0 || kind == 3);
+        if (kind == -1) {
+            second->transformBy(AcGeMatrix3d::translation({1e-3, 0, 0}));
+        }
         AcDbPolyline result;
-        int how = -1;
-        LinkTwoPolyline(result, *first, *second, how);
+        int how = 99;
+        EXPECT_EQ(LinkTwoPolyline(result, *first, *second, how), kind > 0 ? 1 : 0);
         ASSERT_EQ(how, kind);
+        if (kind == -1) {
+            EXPECT_EQ(result.numVerts(), 0U);
+            continue;
+        }
         EXPECT_EQ(result.numVerts(), first->numVerts() + second->numVerts() - 1);
         EXPECT_NEAR(lengthOf(result), lengthOf(*first) + lengthOf(*second), 1e-6);
         // Points of the parts lie on the whole.

@@ -49,7 +49,7 @@ AcDbDictionary& groupDictionary() {
 /// An existing group; null when the user gives up.
 AcDbObjectId askGroup() {
     for (;;) {
-        const TextAnswer name = askText(L"\n输入组名或 [?]: ", true);
+        const TextAnswer name = askName(L"\n输入组名或 [?]: ");
         if (!name.isValue()) {
             return {};
         }
@@ -74,7 +74,7 @@ AcDbObjectId askGroup() {
 /// A name for a new group; nothing when the user gives up.
 std::optional<std::wstring> askNewName(const std::wstring& prompt) {
     for (;;) {
-        const TextAnswer name = askText(prompt, true);
+        const TextAnswer name = askName(prompt);
         if (!name.isValue()) {
             return std::nullopt;
         }
@@ -190,7 +190,7 @@ void showLayout(const std::wstring& name) {
 /// The layout's name, or the current one for Enter.
 std::optional<std::wstring> askLayout(const std::wstring& prompt) {
     const std::wstring current = currentLayout();
-    const TextAnswer name = askText(prompt + L" <" + current + L">: ", true);
+    const TextAnswer name = askName(prompt + L" <" + current + L">: ");
     if (name.isCancelled()) {
         return std::nullopt;
     }
@@ -218,7 +218,7 @@ void runLayout() {
         }
     } else if (answer.isKeyword(L"New")) {
         const std::wstring standard = L"布局" + std::to_wstring(layouts().countLayouts(database));
-        const TextAnswer name = askText(L"\n输入新布局名 <" + standard + L">: ", true);
+        const TextAnswer name = askName(L"\n输入新布局名 <" + standard + L">: ");
         AcDbObjectId layout;
         AcDbObjectId block;
         if (!name.isCancelled()) {
@@ -234,7 +234,7 @@ void runLayout() {
         const std::optional<std::wstring> old =
             askLayout(copies ? L"\n输入要复制的布局名" : L"\n输入要重命名的布局");
         const TextAnswer name =
-            old ? askText(copies ? L"\n输入复制后的布局名: " : L"\n输入新布局名: ", true) : TextAnswer();
+            old ? askName(copies ? L"\n输入复制后的布局名: " : L"\n输入新布局名: ") : TextAnswer();
         if (name.isValue()) {
             const std::wstring chosen = unquoted(name.text);
             tellLayoutFailure(copies ? layouts().copyLayout(old->c_str(), chosen.c_str(), database)

@@ -113,6 +113,15 @@ TextAnswer askText(const std::wstring& prompt, bool blanks) {
     return answer;
 }
 
+TextAnswer askName(const std::wstring& prompt) {
+    TextAnswer answer = askText(prompt);
+    std::erase(answer.text, L'"');
+    if (answer.isValue() && answer.text.empty()) {
+        answer.kind = Answer::Kind::none;
+    }
+    return answer;
+}
+
 namespace {
 
 /// Takes what was answered to the question for an entity: a name, a name with a point, a set, "last", or a

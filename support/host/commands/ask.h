@@ -48,6 +48,9 @@ IntegerAnswer askInteger(const std::wstring& prompt, const wchar_t* keywords = n
 Answer askKeyword(const std::wstring& prompt, const wchar_t* keywords, int flags = 0);
 /// With `blanks` the text ends with the line only. Enter is `none`.
 TextAnswer askText(const std::wstring& prompt, bool blanks = false);
+/// A name, or several with commas: a blank ends it too, as everywhere, except between quotes, which are taken
+/// off.
+TextAnswer askName(const std::wstring& prompt);
 
 struct EntityAnswer : Answer {
     AcDbObjectId id;

@@ -60,12 +60,12 @@ void listBlocks(const std::wstring& pattern) {
 /// A valid name; nothing when the user gives up.
 std::optional<std::wstring> askBlockName() {
     for (;;) {
-        const TextAnswer answer = askText(L"\n输入块名或 [?]: ", true);
+        const TextAnswer answer = askName(L"\n输入块名或 [?]: ");
         if (!answer.isValue()) {
             return std::nullopt;
         }
         if (answer.text == L"?") {
-            const TextAnswer pattern = askText(L"\n输入要列出的块 <*>: ", true);
+            const TextAnswer pattern = askName(L"\n输入要列出的块 <*>: ");
             if (pattern.isCancelled()) {
                 return std::nullopt;
             }
@@ -227,7 +227,7 @@ void runWblock() {
     }
     for (;;) {
         const TextAnswer source =
-            askText(L"\n输入现有块名或\n[块=输出文件(=)/整个图形(*)] <定义新图形>: ", true);
+            askName(L"\n输入现有块名或\n[块=输出文件(=)/整个图形(*)] <定义新图形>: ");
         if (source.isCancelled()) {
             return;
         }

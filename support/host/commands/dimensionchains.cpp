@@ -1,24 +1,13 @@
 // DIMCONTINUE and DIMBASELINE: linear dimensions that go on from one that is there, end to end or from its
 // first extension line; DIMORDINATE: one coordinate of a point.
 #include "host/commands/ask.h"
+#include "host/commands/dimensions.h"
 #include "host/commands/registry.h"
 
 #include <cmath>
 
 namespace host {
 namespace {
-
-void append(AcDbDimension* dimension) {
-    dimension->setDatabaseDefaults();
-    dimension->setDimensionStyle(currentDatabase().dimstyle());
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        dimension->transformBy(matrix);
-    }
-    double measured = 0.0;
-    dimension->measurement(measured);
-    appendToCurrentSpace(dimension);
-    acutPrintf(L"\n标注文字 = %s", shown(measured).c_str());
-}
 
 /// What a further dimension is made from; points are UCS.
 struct ChainLink {
@@ -103,7 +92,8 @@ void Chain::add(const AcGePoint3d& origin) {
     // The point that defines the line stands where the second extension line meets it.
     const AcGeVector3d along = to3d(direction(next.direction));
     next.line += along * along.dotProduct(next.second - next.line);
-    append(new AcDbRotatedDimension(normalizedAngle(next.direction), next.first, next.second, next.line));
+    appendDimension(
+        new AcDbRotatedDimension(normalizedAngle(next.direction), next.first, next.second, next.line));
     ads_name last;
     AcDbObjectId made;
     if (acdbEntLast(last) == RTNORM) {
@@ -173,7 +163,7 @@ void runOrdinate() {
             if (!text.empty()) {
                 dimension->setDimensionText(text.c_str());
             }
-            append(dimension);
+            appendDimension(dimension);
             return;
         }
         if (end.isKeyword(L"Text")) {

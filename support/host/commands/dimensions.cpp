@@ -1,10 +1,29 @@
 // DIMLINEAR, DIMALIGNED, DIMRADIUS, DIMDIAMETER and DIMANGULAR.
+#include "host/commands/dimensions.h"
+
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
 
 #include <cmath>
 
 namespace host {
+
+void appendDimension(AcDbDimension* dimension) {
+    dimension->setDatabaseDefaults();
+    dimension->setDimensionStyle(currentDatabase().dimstyle());
+    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
+        dimension->transformBy(matrix);
+    }
+    double measured = 0.0;
+    const bool known = dimension->measurement(measured) == Acad::eOk;
+    const bool angular = AcDb3PointAngularDimension::cast(dimension) != nullptr ||
+                         AcDb2LineAngularDimension::cast(dimension) != nullptr;
+    appendToCurrentSpace(dimension);
+    if (known) {
+        acutPrintf(L"\n标注文字 = %s", angular ? shownAngle(measured).c_str() : shown(measured).c_str());
+    }
+}
+
 namespace {
 
 /// What may be set before a dimension is placed.
@@ -79,25 +98,13 @@ bool takeTextOption(const Answer& option, DimensionText& text) {
 }
 
 void finish(AcDbDimension* dimension, const DimensionText& text) {
-    dimension->setDatabaseDefaults();
-    dimension->setDimensionStyle(currentDatabase().dimstyle());
     if (!text.text.empty()) {
         dimension->setDimensionText(text.text.c_str());
     }
     if (text.textAngle) {
         dimension->setTextRotation(*text.textAngle);
     }
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        dimension->transformBy(matrix);
-    }
-    double measured = 0.0;
-    const bool known = dimension->measurement(measured) == Acad::eOk;
-    const bool angular = AcDb3PointAngularDimension::cast(dimension) != nullptr ||
-                         AcDb2LineAngularDimension::cast(dimension) != nullptr;
-    appendToCurrentSpace(dimension);
-    if (known) {
-        acutPrintf(L"\n标注文字 = %s", angular ? shownAngle(measured).c_str() : shown(measured).c_str());
-    }
+    appendDimension(dimension);
 }
 
 /// Level or upright, after where the dimension line is put.

@@ -350,7 +350,7 @@ bool hasBlock(const std::wstring& given) {
 void runInsert() {
     const std::wstring last = systemVariableText(L"INSNAME");
     const TextAnswer answer =
-        askText(L"\n输入块名或 [?]" + (last.empty() ? L": " : L" <" + last + L">: "), true);
+        askName(L"\n输入块名或 [?]" + (last.empty() ? L": " : L" <" + last + L">: "));
     std::wstring name = answer.isNone() ? last : answer.text;
     if (answer.isCancelled() || name.empty()) {
         return;

@@ -1,7 +1,8 @@
 // -LAYER: layers by name, one option after the other.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
-#include "host/rx/text.h"
+#include "host/commands/tables.h"
+#include "host/ed/colornames.h"
 
 #include <cmath>
 
@@ -53,7 +54,7 @@ void change(const TextAnswer& names, const std::function<void(AcDbLayerTableReco
 
 void make() {
     const std::wstring current = nameOf(currentDatabase().clayer());
-    const TextAnswer answer = askText(L"\n输入新图层的名称（将成为当前图层）<" + current + L">: ", true);
+    const TextAnswer answer = askName(L"\n输入新图层的名称（将成为当前图层）<" + current + L">: ");
     if (!answer.isValue()) {
         return;
     }
@@ -65,7 +66,7 @@ void make() {
 
 void set() {
     const std::wstring current = nameOf(currentDatabase().clayer());
-    const TextAnswer answer = askText(L"\n输入要置为当前的图层名 <" + current + L">: ", true);
+    const TextAnswer answer = askName(L"\n输入要置为当前的图层名 <" + current + L">: ");
     AcDbObjectId id;
     if (!answer.isValue()) {
         return;
@@ -80,7 +81,7 @@ void set() {
 }
 
 void create() {
-    const TextAnswer answer = askText(L"\n输入新图层名列表: ", true);
+    const TextAnswer answer = askName(L"\n输入新图层名列表: ");
     std::size_t begin = 0;
     while (answer.isValue() && begin < answer.text.size()) {
         const std::size_t end = std::min(answer.text.find(L',', begin), answer.text.size());
@@ -94,8 +95,8 @@ void create() {
 }
 
 void rename() {
-    const TextAnswer from = askText(L"\n输入旧图层名: ", true);
-    const TextAnswer to = from.isValue() ? askText(L"\n输入新图层名: ", true) : TextAnswer();
+    const TextAnswer from = askName(L"\n输入旧图层名: ");
+    const TextAnswer to = from.isValue() ? askName(L"\n输入新图层名: ") : TextAnswer();
     if (!to.isValue()) {
         return;
     }
@@ -110,85 +111,32 @@ void rename() {
     }
 }
 
-/// A colour by number, by the name of one of the first seven, or as red,green,blue.
-std::optional<AcCmEntityColor> colorFrom(const std::wstring& text) {
-    constexpr std::pair<const wchar_t*, Adesk::Int16> names[] = {
-        {L"RED", 1},     {L"YELLOW", 2}, {L"GREEN", 3}, {L"CYAN", 4}, {L"BLUE", 5},
-        {L"MAGENTA", 6}, {L"WHITE", 7},  {L"红", 1},    {L"黄", 2},   {L"绿", 3},
-        {L"青", 4},      {L"蓝", 5},     {L"洋红", 6},  {L"白", 7}};
-    AcCmEntityColor color;
-    for (const auto& [name, index] : names) {
-        if (text.size() >= 1 && equalNoCase(text, name)) {
-            color.setColorIndex(index);
-            return color;
-        }
-    }
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-    if (std::swscanf(text.c_str(), L"%d,%d,%d", &red, &green, &blue) == 3) {
-        const auto byte = [](int value) { return value >= 0 && value <= 255; };
-        if (byte(red) && byte(green) && byte(blue)) {
-            color.setRGB(static_cast<Adesk::UInt8>(red), static_cast<Adesk::UInt8>(green),
-                         static_cast<Adesk::UInt8>(blue));
-            return color;
-        }
-        return std::nullopt;
-    }
-    wchar_t* end = nullptr;
-    const long index = std::wcstol(text.c_str(), &end, 10);
-    if (end == text.c_str() || *end != L'\0' || index < 1 || index > 255) {
-        return std::nullopt;
-    }
-    color.setColorIndex(static_cast<Adesk::Int16>(index));
-    return color;
-}
-
 TextAnswer askNames(const std::wstring& what) {
-    return askText(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ", true);
+    return askName(L"\n输入" + what + L" <" + nameOf(currentDatabase().clayer()) + L">: ");
 }
 
 void setColor() {
-    TextAnswer answer = askText(L"\n新颜色 [真彩色(T)/配色系统(CO)]: ");
-    if (answer.isValue() && equalNoCase(answer.text, L"T")) {
-        answer = askText(L"\n红,绿,蓝: ");
-    }
-    if (!answer.isValue()) {
+    const std::optional<LayerColor> given = askLayerColor(L"新颜色");
+    if (!given) {
         return;
     }
-    bool off = false;
-    std::wstring text = answer.text;
-    if (text.front() == L'-') { // a negative colour turns the layer off
-        off = true;
-        text.erase(0, 1);
-    }
-    const std::optional<AcCmEntityColor> color = colorFrom(text);
-    if (!color) {
-        acutPrintf(L"\n需要 1 到 255 的颜色号、颜色名或 红,绿,蓝。");
-        return;
-    }
-    change(askNames(L"图层名列表，这些图层使用颜色 " + text), [&](AcDbLayerTableRecord& layer) {
-        layer.setColor(AcCmColor(*color));
-        layer.setIsOff(off);
-    });
+    change(askNames(L"图层名列表，这些图层使用颜色 " + colorText(given->color)),
+           [&](AcDbLayerTableRecord& layer) {
+               layer.setColor(AcCmColor(given->color));
+               layer.setIsOff(given->off);
+           });
 }
 
 void setLinetype() {
-    const TextAnswer answer = askText(L"\n输入已加载的线型名或 [?] <Continuous>: ", true);
+    const TextAnswer answer = askName(L"\n输入已加载的线型名或 [?] <Continuous>: ");
     if (answer.isCancelled()) {
         return;
     }
     const std::wstring name = answer.isNone() ? L"Continuous" : answer.text;
-    AcDbObjectId linetype;
-    AcDbDatabase& database = currentDatabase();
-    const auto* table = peek<AcDbLinetypeTable>(database.linetypeTableId());
-    if (table->getAt(name.c_str(), linetype) != Acad::eOk) {
-        const bool loaded = acdbLoadLineTypeFile(name.c_str(), L"acadiso.lin", &database) == Acad::eOk ||
-                            acdbLoadLineTypeFile(name.c_str(), L"acad.lin", &database) == Acad::eOk;
-        if (!loaded || table->getAt(name.c_str(), linetype) != Acad::eOk) {
-            acutPrintf(L"\n找不到线型 \"%s\"。", name.c_str());
-            return;
-        }
+    const AcDbObjectId linetype = linetypeNamed(name);
+    if (linetype.isNull()) {
+        acutPrintf(L"\n找不到线型 \"%s\"。", name.c_str());
+        return;
     }
     change(askNames(L"图层名列表，这些图层使用线型 \"" + name + L"\""),
            [&](AcDbLayerTableRecord& layer) { layer.setLinetypeObjectId(linetype); });
@@ -217,7 +165,7 @@ void setPlottable() {
 }
 
 void turnOff() {
-    change(askText(L"\n输入要关闭的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+    change(askName(L"\n输入要关闭的图层名列表: "), [](AcDbLayerTableRecord& layer) {
         if (layer.objectId() == currentDatabase().clayer()) {
             const Answer sure = askKeyword(L"\n真的要关闭当前图层吗? [是(Y)/否(N)] <N>: ", L"Yes No");
             if (!sure.isKeyword(L"Yes")) {
@@ -229,7 +177,7 @@ void turnOff() {
 }
 
 void freeze() {
-    change(askText(L"\n输入要冻结的图层名列表: ", true), [](AcDbLayerTableRecord& layer) {
+    change(askName(L"\n输入要冻结的图层名列表: "), [](AcDbLayerTableRecord& layer) {
         if (layer.setIsFrozen(true) != Acad::eOk) {
             acutPrintf(L"\n不能冻结当前图层 \"%s\"。", layer.name().kwszPtr());
         }
@@ -237,7 +185,7 @@ void freeze() {
 }
 
 void list() {
-    const TextAnswer answer = askText(L"\n输入要列出的图层名 <*>: ", true);
+    const TextAnswer answer = askName(L"\n输入要列出的图层名 <*>: ");
     if (answer.isCancelled()) {
         return;
     }
@@ -270,7 +218,7 @@ constexpr Option options[] = {{L"?", list},
                               {L"Rename", rename},
                               {L"ON",
                                [] {
-                                   change(askText(L"\n输入要打开的图层名列表: ", true),
+                                   change(askName(L"\n输入要打开的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsOff(false); });
                                }},
                               {L"OFF", turnOff},
@@ -281,16 +229,16 @@ constexpr Option options[] = {{L"?", list},
                               {L"Freeze", freeze},
                               {L"Thaw",
                                [] {
-                                   change(askText(L"\n输入要解冻的图层名列表: ", true),
+                                   change(askName(L"\n输入要解冻的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsFrozen(false); });
                                }},
                               {L"LOck",
                                [] {
-                                   change(askText(L"\n输入要锁定的图层名列表: ", true),
+                                   change(askName(L"\n输入要锁定的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsLocked(true); });
                                }},
                               {L"Unlock", [] {
-                                   change(askText(L"\n输入要解锁的图层名列表: ", true),
+                                   change(askName(L"\n输入要解锁的图层名列表: "),
                                           [](AcDbLayerTableRecord& layer) { layer.setIsLocked(false); });
                                }}};
 

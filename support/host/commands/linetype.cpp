@@ -23,11 +23,11 @@ void list() {
 }
 
 void load() {
-    const TextAnswer names = askText(L"\n输入要加载的线型: ", true);
+    const TextAnswer names = askName(L"\n输入要加载的线型: ");
     if (!names.isValue()) {
         return;
     }
-    const TextAnswer file = askText(L"\n输入线型文件名 <acadiso.lin>: ", true);
+    const TextAnswer file = askName(L"\n输入线型文件名 <acadiso.lin>: ");
     if (file.isCancelled()) {
         return;
     }
@@ -65,7 +65,7 @@ void load() {
 }
 
 void set() {
-    const TextAnswer answer = askText(L"\n指定线型名或 [?] <" + currentName() + L">: ", true);
+    const TextAnswer answer = askName(L"\n指定线型名或 [?] <" + currentName() + L">: ");
     if (!answer.isValue()) {
         return;
     }
@@ -81,7 +81,7 @@ void set() {
 
 /// A simple definition typed in: name, description, dash lengths.
 void create() {
-    const TextAnswer name = askText(L"\n输入要创建的线型名: ", true);
+    const TextAnswer name = askName(L"\n输入要创建的线型名: ");
     const TextAnswer description = name.isValue() ? askText(L"\n说明文字: ", true) : TextAnswer();
     const TextAnswer pattern =
         description.isCancelled() ? TextAnswer() : askText(L"\n输入线型图案（下一行）:\nA,", true);

@@ -25,7 +25,7 @@ const wchar_t* refuseUnlessCurve(const AcDbEntity& entity) {
 
 /// The block's name and how it stands; nothing when there is no such block.
 std::optional<MarkKind> askBlock() {
-    const TextAnswer name = askText(L"\n输入要插入的块名: ", true);
+    const TextAnswer name = askName(L"\n输入要插入的块名: ");
     if (!name.isValue()) {
         return std::nullopt;
     }

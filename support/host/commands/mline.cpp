@@ -40,7 +40,7 @@ bool askScale() {
 
 bool askStyle() {
     for (;;) {
-        const TextAnswer name = askText(L"\n输入多线样式名或 [?]: ", true);
+        const TextAnswer name = askName(L"\n输入多线样式名或 [?]: ");
         if (!name.isValue()) {
             return !name.isCancelled();
         }

@@ -63,7 +63,7 @@ void runPurge() {
         eraseEntities(L"空文字对象", isBlankText);
         return;
     }
-    const TextAnswer names = askText(L"\n输入要清理的名称 <*>: ", true);
+    const TextAnswer names = askName(L"\n输入要清理的名称 <*>: ");
     if (names.isCancelled()) {
         return;
     }

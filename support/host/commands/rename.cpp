@@ -48,7 +48,7 @@ void runRename() {
     const auto* table = peek<AcDbSymbolTable>((currentDatabase().*kind->table)());
     AcDbObjectId id;
     for (;;) {
-        const TextAnswer old = askText(L"\n输入旧" + std::wstring(kind->name) + L"名: ", true);
+        const TextAnswer old = askName(L"\n输入旧" + std::wstring(kind->name) + L"名: ");
         if (!old.isValue()) {
             return;
         }
@@ -61,7 +61,7 @@ void runRename() {
         }
     }
     for (;;) {
-        const TextAnswer name = askText(L"\n输入新" + std::wstring(kind->name) + L"名: ", true);
+        const TextAnswer name = askName(L"\n输入新" + std::wstring(kind->name) + L"名: ");
         if (!name.isValue()) {
             return;
         }

@@ -165,13 +165,13 @@ void apply(const StyleSettings& settings, AcDbTextStyleTableRecord& style) {
 std::optional<std::wstring> askStyleName() {
     for (;;) {
         const std::wstring current = recordName(currentDatabase().textstyle());
-        const TextAnswer answer = askText(L"\n输入文字样式名或 [?] <" + current + L">: ", true);
+        const TextAnswer answer = askName(L"\n输入文字样式名或 [?] <" + current + L">: ");
         if (answer.isCancelled()) {
             return std::nullopt;
         }
         const std::wstring name = answer.isNone() ? current : unquoted(answer.text);
         if (name == L"?") {
-            const TextAnswer pattern = askText(L"\n输入要列出的文字样式 <*>: ", true);
+            const TextAnswer pattern = askName(L"\n输入要列出的文字样式 <*>: ");
             if (pattern.isCancelled()) {
                 return std::nullopt;
             }

@@ -20,7 +20,7 @@ std::optional<AcDbObjectId> askNamed(AcDbObjectId table, const std::wstring& pro
                                      const std::function<AcDbObjectId(const std::wstring&)>& find) {
     const std::wstring standard = current.isNull() ? std::wstring(L"多种") : recordName(current);
     for (;;) {
-        const TextAnswer answer = askText(L"\n" + prompt + L" <" + standard + L">: ", true);
+        const TextAnswer answer = askName(L"\n" + prompt + L" <" + standard + L">: ");
         if (answer.isCancelled()) {
             return std::nullopt;
         }
@@ -69,9 +69,13 @@ std::optional<AcDbObjectId> askLinetype(const std::wstring& prompt, AcDbObjectId
     return askNamed(currentDatabase().linetypeTableId(), prompt, L"线型", current, linetypeNamed);
 }
 
-std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::wstring& standard) {
+namespace {
+
+/// Asks until `read` makes a value of the answer; nothing for Enter and Escape.
+template <class Read>
+auto askColorText(const std::wstring& prompt, Read read) -> decltype(read(std::wstring_view())) {
     for (;;) {
-        TextAnswer answer = askText(L"\n" + prompt + L" [真彩色(T)] <" + standard + L">: ");
+        TextAnswer answer = askText(prompt);
         if (!answer.isValue()) {
             return std::nullopt;
         }
@@ -82,13 +86,32 @@ std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::w
                 return std::nullopt;
             }
         }
-        const std::wstring_view text = answer.text;
-        const bool marked = !trueColor && text.starts_with(L'_');
-        if (const std::optional<AcCmEntityColor> color = parseColor(marked ? text.substr(1) : text)) {
+        if (auto color = read(std::wstring_view(answer.text))) {
             return color;
         }
         acutPrintf(L"\n需要 1 到 255 的颜色号、颜色名或 红,绿,蓝。");
     }
+}
+
+std::optional<LayerColor> parseLayerColor(std::wstring_view text) {
+    LayerColor result;
+    result.off = text.starts_with(L'-');
+    const std::optional<AcCmEntityColor> color = parseColor(text.substr(result.off ? 1 : 0));
+    if (!color || color->isByLayer() || color->isByBlock()) {
+        return std::nullopt;
+    }
+    result.color = *color;
+    return result;
+}
+
+} // namespace
+
+std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::wstring& standard) {
+    return askColorText(L"\n" + prompt + L" [真彩色(T)] <" + standard + L">: ", parseColor);
+}
+
+std::optional<LayerColor> askLayerColor(const std::wstring& prompt) {
+    return askColorText(L"\n" + prompt + L" [真彩色(T)]: ", parseLayerColor);
 }
 
 std::optional<AcDb::LineWeight> parseLineWeight(const std::wstring& text) {

@@ -16,6 +16,12 @@ AcDbObjectId linetypeNamed(const std::wstring& name);
 
 /// A colour by number, name or true colour; nothing for Enter and Escape.
 std::optional<AcCmEntityColor> askColor(const std::wstring& prompt, const std::wstring& standard);
+struct LayerColor {
+    AcCmEntityColor color;
+    bool off = false; ///< given as a negative number
+};
+/// The same for a layer, which has a colour of its own always.
+std::optional<LayerColor> askLayerColor(const std::wstring& prompt);
 /// Millimetres, or one of the words ByLayer, ByBlock, DEFAULT. Nothing for other text.
 std::optional<AcDb::LineWeight> parseLineWeight(const std::wstring& text);
 

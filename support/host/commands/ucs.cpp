@@ -193,7 +193,7 @@ const AcDbUCSTable& savedTable() {
 }
 
 void list() {
-    const TextAnswer pattern = askText(L"\n输入要列出的 UCS 名称 <*>: ", true);
+    const TextAnswer pattern = askName(L"\n输入要列出的 UCS 名称 <*>: ");
     if (pattern.isCancelled()) {
         return;
     }
@@ -219,9 +219,9 @@ void list() {
 }
 
 /// A name; `?` lists and asks again. Empty when none was given.
-std::wstring askName(const std::wstring& prompt) {
+std::wstring askUcsName(const std::wstring& prompt) {
     for (;;) {
-        const TextAnswer answer = askText(prompt, true);
+        const TextAnswer answer = askName(prompt);
         if (!answer.isValue()) {
             return {};
         }
@@ -233,7 +233,7 @@ std::wstring askName(const std::wstring& prompt) {
 }
 
 void save() {
-    const std::wstring name = askName(L"\n输入保存当前 UCS 的名称或 [?]: ");
+    const std::wstring name = askUcsName(L"\n输入保存当前 UCS 的名称或 [?]: ");
     if (name.empty()) {
         return;
     }
@@ -270,7 +270,7 @@ void save() {
 }
 
 void restore() {
-    const std::wstring name = askName(L"\n输入要恢复的 UCS 名称或 [?]: ");
+    const std::wstring name = askUcsName(L"\n输入要恢复的 UCS 名称或 [?]: ");
     AcDbObjectId id;
     if (name.empty()) {
         return;
@@ -285,7 +285,7 @@ void restore() {
 }
 
 void remove() {
-    const std::wstring names = askName(L"\n输入要删除的 UCS 名称 <无>: ");
+    const std::wstring names = askUcsName(L"\n输入要删除的 UCS 名称 <无>: ");
     if (names.empty()) {
         return;
     }

@@ -1,6 +1,8 @@
 // U, UNDO and REDO over the drawing's undo log.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+#include "host/ed/acdocman.h"
+#include "host/ed/documentstate.h"
 
 namespace host {
 namespace {
@@ -93,7 +95,7 @@ void runUndo() {
     } else if (answer.isNone()) {
         undoSteps(1);
     } else if (answer.isKeyword(L"BEgin") || answer.isKeyword(L"Group")) {
-        log.beginGroup();
+        curDoc()->state().undo.beginGroup(currentDatabase());
     } else if (answer.isKeyword(L"End")) {
         log.endGroup();
     } else if (answer.isKeyword(L"Mark")) {

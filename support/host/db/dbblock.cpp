@@ -129,13 +129,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::getBlockReferenceIds(AcDbObjectIdArray& 
 }
 
 Acad::ErrorStatus AcDbBlockTableRecord::subErase(bool erasing) {
-    const auto toggle = [erasing](AcDbStub* stub) {
-        AcDbObject* object = nullptr;
-        if (acdbOpenAcDbObject(object, stub, AcDb::kForWrite, true) == Acad::eOk) {
-            object->erase(erasing);
-            object->close();
-        }
-    };
+    const auto toggle = [erasing](AcDbStub* stub) { host::eraseWithOwner(stub, erasing); };
     std::for_each(mEntities.begin(), mEntities.end(), toggle);
     toggle(mBlockBegin.stub());
     toggle(mBlockEnd.stub());

@@ -175,11 +175,7 @@ void AcDbDictionary::setMergeStyle(Adesk::Int16 style) {
 
 Acad::ErrorStatus AcDbDictionary::subErase(bool erasing) {
     for (const Entry& entry : mEntries) {
-        AcDbObject* object = nullptr;
-        if (acdbOpenAcDbObject(object, entry.id, AcDb::kForWrite, true) == Acad::eOk) {
-            object->erase(erasing);
-            object->close();
-        }
+        host::eraseWithOwner(entry.id.stub(), erasing);
     }
     return Acad::eOk;
 }

@@ -97,6 +97,7 @@ struct AcDbStub {
     bool openForNotify = false;
     bool transactionOpen = false;
     bool erased = false;
+    bool erasedWithOwner = false; ///< and comes back with it
 };
 
 class AcDbObjectId {

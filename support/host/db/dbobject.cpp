@@ -249,9 +249,28 @@ Acad::ErrorStatus AcDbObject::erase(bool erasing) {
     mStub->database->undoLog().recordErase(*mStub);
     ++mStub->database->impl().changeStamp;
     mStub->erased = erasing;
+    mStub->erasedWithOwner = false;
     mEraseToggled = true;
     return Acad::eOk;
 }
+
+namespace host {
+
+Acad::ErrorStatus eraseWithOwner(AcDbStub* stub, bool erasing) {
+    if (stub == nullptr || stub->erased == erasing || (!erasing && !stub->erasedWithOwner)) {
+        return Acad::eOk;
+    }
+    AcDbObject* object = nullptr;
+    Acad::ErrorStatus status = acdbOpenAcDbObject(object, AcDbObjectId(stub), AcDb::kForWrite, true);
+    if (status == Acad::eOk) {
+        status = object->erase(erasing);
+        stub->erasedWithOwner = erasing && status == Acad::eOk;
+        object->close();
+    }
+    return status;
+}
+
+} // namespace host
 
 Acad::ErrorStatus AcDbObject::subErase(bool) {
     return Acad::eOk;

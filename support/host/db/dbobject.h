@@ -231,6 +231,10 @@ Acad::ErrorStatus acdbOpenObject(T*& object, AcDbObjectId id, AcDb::OpenMode mod
 
 namespace host {
 
+/// For containers: erases a part with its owner, or brings back one that was erased so. What was erased by
+/// itself before stays erased.
+Acad::ErrorStatus eraseWithOwner(AcDbStub* stub, bool erasing);
+
 /// The object is an entity whose layer is locked.
 bool isOnLockedLayer(const AcDbObject& object);
 

@@ -72,44 +72,44 @@ void UndoLog::recordImage(AcDbObject& object) {
         ++mChangeCount;
         return;
     }
-    add({Kind::image, object.mStub, imageOf(object), {}, 0, {}});
+    add({Kind::image, object.mStub, imageOf(object), {}, 0, false, {}});
 }
 
 void UndoLog::recordCreated(AcDbStub& stub) {
     stub.object->mImageEpoch = mEpoch;
     if (isRecording() && !mApplying) {
-        add({Kind::created, &stub, {}, {}, 0, {}});
+        add({Kind::created, &stub, {}, {}, 0, false, {}});
     }
 }
 
 void UndoLog::recordErase(AcDbStub& stub) {
     if (isRecording() && !mApplying) {
-        add({Kind::erased, &stub, {}, {}, 0, {}});
+        add({Kind::erased, &stub, {}, {}, 0, stub.erasedWithOwner, {}});
     }
 }
 
 void UndoLog::recordEntities(AcDbBlockTableRecord& block) {
     if (isRecording() && !mApplying) {
-        add({Kind::entities, block.objectId().stub(), bytesOf(block.entities()), {}, 0, {}});
+        add({Kind::entities, block.objectId().stub(), bytesOf(block.entities()), {}, 0, false, {}});
     }
 }
 
 void UndoLog::setLastErased(std::vector<AcDbStub*> entities) {
     if (isRecording() && !mApplying) {
-        add({Kind::lastErased, nullptr, bytesOf(mLastErased), {}, 0, {}});
+        add({Kind::lastErased, nullptr, bytesOf(mLastErased), {}, 0, false, {}});
     }
     mLastErased = std::move(entities);
 }
 
 void UndoLog::recordHeader(HeaderIndex index, const HeaderValue& old) {
     if (isRecording() && !mApplying) {
-        add({Kind::header, nullptr, {}, {}, index, old});
+        add({Kind::header, nullptr, {}, {}, index, false, old});
     }
 }
 
 void UndoLog::recordReplaced(AcDbStub& stub, const AcDbObject& old) {
     if (isRecording() && !mApplying) {
-        add({Kind::replaced, &stub, imageOf(old), old.isA()->name(), 0, {}});
+        add({Kind::replaced, &stub, imageOf(old), old.isA()->name(), 0, false, {}});
     }
 }
 
@@ -140,6 +140,7 @@ void UndoLog::apply(Record& record) {
     case Kind::created:
     case Kind::erased:
         record.stub->erased = !record.stub->erased;
+        std::swap(record.stub->erasedWithOwner, record.erasedWithOwner);
         mDatabase.impl().notifyErased(*record.stub->object, record.stub->erased);
         break;
     case Kind::entities:
@@ -174,9 +175,7 @@ void UndoLog::apply(Record& record) {
 
 void UndoLog::beginCommand(const std::wstring& name) {
     if (mCommandDepth++ == 0) {
-        if (mGroupDepth == 0) {
-            closeStep(mCommand); // what was changed outside of commands is no part of this one
-        }
+        closeStep(mCommand); // what was changed outside of commands is no part of this one
         mCommand = name;
         mStepBegin = mRecords.size();
         ++mEpoch;
@@ -187,9 +186,7 @@ void UndoLog::endCommand() {
     if (mCommandDepth == 0 || --mCommandDepth > 0) {
         return;
     }
-    if (mGroupDepth == 0) {
-        closeStep(mCommand);
-    }
+    closeStep(mCommand);
     ++mEpoch;
 }
 
@@ -200,29 +197,49 @@ void UndoLog::closeStep(const std::wstring& name) {
     mOpenBegin = mRecords.size();
 }
 
-void UndoLog::beginGroup() {
-    if (mGroupDepth > 0) {
-        endGroup();
-    }
+void UndoLog::beginGroup(int stepsBefore) {
     // What the running command did so far belongs to the step before the group.
     closeStep(mCommand);
-    mGroupDepth = 1;
+    const std::size_t outer = mGroups.empty() ? 0 : mGroups.back();
+    mGroups.push_back(mSteps.size() - std::min(static_cast<std::size_t>(stepsBefore), mSteps.size() - outer));
     ++mEpoch;
 }
 
 void UndoLog::endGroup() {
-    if (mGroupDepth > 0) {
-        mGroupDepth = 0;
-        closeStep(L"GROUP");
-        ++mEpoch;
+    if (mGroups.empty()) {
+        return;
+    }
+    closeStep(mCommand);
+    ++mEpoch;
+    const auto first = mSteps.begin() + static_cast<std::ptrdiff_t>(mGroups.back());
+    mGroups.pop_back();
+    // Marks that were set within stand before the group: it is one step from now on.
+    const auto members =
+        std::stable_partition(first, mSteps.end(), [](const Step& step) { return step.mark; });
+    if (members == mSteps.end()) {
+        return;
+    }
+    const std::size_t begin = members->begin;
+    std::for_each(first, members, [&](Step& mark) { mark.begin = std::min(mark.begin, begin); });
+    *members = {begin, L"GROUP", false};
+    mSteps.erase(members + 1, mSteps.end());
+}
+
+void UndoLog::endAllGroups() {
+    while (inGroup()) {
+        endGroup();
+    }
+}
+
+void UndoLog::dropEmptiedGroups() {
+    while (!mGroups.empty() && mGroups.back() > mSteps.size()) {
+        mGroups.pop_back();
     }
 }
 
 void UndoLog::setMark() {
-    if (mGroupDepth == 0) {
-        closeStep(mCommand);
-    }
-    mSteps.push_back({mOpenBegin, L"MARK", true}); // before an open group, which is one step
+    closeStep(mCommand);
+    mSteps.push_back({mOpenBegin, L"MARK", true});
     ++mEpoch;
 }
 
@@ -241,6 +258,7 @@ void UndoLog::undoStep(std::vector<std::wstring>* names, bool first) {
         mRecords.pop_back();
     }
     mOpenBegin = mStepBegin = mRecords.size();
+    dropEmptiedGroups();
     if (names != nullptr) {
         names->push_back(redo.step.name);
     }
@@ -251,7 +269,6 @@ void UndoLog::undoStep(std::vector<std::wstring>* names, bool first) {
 
 int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
     closeStep(mCommand);
-    mGroupDepth = 0;
     int done = 0;
     for (bool first = true; done < steps && !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
@@ -265,7 +282,6 @@ int UndoLog::undo(int steps, std::vector<std::wstring>* names) {
 
 bool UndoLog::undoBack(std::vector<std::wstring>* names) {
     closeStep(mCommand);
-    mGroupDepth = 0;
     for (bool first = true; !mSteps.empty(); first = false) {
         const bool mark = mSteps.back().mark;
         undoStep(mark ? nullptr : names, first);
@@ -330,7 +346,7 @@ void UndoLog::clear() {
     mRecords.clear();
     mSteps.clear();
     mOpenBegin = mStepBegin = 0;
-    mGroupDepth = 0;
+    mGroups.clear();
     ++mEpoch;
 }
 

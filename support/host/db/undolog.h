@@ -38,10 +38,12 @@ public:
 
     void beginCommand(const std::wstring& name);
     void endCommand();
-    /// Commands until endGroup are one step. Groups do not nest: a second begin ends the first.
-    void beginGroup();
+    /// Commands until endGroup become one step, and are single ones until then. Groups nest: an inner one is
+    /// a step of the outer. `stepsBefore` so many steps that were just made belong to the group already.
+    void beginGroup(int stepsBefore = 0);
     void endGroup();
-    bool inGroup() const { return mGroupDepth > 0; }
+    void endAllGroups();
+    bool inGroup() const { return !mGroups.empty(); }
     /// Between beginCommand and endCommand: steps can't be taken back.
     bool inCommand() const { return mCommandDepth > 0; }
     void setMark();
@@ -58,6 +60,8 @@ public:
     bool hasMark() const { return markCount() > 0; }
     int markCount() const;
     int undoableSteps() const;
+    /// Marks included; without what no step holds yet.
+    std::size_t stepCount() const { return mSteps.size(); }
     int redoableSteps() const { return static_cast<int>(mRedoSteps.size()); }
     /// Forgets everything (a drawing was opened, undo was switched off).
     void clear();
@@ -99,9 +103,10 @@ private:
         AcDbStub* stub = nullptr;
         std::string
             image; ///< image, replaced: what the object filed; entities, lastErased: addresses of stubs
-        std::wstring className; ///< replaced
-        HeaderIndex index = 0;  ///< header
-        HeaderValue value;      ///< header
+        std::wstring className;       ///< replaced
+        HeaderIndex index = 0;        ///< header
+        bool erasedWithOwner = false; ///< created, erased
+        HeaderValue value;            ///< header
     };
     struct Step {
         std::size_t begin = 0; ///< first record
@@ -121,6 +126,8 @@ private:
     void closeStep(const std::wstring& name);
     void undoStep(std::vector<std::wstring>* names, bool first);
     void redoStep(std::vector<std::wstring>* names);
+    /// Groups that begin after the last step are over: it was taken back.
+    void dropEmptiedGroups();
     void dropRedo();
 
     AcDbDatabase& mDatabase;
@@ -134,7 +141,7 @@ private:
     std::size_t mOpenBegin = 0; ///< first record that belongs to no step yet
     std::size_t mStepBegin = 0; ///< first record of the running command
     int mCommandDepth = 0;
-    int mGroupDepth = 0;
+    std::vector<std::size_t> mGroups; ///< open ones, innermost last: number of steps before each
     int mSuspended = 0;
     bool mRecording = true;
     bool mApplying = false;

@@ -48,8 +48,12 @@ std::optional<AcCmEntityColor> parseColor(std::wstring_view text) {
     if (!text.empty() && text.front() == L'_') {
         text.remove_prefix(1);
     }
+    std::wstring_view local = text; // 红 and 红色 are the same
+    if (local.size() > 1 && local.back() == L'色') {
+        local.remove_suffix(1);
+    }
     for (const NamedColor& color : namedColors) {
-        if (equalNoCase(text, color.name) || text == color.local) {
+        if (equalNoCase(text, color.name) || local == color.local) {
             return colorOf(color.index);
         }
     }

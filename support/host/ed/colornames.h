@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// A name (RED, 红), BYLAYER, BYBLOCK, an index, or RGB:r,g,b or r,g,b. Nothing for other text.
+/// A name (RED, 红, 红色), BYLAYER, BYBLOCK, an index, or RGB:r,g,b or r,g,b. Nothing for other text.
 std::optional<AcCmEntityColor> parseColor(std::wstring_view text);
 /// BYLAYER, BYBLOCK or the index.
 std::wstring colorText(int index);

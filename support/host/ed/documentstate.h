@@ -37,6 +37,9 @@ public:
     /// Around a command that changes the log itself.
     void beginUnrecorded(AcDbDatabase& database);
     void endUnrecorded(AcDbDatabase& database);
+    /// By the user a group ends the one that is open; one of a program is part of what is open, and holds
+    /// what the program changed itself just before it.
+    void beginGroup(AcDbDatabase& database);
     void beginLisp(AcDbDatabase& database);
     void endLisp(AcDbDatabase& database);
 
@@ -46,6 +49,7 @@ private:
     int mCommands = 0;
     int mLisp = 0;
     bool mLispStepOpen = false;
+    bool mLispStepMade = false; ///< the one closed last had changes
 };
 
 using VariableValue = std::variant<int, double, std::wstring, AcGePoint3d>;

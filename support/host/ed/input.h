@@ -20,7 +20,8 @@ namespace host {
 
 /// How much of what is typed one answer takes.
 enum class ReadMode {
-    token, ///< up to a blank or the end of the line; a parenthesis begins a LISP expression
+    /// Up to a blank outside of quotes or the end of the line; a parenthesis begins a LISP expression.
+    token,
     line,  ///< up to the end of the line, taken literally
 };
 

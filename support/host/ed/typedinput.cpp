@@ -185,13 +185,17 @@ InputItem TypedInput::read(const InputRequest& request) {
 
 InputItem TypedInput::readText(ReadMode mode) {
     InputItem item = InputItem::ofText({});
+    bool quoted = false; // a blank within quotes is part of the answer
     for (int c = peek(); c != none; c = peek()) {
         advance();
         if (isCancelCharacter(c)) {
             return InputItem::of(InputItem::Kind::cancel);
         }
-        if (isLineEnd(c) || (mode == ReadMode::token && isBlank(c))) {
+        if (isLineEnd(c) || (mode == ReadMode::token && isBlank(c) && !quoted)) {
             break;
+        }
+        if (c == L'"' && (quoted || item.text.empty() || item.text.back() == L',')) {
+            quoted = !quoted;
         }
         item.text.push_back(static_cast<wchar_t>(c));
     }

@@ -12,7 +12,9 @@ void UndoSteps::openLispStep(AcDbDatabase& database) {
 
 void UndoSteps::closeLispStep(AcDbDatabase& database) {
     if (mLispStepOpen) {
+        const std::size_t before = database.undoLog().stepCount();
         database.undoLog().endCommand();
+        mLispStepMade = database.undoLog().stepCount() > before;
         mLispStepOpen = false;
     }
 }
@@ -38,6 +40,14 @@ void UndoSteps::beginUnrecorded(AcDbDatabase& database) {
 
 void UndoSteps::endUnrecorded(AcDbDatabase& database) {
     openLispStep(database);
+}
+
+void UndoSteps::beginGroup(AcDbDatabase& database) {
+    const bool byLisp = mLisp > 0 && mCommands == 0;
+    if (mLisp == 0 && mCommands == 0) {
+        database.undoLog().endAllGroups();
+    }
+    database.undoLog().beginGroup(byLisp && mLispStepMade ? 1 : 0);
 }
 
 void UndoSteps::beginLisp(AcDbDatabase& database) {

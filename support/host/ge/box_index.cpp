@@ -36,15 +36,18 @@ BoxIndex::BoxIndex(std::span<const Box2d> boxes) {
     for (const Box2d& box : boxes)
         if (!box.isEmpty())
             whole.add(box);
+    // One scale for both directions, so that the boxes of a long narrow drawing's nodes are no longer than
+    // wide.
+    const double extent = std::max(whole.width(), whole.height());
     std::vector<std::pair<std::uint32_t, std::uint32_t>> order;
     order.reserve(boxes.size());
     for (std::uint32_t i = 0; i < boxes.size(); ++i) {
         if (boxes[i].isEmpty())
             continue;
         const AcGePoint2d center = boxes[i].center();
-        order.emplace_back(hilbertPosition(cell(center.x, whole.minimum.x, whole.width()),
-                                           cell(center.y, whole.minimum.y, whole.height())),
-                           i);
+        order.emplace_back(
+            hilbertPosition(cell(center.x, whole.minimum.x, extent), cell(center.y, whole.minimum.y, extent)),
+            i);
     }
     if (order.empty())
         return;

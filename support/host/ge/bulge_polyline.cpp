@@ -152,7 +152,7 @@ BulgePath reversed(const BulgePath& path) {
     // The bulge of a segment now belongs to the vertex that used to end it.
     const std::size_t count = result.vertices.size();
     for (std::size_t i = 0; i < count; ++i)
-        result.vertices[i].bulge = -path.vertices[(2 * count - 2 - i) % count].bulge;
+        result.vertices[i].bulge = 0.0 - path.vertices[(2 * count - 2 - i) % count].bulge; // never -0
     return result;
 }
 

@@ -46,11 +46,11 @@ bool isDimensionBlock(AcDbObjectId id) {
     return block != nullptr && !block->isLayout() && block->name().matchNoCase(L"*D") == 2;
 }
 
-void eraseBlock(AcDbObjectId id, bool erasing) {
-    if (isDimensionBlock(id) && id.isErased() != erasing) {
-        const host::Opened<AcDbBlockTableRecord> block(id, AcDb::kForWrite, true);
+void eraseBlock(AcDbObjectId id) {
+    if (isDimensionBlock(id) && !id.isErased()) {
+        const host::Opened<AcDbBlockTableRecord> block(id, AcDb::kForWrite);
         if (block) {
-            block->erase(erasing);
+            block->erase();
         }
     }
 }
@@ -88,7 +88,7 @@ void AcDbDimension::replaceBlock(std::vector<std::unique_ptr<AcDbEntity>> parts)
     mStale = mBorrowed = false;
     mMoved = AcGeVector3d();
     if (isOwn) {
-        eraseBlock(old, true);
+        eraseBlock(old);
     }
 }
 
@@ -130,8 +130,8 @@ Acad::ErrorStatus AcDbDimension::subClose() {
 
 Acad::ErrorStatus AcDbDimension::subErase(bool erasing) {
     const Acad::ErrorStatus status = AcDbEntity::subErase(erasing);
-    if (status == Acad::eOk && m.has(m.ownsBlock) && !mBorrowed) {
-        eraseBlock(m.block, erasing);
+    if (status == Acad::eOk && m.has(m.ownsBlock) && !mBorrowed && isDimensionBlock(m.block)) {
+        host::eraseWithOwner(m.block.stub(), erasing);
     }
     return status;
 }

@@ -47,7 +47,7 @@ Acad::ErrorStatus AcDbPolyline::getLineSegAt(unsigned int index, AcGeLineSeg2d& 
     if (segType(index) != kLine) {
         return Acad::eInvalidInput;
     }
-    const host::PathSegment segment = m.path.segment(static_cast<int>(index));
+    const host::PathSegment segment = m.path->segment(static_cast<int>(index));
     line.set(segment.start, segment.end);
     return Acad::eOk;
 }
@@ -60,7 +60,7 @@ Acad::ErrorStatus AcDbPolyline::getArcSegAt(unsigned int index, AcGeCircArc3d& a
         return Acad::eInvalidInput;
     }
     // A clockwise arc runs counterclockwise about the opposite normal.
-    const host::PathSegment segment = m.path.segment(static_cast<int>(index));
+    const host::PathSegment segment = m.path->segment(static_cast<int>(index));
     const AcGePoint3d center = toWorldPoint(segment.center());
     const AcGeVector3d normal = segment.bulge > 0.0 ? m.rest->normal : -m.rest->normal;
     arc.set(center, normal, (toWorldPoint(segment.start) - center).normal(), segment.radius(), 0.0,
@@ -75,7 +75,7 @@ Acad::ErrorStatus AcDbPolyline::getArcSegAt(unsigned int index, AcGeCircArc2d& a
     if (segType(index) != kArc) {
         return Acad::eInvalidInput;
     }
-    const host::PathSegment segment = m.path.segment(static_cast<int>(index));
+    const host::PathSegment segment = m.path->segment(static_cast<int>(index));
     arc.set(segment.start, segment.end, segment.bulge);
     return Acad::eOk;
 }

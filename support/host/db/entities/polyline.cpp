@@ -14,8 +14,18 @@ using host::BulgeVertex;
 using host::PathSegment;
 using host::SegmentWidths;
 
+Acad::ErrorStatus AcDbPolyline::getParamAtDist(double distance, double& parameter) const {
+    assertReadEnabled();
+    const std::optional<double> found = m.path.measure().parameterAtDistance(distance);
+    if (!found) {
+        return Acad::eInvalidInput;
+    }
+    parameter = *found;
+    return Acad::eOk;
+}
+
 AcDbPolyline::AcDbPolyline(unsigned int vertexCount) {
-    m.path.vertices.reserve(std::min(vertexCount, 1U << 20));
+    m.path.change().vertices.reserve(std::min(vertexCount, 1U << 20));
 }
 
 SegmentWidths AcDbPolyline::widthsOf(std::size_t index) const {
@@ -29,7 +39,7 @@ std::vector<SegmentWidths>& AcDbPolyline::varyingWidths() {
         m.extras = std::make_unique<host::PolylineExtras>();
     }
     if (m.extras->widths.empty()) {
-        m.extras->widths.assign(m.path.vertices.size(), {m.rest->constantWidth, m.rest->constantWidth});
+        m.extras->widths.assign(m.path->vertices.size(), {m.rest->constantWidth, m.rest->constantWidth});
     }
     return m.extras->widths;
 }
@@ -57,7 +67,7 @@ void AcDbPolyline::simplify() {
 
 unsigned int AcDbPolyline::numVerts() const {
     assertReadEnabled();
-    return static_cast<unsigned int>(m.path.vertices.size());
+    return static_cast<unsigned int>(m.path->vertices.size());
 }
 
 Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint3d& point) const {
@@ -65,7 +75,7 @@ Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint3d& poin
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    point = toWorldPoint(m.path.vertices[index].point);
+    point = toWorldPoint(m.path->vertices[index].point);
     return Acad::eOk;
 }
 
@@ -74,7 +84,7 @@ Acad::ErrorStatus AcDbPolyline::getPointAt(unsigned int index, AcGePoint2d& poin
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    point = m.path.vertices[index].point;
+    point = m.path->vertices[index].point;
     return Acad::eOk;
 }
 
@@ -83,7 +93,7 @@ Acad::ErrorStatus AcDbPolyline::setPointAt(unsigned int index, const AcGePoint2d
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    m.path.vertices[index].point = point;
+    m.path.change().vertices[index].point = point;
     return Acad::eOk;
 }
 
@@ -92,7 +102,7 @@ Acad::ErrorStatus AcDbPolyline::getBulgeAt(unsigned int index, double& bulge) co
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    bulge = m.path.vertices[index].bulge;
+    bulge = m.path->vertices[index].bulge;
     return Acad::eOk;
 }
 
@@ -104,7 +114,7 @@ Acad::ErrorStatus AcDbPolyline::setBulgeAt(unsigned int index, double bulge) {
     if (!std::isfinite(bulge)) {
         return Acad::eInvalidInput;
     }
-    m.path.vertices[index].bulge = bulge;
+    m.path.change().vertices[index].bulge = bulge;
     return Acad::eOk;
 }
 
@@ -165,7 +175,7 @@ Acad::ErrorStatus AcDbPolyline::setConstantWidth(double width) {
 Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2d& point, double bulge,
                                             double startWidth, double endWidth,
                                             Adesk::Int32 vertexIdentifier) {
-    if (index > m.path.vertices.size()) {
+    if (index > m.path->vertices.size()) {
         return Acad::eInvalidIndex;
     }
     if (!std::isfinite(point.x + point.y + bulge)) {
@@ -177,7 +187,7 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
     const double missing = varies ? 0.0 : m.rest->constantWidth;
     const SegmentWidths widths{startWidth >= 0.0 ? startWidth : missing,
                                endWidth >= 0.0 ? endWidth : missing};
-    if (!varies && m.path.vertices.empty() && widths.start == widths.end) {
+    if (!varies && m.path->vertices.empty() && widths.start == widths.end) {
         m.rest.set(&host::PolylineRest::constantWidth, widths.start);
     }
     const bool differs = widths.start != m.rest->constantWidth || widths.end != m.rest->constantWidth;
@@ -189,10 +199,10 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
         if (m.extras == nullptr) {
             m.extras = std::make_unique<host::PolylineExtras>();
         }
-        m.extras->identifiers.resize(m.path.vertices.size());
+        m.extras->identifiers.resize(m.path->vertices.size());
         m.extras->identifiers.insert(m.extras->identifiers.begin() + at, vertexIdentifier);
     }
-    m.path.vertices.insert(m.path.vertices.begin() + at, BulgeVertex{point, bulge});
+    m.path.change().vertices.insert(m.path->vertices.begin() + at, BulgeVertex{point, bulge});
     return Acad::eOk;
 }
 
@@ -202,7 +212,7 @@ Acad::ErrorStatus AcDbPolyline::removeVertexAt(unsigned int index) {
     }
     assertWriteEnabled();
     const auto at = static_cast<std::ptrdiff_t>(index);
-    m.path.vertices.erase(m.path.vertices.begin() + at);
+    m.path.change().vertices.erase(m.path->vertices.begin() + at);
     if (m.extras != nullptr) {
         if (!m.extras->widths.empty()) {
             m.extras->widths.erase(m.extras->widths.begin() + at);
@@ -222,7 +232,7 @@ Acad::ErrorStatus AcDbPolyline::setVertexIdentifierAt(unsigned int index, Adesk:
     if (m.extras == nullptr) {
         m.extras = std::make_unique<host::PolylineExtras>();
     }
-    m.extras->identifiers.resize(m.path.vertices.size());
+    m.extras->identifiers.resize(m.path->vertices.size());
     m.extras->identifiers[index] = identifier;
     return Acad::eOk;
 }
@@ -242,7 +252,7 @@ bool AcDbPolyline::hasVertexIdentifiers() const {
 
 bool AcDbPolyline::hasBulges() const {
     assertReadEnabled();
-    return std::any_of(m.path.vertices.begin(), m.path.vertices.end(),
+    return std::any_of(m.path->vertices.begin(), m.path->vertices.end(),
                        [](const BulgeVertex& vertex) { return vertex.bulge != 0.0; });
 }
 
@@ -267,15 +277,15 @@ void AcDbPolyline::setPlinegen(bool generate) {
 
 void AcDbPolyline::setClosed(bool closed) {
     assertWriteEnabled();
-    m.path.closed = closed;
+    m.path.change().closed = closed;
 }
 
 void AcDbPolyline::makeClosedIfStartAndEndVertexCoincide(double tolerance) {
     assertWriteEnabled();
-    const std::size_t count = m.path.vertices.size();
-    if (count > 2 && m.path.vertices.front().point.distanceTo(m.path.vertices.back().point) <= tolerance) {
+    const std::size_t count = m.path->vertices.size();
+    if (count > 2 && m.path->vertices.front().point.distanceTo(m.path->vertices.back().point) <= tolerance) {
         removeVertexAt(static_cast<unsigned int>(count) - 1);
-        m.path.closed = true;
+        m.path.change().closed = true;
     }
 }
 
@@ -316,10 +326,10 @@ AcDbPolyline::SegType AcDbPolyline::segType(unsigned int index) const {
     if (!isVertex(index)) {
         return kEmpty;
     }
-    if (static_cast<int>(index) >= m.path.segmentCount()) {
+    if (static_cast<int>(index) >= m.path->segmentCount()) {
         return kPoint; // the last vertex of an open polyline
     }
-    switch (m.path.segment(static_cast<int>(index)).kind()) {
+    switch (m.path->segment(static_cast<int>(index)).kind()) {
     case PathSegment::Kind::Arc:
         return kArc;
     case PathSegment::Kind::Line:
@@ -332,10 +342,10 @@ AcDbPolyline::SegType AcDbPolyline::segType(unsigned int index) const {
 
 bool AcDbPolyline::onSegAt(unsigned int index, const AcGePoint2d& point, double& parameter) const {
     assertReadEnabled();
-    if (static_cast<int>(index) >= m.path.segmentCount()) {
+    if (static_cast<int>(index) >= m.path->segmentCount()) {
         return false;
     }
-    const PathSegment segment = m.path.segment(static_cast<int>(index));
+    const PathSegment segment = m.path->segment(static_cast<int>(index));
     const double nearest = segment.closestFraction(point);
     if (segment.pointAt(nearest).distanceTo(point) > host::onCurveTolerance(host::to3d(point))) {
         return false;
@@ -347,35 +357,35 @@ bool AcDbPolyline::onSegAt(unsigned int index, const AcGePoint2d& point, double&
 void AcDbPolyline::reset(bool reuse, unsigned int vertexCount) {
     assertWriteEnabled();
     if (!reuse) {
-        m.path.vertices.clear();
-        m.path.vertices.reserve(std::min(vertexCount, 1U << 20));
+        m.path.change().vertices.clear();
+        m.path.change().vertices.reserve(std::min(vertexCount, 1U << 20));
         m.extras.reset();
         m.rest.set(&host::PolylineRest::constantWidth, 0.0);
         return;
     }
-    while (m.path.vertices.size() > vertexCount) {
-        removeVertexAt(static_cast<unsigned int>(m.path.vertices.size()) - 1);
+    while (m.path->vertices.size() > vertexCount) {
+        removeVertexAt(static_cast<unsigned int>(m.path->vertices.size()) - 1);
     }
 }
 
 void AcDbPolyline::maximizeMemory() {
-    if (m.path.vertices.size() == m.path.vertices.capacity()) {
-        m.path.vertices.reserve(m.path.vertices.size() * 2 + 8);
+    if (m.path->vertices.size() == m.path->vertices.capacity()) {
+        m.path.change().vertices.reserve(m.path->vertices.size() * 2 + 8);
     }
 }
 
 void AcDbPolyline::minimizeMemory() {
-    m.path.vertices.shrink_to_fit();
+    m.path.change().vertices.shrink_to_fit();
     simplify();
 }
 
 void AcDbPolyline::setShape(host::WidePath shape) {
     assertWriteEnabled();
-    m.path = std::move(shape.path);
+    m.path.change() = std::move(shape.path);
     m.extras.reset();
-    if (!shape.widths.empty() && !m.path.vertices.empty()) {
+    if (!shape.widths.empty() && !m.path->vertices.empty()) {
         m.extras = std::make_unique<host::PolylineExtras>();
-        shape.widths.resize(m.path.vertices.size(), shape.widths.back());
+        shape.widths.resize(m.path->vertices.size(), shape.widths.back());
         m.extras->widths = std::move(shape.widths);
         simplify();
     }
@@ -384,7 +394,7 @@ void AcDbPolyline::setShape(host::WidePath shape) {
 std::vector<SegmentWidths> AcDbPolyline::segmentWidths() const {
     std::vector<SegmentWidths> widths;
     if (hasWidth()) {
-        for (int index = 0; index < m.path.segmentCount(); ++index) {
+        for (int index = 0; index < m.path->segmentCount(); ++index) {
             widths.push_back(widthsOf(static_cast<std::size_t>(index)));
         }
     }
@@ -403,7 +413,7 @@ std::unique_ptr<AcDbCurve> AcDbPolyline::newSimilar(host::WidePath shape) const 
 
 Acad::ErrorStatus AcDbPolyline::changeEnd(bool start, const AcGePoint2d& point, double bulge) {
     assertWriteEnabled();
-    std::vector<BulgeVertex>& vertices = m.path.vertices;
+    std::vector<BulgeVertex>& vertices = m.path.change().vertices;
     (start ? vertices.front() : vertices.back()).point = point;
     vertices[start ? 0 : vertices.size() - 2].bulge = bulge;
     return Acad::eOk;
@@ -411,15 +421,15 @@ Acad::ErrorStatus AcDbPolyline::changeEnd(bool start, const AcGePoint2d& point, 
 
 Acad::ErrorStatus AcDbPolyline::reverseCurve() {
     assertWriteEnabled();
-    const std::size_t count = m.path.vertices.size();
+    const std::size_t count = m.path->vertices.size();
     // A closed polyline keeps its first vertex.
     const auto turn = [&](auto& list) {
-        if (m.path.closed && !list.empty()) {
+        if (m.path->closed && !list.empty()) {
             std::rotate(list.begin(), list.end() - 1, list.end());
         }
     };
-    m.path = host::reversed(m.path);
-    turn(m.path.vertices);
+    m.path.change() = host::reversed(*m.path);
+    turn(m.path.change().vertices);
     if (m.extras != nullptr) {
         std::reverse(m.extras->identifiers.begin(), m.extras->identifiers.end());
         turn(m.extras->identifiers);
@@ -442,7 +452,7 @@ Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
         return Acad::eCannotScaleNonUniformly;
     }
     assertWriteEnabled();
-    for (BulgeVertex& vertex : m.path.vertices) {
+    for (BulgeVertex& vertex : m.path.change().vertices) {
         vertex.point = planar(vertex.point);
         if (planar.isMirrored) {
             vertex.bulge = -vertex.bulge;
@@ -465,11 +475,11 @@ Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
 Acad::ErrorStatus AcDbPolyline::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&,
                                                  AcDbIntArray&) const {
     assertReadEnabled();
-    for (const BulgeVertex& vertex : m.path.vertices) {
+    for (const BulgeVertex& vertex : m.path->vertices) {
         points.append(toWorldPoint(vertex.point));
     }
-    for (int index = 0; index < m.path.segmentCount(); ++index) {
-        if (const PathSegment segment = m.path.segment(index); segment.isArc()) {
+    for (int index = 0; index < m.path->segmentCount(); ++index) {
+        if (const PathSegment segment = m.path->segment(index); segment.isArc()) {
             points.append(toWorldPoint(segment.pointAt(0.5)));
         }
     }
@@ -479,17 +489,17 @@ Acad::ErrorStatus AcDbPolyline::subGetGripPoints(AcGePoint3dArray& points, AcDbI
 Acad::ErrorStatus AcDbPolyline::subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
     assertWriteEnabled();
     std::vector<int> arcs;
-    for (int index = 0; index < m.path.segmentCount(); ++index) {
-        if (m.path.segment(index).isArc()) {
+    for (int index = 0; index < m.path->segmentCount(); ++index) {
+        if (m.path->segment(index).isArc()) {
             arcs.push_back(index);
         }
     }
-    const int vertexCount = m.path.vertexCount();
+    const int vertexCount = m.path->vertexCount();
     const AcGeVector2d move = host::to2d(host::toObject(m.rest->normal, offset));
     const int gripCount = vertexCount + static_cast<int>(arcs.size());
     return host::forGrips(indices, gripCount, [&](int index) {
         if (index < vertexCount) {
-            m.path.vertices[static_cast<std::size_t>(index)].point += move;
+            m.path.change().vertices[static_cast<std::size_t>(index)].point += move;
             return;
         }
         // The arc goes through the new middle, unless it moves along with an end.
@@ -497,20 +507,20 @@ Acad::ErrorStatus AcDbPolyline::subMoveGripPointsAt(const AcDbIntArray& indices,
         if (indices.contains(arc) || indices.contains((arc + 1) % vertexCount)) {
             return;
         }
-        const PathSegment segment = m.path.segment(arc);
+        const PathSegment segment = m.path->segment(arc);
         const AcGePoint2d middle = segment.pointAt(0.5) + move;
         const AcGeVector2d toStart = segment.start - middle;
         const AcGeVector2d toEnd = segment.end - middle;
         const double cross = toStart.crossProduct(toEnd);
         const double size = std::sqrt(toStart.lengthSqrd() * toEnd.lengthSqrd());
-        m.path.vertices[static_cast<std::size_t>(arc)].bulge =
+        m.path.change().vertices[static_cast<std::size_t>(arc)].bulge =
             cross == 0.0 ? 0.0 : -(size + toStart.dotProduct(toEnd)) / cross;
     });
 }
 
 Acad::ErrorStatus AcDbPolyline::subGetStretchPoints(AcGePoint3dArray& points) const {
     assertReadEnabled();
-    for (const BulgeVertex& vertex : m.path.vertices) {
+    for (const BulgeVertex& vertex : m.path->vertices) {
         points.append(toWorldPoint(vertex.point));
     }
     return Acad::eOk;
@@ -521,19 +531,19 @@ Acad::ErrorStatus AcDbPolyline::subMoveStretchPointsAt(const AcDbIntArray& indic
     assertWriteEnabled();
     const AcGeVector2d move = host::to2d(host::toObject(m.rest->normal, offset));
     std::vector<double> heights;
-    for (int index = 0; index < m.path.segmentCount(); ++index) {
-        const PathSegment segment = m.path.segment(index);
+    for (int index = 0; index < m.path->segmentCount(); ++index) {
+        const PathSegment segment = m.path->segment(index);
         heights.push_back(segment.isArc() ? segment.bulge * segment.start.distanceTo(segment.end) : 0.0);
     }
-    const Acad::ErrorStatus status = host::forGrips(indices, m.path.vertexCount(), [&](int index) {
-        m.path.vertices[static_cast<std::size_t>(index)].point += move;
+    const Acad::ErrorStatus status = host::forGrips(indices, m.path->vertexCount(), [&](int index) {
+        m.path.change().vertices[static_cast<std::size_t>(index)].point += move;
     });
-    for (int index = 0; status == Acad::eOk && index < m.path.segmentCount(); ++index) {
-        const PathSegment segment = m.path.segment(index);
+    for (int index = 0; status == Acad::eOk && index < m.path->segmentCount(); ++index) {
+        const PathSegment segment = m.path->segment(index);
         const double chord = segment.start.distanceTo(segment.end);
         const double height = heights[static_cast<std::size_t>(index)];
         if (height != 0.0 && chord > 0.0 && std::fabs(height - segment.bulge * chord) > 1e-12 * chord) {
-            m.path.vertices[static_cast<std::size_t>(index)].bulge = height / chord;
+            m.path.change().vertices[static_cast<std::size_t>(index)].bulge = height / chord;
         }
     }
     return status;
@@ -541,7 +551,7 @@ Acad::ErrorStatus AcDbPolyline::subMoveStretchPointsAt(const AcDbIntArray& indic
 
 bool AcDbPolyline::subWorldDraw(AcGiWorldDraw* draw) {
     assertReadEnabled();
-    if (!m.path.vertices.empty()) {
+    if (!m.path->vertices.empty()) {
         draw->geometry().pline(*this);
     }
     return true;

@@ -27,9 +27,30 @@ struct PolylineRest {
     double constantWidth = 0.0; ///< of all segments when the widths do not vary
 };
 
+/// A path whose distances along it are kept once they were asked for, until it changes.
+class MeasuredPath {
+public:
+    const BulgePath& operator*() const { return mPath; }
+    const BulgePath* operator->() const { return &mPath; }
+    BulgePath& change() {
+        mMeasure.reset();
+        return mPath;
+    }
+    const PathMeasure& measure() const {
+        if (mMeasure == nullptr) {
+            mMeasure = std::make_unique<PathMeasure>(mPath);
+        }
+        return *mMeasure;
+    }
+
+private:
+    mutable std::unique_ptr<PathMeasure> mMeasure;
+    [[no_unique_address]] BulgePath mPath;
+};
+
 /// Drawings have them by the hundred thousand, so the order of the fields leaves no gaps.
 struct PolylineData {
-    [[no_unique_address]] BulgePath path; ///< in object coordinates
+    [[no_unique_address]] MeasuredPath path; ///< in object coordinates
     bool linetypeGeneration = false;
     std::unique_ptr<PolylineExtras> extras;
     Uncommon<PolylineRest> rest;
@@ -109,9 +130,11 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus reverseCurve() override;
+    /// O(log n): the distances of the vertices are kept.
+    Acad::ErrorStatus getParamAtDist(double distance, double& parameter) const override;
 
     /// The vertices and bulges as they are held.
-    const host::BulgePath& bulgePath() const { return m.path; }
+    const host::BulgePath& bulgePath() const { return *m.path; }
     /// Takes a shape whole. Widths are those of the segments, or none.
     void setShape(host::WidePath shape);
 
@@ -131,7 +154,7 @@ protected:
     bool takeDxfGroup(AcDbDxfFiler* filer, const host::DxfGroup& group, std::string_view subclass) override;
     Acad::ErrorStatus dxfGroupsRead(AcDbDxfFiler* filer) override;
 
-    host::PathView path() const override { return host::PathView(m.path); }
+    host::PathView path() const override { return host::PathView(*m.path); }
     std::vector<host::SegmentWidths> segmentWidths() const override;
     double pathElevation() const override { return m.rest->elevation; }
     double pathThickness() const override { return m.rest->thickness; }
@@ -139,7 +162,7 @@ protected:
     Acad::ErrorStatus changeEnd(bool start, const AcGePoint2d& point, double bulge) override;
 
 private:
-    bool isVertex(unsigned int index) const { return index < m.path.vertices.size(); }
+    bool isVertex(unsigned int index) const { return index < m.path->vertices.size(); }
     host::SegmentWidths widthsOf(std::size_t index) const;
     /// The list of varying widths, made when there is none yet.
     std::vector<host::SegmentWidths>& varyingWidths();

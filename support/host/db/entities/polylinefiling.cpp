@@ -41,7 +41,7 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     if (const Acad::ErrorStatus status = AcDbCurve::dwgOutFields(filer); status != Acad::eOk) {
         return status;
     }
-    const std::vector<host::BulgeVertex>& vertices = m.path.vertices;
+    const std::vector<host::BulgeVertex>& vertices = m.path->vertices;
     const bool varies = m.extras != nullptr && !m.extras->widths.empty();
     int flags = 0;
     const auto set = [&](bool present, Present bit) { flags |= present ? bit : 0; };
@@ -52,7 +52,7 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
     set(hasBulges(), hasBulgeList);
     set(varies, hasWidthList);
     set(m.linetypeGeneration, generatesLinetype);
-    set(m.path.closed, isClosedPath);
+    set(m.path->closed, isClosedPath);
     set(hasVertexIdentifiers(), hasIdentifierList);
     filer->writeInt16(static_cast<Adesk::Int16>(flags));
     if ((flags & hasConstantWidth) != 0) {
@@ -118,14 +118,15 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
         filer->setFilerStatus(Acad::eInvalidInput);
     }
     read.linetypeGeneration = (flags & generatesLinetype) != 0;
-    read.path.closed = (flags & isClosedPath) != 0;
-    read.path.vertices.reserve(roomFor(count));
+    host::BulgePath& path = read.path.change();
+    path.closed = (flags & isClosedPath) != 0;
+    path.vertices.reserve(roomFor(count));
     for (Adesk::Int32 index = 0; index < count && get.isGood(); ++index) {
-        get(read.path.vertices.emplace_back().point);
+        get(path.vertices.emplace_back().point);
     }
     if ((flags & hasBulgeList) != 0) {
-        for (std::size_t index = 0; index < read.path.vertices.size() && get.isGood(); ++index) {
-            get(read.path.vertices[index].bulge);
+        for (std::size_t index = 0; index < path.vertices.size() && get.isGood(); ++index) {
+            get(path.vertices[index].bulge);
         }
     }
     if ((flags & (hasIdentifierList | hasWidthList)) != 0) {
@@ -160,7 +161,7 @@ std::string_view AcDbPolyline::dxfSubclass(std::string_view marker) const {
 }
 
 bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std::string_view) {
-    std::vector<host::BulgeVertex>& vertices = m.path.vertices;
+    std::vector<host::BulgeVertex>& vertices = m.path.change().vertices;
     switch (group.code) {
     case 10:
         vertices.push_back({group.point2d(), 0.0});
@@ -199,7 +200,7 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
         m.rest.set(&host::PolylineRest::thickness, group.real);
         return true;
     case 70:
-        m.path.closed = (group.integer & dxfClosed) != 0;
+        m.path.change().closed = (group.integer & dxfClosed) != 0;
         m.linetypeGeneration = (group.integer & dxfLinetypeGeneration) != 0;
         return true;
     case 90:
@@ -215,7 +216,7 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
 
 Acad::ErrorStatus AcDbPolyline::dxfGroupsRead(AcDbDxfFiler*) {
     double sum = m.rest->elevation + m.rest->thickness + m.rest->constantWidth;
-    for (const host::BulgeVertex& vertex : m.path.vertices) {
+    for (const host::BulgeVertex& vertex : m.path->vertices) {
         sum += vertex.point.x + vertex.point.y + vertex.bulge;
     }
     if (m.extras != nullptr) {
@@ -223,12 +224,12 @@ Acad::ErrorStatus AcDbPolyline::dxfGroupsRead(AcDbDxfFiler*) {
             sum += widths.start + widths.end;
         }
         if (hasVertexIdentifiers()) {
-            m.extras->identifiers.resize(m.path.vertices.size());
+            m.extras->identifiers.resize(m.path->vertices.size());
         }
         simplify();
     }
-    if (m.path.vertices.capacity() > m.path.vertices.size() + m.path.vertices.size() / 4) {
-        m.path.vertices.shrink_to_fit();
+    if (m.path->vertices.capacity() > m.path->vertices.size() + m.path->vertices.size() / 4) {
+        m.path.change().vertices.shrink_to_fit();
     }
     return std::isfinite(sum) ? Acad::eOk : Acad::eInvalidInput;
 }
@@ -240,16 +241,16 @@ Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
     const bool all = filer->includesDefaultValues();
     const bool varies = m.extras != nullptr && !m.extras->widths.empty();
     filer->writeText(100, "AcDbPolyline");
-    filer->writeInteger(90, static_cast<Adesk::Int64>(m.path.vertices.size()));
-    filer->writeInteger(70,
-                        (m.path.closed ? dxfClosed : 0) | (m.linetypeGeneration ? dxfLinetypeGeneration : 0));
+    filer->writeInteger(90, static_cast<Adesk::Int64>(m.path->vertices.size()));
+    filer->writeInteger(70, (m.path->closed ? dxfClosed : 0) |
+                                (m.linetypeGeneration ? dxfLinetypeGeneration : 0));
     if (!varies) {
         filer->writeReal(43, m.rest->constantWidth);
     }
     host::writeUnlessDefault(filer, 38, m.rest->elevation, 0.0);
     host::writeThickness(filer, m.rest->thickness);
-    for (std::size_t index = 0; index < m.path.vertices.size(); ++index) {
-        const host::BulgeVertex& vertex = m.path.vertices[index];
+    for (std::size_t index = 0; index < m.path->vertices.size(); ++index) {
+        const host::BulgeVertex& vertex = m.path->vertices[index];
         filer->writePoint2d(10, vertex.point);
         if (varies || all) {
             const host::SegmentWidths widths = widthsOf(index);
@@ -309,7 +310,7 @@ Acad::ErrorStatus AcDbPolyline::convertTo(AcDb2dPolyline*& polyline, bool transf
     heavy->setElevation(m.rest->elevation);
     heavy->setThickness(m.rest->thickness);
     m.linetypeGeneration ? heavy->setLinetypeGenerationOn() : heavy->setLinetypeGenerationOff();
-    heavy->setShape({m.path, segmentWidths()});
+    heavy->setShape({*m.path, segmentWidths()});
     if (!transferId) {
         polyline = heavy.release();
         return Acad::eOk;

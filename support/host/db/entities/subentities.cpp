@@ -89,18 +89,9 @@ void SubentityList::ownerBecameResident(AcDbEntity& owner) {
 Acad::ErrorStatus SubentityList::erase(bool erasing) {
     Acad::ErrorStatus status = Acad::eOk;
     const auto eraseOne = [&](AcDbStub* stub) {
-        AcDbObject* part = nullptr;
-        if (stub == nullptr || stub->erased == erasing) {
-            return;
+        if (const Acad::ErrorStatus one = eraseWithOwner(stub, erasing); one != Acad::eOk) {
+            status = one;
         }
-        if (const Acad::ErrorStatus opened =
-                acdbOpenAcDbObject(part, AcDbObjectId(stub), AcDb::kForWrite, true);
-            opened != Acad::eOk) {
-            status = opened;
-            return;
-        }
-        part->erase(erasing);
-        part->close();
     };
     std::for_each(mIds.begin(), mIds.end(), eraseOne);
     eraseOne(mEnd);
