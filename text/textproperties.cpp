@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 
 namespace {
 
@@ -16,17 +15,7 @@ constexpr double smallest = 0.1;
 /// The names and ids of the drawing's text styles; those without a name are shape files.
 std::vector<std::pair<AcString, AcDbObjectId>> textStyles() {
     std::vector<std::pair<AcString, AcDbObjectId>> styles;
-    AcDbTextStyleTable* table = nullptr;
-    if (WorkingDatabase()->getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
-        return styles;
-    }
-    AcDbTextStyleTableIterator* iterator = nullptr;
-    table->newIterator(iterator);
-    table->close();
-    for (const std::unique_ptr<AcDbTextStyleTableIterator> step(iterator); step && !step->done();
-         step->step()) {
-        AcDbObjectId id;
-        step->getRecordId(id);
+    for (const AcDbObjectId id : RecordIds<AcDbTextStyleTable>()) {
         const CArxObjTemplate<AcDbTextStyleTableRecord> style(id, false);
         AcString name;
         if (style && style->getName(name) == Acad::eOk && !name.isEmpty()) {
