@@ -4,6 +4,7 @@
 #include "host/ed/editorview.h"
 #include "host/ed/session.h"
 #include "host/ed/sysvars.h"
+#include "host/font/font.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
@@ -103,6 +104,12 @@ const resbuf* group(const resbuf* list, int code) {
     return list;
 }
 
+/// Standard shape fonts are there though no file holds them.
+bool isBuiltInFont(std::wstring_view name) {
+    return fold(name).ends_with(L".shx") && name.find_first_of(L"\\/:") == name.npos &&
+           !supportFolders().empty() && FontEngine::instance().hasShapeFont(name);
+}
+
 } // namespace
 } // namespace host
 
@@ -154,8 +161,10 @@ int acedFindFile(const ACHAR* name, ACHAR* path, std::size_t size) {
 }
 
 int acedFindFile(const ACHAR* name, AcString& path) {
-    const std::filesystem::path found =
-        name != nullptr ? host::findSupportFile(name) : std::filesystem::path();
+    std::filesystem::path found = name != nullptr ? host::findSupportFile(name) : std::filesystem::path();
+    if (found.empty() && name != nullptr && host::isBuiltInFont(name)) {
+        found = host::supportFolders().front() / host::fold(name);
+    }
     if (found.empty()) {
         return RTERROR;
     }
