@@ -107,7 +107,7 @@ const resbuf* group(const resbuf* list, int code) {
 /// Standard shape fonts are there though no file holds them.
 bool isBuiltInFont(std::wstring_view name) {
     return fold(name).ends_with(L".shx") && name.find_first_of(L"\\/:") == name.npos &&
-           !supportFolders().empty() && FontEngine::instance().hasShapeFont(name);
+           !supportFolders().empty() && FontEngine::instance().shapeGlyph(name, L'A') != nullptr;
 }
 
 } // namespace

@@ -206,11 +206,6 @@ bool FontEngine::isAvailable(const FontSpec& font) {
     return mImplementation->store.stack(font).isAvailable;
 }
 
-bool FontEngine::hasShapeFont(std::wstring_view file) {
-    const std::lock_guard lock(mImplementation->mutex);
-    return mImplementation->store.shapeFace(file) != nullptr;
-}
-
 std::vector<FontSubstitution> FontEngine::takeSubstitutions() {
     const std::lock_guard lock(mImplementation->mutex);
     return mImplementation->store.takeSubstitutions();

@@ -96,9 +96,6 @@ public:
     // Whether the font is there itself and not a substitute.
     bool isAvailable(const FontSpec& font);
 
-    // Whether there is a shape font of the name: a file in the search folders, or one that is drawn without.
-    bool hasShapeFont(std::wstring_view file);
-
     // Distance from the base line up to the ink of the tallest, and down to the lowest, usual character.
     struct Metrics {
         double ascent = 1, descent = 0.3; // text heights
