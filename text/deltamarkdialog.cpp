@@ -76,11 +76,7 @@ void CDeltaMarkDlg::selectStyle(const CString& stored) {
 }
 
 void CDeltaMarkDlg::OnOK() {
-    if (!UpdateData(TRUE)) {
-        return;
-    }
-    if (CWnd* fault = mProperties.FirstFault()) {
-        fault->SetFocus();
+    if (!UpdateData(TRUE) || !mProperties.Validate()) {
         return;
     }
     m_series.countsDown = mDirection != 0;

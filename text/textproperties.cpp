@@ -4,7 +4,6 @@
 #include "resources/resource.h"
 #include "restools/drawing.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace {
@@ -75,10 +74,14 @@ void CTextPropertyControls::Enable(Field field, bool enable) {
     control.EnableWindow(enable);
 }
 
-CWnd* CTextPropertyControls::FirstFault() {
-    const auto fault = std::find_if_not(mNumbers.begin(), mNumbers.end(),
-                                        [](const CNumEdit& number) { return number.IsValid(); });
-    return fault != mNumbers.end() ? &*fault : nullptr;
+bool CTextPropertyControls::Validate() {
+    constexpr std::array names{L"字高", L"字宽", L"角度", L"倾角"};
+    for (std::size_t i = 0; i < mNumbers.size(); ++i) {
+        if (!mNumbers[i].Validate(names[i])) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool CTextPropertyControls::SelectStyle(AcDbObjectId id) {

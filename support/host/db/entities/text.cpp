@@ -48,7 +48,8 @@ AcDbText::AcDbText(const AcGePoint3d& position, const ACHAR* text, AcDbObjectId 
 
 AcGePoint3d AcDbText::position() const {
     assertReadEnabled();
-    return host::toWorld(m.normal, m.position);
+    const bool isMeasured = !isDefaultAlignment() && !shownText().isEmpty();
+    return host::toWorld(m.normal, isMeasured ? startPoint(textBox()) : m.position);
 }
 
 Acad::ErrorStatus AcDbText::setPosition(const AcGePoint3d& position) {

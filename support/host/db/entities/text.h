@@ -63,6 +63,7 @@ public:
 
     // Setters on which the place of an aligned text depends compute its position anew.
 
+    /// Where the base line begins as the text is drawn here: what a file has fits the fonts of its program.
     AcGePoint3d position() const;
     Acad::ErrorStatus setPosition(const AcGePoint3d& position);
     AcGePoint3d alignmentPoint() const;
