@@ -135,7 +135,6 @@ int acedGetEnv(const ACHAR* name, AcString& value);
 int acedSetEnv(const ACHAR* name, const ACHAR* value);
 int acedGetCfg(const ACHAR* name, ACHAR* value, std::size_t size);
 int acedSetCfg(const ACHAR* name, const ACHAR* value);
-/// A standard shape font that is drawn without a file is found where its file would be.
 int acedFindFile(const ACHAR* name, ACHAR* path, std::size_t size);
 int acedFindFile(const ACHAR* name, AcString& path);
 template <std::size_t size>
