@@ -10,11 +10,12 @@
 namespace host {
 namespace {
 
+constexpr std::string_view embeddedObject = "Embedded Object";
+
 /// Walks the groups that follow an attribute's own; `visit` is told of each whether it belongs to the
 /// embedded text, whose marker does not.
 template <class Visit>
 void walkGroups(const GroupList& groups, Visit visit) {
-    constexpr std::string_view embeddedObject = "Embedded Object";
     bool isEmbedded = false;
     for (const GroupList::Group group : groups) {
         const bool isMarker = group.code == 100 || group.code == 101;
@@ -144,6 +145,23 @@ void AttributeText::setLines(const AcDbMText& changed) {
         assertWriteEnabled();
         replaceKeptGroups("", ChangedGroups(before->data(), changed.data())(*keptGroups("")));
     }
+}
+
+void AttributeText::embedLines(const AcDbMText& text) {
+    ResbufDxfWriter writer(nullptr);
+    text.dxfOutFields(&writer);
+    const ResbufList list = writer.release();
+    GroupList kept = keptGroups("") != nullptr ? *keptGroups("") : GroupList();
+    kept.add(101, embeddedObject);
+    bool isInside = false;
+    for (const GroupList::Group group : GroupList::fromResbuf(list.get())) {
+        const bool isMarker = group.code == 100 || group.code == 101;
+        if (isInside && !isMarker && group.code < 1000) {
+            kept.add(group.code, group.text);
+        }
+        isInside = isMarker ? group.text == "AcDbMText" : isInside;
+    }
+    replaceKeptGroups("", std::move(kept));
 }
 
 void AttributeText::copyLines(const AttributeText& source) {
