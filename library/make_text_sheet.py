@@ -20,11 +20,12 @@ def style(name, font, big_font, flags, face):
             f" '(2 . \"{name}\") '(70 . {flags}) '(41 . 1.0) '(3 . \"{font}\") '(4 . \"{big_font}\") {data}))")
 
 
-def text(content, x, y, height=5.0, style_name="长仿", degrees=0.0, groups=""):
+def text(content, x, y, height=5.0, style_name="长仿", degrees=0.0, horizontal=0):
     """At a place within a cell."""
     def at(left, bottom):
-        return (f"(entmake (list '(0 . \"TEXT\") '(10 {left + x} {bottom + y} 0.0) '(40 . {height})"
-                f" '(50 . {math.radians(degrees)}) '(7 . \"{style_name}\") '(1 . \"{content}\") {groups}))")
+        place = f"{left + x} {bottom + y} 0.0"
+        return (f"(entmake (list '(0 . \"TEXT\") '(10 {place}) '(40 . {height}) '(50 . {math.radians(degrees)})"
+                f" '(7 . \"{style_name}\") '(1 . \"{content}\") '(72 . {horizontal}) '(11 {place})))")
     return at
 
 
@@ -68,7 +69,7 @@ def mtext(content, x, y, flow):
 
 
 DIRECTIONS = ("竖排文字；@ 字体转 270°；多行文字横、竖排",
-              [text("竖排110kV", 8, 42, 4, "竖"), text("竖中", 20, 22, 4, "竖", 0, "'(72 . 4) '(11 20.0 22.0 0.0)"),
+              [text("竖排110kV", 8, 42, 4, "竖"), text("竖中", 20, 22, 4, "竖", 0, 4),
                text("直排黑体A1", 32, 42, 4, "倒黑", 270), mtext("电力线路图\\\\P第二行 N12", 42, 40, 1),
                mtext("电力线路图\\\\P第二行 N12", 90, 40, 3)])
 
