@@ -131,11 +131,9 @@ CDoubleLineEnclose::CDoubleLineEnclose() : CAcDbMlineJig(L"DoubleLineEnclose\\")
 }
 
 void CDoubleLineEnclose::SaveSettings() const {
-    CString width;
-    width.Format(L"%.2lf", Width());
     const CProfileSection settings(Section());
     settings.SetInt(L"Center", Justification());
-    settings.SetText(L"Width", width);
+    settings.SetReal(L"Width", Width(), 2);
 }
 
 void DrawDoubleLineEnclose() {

@@ -141,9 +141,7 @@ void SaveWidthPolylineSettings() {
     const CProfileSection section(sectionName);
     const WidthPolylineSettings& settings = GetWidthPolylineSettings();
     const auto setReal = [&section](const ACHAR* value, double number) {
-        CString text;
-        text.Format(L"%lf", number);
-        section.SetText(value, text);
+        section.SetReal(value, number, 6);
     };
     section.SetText(L"Author", L"沐岚川软件");
     setReal(L"StartWidth", settings.startWidth);

@@ -76,11 +76,7 @@ void CDeltaMarkDlg::selectStyle(const CString& stored) {
 }
 
 void CDeltaMarkDlg::OnOK() {
-    if (!UpdateData(TRUE)) {
-        return;
-    }
-    if (CWnd* fault = mProperties.FirstFault()) {
-        fault->SetFocus();
+    if (!UpdateData(TRUE) || !mProperties.Validate()) {
         return;
     }
     m_series.countsDown = mDirection != 0;
@@ -93,11 +89,7 @@ void CDeltaMarkDlg::OnOK() {
 
 void CDeltaMarkDlg::writeSettings(const TextProperties& properties) const {
     const CProfileSection section(sectionName);
-    const auto setReal = [&](const ACHAR* value, double number) {
-        CString text;
-        text.Format(L"%.2lf", number);
-        section.SetText(value, text);
-    };
+    const auto setReal = [&](const ACHAR* value, double number) { section.SetReal(value, number, 2); };
     section.SetInt(L"Increace", mDirection);
     section.SetInt(L"Align", m_series.alignment);
     section.SetInt(L"Delta", m_series.step);

@@ -4,7 +4,6 @@
 #include "restools/arxobject.h"
 #include "restools/drawing.h"
 
-#include <memory>
 #include <string_view>
 
 namespace fontreplacement {
@@ -116,21 +115,12 @@ bool replaceFonts(AcDbTextStyleTableRecord& style, const std::set<std::wstring>&
 void ReplaceMissingFonts() {
     using namespace fontreplacement;
     const std::set<std::wstring> installed = installedFaces();
-    CArxObjTemplate<AcDbTextStyleTable> styles(WorkingDatabase()->textStyleTableId(), false);
-    AcDbTextStyleTableIterator* started = nullptr;
-    if (!styles || styles->newIterator(started) != Acad::eOk) {
-        return;
-    }
     bool isChanged = false;
-    for (const std::unique_ptr<AcDbTextStyleTableIterator> iterator(started); !iterator->done();
-         iterator->step()) {
-        AcDbObjectId id;
-        iterator->getRecordId(id);
+    for (const AcDbObjectId id : RecordIds<AcDbTextStyleTable>()) {
         if (const CArxObjTemplate<AcDbTextStyleTableRecord> style(id, false); style) {
             isChanged = replaceFonts(*style, installed) || isChanged;
         }
     }
-    styles.Close();
     if (isChanged) {
         RegenDrawing();
     }

@@ -153,8 +153,13 @@ void ScaleWesternRuns() {
     }
     for (int i = 0; i < texts.GetLength(); ++i) {
         const CArxObjTemplate<AcDbText> text(texts[i], false);
-        if (text && PlaceRuns(*text, SplitIntoRuns(text->textStringConst()), westernRatio) &&
-            text->upgradeOpen() == Acad::eOk) {
+        if (!text) {
+            continue;
+        }
+        // One that can't be erased afterwards would stand there twice: it isn't split at all.
+        const std::vector<Run> runs = SplitIntoRuns(text->textStringConst());
+        if (runs.size() > 1 && text->upgradeOpen() == Acad::eOk) {
+            PlaceRuns(*text, runs, westernRatio);
             text->erase(Adesk::kTrue);
         }
     }

@@ -22,7 +22,9 @@ double toRadians(double angle) {
 }
 
 TextProperties propertiesOf(const AcDbText& text) {
-    return {text.height(), text.widthFactor(), toDegrees(text.rotation()), toDegrees(text.oblique()),
+    // A slant to the left is one of nearly a whole turn here.
+    const double oblique = text.oblique() + (text.oblique() < 0.0 ? 2.0 * halfTurn : 0.0);
+    return {text.height(), text.widthFactor(), toDegrees(text.rotation()), toDegrees(oblique),
             text.textStyle()};
 }
 

@@ -4,9 +4,7 @@
 #include "resources/resource.h"
 #include "restools/drawing.h"
 
-#include <algorithm>
 #include <limits>
-#include <memory>
 
 namespace {
 
@@ -16,17 +14,7 @@ constexpr double smallest = 0.1;
 /// The names and ids of the drawing's text styles; those without a name are shape files.
 std::vector<std::pair<AcString, AcDbObjectId>> textStyles() {
     std::vector<std::pair<AcString, AcDbObjectId>> styles;
-    AcDbTextStyleTable* table = nullptr;
-    if (WorkingDatabase()->getSymbolTable(table, AcDb::kForRead) != Acad::eOk) {
-        return styles;
-    }
-    AcDbTextStyleTableIterator* iterator = nullptr;
-    table->newIterator(iterator);
-    table->close();
-    for (const std::unique_ptr<AcDbTextStyleTableIterator> step(iterator); step && !step->done();
-         step->step()) {
-        AcDbObjectId id;
-        step->getRecordId(id);
+    for (const AcDbObjectId id : RecordIds<AcDbTextStyleTable>()) {
         const CArxObjTemplate<AcDbTextStyleTableRecord> style(id, false);
         AcString name;
         if (style && style->getName(name) == Acad::eOk && !name.isEmpty()) {
@@ -86,10 +74,14 @@ void CTextPropertyControls::Enable(Field field, bool enable) {
     control.EnableWindow(enable);
 }
 
-CWnd* CTextPropertyControls::FirstFault() {
-    const auto fault = std::find_if_not(mNumbers.begin(), mNumbers.end(),
-                                        [](const CNumEdit& number) { return number.IsValid(); });
-    return fault != mNumbers.end() ? &*fault : nullptr;
+bool CTextPropertyControls::Validate() {
+    constexpr std::array names{L"字高", L"字宽", L"角度", L"倾角"};
+    for (std::size_t i = 0; i < mNumbers.size(); ++i) {
+        if (!mNumbers[i].Validate(names[i])) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool CTextPropertyControls::SelectStyle(AcDbObjectId id) {

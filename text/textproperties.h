@@ -31,8 +31,8 @@ public:
     /// Whether a number is one, and within its range.
     bool IsValid(Field field) const;
     void Enable(Field field, bool enable);
-    /// The first number that is not valid; null when all are.
-    CWnd* FirstFault();
+    /// Says which number is not valid, and takes the user there. True when all are.
+    bool Validate();
 
     CComboBox& Styles() { return mStyles; }
     /// False when the style is not listed.

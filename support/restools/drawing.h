@@ -38,6 +38,28 @@ AcDbObjectId FindRecord(const ACHAR* name, AcDbDatabase* database = nullptr) {
     return id;
 }
 
+/// The ids of a table's records in the table's order, those that are erased aside.
+template <class Table>
+std::vector<AcDbObjectId> RecordIds(AcDbDatabase* database = nullptr) {
+    std::vector<AcDbObjectId> ids;
+    Table* opened = nullptr;
+    if ((database != nullptr ? database : WorkingDatabase())->getSymbolTable(opened, AcDb::kForRead) !=
+        Acad::eOk) {
+        return ids;
+    }
+    const CArxObjTemplate<Table> table(opened);
+    const AcDbSymbolTable& records = *table;
+    AcDbSymbolTableIterator* started = nullptr;
+    if (records.newIterator(started) != Acad::eOk) {
+        return ids;
+    }
+    for (const std::unique_ptr<AcDbSymbolTableIterator> iterator(started); !iterator->done();
+         iterator->step()) {
+        iterator->getRecordId(ids.emplace_back());
+    }
+    return ids;
+}
+
 /// Texts of attributes by tag.
 using AttributeTexts = std::vector<std::pair<AcString, AcString>>;
 /// A reference of a block in model space, with an attribute for each of its definitions that isn't constant:

@@ -26,13 +26,19 @@ CString CNumEdit::textOf(double value) const {
 }
 
 void CNumEdit::SetValue(double value) {
-    SetWindowText(textOf(value));
+    mShown = value;
+    mShownText = textOf(value);
+    SetWindowText(mShownText);
 }
 
 bool CNumEdit::read(double& value) const {
     CString text;
     GetWindowText(text);
     text.Trim();
+    if (!text.IsEmpty() && text == mShownText) {
+        value = mShown;
+        return true;
+    }
     // Neither hexadecimal numbers nor words.
     if (text.IsEmpty() || text.SpanIncluding(L"0123456789.+-eE") != text) {
         return false;

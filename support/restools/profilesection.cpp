@@ -26,6 +26,12 @@ void CProfileSection::SetInt(const ACHAR* value, int number) const {
     acedGetAcadWinApp()->WriteProfileInt(mSection, value, number);
 }
 
+void CProfileSection::SetReal(const ACHAR* value, double number, int decimals) const {
+    CString text;
+    text.Format(L"%.*lf", decimals, number);
+    SetText(value, text);
+}
+
 void CProfileSection::SetText(const ACHAR* value, const ACHAR* text) const {
     acedGetAcadWinApp()->WriteProfileString(mSection, value, text);
 }

@@ -14,6 +14,8 @@ public:
     /// The text as a decimal number; what is none counts as 0.
     double GetReal(const ACHAR* value, const ACHAR* fallback) const;
     void SetInt(const ACHAR* value, int number) const;
+    /// Stored as a text with this many decimals.
+    void SetReal(const ACHAR* value, double number, int decimals) const;
     void SetText(const ACHAR* value, const ACHAR* text) const;
 
 private:

@@ -353,6 +353,47 @@ TEST_F(MTextTest, GripOfTheFrameChangesTheWidth) {
     }
 }
 
+TEST_F(MTextTest, VerticalLinesRunDownTheFirstAtTheRight) {
+    for (int attachment = AcDbMText::kTopLeft; attachment <= AcDbMText::kBottomRight; ++attachment) {
+        const auto made = text(L"电力线\\PAB", 0.0, 2.0);
+        made->setFlowDirection(AcDbMText::kTtoB);
+        made->setAttachment(static_cast<AcDbMText::AttachmentPoint>(attachment));
+        const host::MTextLayout laid = made->layout();
+        ASSERT_EQ(laid.runs.size(), 2U);
+        EXPECT_GT(laid.runs[0].x, laid.runs[1].x + 2.0);
+        EXPECT_GT(laid.actualHeight, laid.actualWidth);
+        const double across = 0.5 * ((attachment - 1) % 3), down = 0.5 * ((attachment - 1) / 3);
+        const AcGePoint2d lower = laid.lowerLeft, upper = laid.upperRight;
+        EXPECT_NEAR(lower.x + across * (upper.x - lower.x), 0.0, 1e-9) << attachment;
+        EXPECT_NEAR(upper.y - down * (upper.y - lower.y), 0.0, 1e-9) << attachment;
+        EXPECT_GE(laid.ink.left, lower.x - 0.5);
+        EXPECT_LE(laid.ink.right, upper.x + 0.5);
+        EXPECT_LE(laid.ink.top, upper.y + 1e-9);
+    }
+    // The width breaks them along the line; a stack is a word.
+    const auto broken = text(L"甲乙丙丁戊己", 7.0, 2.0);
+    broken->setFlowDirection(AcDbMText::kTtoB);
+    EXPECT_EQ(broken->layout().runs.size(), 3U);
+    const auto stack = text(L"\\S1/2;");
+    stack->setFlowDirection(AcDbMText::kTtoB);
+    ASSERT_EQ(stack->layout().runs.size(), 1U);
+    EXPECT_EQ(stack->layout().runs[0].text, L"1/2");
+    // A style that is not vertical: each character becomes a text where it stood.
+    AcDbVoidPtrArray parts;
+    broken->explode(parts);
+    ASSERT_EQ(parts.length(), 6);
+    AcDbExtents whole, together;
+    broken->getGeomExtents(whole);
+    for (void* part : parts) {
+        const std::unique_ptr<AcDbText> one(static_cast<AcDbText*>(part));
+        AcDbExtents box;
+        one->getGeomExtents(box);
+        together.addExt(box);
+    }
+    EXPECT_TRUE(together.minPoint().isEqualTo(whole.minPoint(), AcGeTol().setEqualPoint(1e-6)));
+    EXPECT_TRUE(together.maxPoint().isEqualTo(whole.maxPoint(), AcGeTol().setEqualPoint(1e-6)));
+}
+
 TEST_F(MTextTest, LongContentsAreCutForFiles) {
     std::wstring contents;
     for (int index = 0; index < 600; ++index) {

@@ -218,6 +218,9 @@ TEST_F(Variables, FilesAreFoundInTheSupportFolders) {
     EXPECT_EQ(acedFindFile(L"mixed.LIN", path), RTNORM);
     EXPECT_EQ(host::toNativePath(path.kwszPtr()), folder() / "Mixed.Lin");
     EXPECT_EQ(acedFindFile(L"none.lin", path), RTERROR);
+    EXPECT_EQ(acedFindFile(L"romans.shx", path), RTNORM) << "drawn without a file";
+    EXPECT_EQ(acedFindFile(L"none.shx", path), RTERROR);
+    EXPECT_EQ(acedFindFile(L"none.ttf", path), RTERROR);
     host::supportFolders().pop_back();
 }
 

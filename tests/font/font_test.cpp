@@ -150,6 +150,25 @@ TEST(Layout, VerticalTextGoesDown) {
     EXPECT_NEAR(text.ink.left, -text.ink.right, 0.2 * 2);
 }
 
+TEST(Layout, TurnedFacesLayIdeographsOnTheirSides) {
+    TextFormat format;
+    format.font.typeface = L"Noto Sans CJK SC";
+    if (!FontEngine::instance().isAvailable(format.font))
+        GTEST_SKIP() << "no Chinese face here";
+    const ShapedText upright = shape(L"一", format), latin = shape(L"Ag", format);
+    format.font.typeface = L"@Noto Sans CJK SC";
+    EXPECT_TRUE(FontEngine::instance().isAvailable(format.font));
+    const ShapedText turned = shape(L"一", format);
+    const auto width = [](const GlyphBox& box) { return box.right - box.left; };
+    const auto height = [](const GlyphBox& box) { return box.top - box.bottom; };
+    EXPECT_NEAR(width(turned.ink), height(upright.ink), 1e-6);
+    EXPECT_NEAR(height(turned.ink), width(upright.ink), 1e-6);
+    EXPECT_NEAR(turned.advanceX, upright.advanceX, 1e-6) << "the em box is a square";
+    EXPECT_GE(turned.ink.left, 0);
+    EXPECT_LE(turned.ink.right, turned.advanceX);
+    EXPECT_NEAR(shape(L"Ag", format).ink.right, latin.ink.right, 1e-9);
+}
+
 TEST(Layout, RulesSpanTheirCharacters) {
     const ShapedText text = shape(L"AA%%uAA%%uAA%%oA", strokeFormat());
     ASSERT_EQ(text.rules.size(), 2u);

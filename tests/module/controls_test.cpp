@@ -125,6 +125,10 @@ TEST_F(ControlsTest, NumbersAreReadShownAndRefused) {
             dialog.number.GetWindowText(text);
             texts.push_back(text);
         }
+        dialog.number.SetValue(8.64788975);
+        EXPECT_EQ(dialog.number.GetValue(), 8.64788975);
+        dialog.number.SetWindowText(L"8.6");
+        EXPECT_EQ(dialog.number.GetValue(), 8.6);
         dialog.number.SetWindowText(L"20");
         EXPECT_FALSE(dialog.number.Validate(L"字高"));
         dialog.number.SetRange(std::numeric_limits<double>::max(), 0.1);

@@ -10,7 +10,16 @@
 
 namespace {
 
-class TextsTest : public SessionTest {};
+class TextsTest : public SessionTest {
+protected:
+    static AcDbObjectId newest() {
+        ads_name name;
+        AcDbObjectId id;
+        EXPECT_EQ(acdbEntLast(name), RTNORM);
+        EXPECT_EQ(acdbGetObjectId(id, name), Acad::eOk);
+        return id;
+    }
+};
 
 } // namespace
 
@@ -27,6 +36,33 @@ TEST_F(TextsTest, RunsChangeWithTheBytesOfTheirCharacters) {
     EXPECT_EQ(splitAt(L"（10kV）"), L"[（<10kV[）");
     EXPECT_EQ(splitAt(L"中文"), L"[中文");
     EXPECT_EQ(splitAt(L""), L"");
+}
+
+TEST_F(TextsTest, PiecesAreTogetherAsWideAsTheText) {
+    type("(entmake '((0 . \"TEXT\") (10 5.0 7.0 0.0) (40 . 10.0) (1 . \"ABC中文DEF\")))\n");
+    const AcDbObjectId source = newest();
+    double wholeWidth = 0.0;
+    {
+        const CArxObjTemplate<AcDbText> text(source, false);
+        wholeWidth = MeasureText(*text).width;
+        ASSERT_TRUE(linktext::PlaceRuns(*text, linktext::SplitIntoCharacters(text->textStringConst()), 1.0));
+        EXPECT_FALSE(linktext::PlaceRuns(*text, linktext::SplitIntoRuns(L"中文"), 0.7));
+    }
+    {
+        const CArxObjTemplate<AcDbText> last(newest(), false);
+        EXPECT_STREQ(last->textStringConst(), L"F");
+        EXPECT_NEAR(last->position().x + MeasureText(*last).width, 5.0 + wholeWidth, 1e-9);
+        EXPECT_EQ(last->position().y, 7.0);
+    }
+    // Smaller Western runs take up what they lose themselves.
+    const CArxObjTemplate<AcDbText> text(source, false);
+    ASSERT_TRUE(linktext::PlaceRuns(*text, linktext::SplitIntoRuns(text->textStringConst()), 0.7));
+    const CArxObjTemplate<AcDbText> last(newest(), false);
+    EXPECT_STREQ(last->textStringConst(), L"DEF");
+    EXPECT_EQ(last->height(), 7.0);
+    const double lost =
+        0.3 * (MeasureText(*text, L"ABC", 10.0).width + MeasureText(*text, L"DEF", 10.0).width);
+    EXPECT_NEAR(last->position().x + MeasureText(*last).width, 5.0 + wholeWidth - lost, 1e-9);
 }
 
 TEST_F(TextsTest, SumsKeepTheMostDecimals) {

@@ -85,7 +85,7 @@ bool askFont(StyleSettings& settings) {
     settings.bigFont = comma == std::wstring::npos ? L"" : text.substr(comma + 1).c_str();
     settings.typeface = L"";
     const bool file = font.find(L'.') != std::wstring::npos || comma != std::wstring::npos ||
-                      !findSupportFile(font + L".shx").empty() || equalNoCase(font, L"txt");
+                      FontEngine::instance().shapeGlyph(font, L'A') != nullptr;
     if (file || font.empty()) {
         settings.fontFile = font.c_str();
     } else {

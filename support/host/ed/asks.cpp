@@ -133,14 +133,13 @@ int acedGetReal(const ACHAR* prompt, ads_real* result) {
     question.take = [&](const host::InputItem& item) {
         const std::optional<double> value = host::numberIn(item);
         question.refusal = init.keywords.empty() ? L"需要数值。" : L"需要数值或选项关键字。";
-        const bool zero = value && init.forbids(RSG_NOZERO) && *value == 0.0;
-        const bool negative = value && init.forbids(RSG_NONEG) && *value < 0.0;
-        if (zero || negative) {
-            question.refusal = zero ? L"值必须非零。" : L"值不能为负。";
+        const std::wstring notAllowed = value ? host::numberRefusal(init, *value) : std::wstring();
+        if (!notAllowed.empty()) {
+            question.refusal = notAllowed;
         } else if (value) {
             *result = *value;
         }
-        return value && !zero && !negative;
+        return value && notAllowed.empty();
     };
     question.refusal = L"需要数值。";
     return host::askValue(init, question);
@@ -169,8 +168,9 @@ int acedGetInt(const ACHAR* prompt, int* result) {
             question.refusal = L"需要 -32768 到 32767 之间的整数。";
             return false;
         }
-        if ((init.forbids(RSG_NOZERO) && *value == 0) || (init.forbids(RSG_NONEG) && *value < 0)) {
-            question.refusal = *value == 0 ? L"值必须非零。" : L"值不能为负。";
+        if (const std::wstring notAllowed = host::numberRefusal(init, static_cast<double>(*value));
+            !notAllowed.empty()) {
+            question.refusal = notAllowed;
             return false;
         }
         *result = static_cast<int>(*value);

@@ -296,6 +296,7 @@ AcDbObjectId makeRecordIn(const resbuf* list, AcDbDatabase& database) {
         const ResbufList groups = ReadableGroups(list).release();
         if (readInto(*record, groups.get(), database) == Acad::eOk &&
             table->add(id, record.get()) == Acad::eOk) {
+            applyExtendedData(*record, list);
             record.release()->close();
         }
     }

@@ -96,7 +96,16 @@ AskOptions pointOptions(const std::optional<AcGePoint3d>& base) {
     return options;
 }
 
-/// Why a number is not allowed; empty when it is.
+/// The second point that gives a distance or an angle with the first.
+std::optional<AcGePoint3d> secondPoint(const AcGePoint3d& first) {
+    AcGePoint3d second;
+    InitGet init;
+    init.flags = RSG_NONULL;
+    return askPoint(init, L"\n指定第二点: ", first, second) == RTNORM ? std::optional(second) : std::nullopt;
+}
+
+} // namespace
+
 std::wstring numberRefusal(const InitGet& init, double value) {
     const bool zero = init.forbids(RSG_NOZERO) && value == 0.0;
     const bool negative = init.forbids(RSG_NONEG) && value < 0.0;
@@ -107,16 +116,6 @@ std::wstring numberRefusal(const InitGet& init, double value) {
            : !init.forbids(RSG_NOZERO) ? L"值不能为负。"
                                        : L"值必须为正且非零。";
 }
-
-/// The second point that gives a distance or an angle with the first.
-std::optional<AcGePoint3d> secondPoint(const AcGePoint3d& first) {
-    AcGePoint3d second;
-    InitGet init;
-    init.flags = RSG_NONULL;
-    return askPoint(init, L"\n指定第二点: ", first, second) == RTNORM ? std::optional(second) : std::nullopt;
-}
-
-} // namespace
 
 bool InitGet::allowsOther() const {
     return (flags & RSG_OTHER) != 0;
@@ -143,6 +142,18 @@ void refuse(std::wstring_view line) {
     }
 }
 
+namespace {
+
+/// The question that is put again stands in a line of its own.
+void refuseAnswer(const ValueQuestion& question) {
+    refuse(question.refusal);
+    if (!question.prompt.starts_with(L'\n')) {
+        console().write(L"\n");
+    }
+}
+
+} // namespace
+
 int askValue(const InitGet& init, const ValueQuestion& question) {
     AskOptions options = question.options;
     Dragging* dragging = runContext().dragging;
@@ -167,7 +178,7 @@ int askValue(const InitGet& init, const ValueQuestion& question) {
                 lastInput().clear();
                 return RTNONE;
             }
-            refuse(question.refusal);
+            refuseAnswer(question);
             continue;
         }
         if (const std::optional<std::wstring> keyword = keywordIn(init, item)) {
@@ -181,7 +192,7 @@ int askValue(const InitGet& init, const ValueQuestion& question) {
             lastInput() = item.text;
             return RTKWORD;
         }
-        refuse(question.refusal);
+        refuseAnswer(question);
     }
 }
 

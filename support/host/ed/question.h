@@ -22,6 +22,8 @@ struct InitGet {
 /// Takes what was set; the question after has none again.
 InitGet takeInitGet();
 void setInitGet(int flags, std::wstring_view keywords);
+/// Why a number is not allowed; empty when it is.
+std::wstring numberRefusal(const InitGet& init, double value);
 
 /// The last keyword or other text, for acedGetInput.
 std::wstring& lastInput();

@@ -4,6 +4,8 @@
 #include "host/ed/editorview.h"
 #include "host/ed/session.h"
 #include "host/ed/sysvars.h"
+#include "host/font/catalog.h"
+#include "host/font/font.h"
 #include "host/rx/text.h"
 #include "host/win/win.h"
 
@@ -103,6 +105,24 @@ const resbuf* group(const resbuf* list, int code) {
     return list;
 }
 
+/// Fonts that are there without being in a support folder: those of the system, and the standard shape fonts,
+/// which no file holds.
+std::filesystem::path findFont(std::wstring_view name) {
+    const std::wstring folded = fold(name);
+    if (folded.find_first_of(L"\\/:") != folded.npos || supportFolders().empty()) {
+        return {};
+    }
+    if (folded.ends_with(L".shx")) {
+        const bool isBuiltIn = FontEngine::instance().shapeGlyph(folded, L'A') != nullptr;
+        return isBuiltIn ? supportFolders().front() / folded : std::filesystem::path();
+    }
+    if (!folded.ends_with(L".ttf") && !folded.ends_with(L".ttc") && !folded.ends_with(L".otf")) {
+        return {};
+    }
+    const std::optional<FontFile> file = findFontFile(folded);
+    return file && !file->isSubstitute ? file->path : std::filesystem::path();
+}
+
 } // namespace
 } // namespace host
 
@@ -154,8 +174,10 @@ int acedFindFile(const ACHAR* name, ACHAR* path, std::size_t size) {
 }
 
 int acedFindFile(const ACHAR* name, AcString& path) {
-    const std::filesystem::path found =
-        name != nullptr ? host::findSupportFile(name) : std::filesystem::path();
+    std::filesystem::path found = name != nullptr ? host::findSupportFile(name) : std::filesystem::path();
+    if (found.empty() && name != nullptr) {
+        found = host::findFont(name);
+    }
     if (found.empty()) {
         return RTERROR;
     }

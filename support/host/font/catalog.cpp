@@ -197,8 +197,12 @@ std::optional<FontFile> installedFile(std::wstring_view fileName) {
 } // namespace
 
 std::optional<FontFile> findTypeface(std::wstring_view typeface, bool bold, bool italic) {
-    if (typeface.starts_with(L'@')) // the turned face for vertical writing
-        typeface.remove_prefix(1);
+    if (typeface.starts_with(L'@')) { // the turned face for vertical writing
+        std::optional<FontFile> turned = findTypeface(typeface.substr(1), bold, italic);
+        if (turned)
+            turned->isTurned = true;
+        return turned;
+    }
     std::optional<FontFile> found = matchTypeface(toUtf8(trim(typeface)), bold, italic, false);
     if (found && !found->isSubstitute)
         return found;

@@ -10,6 +10,11 @@
 
 namespace host {
 
+// Characters as wide as an ideograph: radicals, kana, ideographs, full-width forms, enclosed numbers.
+constexpr bool isIdeographic(char32_t character) {
+    return character >= 0x2E80 || (character >= 0x2460 && character < 0x2500);
+}
+
 class FontFace {
 public:
     FontFace();

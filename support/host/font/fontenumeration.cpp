@@ -18,17 +18,33 @@ struct PatternDeleter {
     void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
 };
 
-/// Every name of every family.
+/// Whether the face has the characters that are also set from top to bottom.
+bool isEastAsian(FcPattern* font) {
+    FcLangSet* languages = nullptr;
+    if (FcPatternGetLangSet(font, FC_LANG, 0, &languages) != FcResultMatch) {
+        return false;
+    }
+    constexpr const char* eastAsian[] = {"zh-cn", "zh-tw", "ja", "ko"};
+    return std::any_of(std::begin(eastAsian), std::end(eastAsian), [&](const char* language) {
+        return FcLangSetHasLang(languages, reinterpret_cast<const FcChar8*>(language)) != FcLangDifferentLang;
+    });
+}
+
+/// Every name of every family; with @ in front the turned faces for texts that run downwards.
 std::set<std::wstring> familyNames() {
     std::set<std::wstring> names;
     const std::unique_ptr<FcPattern, PatternDeleter> all(FcPatternCreate());
-    FcObjectSet* const properties = FcObjectSetBuild(FC_FAMILY, nullptr);
+    FcObjectSet* const properties = FcObjectSetBuild(FC_FAMILY, FC_LANG, nullptr);
     const std::unique_ptr<FcFontSet, FontSetDeleter> fonts(FcFontList(nullptr, all.get(), properties));
     FcObjectSetDestroy(properties);
     for (int i = 0; fonts != nullptr && i < fonts->nfont; ++i) {
         FcChar8* name = nullptr;
         for (int n = 0; FcPatternGetString(fonts->fonts[i], FC_FAMILY, n, &name) == FcResultMatch; ++n) {
-            names.insert(host::fromUtf8(reinterpret_cast<const char*>(name)));
+            const std::wstring family = host::fromUtf8(reinterpret_cast<const char*>(name));
+            names.insert(family);
+            if (isEastAsian(fonts->fonts[i])) {
+                names.insert(L"@" + family);
+            }
         }
     }
     return names;

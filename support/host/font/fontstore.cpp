@@ -21,11 +21,6 @@ std::wstring_view baseName(std::wstring_view path) {
     return slash == path.npos ? path : path.substr(slash + 1);
 }
 
-// Characters as wide as an ideograph: radicals, kana, ideographs, full-width forms, enclosed numbers.
-bool isIdeographic(char32_t character) {
-    return character >= 0x2E80 || (character >= 0x2460 && character < 0x2500);
-}
-
 // Characters that only tell how others are to be set.
 bool isInvisible(char32_t character) {
     return character == 0xAD || character == 0xFEFF || (character >= 0x200B && character <= 0x200F) ||
@@ -65,7 +60,7 @@ FontStore::FontStore() : mMissing(missingGlyph()), mInvisible(std::make_unique<G
 FontStore::~FontStore() = default;
 
 FontFace* FontStore::outlineFace(const FontFile& file, OutlineScale scale) {
-    const FaceKey key{file.path, file.index, file.embolden, file.slant, scale};
+    const FaceKey key{file.path, file.index, file.embolden, file.slant, file.isTurned, scale};
     const auto [entry, isNew] = mOutlineFaces.try_emplace(key);
     if (isNew)
         entry->second = openOutlineFace(file, scale);

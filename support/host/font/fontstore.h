@@ -53,7 +53,7 @@ public:
     void setSearchFolders(std::vector<std::filesystem::path> folders);
 
 private:
-    using FaceKey = std::tuple<std::filesystem::path, int, bool, bool, OutlineScale>;
+    using FaceKey = std::tuple<std::filesystem::path, int, bool, bool, bool, OutlineScale>;
 
     FontStack makeStack(const FontSpec& font);
     bool takeOutlines(const FontSpec& font, FontStack& stack);

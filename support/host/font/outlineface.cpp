@@ -111,10 +111,22 @@ private:
             const FT_Matrix shear{0x10000, 0x3800, 0, 0x10000}; // tan 12.3 degrees
             FT_Outline_Transform(&outline, &shear);
         }
+        if (mFile.isTurned && isIdeographic(character))
+            turn(outline, *glyph);
         Decomposition target{*glyph, mPlacement};
         const FT_Outline_Funcs functions{moveTo, lineTo, conicTo, cubicTo, 0, 0};
         FT_Outline_Decompose(&outline, &functions, &target);
         return glyph;
+    }
+
+    // A quarter turn to the left within the em box; what was its height is then its width.
+    void turn(FT_Outline& outline, Glyph& glyph) const {
+        constexpr double topShare = 0.88; // of an ideograph's em box, above the base line
+        const double em = mFace->units_per_EM;
+        const FT_Matrix quarter{0, -0x10000, 0x10000, 0};
+        FT_Outline_Transform(&outline, &quarter);
+        FT_Outline_Translate(&outline, std::lround(topShare * em), -std::lround((1 - topShare) * em));
+        glyph.advance = em * mPlacement.scale;
     }
 
     FT_UInt glyphIndex(char32_t character) const {

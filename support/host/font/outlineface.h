@@ -13,6 +13,7 @@ struct FontFile {
     int index = 0;             // of the face in a collection
     bool embolden = false;     // the face is lighter than asked for
     bool slant = false;        // the face is upright where an italic was asked for
+    bool isTurned = false;     // ideographs lie on their left sides, for texts that run downwards
     bool isSubstitute = false; // not the font asked for
     std::wstring family;       // its typeface, where the system knows it
 

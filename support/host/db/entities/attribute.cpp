@@ -197,7 +197,7 @@ Acad::ErrorStatus AcDbAttributeDefinition::setPreset(bool preset) {
 
 void AcDbAttributeDefinition::drawConstant(AcGiWorldDraw* draw) const {
     if (a.has(a.constant) && !a.has(a.invisible)) {
-        drawText(draw, data().text);
+        drawShown(draw);
     }
 }
 
@@ -216,6 +216,7 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
     }
     setPropertiesFrom(definition);
     textData() = definition->data();
+    copyLines(*definition);
     a.tag = definition->tagConst();
     a.flags = 0;
     a.set(a.invisible, definition->isInvisible());
@@ -249,8 +250,18 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcGeMatrix3d& block
         }
         assertWriteEnabled();
         const AcString text = data().text;
+        const std::unique_ptr<AcDbMText> own = lines();
+        AcString contents = text;
+        if (own != nullptr) {
+            own->contents(contents);
+        }
         textData() = definition->data();
         textData().text = text;
+        copyLines(*definition);
+        if (const std::unique_ptr<AcDbMText> taken = lines()) {
+            taken->setContents(contents);
+            setLines(*taken);
+        }
         const Acad::ErrorStatus status = transformBy(blockTransform);
         if (status == Acad::eOk && !isDefaultAlignment()) {
             adjustAlignment();
@@ -260,6 +271,14 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcGeMatrix3d& block
     return Acad::eKeyNotFound;
 }
 
+bool AcDbAttribute::isMTextAttribute() const {
+    assertReadEnabled();
+    return hasLines();
+}
+
 bool AcDbAttribute::subWorldDraw(AcGiWorldDraw* draw) {
-    return isInvisible() || AcDbText::subWorldDraw(draw);
+    if (!isInvisible()) {
+        drawShown(draw);
+    }
+    return true;
 }

@@ -1,6 +1,9 @@
-// AcDbAttributeDefinition and AcDbAttribute: texts of blocks that differ from reference to reference.
+// AcDbAttributeDefinition and AcDbAttribute: texts of blocks that differ from reference to reference. One of
+// several lines has a multi-line text embedded, which is what it shows; files have it among the groups that
+// follow the attribute's own (marker "Embedded Object"), and there it stays.
 #pragma once
 
+#include "host/db/entities/mtext.h"
 #include "host/db/entities/text.h"
 
 namespace host {
@@ -48,7 +51,26 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
 
+    /// A copy of the embedded text of several lines; null when there is none.
+    std::unique_ptr<AcDbMText> lines() const;
+    /// Embeds a text of several lines. For readers: before release 2018 it stands behind the attribute in files.
+    void embedLines(const AcDbMText& text);
+
 protected:
+    bool hasLines() const;
+    /// Puts what differs in the changed text, as lines() gave it, into the embedded one.
+    void setLines(const AcDbMText& changed);
+    /// Takes over the embedded text of a definition, or that there is none.
+    void copyLines(const AttributeText& source);
+    /// Lines stand for the text wherever the text itself is shown; a definition shows its tag.
+    virtual bool showsText() const { return true; }
+    void drawShown(AcGiWorldDraw* draw) const;
+
+    void subPartChanged(Part part, const AcGeVector3d& offset) override;
+    bool subCurvePieces(std::vector<host::CurvePiece>& pieces) const override;
+    Acad::ErrorStatus subGetExtentsUnder(const AcGeMatrix3d& transform, AcDbExtents& extents) const override;
+    Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
+    Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) override;
     /// Marker of the class's own groups.
     virtual std::string_view ownSubclass() const = 0;
     std::string_view dxfSubclass(std::string_view marker) const override;
@@ -78,7 +100,8 @@ public:
     void drawConstant(AcGiWorldDraw* draw) const;
 
 protected:
-    const AcString& shownText() const override { return a.has(a.constant) ? data().text : a.tag; }
+    const AcString& shownText() const override { return showsText() ? data().text : a.tag; }
+    bool showsText() const override { return a.has(a.constant); }
     std::string_view ownSubclass() const override { return "AcDbAttributeDefinition"; }
 };
 
@@ -94,6 +117,9 @@ public:
     /// Takes everything from a definition, moved by the block's transform.
     Acad::ErrorStatus setAttributeFromBlock(const AcDbAttributeDefinition* definition,
                                             const AcGeMatrix3d& blockTransform);
+    bool isMTextAttribute() const;
+    /// A copy of the text of several lines, owned by the caller; null when there is none.
+    AcDbMText* getMTextAttribute() const { return lines().release(); }
     /// Takes place and look from the definition of the same tag in the block of its reference; the text
     /// stays.
     Acad::ErrorStatus setAttributeFromBlock(const AcGeMatrix3d& blockTransform);

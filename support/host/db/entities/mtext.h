@@ -5,6 +5,8 @@
 #include "host/db/dbsymtb.h"
 #include "host/db/entities/mtextlayout.h"
 
+class AcDbText;
+
 namespace AcDb {
 enum LineSpacingStyle { kAtLeast = 1, kExactly = 2 };
 }
@@ -68,6 +70,16 @@ struct MTextData {
         MTextColumnData::fields(data.columns, walk);
     }
 };
+
+/// Calls `write` with the groups in which a file holds contents: long ones are cut into several.
+template <class Write>
+void forContentsGroups(std::wstring_view contents, Write write) {
+    constexpr std::size_t charactersInGroup = 250;
+    for (; contents.size() > charactersInGroup; contents.remove_prefix(charactersInGroup)) {
+        write(3, std::wstring(contents.substr(0, charactersInGroup)));
+    }
+    write(1, std::wstring(contents));
+}
 
 } // namespace host
 
@@ -221,6 +233,8 @@ protected:
 private:
     host::MTextSettings settings() const;
     double gripSide() const;
+    bool hasWidthGrip() const;
+    std::unique_ptr<AcDbText> newTextOf(const host::MTextRun& run) const;
     void readColumns(AcDbDxfFiler* filer);
     void writeColumns(AcDbDxfFiler* filer) const;
     void drawBackground(AcGiWorldDraw* draw, const host::MTextLayout& layout) const;

@@ -8,12 +8,14 @@
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
 
+#include <algorithm>
+
 namespace {
 
 AcGiTextStyle styleOf(const host::TextFormat& format) {
     AcGiTextStyle style(format.font.file.c_str(), format.font.bigFontFile.c_str(), format.height,
-                        format.widthFactor, format.oblique, format.tracking, false, false, false,
-                        format.overlined, format.underlined);
+                        format.widthFactor, format.oblique, format.tracking, false, false,
+                        format.vertical, format.overlined, format.underlined);
     style.setStrikethrough(format.struckThrough);
     style.setFont(format.font.typeface.c_str(), format.font.bold, format.font.italic, 0, 0);
     return style;
@@ -39,7 +41,8 @@ host::MTextSettings AcDbMText::settings() const {
         record->toGiTextStyle(style);
     }
     settings.look.format = style.format();
-    settings.look.format.backward = settings.look.format.upsideDown = settings.look.format.vertical = false;
+    settings.look.format.backward = settings.look.format.upsideDown = false;
+    settings.look.format.vertical = m.flow == kTtoB || (m.flow == kByStyle && style.isVertical());
     settings.look.format.height = m.textHeight;
     settings.width = m.width;
     settings.attachment = m.attachment;
@@ -215,34 +218,69 @@ void AcDbMText::explodeFragments(AcDbMTextEnum visit, void* data, AcGiWorldDraw*
     }
 }
 
+namespace {
+
+/// The characters of a vertical run as runs that are not, each where it stands.
+std::vector<host::MTextRun> uprightCharacters(const host::MTextRun& run) {
+    host::FontEngine& fonts = host::FontEngine::instance();
+    std::vector<host::MTextRun> characters;
+    double drop = 0.0;
+    for (const wchar_t character : run.text) {
+        host::MTextRun& one = characters.emplace_back(run);
+        one.text.assign(1, character);
+        const double step = -fonts.shape(one.text, run.format, true).advanceY;
+        one.format.vertical = false;
+        const host::GlyphBox ink = fonts.inkBox(one.text, one.format, true);
+        one.x = run.x - 0.5 * (ink.left + ink.right);
+        one.y = run.y - drop - run.format.height;
+        drop += step;
+    }
+    return characters;
+}
+
+} // namespace
+
+std::unique_ptr<AcDbText> AcDbMText::newTextOf(const host::MTextRun& run) const {
+    auto text = host::newLike<AcDbText>(*this);
+    std::wstring codes = run.text;
+    for (std::size_t at = 0; (at = codes.find(L"%%", at)) != std::wstring::npos; at += 5) {
+        codes.replace(at, 2, L"%%%%%"); // a percent sign as a code, then one more
+    }
+    codes = (run.format.underlined ? L"%%u" : L"") + ((run.format.overlined ? L"%%o" : L"") + codes);
+    codes = (run.format.struckThrough ? L"%%k" : L"") + codes;
+    text->setTextString(codes.c_str());
+    if (!m.style.isNull()) {
+        text->setTextStyle(m.style);
+    }
+    text->setNormal(m.normal);
+    text->setHeight(run.format.height);
+    text->setWidthFactor(run.format.widthFactor);
+    text->setOblique(run.format.oblique);
+    text->setRotation(rotation());
+    text->setPosition(textToWorld() * flat(run.x, run.y));
+    if (run.hasColor) {
+        text->setEntityColor(run.color);
+    }
+    return text;
+}
+
 Acad::ErrorStatus AcDbMText::subExplode(AcDbVoidPtrArray& parts) const {
     const host::MTextLayout laid = layout();
     const AcGeMatrix3d toWorld = textToWorld();
+    const auto* style = host::peek<AcDbTextStyleTableRecord>(m.style);
+    const bool styleIsVertical = style != nullptr && style->isVertical();
+    const auto addText = [&](const host::MTextRun& run) {
+        if (run.text.find_first_not_of(L" \x3000\xA0") != std::wstring::npos) {
+            parts.append(newTextOf(run).release());
+        }
+    };
     for (const host::MTextRun& run : laid.runs) {
-        if (run.text.find_first_not_of(L" \x3000\xA0") == std::wstring::npos) {
-            continue;
+        if (run.format.vertical && !styleIsVertical) { // one line of text runs as its style says
+            const std::vector<host::MTextRun> characters = uprightCharacters(run);
+            std::for_each(characters.begin(), characters.end(), addText);
+        } else {
+            addText(run);
         }
-        auto text = host::newLike<AcDbText>(*this);
-        std::wstring codes = run.text;
-        for (std::size_t at = 0; (at = codes.find(L"%%", at)) != std::wstring::npos; at += 5) {
-            codes.replace(at, 2, L"%%%%%"); // a percent sign as a code, then one more
-        }
-        codes = (run.format.underlined ? L"%%u" : L"") + ((run.format.overlined ? L"%%o" : L"") + codes);
-        codes = (run.format.struckThrough ? L"%%k" : L"") + codes;
-        text->setTextString(codes.c_str());
-        if (!m.style.isNull()) {
-            text->setTextStyle(m.style);
-        }
-        text->setNormal(m.normal);
-        text->setHeight(run.format.height);
-        text->setWidthFactor(run.format.widthFactor);
-        text->setOblique(run.format.oblique);
-        text->setRotation(rotation());
-        text->setPosition(toWorld * flat(run.x, run.y));
-        if (run.hasColor) {
-            text->setEntityColor(run.color);
-        }
-        parts.append(text.release());
     }
     for (const host::MTextBar& bar : laid.bars) {
         auto line = host::newLike<AcDbLine>(*this);
@@ -264,10 +302,14 @@ double AcDbMText::gripSide() const {
     return m.attachment % 3 == 0 ? -1.0 : 1.0;
 }
 
+bool AcDbMText::hasWidthGrip() const {
+    return m.width > 0.0 && m.columns.type == kNoColumns && !settings().look.format.vertical;
+}
+
 Acad::ErrorStatus AcDbMText::subGetGripPoints(AcGePoint3dArray& points, AcDbIntArray&, AcDbIntArray&) const {
     assertReadEnabled();
     points.append(m.location);
-    if (m.width > 0.0 && m.columns.type == kNoColumns) {
+    if (hasWidthGrip()) {
         const host::MTextLayout laid = layout();
         const double x = gripSide() > 0.0 ? laid.upperRight.x : laid.lowerLeft.x;
         points.append(textToWorld() * flat(x, 0.5 * (laid.upperRight.y + laid.lowerLeft.y)));
@@ -276,8 +318,7 @@ Acad::ErrorStatus AcDbMText::subGetGripPoints(AcGePoint3dArray& points, AcDbIntA
 }
 
 Acad::ErrorStatus AcDbMText::subMoveGripPointsAt(const AcDbIntArray& indices, const AcGeVector3d& offset) {
-    const bool hasWidthGrip = m.width > 0.0 && m.columns.type == kNoColumns;
-    const int count = hasWidthGrip ? 2 : 1;
+    const int count = hasWidthGrip() ? 2 : 1;
     const bool moves = indices.contains(0);
     assertWriteEnabled();
     return host::forGrips(indices, count, [&](int index) {

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr std::size_t charactersInGroup = 250;
 constexpr std::string_view embeddedObject = "Embedded Object";
 
 } // namespace
@@ -244,12 +243,9 @@ Acad::ErrorStatus AcDbMText::dxfOutFields(AcDbDxfFiler* filer) const {
     }
     filer->writeInteger(71, m.attachment);
     filer->writeInteger(72, m.flow);
-    const std::wstring_view contents = m.contents.view();
-    std::size_t at = 0;
-    for (; contents.size() - at > charactersInGroup; at += charactersInGroup) {
-        filer->writeString(3, std::wstring(contents.substr(at, charactersInGroup)).c_str());
-    }
-    filer->writeString(1, std::wstring(contents.substr(at)).c_str());
+    host::forContentsGroups(m.contents.view(), [&](short code, const std::wstring& part) {
+        filer->writeString(code, part.c_str());
+    });
     const auto* style = host::peek<AcDbTextStyleTableRecord>(m.style, true);
     if (style != nullptr && (all || style->name().compareNoCase(L"Standard") != 0)) {
         filer->writeString(7, style->name());

@@ -48,7 +48,15 @@ struct Line {
 };
 
 double advanceOf(std::wstring_view text, const TextFormat& format) {
-    return FontEngine::instance().shape(text, format, true).advanceX;
+    const ShapedText shaped = FontEngine::instance().shape(text, format, true);
+    return format.vertical ? -shaped.advanceY : shaped.advanceX;
+}
+
+/// The attachment that a vertical text's has once the text is laid with its lines across: what was its right
+/// side is its top, and what was its top is its left.
+int laidAcross(int attachment) {
+    const int column = (attachment - 1) % 3, row = (attachment - 1) / 3;
+    return 3 * (2 - column) + row + 1;
 }
 
 /// Places of a stack's parts relative to where it starts on the base line.
@@ -96,7 +104,9 @@ class Layouter {
 public:
     Layouter(std::wstring_view contents, const MTextSettings& settings)
         : mSettings(settings), mParagraphs(parseMText(contents, settings.look)) {
-        mHasColumns = settings.columns.width > 0.0;
+        mIsVertical = settings.look.format.vertical;
+        mAttachment = mIsVertical ? laidAcross(settings.attachment) : settings.attachment;
+        mHasColumns = settings.columns.width > 0.0 && !mIsVertical;
         mWrapWidth = mHasColumns ? settings.columns.width : std::max(settings.width, 0.0);
     }
 
@@ -107,6 +117,10 @@ public:
         placeLines();
         alignLines();
         place();
+        if (mIsVertical) {
+            turnDown();
+        }
+        findInk();
         return std::move(mResult);
     }
 
@@ -121,6 +135,8 @@ private:
     void alignLines();
     void justify(Line& line, double space);
     void place();
+    void turnDown();
+    void findInk();
     void placeRun(std::wstring_view text, const MTextLook& look, const TextFormat& format, double x, double y,
                   double width);
     void placeStack(const Atom& atom, double x, double y);
@@ -131,6 +147,8 @@ private:
     std::vector<MTextParagraph> mParagraphs;
     std::vector<Atom> mAtoms;
     std::vector<Line> mLines;
+    bool mIsVertical = false; ///< laid with its lines across, turned at the end
+    int mAttachment = 1;
     bool mHasColumns = false;
     double mWrapWidth = 0.0;
     int mColumnCount = 1;
@@ -153,6 +171,9 @@ void Layouter::addAtoms(const MTextPiece& piece) {
     };
     if (piece.kind == MTextPiece::Kind::tab) {
         return add(Atom::Kind::tab, {}, false);
+    }
+    if (piece.kind == MTextPiece::Kind::stack && mIsVertical) { // one part below the other anyway
+        return add(Atom::Kind::word, piece.text + (piece.divider == L'^' ? L"" : L"/") + piece.below, false);
     }
     if (piece.kind == MTextPiece::Kind::stack) {
         add(Atom::Kind::stack, {}, false);
@@ -404,7 +425,7 @@ void Layouter::alignLines() {
         if (kind == MTextJustification::byAttachment) {
             constexpr MTextJustification byColumn[] = {MTextJustification::left, MTextJustification::center,
                                                        MTextJustification::right};
-            kind = byColumn[(mSettings.attachment - 1) % 3];
+            kind = byColumn[(mAttachment - 1) % 3];
         }
         const double space = frame - line.paragraph->format.right - line.width;
         if (kind == MTextJustification::center || kind == MTextJustification::right) {
@@ -471,8 +492,8 @@ void Layouter::place() {
     if (mHasColumns) {
         mResult.actualWidth = width;
     }
-    const int across = (mSettings.attachment - 1) % 3;
-    const int down = (mSettings.attachment - 1) / 3;
+    const int across = (mAttachment - 1) % 3;
+    const int down = (mAttachment - 1) / 3;
     const double left = -0.5 * across * width;
     const double top = -0.5 * down * mBottom; // the bottom is negative
     for (const Line& line : mLines) {
@@ -493,6 +514,22 @@ void Layouter::place() {
     mResult.lineCount = static_cast<int>(mLines.size());
     mResult.splitTop += top;
     mResult.splitBottom += top;
+}
+
+/// A quarter turn to the right about the insertion point. A vertical run hangs from the middle of its line.
+void Layouter::turnDown() {
+    for (MTextRun& run : mResult.runs) {
+        const double along = run.x;
+        run.x = run.y + 0.5 * run.format.height;
+        run.y = -along;
+    }
+    const AcGePoint2d lowerLeft = mResult.lowerLeft, upperRight = mResult.upperRight;
+    mResult.lowerLeft = {lowerLeft.y, -upperRight.x};
+    mResult.upperRight = {upperRight.y, -lowerLeft.x};
+    std::swap(mResult.actualWidth, mResult.actualHeight);
+}
+
+void Layouter::findInk() {
     for (const MTextRun& run : mResult.runs) {
         GlyphBox ink = FontEngine::instance().shape(run.text, run.format, true).ink;
         if (!ink.empty) {

@@ -6,13 +6,14 @@
 
 namespace host {
 
-/// Text coordinates: drawing units, origin at the insertion point, x along the base lines, y up.
+/// Text coordinates: drawing units, origin at the insertion point, x along the base lines, y up. The lines of
+/// vertical text run down, the first at the right.
 struct MTextRun {
     std::wstring text;
     TextFormat format;
     bool hasColor = false;
     AcCmEntityColor color;
-    double x = 0.0; ///< start of the base line
+    double x = 0.0; ///< start of the base line; of vertical text top of the line's middle
     double y = 0.0;
     double advance = 0.0;
 };
@@ -33,8 +34,8 @@ struct MTextColumns {
 };
 
 struct MTextSettings {
-    MTextLook look;
-    double width = 0.0; ///< of the text's frame; 0: lines end only where paragraphs do
+    MTextLook look;     ///< the format tells whether the text is vertical: it has no columns then
+    double width = 0.0; ///< of the text's frame, along its lines; 0: lines end only where paragraphs do
     int attachment = 1; ///< 1 to 9: top left to bottom right
     double spacingFactor = 1.0;
     bool exactSpacing = false;

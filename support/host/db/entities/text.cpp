@@ -48,11 +48,15 @@ AcDbText::AcDbText(const AcGePoint3d& position, const ACHAR* text, AcDbObjectId 
 
 AcGePoint3d AcDbText::position() const {
     assertReadEnabled();
-    return host::toWorld(m.normal, m.position);
+    const bool isMeasured = !isDefaultAlignment() && !shownText().isEmpty();
+    return host::toWorld(m.normal, isMeasured ? startPoint(textBox()) : m.position);
 }
 
 Acad::ErrorStatus AcDbText::setPosition(const AcGePoint3d& position) {
     assertWriteEnabled();
+    if (isDefaultAlignment()) {
+        subPartChanged(Part::place, position - this->position());
+    }
     m.position = host::toObject(m.normal, position);
     const bool betweenPoints = m.horizontal == AcDb::kTextAlign || m.horizontal == AcDb::kTextFit;
     return betweenPoints ? changed() : Acad::eOk;
@@ -65,6 +69,9 @@ AcGePoint3d AcDbText::alignmentPoint() const {
 
 Acad::ErrorStatus AcDbText::setAlignmentPoint(const AcGePoint3d& point) {
     assertWriteEnabled();
+    if (!isDefaultAlignment()) {
+        subPartChanged(Part::place, point - alignmentPoint());
+    }
     m.alignment = host::toObject(m.normal, point);
     return changed();
 }
@@ -125,7 +132,7 @@ Acad::ErrorStatus AcDbText::setRotation(double angle) {
     }
     assertWriteEnabled();
     m.rotation = host::normalizedAngle(angle);
-    return changed();
+    return changed(Part::rotation);
 }
 
 double AcDbText::height() const {
@@ -138,7 +145,7 @@ Acad::ErrorStatus AcDbText::setHeight(double height) {
     }
     assertWriteEnabled();
     m.height = height;
-    return changed();
+    return changed(Part::height);
 }
 
 double AcDbText::widthFactor() const {
@@ -174,8 +181,11 @@ Acad::ErrorStatus AcDbText::setTextString(const ACHAR* text) {
         return Acad::eInvalidInput;
     }
     assertWriteEnabled();
+    if (m.text == text) {
+        return Acad::eOk;
+    }
     m.text = text;
-    return changed();
+    return changed(Part::text);
 }
 
 AcDbObjectId AcDbText::textStyle() const {
@@ -191,7 +201,7 @@ Acad::ErrorStatus AcDbText::setTextStyle(AcDbObjectId style) {
     }
     assertWriteEnabled();
     m.style = style;
-    return changed();
+    return changed(Part::style);
 }
 
 bool AcDbText::isMirroredInX() const {
@@ -249,6 +259,12 @@ Acad::ErrorStatus AcDbText::changed() {
     return Acad::eOk;
 }
 
+Acad::ErrorStatus AcDbText::changed(Part part) {
+    const Acad::ErrorStatus status = changed();
+    subPartChanged(part, AcGeVector3d::kIdentity);
+    return status;
+}
+
 AcGiTextStyle AcDbText::giTextStyle(const AcDbDatabase* database) const {
     AcGiTextStyle style;
     const auto* record = host::peek<AcDbTextStyleTableRecord>(m.style);
@@ -281,6 +297,7 @@ host::TextBox boxOf(const AcString& text, const AcGiTextStyle& style) {
         box.top = ink.top;
         box.width = std::max(ink.right, 0.0);
     }
+    box.isVertical = style.isVertical();
     box.descent = host::FontEngine::instance().metrics(style.format().font).descent * style.textSize();
     return box;
 }
@@ -298,50 +315,81 @@ Acad::ErrorStatus AcDbText::adjustAlignment(const AcDbDatabase* database) {
     }
     assertWriteEnabled();
     AcGiTextStyle style = giTextStyle(database);
-    const bool align = m.horizontal == AcDb::kTextAlign;
-    const bool fit = m.horizontal == AcDb::kTextFit;
-    if (align || fit) {
-        const AcGeVector2d span(m.alignment.x - m.position.x, m.alignment.y - m.position.y);
-        const double distance = span.length();
-        // Widths grow with the height and with the width factor, slant aside.
-        style.setObliquingAngle(0.0);
-        style.setTextSize(align ? 1.0 : m.height);
-        style.setXScale(align ? m.widthFactor : 1.0);
-        const double width = boxOf(shownText(), style).width;
-        if (!(distance > 0.0) || !(width > 0.0)) {
-            return Acad::eDegenerateGeometry;
-        }
-        const bool backward = (m.generation & backwards) != 0;
-        m.rotation = host::normalizedAngle(span.angle() + (backward ? host::pi : 0.0));
-        (align ? m.height : m.widthFactor) = distance / width;
-        return Acad::eOk;
+    if (m.horizontal == AcDb::kTextAlign || m.horizontal == AcDb::kTextFit) {
+        return stretchBetweenPoints(style);
     }
     m.position = startPoint(boxOf(shownText(), style));
     return Acad::eOk;
 }
+
+/// The height of an aligned text and the width factor of a fitted one follow from the distance of its points.
+/// A fitted vertical text has nothing that could give way: it only runs from one point towards the other.
+Acad::ErrorStatus AcDbText::stretchBetweenPoints(AcGiTextStyle style) {
+    const bool align = m.horizontal == AcDb::kTextAlign;
+    const AcGeVector2d span(m.alignment.x - m.position.x, m.alignment.y - m.position.y);
+    const double distance = span.length();
+    // Lengths grow with the height and with the width factor, slant aside.
+    style.setObliquingAngle(0.0);
+    style.setTextSize(align ? 1.0 : m.height);
+    style.setXScale(align ? m.widthFactor : 1.0);
+    const host::TextBox box = boxOf(shownText(), style);
+    const double length = box.isVertical ? -box.bottom : box.width;
+    if (!(distance > 0.0) || !(length > 0.0)) {
+        return Acad::eDegenerateGeometry;
+    }
+    const bool isReversed = (m.generation & (box.isVertical ? upsideDown : backwards)) != 0;
+    const double ahead = box.isVertical ? -0.5 * host::pi : 0.0; // of the line in the text's coordinates
+    m.rotation = host::normalizedAngle(span.angle() - ahead + (isReversed ? host::pi : 0.0));
+    if (align) {
+        m.height = distance / length;
+    } else if (!box.isVertical) {
+        m.widthFactor = distance / length;
+    }
+    return Acad::eOk;
+}
+
+namespace {
+
+/// The part of a text's length that lies before its alignment point.
+double shareBefore(int horizontal) {
+    return horizontal == AcDb::kTextLeft ? 0.0 : horizontal == AcDb::kTextRight ? 1.0 : 0.5;
+}
+
+/// Where the alignment point lies in a vertical text. On its line, as programs offer it; a text that a style
+/// has made vertical and that is aligned by a corner has the corner of what is drawn there.
+AcGePoint2d alignedInVertical(const host::TextBox& box, const host::TextData& data) {
+    const double share = shareBefore(data.horizontal);
+    if (data.vertical == AcDb::kTextBase) {
+        return {0.0, share * box.bottom};
+    }
+    const double shareBelow = data.vertical == AcDb::kTextTop       ? 1.0
+                              : data.vertical == AcDb::kTextVertMid ? 0.5
+                                                                    : 0.0;
+    return {box.left + share * (box.right - box.left), box.bottom + shareBelow * (box.top - box.bottom)};
+}
+
+AcGePoint2d alignedInHorizontal(const host::TextBox& box, const host::TextData& data) {
+    const double along = shareBefore(data.horizontal) * box.width;
+    if (data.horizontal == AcDb::kTextMid) {
+        return {along, 0.5 * (box.bottom + box.top)};
+    }
+    return {along, data.vertical == AcDb::kTextTop       ? data.height
+                   : data.vertical == AcDb::kTextVertMid ? 0.5 * data.height
+                   : data.vertical == AcDb::kTextBottom  ? -box.descent
+                                                         : 0.0};
+}
+
+} // namespace
 
 AcGePoint3d AcDbText::startPoint(const host::TextBox& box) const {
     const bool betweenPoints = m.horizontal == AcDb::kTextAlign || m.horizontal == AcDb::kTextFit;
     if (isDefaultAlignment() || betweenPoints) {
         return m.position;
     }
-    double along = 0.0;
-    double up = 0.0;
-    if (m.horizontal == AcDb::kTextMid) {
-        along = 0.5 * box.width;
-        up = 0.5 * (box.bottom + box.top);
-    } else {
-        along = m.horizontal == AcDb::kTextCenter  ? 0.5 * box.width
-                : m.horizontal == AcDb::kTextRight ? box.width
-                                                   : 0.0;
-        up = m.vertical == AcDb::kTextTop       ? m.height
-             : m.vertical == AcDb::kTextVertMid ? 0.5 * m.height
-             : m.vertical == AcDb::kTextBottom  ? -box.descent
-                                                : 0.0;
-    }
+    const AcGePoint2d aligned = box.isVertical ? alignedInVertical(box, m) : alignedInHorizontal(box, m);
     TextFrame frame(m);
     frame.origin = m.alignment;
-    return frame(-along, -up);
+    return frame(-aligned.x, -aligned.y);
 }
 
 void AcDbText::getCorners(AcGePoint3d (&corners)[4]) const {

@@ -43,11 +43,12 @@ struct TextData {
 };
 
 /// Extent of a text in its own coordinates: origin at the start of the base line, x along it, neither
-/// mirrored nor turned.
+/// mirrored nor turned. A vertical text starts at the top of its middle line and goes down.
 struct TextBox {
     double left = 0.0, bottom = 0.0, right = 0.0, top = 0.0; ///< of the ink
     double width = 0.0;   ///< from the start to the end of the last character
     double descent = 0.0; ///< of the font, below the base line; not negative
+    bool isVertical = false;
 };
 
 } // namespace host
@@ -62,6 +63,7 @@ public:
 
     // Setters on which the place of an aligned text depends compute its position anew.
 
+    /// Where the base line begins as the text is drawn here: what a file has fits the fonts of its program.
     AcGePoint3d position() const;
     Acad::ErrorStatus setPosition(const AcGePoint3d& position);
     AcGePoint3d alignmentPoint() const;
@@ -117,6 +119,9 @@ public:
     const host::TextData& data() const { return m; }
 
 protected:
+    enum class Part { text, height, rotation, style, place };
+    /// A setter has changed this part of the text. The offset, in world coordinates, is that of the place.
+    virtual void subPartChanged(Part, const AcGeVector3d&) {}
     /// What is shown: the text, or a definition's tag.
     virtual const AcString& shownText() const { return m.text; }
     Acad::ErrorStatus copyFromBase(const AcDbObject& source) override;
@@ -149,5 +154,7 @@ protected:
 private:
     /// The text moved or changed: an aligned one finds its position again.
     Acad::ErrorStatus changed();
+    Acad::ErrorStatus changed(Part part);
+    Acad::ErrorStatus stretchBetweenPoints(AcGiTextStyle style);
     host::TextData m;
 };

@@ -1,4 +1,5 @@
 // Blocks and entities of a DXF file: who owns what, and the parts that follow polylines and block references.
+#include "host/db/entities/attribute.h"
 #include "host/db/entities/subentities.h"
 #include "host/formats/dxf/reader.h"
 #include "host/rx/format.h"
@@ -231,6 +232,10 @@ void Reader::readEntity(AcDbBlockTableRecord* block, Sequence& sequence) {
         readPart(sequence);
         return;
     }
+    if (sequence.attribute != nullptr && mFiler.recordName() == "MTEXT") {
+        readLines(*sequence.attribute);
+        return;
+    }
     sequence = {};
     const bool hasParts = mFiler.recordName() == "POLYLINE" || mFiler.recordName() == "INSERT";
     std::unique_ptr<AcDbObject> object = readObject(mClasses.classOf(mFiler), true);
@@ -243,6 +248,14 @@ void Reader::readEntity(AcDbBlockTableRecord* block, Sequence& sequence) {
     owner->entitiesForReaders().push_back(adopt(std::move(object), owner->objectId().stub()));
     if (hasParts) {
         sequence.parent = entity;
+    }
+}
+
+/// The lines of an attribute, which stand behind it in files before release 2018.
+void Reader::readLines(AttributeText& attribute) {
+    const std::unique_ptr<AcDbObject> lines = readObject(mClasses.classOf(mFiler), true);
+    if (const auto* text = AcDbMText::cast(lines.get())) {
+        attribute.embedLines(*text);
     }
 }
 
@@ -262,6 +275,7 @@ void Reader::readPart(Sequence& sequence) {
     if (part == nullptr) {
         return;
     }
+    sequence.attribute = AcDbAttribute::cast(part.get());
     AcDbStub* stub = adopt(std::move(part), parent->objectId().stub());
     if (isEnd) {
         parts->adoptSequenceEnd(stub);

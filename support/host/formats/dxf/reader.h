@@ -12,6 +12,10 @@
 #include <unordered_set>
 #include <vector>
 
+namespace host {
+class AttributeText;
+}
+
 namespace host::dxf {
 
 class Reader {
@@ -60,6 +64,7 @@ private:
     struct Sequence {
         AcDbEntity* parent = nullptr;
         bool leftOut = false; ///< the parent was left out; its parts go with it
+        AttributeText* attribute = nullptr; ///< the part before
     };
     void readBlocks();
     void readBlock();
@@ -70,6 +75,7 @@ private:
     /// One entity into the block, or where its owner says; keeps the sequence of parts going.
     void readEntity(AcDbBlockTableRecord* block, Sequence& sequence);
     void readPart(Sequence& sequence);
+    void readLines(AttributeText& attribute);
     AcDbBlockTableRecord* spaceOf(AcDbBlockTableRecord* block);
     bool isSpace(const AcDbBlockTableRecord& block) const;
     bool takeForModelSpace(AcDbBlockTableRecord& block);

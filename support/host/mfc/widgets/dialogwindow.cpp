@@ -186,13 +186,22 @@ struct MadeFrame {
     FrameMeasures measures;
 };
 
-MadeFrame makeFrame(const DialogTemplate& from, HWND owner) {
+// Whether the class hears of the mouse over the frame: a window manager that draws the frame keeps that for
+// itself.
+bool minds(const CWnd* object, std::initializer_list<UINT> messages) {
+    return object != nullptr && std::ranges::any_of(messages, [&](UINT message) {
+               return object->findEntry(message, 0, 0) != nullptr;
+           });
+}
+
+MadeFrame makeFrame(const DialogTemplate& from, HWND owner, const CWnd* object) {
     QWidget* const parent = owner != nullptr ? owner->content.data() : nullptr;
     if ((from.style & WS_CHILD) != 0) {
         auto* content = new ContentWidget(parent);
         return {content, content, {}};
     }
-    if (isOffscreen() || (from.exStyle & WS_EX_TOOLWINDOW) != 0) {
+    if (isOffscreen() || (from.exStyle & WS_EX_TOOLWINDOW) != 0 ||
+        minds(object, {WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, WM_NCMOUSEMOVE})) {
         auto* frame =
             new FrameWidget(parent != nullptr ? parent->window() : nullptr, from.style, from.exStyle);
         return {frame, frame->content, frame->measures};
@@ -214,7 +223,7 @@ void placeOverOwner(QWidget& widget, HWND owner) {
 
 DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, bool modal) {
     application();
-    const MadeFrame made = makeFrame(from, owner);
+    const MadeFrame made = makeFrame(from, owner, object);
     auto* window = new DialogWindow(made.frame, made.content, owner, from.style, from.exStyle, made.measures);
     if (auto* frame = dynamic_cast<FrameWidget*>(made.frame))
         frame->window = window;

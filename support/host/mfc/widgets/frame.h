@@ -1,5 +1,5 @@
-// The frame that is drawn here and not by the window manager: of tool windows, and of all dialogs where there
-// is no window manager.
+// The frame that is drawn here and not by the window manager: of tool windows, of windows whose class follows
+// the mouse over it, and of all dialogs where there is no window manager.
 #pragma once
 
 #include "host/mfc/widgets/dialogwindow.h"
