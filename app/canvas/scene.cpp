@@ -3,6 +3,7 @@
 #include "host/db/dbents.h"
 #include "host/db/dbsortents.h"
 #include "host/db/drawingsource.h"
+#include "host/rx/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,8 +56,13 @@ bool isPlain(const AcDbEntity& entity) {
 Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
-    if (entity.getGeomExtents(extents) != Acad::eOk && host::drawnExtents(entity, extents) != Acad::eOk) {
-        return {};
+    try {
+        if (entity.getGeomExtents(extents) != Acad::eOk &&
+            host::drawnExtents(entity, extents) != Acad::eOk) {
+            return {};
+        }
+    } catch (const std::exception&) {
+        return {}; // a module's class; what it cannot measure is not seen
     }
     return {{extents.minPoint().x, extents.minPoint().y}, {extents.maxPoint().x, extents.maxPoint().y}};
 }
@@ -455,6 +461,22 @@ host::Flattener& Scene::flattener(double unitsPerPixel, const Box2d* view) {
     return *mFlattener;
 }
 
+/// Whose code for drawing fails, a module's or the host's, does not take the picture of the others with it.
+template <class Draw>
+void Scene::draw(AcDbEntity& entity, Draw draw) {
+    try {
+        const host::ReadAccess access(entity);
+        draw();
+    } catch (const std::exception& error) {
+        mFlattener.reset();
+        mSink.abandon();
+        if (mFaulty.insert(entity.objectId().stub()).second) {
+            mFaults.push_back(L"无法显示对象 " + entity.objectId().handle().toString() + L": " +
+                              host::fromUtf8(error.what()));
+        }
+    }
+}
+
 void Scene::build(SceneItem& item, double unitsPerPixel) {
     auto* entity = peek<AcDbEntity>(AcDbObjectId(item.stub));
     if (entity == nullptr) {
@@ -462,10 +484,7 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
     }
     mGeometryBytes -= item.geometry.bytes();
     mSink.start(absolute(item.box).center());
-    {
-        const host::ReadAccess access(*entity);
-        flattener(unitsPerPixel, nullptr).draw(*entity);
-    }
+    draw(*entity, [&] { flattener(unitsPerPixel, nullptr).draw(*entity); });
     item.geometry = mSink.finish(levelOf(unitsPerPixel), isScaled(*entity));
     const std::size_t added = item.geometry.bytes();
     mGeometryBytes += added;
@@ -475,10 +494,7 @@ Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double 
                           const Box2d& view) {
     mSink.start(origin);
     mSink.setWantsCurves(false);
-    {
-        const host::ReadAccess access(entity);
-        flattener(unitsPerPixel, &view).draw(entity);
-    }
+    draw(entity, [&] { flattener(unitsPerPixel, &view).draw(entity); });
     mSink.setWantsCurves(true);
     return mSink.finish(levelOf(unitsPerPixel), true);
 }

@@ -11,8 +11,10 @@
 
 #include <bit>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace app {
@@ -48,6 +50,7 @@ public:
     Scene& operator=(const Scene&) = delete;
 
     AcDbDatabase& database() const { return mDatabase; }
+    AcDbObjectId space() const { return mSpace; }
     /// Takes in what changed in the drawing since the last call.
     SceneChange update();
     /// Forgets everything drawn.
@@ -76,12 +79,14 @@ public:
 
     /// The item's geometry is right for this scale.
     static bool isFit(const SceneItem& item, int level);
-    /// Makes it so. What can't be drawn has empty geometry.
+    /// Makes it so. What can't be drawn has empty geometry; see takeFaults().
     void build(SceneItem& item, double unitsPerPixel);
     /// Geometry of an entity that is made for one picture only: around `origin`, within `view`.
     Geometry drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double unitsPerPixel,
                        const host::Box2d& view);
     static int levelOf(double unitsPerPixel);
+    /// A line for each object that failed to draw since the last call; an object is told of once.
+    std::vector<std::wstring> takeFaults() { return std::exchange(mFaults, {}); }
 
     /// Shows entities as selected, or no more; tells what has to be painted.
     SceneChange highlight(std::span<const AcDbObjectId> ids, bool on);
@@ -117,6 +122,8 @@ private:
 
     void load();
     void loadItems();
+    template <class Draw>
+    void draw(AcDbEntity& entity, Draw draw);
     void measure(SceneItem& item);
     void look(SceneItem& item) const;
     void pack();
@@ -153,6 +160,8 @@ private:
     std::unique_ptr<host::Flattener> mFlattener;
     int mFlattenerLevel = 0;
     std::size_t mGeometryBytes = 0;
+    std::vector<std::wstring> mFaults;
+    std::unordered_set<AcDbStub*> mFaulty;
 };
 
 } // namespace app

@@ -1,8 +1,8 @@
 #include "app/chrome/layerpanel.h"
 
+#include "app/chrome/entityvalues.h"
 #include "app/chrome/icons.h"
 
-#include "host/db/dbents.h"
 #include "host/ed/acdocman.h"
 
 #include <QHBoxLayout>
@@ -14,18 +14,6 @@
 
 namespace app {
 namespace {
-
-QString text(const AcString& name) {
-    return QString::fromWCharArray(name.kwszPtr());
-}
-
-/// As a string of LISP.
-QString quoted(QString value) {
-    return QLatin1Char('"') +
-           value.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-               .replace(QLatin1Char('"'), QLatin1String("\\\"")) +
-           QLatin1Char('"');
-}
 
 /// A name as a pattern that means nothing but itself.
 QString literal(const QString& name) {

@@ -63,6 +63,10 @@ MainWindow::MainWindow()
     mInput = std::make_unique<WindowInput>(*mCanvas, *mCommandLine);
     mInput->asking = [this](const host::InputRequest& request) { followQuestion(request); };
     mInput->cursorMoved = [this](const Aimed& aimed) { mModes->showPoint(aimed.point); };
+    mInput->menu = [this](const QPoint& onScreen, bool snaps) { showContextMenu(onScreen, snaps); };
+    host::setEventFaultHandler([this](const std::wstring& fault) {
+        mInput->failed(tr("窗口出错: ").toStdWString() + fault);
+    });
     buildMenus();
     buildDocks();
     connect(mTabs, &QTabBar::currentChanged, this, [this](int index) {
@@ -87,6 +91,7 @@ MainWindow::MainWindow()
 
 MainWindow::~MainWindow() {
     acDocManagerPtr()->removeReactor(this);
+    host::setEventFaultHandler(nullptr);
     acedSetAlertFunction(nullptr);
     host::hangApplicationWindows(nullptr, nullptr);
 }

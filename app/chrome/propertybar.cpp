@@ -1,8 +1,8 @@
 #include "app/chrome/propertybar.h"
 
+#include "app/chrome/entityvalues.h"
 #include "app/chrome/icons.h"
 
-#include "host/db/dbents.h"
 #include "host/ed/acdocman.h"
 #include "host/ed/colornames.h"
 #include "host/ed/selection.h"
@@ -15,10 +15,6 @@
 
 namespace app {
 namespace {
-
-QString text(const AcString& name) {
-    return QString::fromWCharArray(name.kwszPtr());
-}
 
 /// Colour and state of a layer as one icon: a lamp, a snow flake, a lock, the colour.
 QIcon layerIcon(const AcDbLayerTableRecord& layer) {
@@ -70,26 +66,6 @@ QIcon weightIcon(int weight) {
 void select(QComboBox& box, const QString& value) {
     const QSignalBlocker blocker(box);
     box.setCurrentIndex(value.isEmpty() ? -1 : box.findData(value));
-}
-
-/// What all the entities share; nothing when they differ.
-template <class Get>
-QString shared(const std::vector<AcDbObjectId>& ids, Get get) {
-    QString common;
-    for (const AcDbObjectId id : ids) {
-        const auto* entity = host::peek<AcDbEntity>(id);
-        const QString own = entity != nullptr ? get(*entity) : common;
-        if (!common.isEmpty() && own != common) {
-            return {};
-        }
-        common = own;
-    }
-    return common;
-}
-
-QString nameOf(AcDbObjectId id) {
-    const auto* record = host::peek<AcDbSymbolTableRecord>(id);
-    return record != nullptr ? text(record->name()) : QString();
 }
 
 QString colorText(const AcCmEntityColor& color) {
@@ -148,29 +124,28 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
 }
 
 void PropertyBar::choose(const char* variable, const char* property, const QString& value) {
-    QString quoted = value;
-    quoted.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
     const bool isWeight = qstrcmp(variable, "CELWEIGHT") == 0;
     if (!host::impliedSelection().empty()) {
-        QString given = quoted;
+        QString given = value;
         if (isWeight) {
             const int weight = value.toInt();
             given = weight == -1   ? QStringLiteral("_ByLayer")
                     : weight == -2 ? QStringLiteral("_ByBlock")
                     : weight < 0   ? QStringLiteral("_Default")
                                    : QString::number(weight / 100.0);
-        } else if (given.startsWith(QLatin1Char('T'))) {
-            given = QStringLiteral("_T\" \"") + given.mid(1);
         }
+        given = qstrcmp(property, "_C") == 0 && value.startsWith(QLatin1Char('T'))
+                    ? QStringLiteral("\"_T\" ") + quoted(value.mid(1))
+                    : quoted(given);
         run(QStringLiteral(
-                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" \"%2\" \"\") "
+                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" %2 \"\") "
                 "(sssetfirst nil $s) (setq $s nil) (princ))\n")
                 .arg(QLatin1String(property), given));
         return;
     }
     run(isWeight ? QStringLiteral("(progn (setvar \"CELWEIGHT\" %1) (princ))\n").arg(value)
-                 : QStringLiteral("(progn (setvar \"%1\" \"%2\") (princ))\n")
-                       .arg(QLatin1String(variable), quoted));
+                 : QStringLiteral("(progn (setvar \"%1\" %2) (princ))\n")
+                       .arg(QLatin1String(variable), quoted(value)));
     mSeen = 0;
 }
 
@@ -235,10 +210,11 @@ void PropertyBar::showValues(AcDbDatabase& database) {
         select(*mWeights, weightText(database.celweight()));
         return;
     }
-    select(*mLayers, shared(ids, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); }));
-    select(*mColors, shared(ids, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); }));
-    select(*mLinetypes, shared(ids, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); }));
-    select(*mWeights, shared(ids, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); }));
+    const auto show = [&](QComboBox& box, auto get) { select(box, sharedBy(ids, get).value_or(QString())); };
+    show(*mLayers, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); });
+    show(*mColors, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); });
+    show(*mLinetypes, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); });
+    show(*mWeights, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); });
 }
 
 } // namespace app

@@ -1,6 +1,7 @@
 #include "tests/app/windowdriver.h"
 
 #include "app/startup.h"
+#include "host/mfc/appwindow.h"
 #include "tests/temporaryfolder.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     }
     const TemporaryFolder settings;
-    const QApplication application(argc, argv);
+    host::application();
     app::initializeHost(settings.path());
     return RUN_ALL_TESTS();
 }
