@@ -20,7 +20,7 @@ AcDbViewportTableRecord* activeViewport(const AcDbDatabase& database) {
     const auto* table = host::peek<AcDbViewportTable>(database.viewportTableId());
     for (AcDbStub* stub : table != nullptr ? table->records() : std::vector<AcDbStub*>()) {
         auto* record = host::peek<AcDbViewportTableRecord>(AcDbObjectId(stub));
-        if (record != nullptr && host::equalsNoCase(record->name().kwszPtr(), L"*Active")) {
+        if (record != nullptr && host::equalNoCase(record->name().kwszPtr(), L"*Active")) {
             return record;
         }
     }

@@ -52,6 +52,7 @@ MainWindow::MainWindow()
     auto* layout = new QVBoxLayout(middle);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    mTabs->setObjectName(QStringLiteral("documentTabs"));
     mTabs->setDrawBase(false);
     mTabs->setExpanding(false);
     mTabs->setFocusPolicy(Qt::NoFocus);
@@ -287,6 +288,9 @@ void MainWindow::showPanel(QDockWidget& panel) {
     panel.setVisible(!panel.isVisible());
     if (panel.isVisible()) {
         panel.raise();
+        if (!panel.isFloating() && panel.width() < panel.sizeHint().width()) {
+            resizeDocks({&panel}, {panel.sizeHint().width()}, Qt::Horizontal);
+        }
     }
 }
 

@@ -203,7 +203,7 @@ TEST(Window, WhatIsMovedFollowsTheCursor) {
 }
 
 TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
-    Driver driver(QDV_MODULE);
+    Driver driver(std::vector<std::string>{QDV_MODULE});
     driver.run({[](Driver& d) { start(d, "V7_Enclose"); }, [](Driver& d) { d.click(0, 0); },
                 [](Driver& d) { d.move(40, 0); }, [](Driver& d) { d.click(40, 0); },
                 [](Driver& d) { d.click(40, 30); }, [](Driver& d) { d.rightClick(); },
