@@ -28,7 +28,6 @@ struct SceneItem {
     bool isForeground : 1 = false;
     bool isHidden : 1 = false;    ///< erased, invisible, or on a layer that is off or frozen
     bool isUnbounded : 1 = false; ///< an infinite line
-    bool isInTree : 1 = false;
     bool isDependent : 1 = false; ///< drawn with other objects: a block's, a style's
     bool isHighlighted : 1 = false;
 };
@@ -128,6 +127,9 @@ private:
     void look(SceneItem& item) const;
     void pack();
     void collect(const host::Box2d& box, double smallest);
+    bool isInTree(std::size_t index) const {
+        return index / 64 < mInTree.size() && (mInTree[index / 64] >> (index % 64) & 1) != 0;
+    }
     void mark(std::size_t index) { mMarked[index / 64] |= std::uint64_t{1} << (index % 64); }
     void forgetGeometry();
     void change(std::uint32_t index, SceneChange& change);
@@ -150,6 +152,7 @@ private:
     DisplayTree mTree;
     std::vector<std::uint32_t> mRecent; ///< not in the tree
     std::vector<std::uint32_t> mTable;  ///< open addressing by stub
+    std::vector<std::uint64_t> mInTree; ///< a bit an item: its box is the tree's
     std::vector<std::uint64_t> mMarked; ///< a bit an item, zero between searches
     std::unordered_set<AcDbStub*> mUsedBlocks;
     Journal mJournal;
@@ -160,6 +163,7 @@ private:
     std::unique_ptr<host::Flattener> mFlattener;
     int mFlattenerLevel = 0;
     std::size_t mGeometryBytes = 0;
+    std::size_t mTrimAbove = 0; ///< bytes of geometry; what is in view may be more than the budget
     std::vector<std::wstring> mFaults;
     std::unordered_set<AcDbStub*> mFaulty;
 };
