@@ -31,7 +31,8 @@ private:
     void show(QTreeWidgetItem& item, const AcDbLayerTableRecord& layer, bool isCurrent) const;
     void clicked(QTreeWidgetItem* item, int column);
     void option(const QString& word, const QString& layer, const QString& value = {});
-    void chooseColor(const QString& layer, const QPoint& at);
+    void chooseColor(const QString& layer, int before);
+    QString patternFor(const QString& layer) const;
     void chooseLinetype(const QString& layer, const QPoint& at);
     void chooseWeight(const QString& layer, const QPoint& at);
     QString current() const;

@@ -1,5 +1,6 @@
 #include "app/chrome/propertybar.h"
 
+#include "app/chrome/colordialog.h"
 #include "app/chrome/entityvalues.h"
 #include "app/chrome/icons.h"
 
@@ -104,6 +105,7 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
         mColors->addItem(colorIcon(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))),
                          tr("颜色 %1").arg(index), QString::number(index));
     }
+    mColors->addItem(tr("选择颜色..."), QStringLiteral("?"));
     mWeights->addItem(weightIcon(25), tr("随层"), weightText(-1));
     mWeights->addItem(weightIcon(25), tr("随块"), weightText(-2));
     mWeights->addItem(weightIcon(25), tr("默认"), weightText(-3));
@@ -114,7 +116,16 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
     }
     const auto follows = [this](QComboBox* box, const char* variable, const char* property) {
         connect(box, &QComboBox::activated, this, [this, box, variable, property](int index) {
-            choose(variable, property, box->itemData(index).toString());
+            const QString value = box->itemData(index).toString();
+            if (value != QLatin1String("?")) {
+                choose(variable, property, value);
+                return;
+            }
+            if (const std::optional<int> color = chooseColor(window(), 1)) {
+                choose(variable, property, QString::number(*color));
+            }
+            mSeen = 0;
+            follow();
         });
     };
     follows(mLayers, "CLAYER", "_LA");
@@ -201,18 +212,33 @@ void PropertyBar::fillLinetypes(AcDbDatabase& database) {
     }
 }
 
+/// A colour that the list lacks gets a row.
+void PropertyBar::showColor(const QString& value) {
+    if (!value.isEmpty() && mColors->findData(value) < 0) {
+        const QStringList parts = value.mid(1).split(QLatin1Char(','));
+        const bool isIndex = parts.size() < 3;
+        const std::uint32_t rgb =
+            isIndex ? AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(value.toUInt()))
+                    : parts[0].toUInt() << 16 | parts[1].toUInt() << 8 | parts[2].toUInt();
+        mColors->insertItem(mColors->count() - 1, colorIcon(rgb),
+                            isIndex ? tr("颜色 %1").arg(value) : value.mid(1), value);
+    }
+    select(*mColors, value);
+}
+
 void PropertyBar::showValues(AcDbDatabase& database) {
     const std::vector<AcDbObjectId>& ids = host::impliedSelection().ids;
     if (ids.empty()) {
         select(*mLayers, nameOf(database.clayer()));
-        select(*mColors, colorText(database.cecolor().entityColor()));
+        showColor(colorText(database.cecolor().entityColor()));
         select(*mLinetypes, nameOf(database.celtype()));
         select(*mWeights, weightText(database.celweight()));
         return;
     }
     const auto show = [&](QComboBox& box, auto get) { select(box, sharedBy(ids, get).value_or(QString())); };
     show(*mLayers, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); });
-    show(*mColors, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); });
+    showColor(sharedBy(ids, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); })
+                  .value_or(QString()));
     show(*mLinetypes, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); });
     show(*mWeights, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); });
 }
