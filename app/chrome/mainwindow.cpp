@@ -20,6 +20,7 @@
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -85,7 +86,7 @@ MainWindow::MainWindow()
         QMessageBox::information(QApplication::activeWindow(), QStringLiteral("QDVHost"),
                                  QString::fromWCharArray(text != nullptr ? text : L""));
     });
-    resize(1440, 900);
+    resize(QSize(1440, 900).boundedTo(screen()->availableSize() * 0.95));
     readLayout();
     mCanvas->setFocus();
 }
