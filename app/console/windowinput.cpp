@@ -74,6 +74,7 @@ std::wstring WindowInput::takePosted() {
 }
 
 void WindowInput::typed(const QString& text) {
+    mPicking.cancel(); // a rectangle begun at the prompt ends where a command begins
     post(text.toStdWString());
 }
 

@@ -146,6 +146,17 @@ TEST(Window, RectanglesSelectByTheirDirection) {
                 }});
 }
 
+TEST(Window, ARectangleBegunAtThePromptEndsWhereACommandBegins) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(-5, 40); },
+                [](Driver& d) { d.type(QStringLiteral("LINE\n")); }, [](Driver& d) { d.click(80, -10); },
+                [](Driver& d) { d.click(90, -10); }, [](Driver& d) { d.rightClick(); },
+                [](Driver&) {
+                    EXPECT_TRUE(chosen().empty());
+                    EXPECT_EQ(entities().size(), 4u);
+                }});
+}
+
 TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
     Driver driver;
     driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(20, 0); },
