@@ -1,19 +1,19 @@
 #include "app/canvas/canvas.h"
 
 #include "app/canvas/longjob.h"
-#include "app/canvas/overlay.h"
+#include "app/canvas/storedview.h"
 
 #include "host/ed/acdocman.h"
 #include "host/ed/aced.h"
+#include "host/ed/documentstate.h"
 #include "host/ed/question.h"
 #include "host/ed/sysvars.h"
+#include "host/ed/viewhistory.h"
 #include "host/mfc/appwindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPaintEvent>
-#include <QScreen>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -21,11 +21,10 @@
 namespace app {
 namespace {
 
-constexpr double wheelStep = 1.25;      ///< a notch of the wheel
-constexpr double quickSeconds = 0.030;  ///< of making geometry before something is shown
-constexpr double patientSeconds = 0.15; ///< between two events afterwards
-constexpr double dragThreshold = 5;     ///< logical pixels
+constexpr double wheelStep = 1.25;  ///< a notch of the wheel
+constexpr double dragThreshold = 5; ///< logical pixels
 constexpr double smallestUnits = 1e-9, greatestUnits = 1e15;
+constexpr int longPress = 250; ///< milliseconds that the right button is down for its menu
 
 QColor rgb(std::uint32_t color) {
     return QColor::fromRgb(color);
@@ -60,24 +59,57 @@ void Canvas::setDocument(AcApDocument* document) {
     mVectors.clear();
     mGrips.clear();
     mSelectingFrom.reset();
+    mShownSlide.reset();
     mView = nullptr;
     if (document != nullptr) {
         mView = &mViews[document];
         if (mView->scene == nullptr) {
             mView->scene = std::make_unique<Scene>(*document->database());
         }
-        if (mView->unitsPerPixel > 0) {
-            mMap.centre = mView->centre;
-            mMap.unitsPerPixel = mView->unitsPerPixel;
-        } else if (mView->scene->extents().isEmpty()) {
-            readView();
-        } else {
-            zoomExtents();
-        }
-        storeView();
+        showSpace();
     }
     mIsStale = true;
     update();
+}
+
+/// The space that is shown as it was left, or as the drawing was; one seen for the first time whole.
+void Canvas::showSpace() {
+    mView->space = mView->scene->space().stub();
+    mIsBrowsing = false;
+    const AcDbDatabase& database = mView->scene->database();
+    const bool isModel = mView->scene->space() == database.impl().containers.modelSpace;
+    if (const SpaceView& seen = mView->spaces[mView->space]; seen.unitsPerPixel > 0) {
+        mMap.centre = seen.centre;
+        mMap.unitsPerPixel = seen.unitsPerPixel;
+    } else if (mView->scene->extents().isEmpty()) {
+        readView();
+    } else if (const std::optional<StoredView> stored = isModel ? storedView(database) : std::nullopt;
+               stored && isWorthSeeing(*stored)) {
+        setView(stored->centre, unitsFor(*stored));
+    } else {
+        zoomExtents();
+    }
+    keepView();
+}
+
+double Canvas::unitsFor(const StoredView& view) const {
+    return std::max(view.height / mMap.height, view.height * view.aspect / mMap.width);
+}
+
+/// Something is in the view, and not all of it in a few pixels.
+bool Canvas::isWorthSeeing(const StoredView& view) {
+    constexpr double least = 12; // pixels
+    const double units = unitsFor(view);
+    const AcGeVector2d half(0.5 * units * mMap.width, 0.5 * units * mMap.height);
+    const host::Box2d window{view.centre - half, view.centre + half};
+    host::Box2d seen;
+    mView->scene->search(window, 0, [&](std::size_t index) {
+        const SceneItem& item = mView->scene->items()[index];
+        if (!item.isHidden && !item.box.isEmpty()) {
+            seen.add(mView->scene->absolute(item.box));
+        }
+    });
+    return !seen.isEmpty() && std::max(seen.width(), seen.height()) > least * units;
 }
 
 void Canvas::forget(AcApDocument* document) {
@@ -88,6 +120,10 @@ void Canvas::forget(AcApDocument* document) {
 }
 
 void Canvas::setRequest(const host::InputRequest* request, const QString& prompt) {
+    if (request != nullptr && request->atCommandPrompt != mWasAtCommandPrompt) {
+        mWasAtCommandPrompt = request->atCommandPrompt;
+        mIsBrowsing = false;
+    }
     mRequest = request;
     mPrompt = prompt;
     if (request != nullptr && mIsInside) {
@@ -131,7 +167,10 @@ void Canvas::setView(const AcGePoint2d& centre, double unitsPerPixel) {
     mMap.centre = centre;
     mMap.unitsPerPixel = std::clamp(unitsPerPixel, smallestUnits, greatestUnits);
     mIsStale = true;
-    storeView();
+    if (mDocument != nullptr) {
+        mDocument->state().shownSlide.reset();
+    }
+    keepView();
     if (mIsInside) {
         aim(mCursor);
     }
@@ -141,13 +180,17 @@ void Canvas::setView(const AcGePoint2d& centre, double unitsPerPixel) {
     update();
 }
 
-/// The variables that commands know the view by.
-void Canvas::storeView() {
+/// For when this space is shown again, in the drawing, and in the variables that commands know the view by.
+void Canvas::keepView() {
     if (mView == nullptr) {
         return;
     }
-    mView->centre = mMap.centre;
-    mView->unitsPerPixel = mMap.unitsPerPixel;
+    mView->spaces[mView->space] = {mMap.centre, mMap.unitsPerPixel};
+    AcDbDatabase& database = mView->scene->database();
+    if (mView->scene->space() == database.impl().containers.modelSpace) {
+        storeView(database, {mMap.centre, mMap.height * mMap.unitsPerPixel,
+                             static_cast<double>(mMap.width) / mMap.height});
+    }
     resbuf value{};
     value.restype = RT3DPOINT;
     host::setPoint(value.resval.rpoint, host::worldToUcs({mMap.centre.x, mMap.centre.y, 0}));
@@ -176,6 +219,13 @@ void Canvas::readView() {
 void Canvas::viewChanged() {
     readView();
     setView(mMap.centre, mMap.unitsPerPixel);
+}
+
+/// A run of zooming and panning by hand is one view to go back to.
+void Canvas::browse() {
+    if (!std::exchange(mIsBrowsing, true)) {
+        host::rememberView();
+    }
 }
 
 void Canvas::zoomExtents() {
@@ -224,126 +274,7 @@ QPointF Canvas::toWidget(const AcGePoint3d& point) const {
     return {mMap.x(point.x) / ratio(), mMap.y(point.y) / ratio()};
 }
 
-// The picture.
-
-void Canvas::followDrawing() {
-    if (mView != nullptr) {
-        invalidate(mView->scene->update());
-    }
-}
-
-void Canvas::invalidate(const SceneChange& change) {
-    constexpr std::size_t manyParts = 200;
-    if (change.isEmpty()) {
-        return;
-    }
-    if (change.everything || change.boxes.size() > manyParts) {
-        mIsStale = true;
-    }
-    for (const host::Box2d& box : change.boxes) {
-        constexpr double margin = 6; // of markers and wide lines
-        const double left = std::clamp(mMap.x(box.minimum.x) - margin, -1.0, mMap.width + 1.0);
-        const double right = std::clamp(mMap.x(box.maximum.x) + margin, -1.0, mMap.width + 1.0);
-        const double top = std::clamp(mMap.y(box.maximum.y) - margin, -1.0, mMap.height + 1.0);
-        const double bottom = std::clamp(mMap.y(box.minimum.y) + margin, -1.0, mMap.height + 1.0);
-        if (mIsStale) {
-            break;
-        }
-        mStaleParts += QRect(QPoint(static_cast<int>(left), static_cast<int>(top)),
-                             QPoint(static_cast<int>(right) + 1, static_cast<int>(bottom) + 1));
-    }
-    update();
-}
-
-void Canvas::bringUpToDate() {
-    followDrawing();
-    const QSize size(mMap.width, mMap.height);
-    if (mPicture.size() != size) {
-        mPicture = QImage(size, QImage::Format_RGB32);
-        mIsStale = true;
-    }
-    if (!mIsStale && mStaleParts.isEmpty()) {
-        return;
-    }
-    mLook.pixelRatio = ratio() > 1.25 ? ratio() : 1.0;
-    mLook.showsLineWeights = host::systemVariableInteger(L"LWDISPLAY") != 0;
-    constexpr int manyRects = 24;
-    if (mStaleParts.rectCount() > manyRects) {
-        mStaleParts = mStaleParts.boundingRect();
-    }
-    const QRegion parts = mIsStale ? QRegion(mPicture.rect()) : mStaleParts.intersected(mPicture.rect());
-    const double seconds = mIsIncomplete ? patientSeconds : quickSeconds;
-    bool isWhole = true;
-    for (const QRect& part : parts) {
-        QPainter painter(&mPicture);
-        drawBackground(painter, part);
-        painter.end();
-        if (mView != nullptr) {
-            Renderer renderer(*mView->scene, mMap, mLook);
-            isWhole = renderer.draw(mPicture, part, seconds) && isWhole;
-        }
-    }
-    mIsIncomplete = !isWhole || (mIsIncomplete && !mIsStale);
-    mIsStale = false;
-    mStaleParts = QRegion();
-    if (mView != nullptr) {
-        mView->scene->trim(mMap.box());
-    }
-    if (mIsIncomplete) {
-        mCompletion.start(1);
-    }
-}
-
-const QImage& Canvas::picture() {
-    bringUpToDate();
-    while (mIsIncomplete) {
-        mIsStale = true;
-        bringUpToDate();
-    }
-    return mPicture;
-}
-
-void Canvas::drawBackground(QPainter& painter, const QRect& clip) const {
-    painter.fillRect(clip, rgb(mLook.background));
-    if (mView != nullptr && host::systemVariableInteger(L"GRIDMODE") != 0) {
-        drawGrid(painter, clip);
-    }
-}
-
-void Canvas::drawGrid(QPainter& painter, const QRect& clip) const {
-    constexpr double nearest = 9; // device pixels between two lines
-    const host::ResbufList unit = host::systemVariable(L"GRIDUNIT");
-    const int major = std::max(host::systemVariableInteger(L"GRIDMAJOR"), 2);
-    const QColor fine = rgb(mLook.background).lighter(125);
-    const QColor strong = rgb(mLook.background).lighter(155);
-    painter.setClipRect(clip);
-    const auto spacing = [&](double step) {
-        step = step > 0 ? step : 10;
-        while (step / mMap.unitsPerPixel < nearest) {
-            step *= major;
-        }
-        return step;
-    };
-    const double stepX = spacing(unit != nullptr ? unit->resval.rpoint[0] : 10);
-    const double stepY = spacing(unit != nullptr ? unit->resval.rpoint[1] : 10);
-    const host::Box2d box = mMap.box(clip.left(), clip.top(), clip.right() + 1, clip.bottom() + 1);
-    const auto isStrong = [&](double index) { return std::fmod(std::abs(index), major) < 0.5; };
-    for (const bool strongOnes : {false, true}) {
-        painter.setPen(strongOnes ? strong : fine);
-        for (double i = std::floor(box.minimum.x / stepX); i * stepX <= box.maximum.x; ++i) {
-            if (isStrong(i) == strongOnes) {
-                const int x = static_cast<int>(mMap.x(i * stepX));
-                painter.drawLine(x, clip.top(), x, clip.bottom());
-            }
-        }
-        for (double i = std::floor(box.minimum.y / stepY); i * stepY <= box.maximum.y; ++i) {
-            if (isStrong(i) == strongOnes) {
-                const int y = static_cast<int>(mMap.y(i * stepY));
-                painter.drawLine(clip.left(), y, clip.right(), y);
-            }
-        }
-    }
-}
+// EditorView.
 
 void Canvas::redraw() {
     mVectors.clear();
@@ -388,123 +319,22 @@ Acad::ErrorStatus Canvas::runLong(std::wstring_view title, const std::function<A
                       job);
 }
 
-// Painting.
-
-void Canvas::paintEvent(QPaintEvent*) {
-    bringUpToDate();
-    QPainter painter(this);
-    const auto show = [&](QImage& image) {
-        image.setDevicePixelRatio(ratio());
-        painter.drawImage(QPointF(0, 0), image);
-        image.setDevicePixelRatio(1);
-    };
-    if (mRequest != nullptr && !mRequest->dragged.empty() && mView != nullptr) {
-        QImage frame = mPicture.copy();
-        Renderer renderer(*mView->scene, mMap, mLook);
-        for (AcDbEntity* entity : mRequest->dragged) {
-            renderer.drawOnce(frame, *entity);
-        }
-        show(frame);
-    } else {
-        show(mPicture);
-    }
-    paintOverlay(painter);
-}
-
-void Canvas::paintOverlay(QPainter& painter) {
-    for (const Vector& vector : mVectors) {
-        painter.setPen(QPen(vector.color, 1, vector.highlighted ? Qt::DashLine : Qt::SolidLine));
-        painter.drawLine(toWidget(vector.from), toWidget(vector.to));
-    }
-    if (mView == nullptr) {
-        return;
-    }
-    const AcGeMatrix3d ucs = host::ucsMatrix();
-    const double angle = std::atan2(ucs.entry[1][0], ucs.entry[0][0]);
-    overlay::axes(painter, QPointF(26, height() - 26), angle, ucs.isEqualTo(AcGeMatrix3d::kIdentity),
-                  rgb(mLook.foreground));
-    const double gripSize = host::systemVariableInteger(L"GRIPSIZE");
-    const std::optional<std::size_t> under = mIsInside && mRequest != nullptr && mRequest->atCommandPrompt
-                                                 ? gripAt(worldAt(mCursor))
-                                                 : std::nullopt;
-    for (std::size_t i = 0; i < mGrips.size(); ++i) {
-        overlay::grip(painter, toWidget(mGrips[i].point), gripSize,
-                      mGrips[i].isHot ? overlay::Grip::hot
-                      : under == i    ? overlay::Grip::hovered
-                                      : overlay::Grip::cold);
-    }
-    if (mIsInside && mRequest != nullptr) {
-        paintBand(painter);
-        paintCursor(painter);
-    }
-}
-
-void Canvas::paintBand(QPainter& painter) {
-    const QPointF to = toWidget(mAimed.point);
-    const auto selection = [&](const QPointF& from) {
-        return mCursor.x() >= from.x() ? overlay::Rectangle::window : overlay::Rectangle::crossing;
-    };
-    if (mSelectingFrom) {
-        const QPointF from = toWidget(*mSelectingFrom);
-        overlay::rectangle(painter, from, mCursor, selection(from), rgb(mLook.foreground));
-        return;
-    }
-    if (!mRequest->base || !mRequest->wantsPoint) {
-        return;
-    }
-    const QPointF from = toWidget(*mRequest->base);
-    switch (mRequest->band) {
-    case host::Aim::Band::line:
-        overlay::rubberLine(painter, from, to, QColor(210, 190, 120));
-        break;
-    case host::Aim::Band::rectangle:
-        overlay::rectangle(painter, from, to, overlay::Rectangle::plain, rgb(mLook.foreground));
-        break;
-    case host::Aim::Band::selection:
-        overlay::rectangle(painter, from, to, selection(from), rgb(mLook.foreground));
-        break;
-    case host::Aim::Band::none:
-        break;
-    }
-}
-
-void Canvas::paintCursor(QPainter& painter) {
-    if (mIsPanning) {
-        return;
-    }
-    const bool isCorner = mRequest->base && mRequest->band == host::Aim::Band::selection;
-    const bool picks = mRequest->picksObjects && !isCorner;
-    const bool idle = mRequest->atCommandPrompt;
-    const double percent = std::clamp(host::systemVariableInteger(L"CURSORSIZE"), 1, 100) / 100.0;
-    const double reach =
-        percent >= 1 ? std::max(width(), height()) * 1.0 : std::max(width(), height()) * percent * 0.5;
-    const double box = picks || idle ? std::max(host::systemVariableInteger(L"PICKBOX"), 1) : 0;
-    if (mAimed.snapKind != 0) {
-        const QPointF at = toWidget(mAimed.point);
-        overlay::snapMarker(painter, at, mAimed.snapKind);
-        overlay::tip(painter, at + QPointF(14, 10), snapName(mAimed.snapKind), rect());
-    }
-    overlay::crossHair(painter, mCursor, picks ? 0 : reach, box, rgb(mLook.foreground));
-    const bool hasQuestion = !idle && !mPrompt.isEmpty();
-    if ((hasQuestion || !mTyped.isEmpty()) && host::systemVariableInteger(L"DYNMODE") >= 0) {
-        const QString text = idle ? mTyped : mTyped.isEmpty() ? mPrompt : mPrompt + QLatin1Char(' ') + mTyped;
-        overlay::tip(painter, mCursor + QPointF(18, mAimed.snapKind != 0 ? 34 : 16), text, rect());
-    }
-}
-
 // Events.
 
 void Canvas::resizeEvent(QResizeEvent*) {
     const double units = mMap.unitsPerPixel;
-    const bool showsAll = mShowsAll || mMap.width <= 1;
+    const bool isFirst = mMap.width <= 1;
     mMap.width = std::max(1, static_cast<int>(std::lround(width() * ratio())));
     mMap.height = std::max(1, static_cast<int>(std::lround(height() * ratio())));
     mIsStale = true;
-    if (showsAll && mView != nullptr && !mView->scene->extents().isEmpty()) {
+    if (isFirst && mView != nullptr) {
+        mView->spaces.clear();
+        showSpace();
+    } else if (mShowsAll && mView != nullptr && !mView->scene->extents().isEmpty()) {
         zoomExtents();
-        return;
+    } else {
+        setView(mMap.centre, units);
     }
-    setView(mMap.centre, units);
 }
 
 void Canvas::aim(const QPointF& at) {
@@ -521,6 +351,7 @@ void Canvas::aim(const QPointF& at) {
 void Canvas::mousePressEvent(QMouseEvent* event) {
     mIsInside = true;
     if (event->button() == Qt::MiddleButton) {
+        browse();
         mIsPanning = true;
         mPannedFrom = event->pos();
         setCursor(Qt::ClosedHandCursor);
@@ -532,8 +363,9 @@ void Canvas::mousePressEvent(QMouseEvent* event) {
         return;
     }
     if (event->button() == Qt::RightButton) {
-        mListener->confirmed();
+        mRightPressed.start();
     } else if (event->button() == Qt::LeftButton) {
+        mIsBrowsing = false;
         mPressedAt = event->position();
         mIsPressed = true;
         mListener->pressed(mAimed, event->modifiers(), false);
@@ -564,6 +396,10 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
         update();
         return;
     }
+    if (event->button() == Qt::RightButton && mRightPressed.isValid()) {
+        rightReleased(*event);
+        return;
+    }
     if (event->button() != Qt::LeftButton || !mIsPressed) {
         return;
     }
@@ -575,8 +411,34 @@ void Canvas::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
+/// By SHORTCUTMENU: a menu, or Enter, or (16) Enter for a short press and the menu for a long one.
+void Canvas::rightReleased(const QMouseEvent& event) {
+    const bool isLong = mRightPressed.elapsed() >= longPress;
+    mRightPressed.invalidate();
+    if (mListener == nullptr) {
+        return;
+    }
+    if (event.modifiers().testFlag(Qt::ShiftModifier)) {
+        mListener->menuWanted(event.globalPosition().toPoint(), true);
+        return;
+    }
+    constexpr int atPrompt = 1, withSelection = 2, inCommand = 4, inCommandWithKeywords = 8, timed = 16;
+    const int modes = host::systemVariableInteger(L"SHORTCUTMENU");
+    const bool idle = mRequest != nullptr && mRequest->atCommandPrompt;
+    const int wanted = !idle            ? (mPrompt.contains(QLatin1Char('[')) ? inCommand | inCommandWithKeywords
+                                                                              : inCommand)
+                       : mGrips.empty() ? atPrompt
+                                        : withSelection;
+    if ((modes & timed) != 0 ? isLong : (modes & wanted) != 0) {
+        mListener->menuWanted(event.globalPosition().toPoint(), false);
+    } else {
+        mListener->confirmed();
+    }
+}
+
 void Canvas::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() == Qt::MiddleButton) {
+        browse();
         zoomExtents();
     } else if (event->button() == Qt::LeftButton && mListener != nullptr) {
         aim(event->position());
@@ -594,6 +456,7 @@ void Canvas::wheelEvent(QWheelEvent* event) {
     constexpr double notch = 120;
     const double notches = event->angleDelta().y() / notch;
     if (notches != 0) {
+        browse();
         zoomAt(event->position().x() * ratio(), event->position().y() * ratio(),
                std::pow(wheelStep, notches));
     }

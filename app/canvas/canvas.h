@@ -9,6 +9,7 @@
 #include "host/ed/input.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QRegion>
 #include <QTimer>
@@ -19,7 +20,13 @@
 
 class AcApDocument;
 
+namespace host {
+struct Slide;
+}
+
 namespace app {
+
+struct StoredView;
 
 /// Told of what the user does in the drawing area.
 class CanvasListener {
@@ -31,6 +38,10 @@ public:
     virtual void doubleClicked(const Aimed&) {}
     /// The right button: Enter.
     virtual void confirmed() = 0;
+    /// The right button: its menu, or that of object snaps for one point.
+    virtual void menuWanted(const QPoint& /*onScreen*/, bool /*snaps*/) {}
+    /// An object cannot be shown: one line for the user.
+    virtual void failed(const std::wstring&) {}
     virtual void keyPressed(QKeyEvent& event) = 0;
     virtual void viewChanged() {}
 };
@@ -69,6 +80,8 @@ public:
     const ViewMap& map() const { return mMap; }
     const Aimed& aimed() const { return mAimed; }
     void zoomExtents();
+    /// Before the view is changed by hand.
+    void browse();
     /// Enlarges by the factor around a place in device pixels.
     void zoomAt(double x, double y, double factor);
     void setBackground(std::uint32_t color);
@@ -101,10 +114,14 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    struct DocumentView {
-        std::unique_ptr<Scene> scene;
+    struct SpaceView {
         AcGePoint2d centre;
         double unitsPerPixel = 0; ///< 0: not seen yet
+    };
+    struct DocumentView {
+        std::unique_ptr<Scene> scene;
+        AcDbStub* space = nullptr; ///< that is shown
+        std::map<AcDbStub*, SpaceView> spaces;
     };
     struct Vector {
         AcGePoint3d from, to;
@@ -113,14 +130,19 @@ private:
     };
 
     void setView(const AcGePoint2d& centre, double unitsPerPixel);
-    void storeView();
+    void showSpace();
+    void keepView();
     void readView();
+    double unitsFor(const StoredView& view) const;
+    bool isWorthSeeing(const StoredView& view);
     void invalidate(const SceneChange& change);
     void bringUpToDate();
+    void drawPart(const QRect& part, double seconds, bool& isWhole);
     void drawBackground(QPainter& painter, const QRect& clip) const;
     void drawGrid(QPainter& painter, const QRect& clip) const;
     void pan(const QPoint& by);
     void aim(const QPointF& at);
+    void rightReleased(const QMouseEvent& event);
     void paintOverlay(QPainter& painter);
     void paintBand(QPainter& painter);
     void paintCursor(QPainter& painter);
@@ -137,6 +159,7 @@ private:
     bool mShowsAll = false; ///< nothing was zoomed or moved since all was shown
     bool mIsStale = true;   ///< the whole picture
     QRegion mStaleParts;    ///< device pixels
+    std::shared_ptr<const host::Slide> mShownSlide; ///< in the picture, in the place of the drawing
     bool mIsIncomplete = false;
     QTimer mCompletion;
 
@@ -153,6 +176,9 @@ private:
     bool mIsPressed = false;
     bool mIsPanning = false;
     QPoint mPannedFrom;
+    QElapsedTimer mRightPressed;
+    bool mIsBrowsing = false; ///< the view before was noted when this run of zooming and panning began
+    bool mWasAtCommandPrompt = true;
 };
 
 } // namespace app

@@ -89,6 +89,8 @@ class GeometrySink final : public host::PrimitiveSink {
 public:
     explicit GeometrySink(PenTable& pens) : mPens(pens) {}
     void start(const AcGePoint2d& origin);
+    /// Forgets what was drawn since.
+    void abandon() { mWords.clear(); }
     /// What was drawn since start(); `isScaled` when it depends on the scale.
     Geometry finish(int level, bool isScaled);
 

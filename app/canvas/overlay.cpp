@@ -3,6 +3,7 @@
 #include "app/canvas/aiming.h"
 
 #include "host/db/db.h"
+#include "host/formats/sld/slide.h"
 
 #include <QFontMetricsF>
 #include <QPainterPath>
@@ -181,6 +182,33 @@ void axes(QPainter& painter, const QPointF& at, double angle, bool isWorld, cons
     if (isWorld) {
         painter.setPen(QPen(color, 1));
         painter.drawRect(QRectF(at.x() - 4, at.y() - 4, 8, 8));
+    }
+}
+
+void slide(QPainter& painter, const host::Slide& slide, const QRectF& area, std::uint32_t background,
+           std::uint32_t foreground) {
+    painter.fillRect(area, QColor::fromRgb(background));
+    if (slide.width < 1 || slide.height < 1) {
+        return;
+    }
+    const double aspect = slide.aspect > 0 ? slide.aspect : static_cast<double>(slide.width) / slide.height;
+    const double width = std::min(area.width(), area.height() * aspect);
+    const double height = width / aspect;
+    const QPointF corner(area.center().x() - width / 2, area.center().y() + height / 2);
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    QPolygonF points;
+    for (const host::SlideShape& shape : slide.shapes) {
+        const QColor color = QColor::fromRgb(shape.color == 0   ? background
+                                             : shape.color == 7 ? foreground
+                                                                : AcCmEntityColor::lookUpRGB(shape.color));
+        points.clear();
+        for (const host::SlidePoint& point : slide.pointsOf(shape)) {
+            points.append(corner + QPointF((point.x + 0.5) * width / slide.width,
+                                           -(point.y + 0.5) * height / slide.height));
+        }
+        painter.setPen(QPen(color, 1));
+        painter.setBrush(color);
+        shape.kind == host::SlideShape::Kind::line ? painter.drawPolyline(points) : painter.drawPolygon(points);
     }
 }
 

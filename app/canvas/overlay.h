@@ -7,6 +7,11 @@
 #include <QPointF>
 #include <QRectF>
 #include <QString>
+#include <cstdint>
+
+namespace host {
+struct Slide;
+}
 
 namespace app::overlay {
 
@@ -27,5 +32,9 @@ void grip(QPainter& painter, const QPointF& at, double halfSize, Grip state);
 void tip(QPainter& painter, const QPointF& at, const QString& text, const QRectF& area);
 /// Axes of the coordinate system; `angle` is the X axis', radians counterclockwise.
 void axes(QPainter& painter, const QPointF& at, double angle, bool isWorld, const QColor& color);
+
+/// A slide as large as it fits; colours are 0x00RRGGBB.
+void slide(QPainter& painter, const host::Slide& slide, const QRectF& area, std::uint32_t background,
+           std::uint32_t foreground);
 
 } // namespace app::overlay

@@ -36,6 +36,12 @@ QPainter& Raster::painter() {
 
 /// Shortens a line to where it passes a box; false when it does not.
 bool Raster::cut(PixelPoint& from, PixelPoint& to, double left, double top, double right, double bottom) {
+    const auto isInside = [&](const PixelPoint& point) {
+        return point.x >= left && point.x <= right && point.y >= top && point.y <= bottom;
+    };
+    if (isInside(from) && isInside(to)) {
+        return true; // most are
+    }
     const double dx = to.x - from.x;
     const double dy = to.y - from.y;
     double start = 0;

@@ -161,9 +161,12 @@ void Renderer::polyline(std::span<const std::uint32_t> words, Raster& raster) {
 
 void Renderer::curve(const PixelPoint (&points)[4], Raster& raster) const {
     // The chords of n parts of a cubic lie within (sqrt 3 / 18) / n^2 times the bend of its control polygon.
-    const double bend = std::max(
-        std::hypot(points[0].x - 2 * points[1].x + points[2].x, points[0].y - 2 * points[1].y + points[2].y),
-        std::hypot(points[1].x - 2 * points[2].x + points[3].x, points[1].y - 2 * points[2].y + points[3].y));
+    const auto bendAt = [&](int i) { // its square
+        const double x = points[i - 1].x - 2 * points[i].x + points[i + 1].x;
+        const double y = points[i - 1].y - 2 * points[i].y + points[i + 1].y;
+        return x * x + y * y;
+    };
+    const double bend = std::sqrt(std::max(bendAt(1), bendAt(2)));
     constexpr double share = 0.75, within = 0.2;
     constexpr int mostParts = 2000;
     const int parts = static_cast<int>(

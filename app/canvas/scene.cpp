@@ -3,6 +3,7 @@
 #include "host/db/dbents.h"
 #include "host/db/dbsortents.h"
 #include "host/db/drawingsource.h"
+#include "host/rx/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,8 +56,13 @@ bool isPlain(const AcDbEntity& entity) {
 Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
-    if (entity.getGeomExtents(extents) != Acad::eOk && host::drawnExtents(entity, extents) != Acad::eOk) {
-        return {};
+    try {
+        if (entity.getGeomExtents(extents) != Acad::eOk &&
+            host::drawnExtents(entity, extents) != Acad::eOk) {
+            return {};
+        }
+    } catch (const std::exception&) {
+        return {}; // a module's class; what it cannot measure is not seen
     }
     return {{extents.minPoint().x, extents.minPoint().y}, {extents.maxPoint().x, extents.maxPoint().y}};
 }
@@ -238,10 +244,13 @@ Box2d Scene::extents() const {
 void Scene::pack() {
     std::vector<FloatBox> boxes(mItems.size());
     mRecent.clear();
+    mInTree.assign(mItems.size() / 64 + 1, 0);
     for (std::uint32_t i = 0; i < mItems.size(); ++i) {
-        SceneItem& item = mItems[i];
+        const SceneItem& item = mItems[i];
         boxes[i] = item.box;
-        item.isInTree = !item.box.isEmpty();
+        if (!item.box.isEmpty()) {
+            mInTree[i / 64] |= std::uint64_t{1} << (i % 64);
+        }
         if (item.isUnbounded) {
             mRecent.push_back(i);
         }
@@ -253,14 +262,15 @@ void Scene::pack() {
 void Scene::collect(const Box2d& box, double smallest) {
     const FloatBox around = relative(box);
     mMarked.resize(mItems.size() / 64 + 1);
-    mTree.search(around, static_cast<float>(smallest), [&](std::uint32_t index) {
-        if (mItems[index].isInTree && mItems[index].box.touches(around)) {
+    // Items are far apart in memory: those of whole leaves need not be looked at.
+    mTree.search(around, static_cast<float>(smallest), [&](std::uint32_t index, bool whole) {
+        if (isInTree(index) && (whole || mItems[index].box.touches(around))) {
             mark(index);
         }
     });
     for (const std::uint32_t index : mRecent) {
         const SceneItem& item = mItems[index];
-        if (item.isUnbounded || (!item.isInTree && item.box.touches(around))) {
+        if (item.isUnbounded || (!isInTree(index) && item.box.touches(around))) {
             mark(index);
         }
     }
@@ -387,8 +397,10 @@ void Scene::change(std::uint32_t index, SceneChange& change) {
     }
     const bool stays = before.left == item.box.left && before.right == item.box.right &&
                        before.bottom == item.box.bottom && before.top == item.box.top;
-    if (item.isInTree ? !stays : item.isUnbounded && !wasUnbounded) {
-        item.isInTree = false;
+    if (isInTree(index) ? !stays : item.isUnbounded && !wasUnbounded) {
+        if (isInTree(index)) {
+            mInTree[index / 64] &= ~(std::uint64_t{1} << (index % 64));
+        }
         mRecent.push_back(index);
     }
     if (item.isUnbounded) {
@@ -455,6 +467,22 @@ host::Flattener& Scene::flattener(double unitsPerPixel, const Box2d* view) {
     return *mFlattener;
 }
 
+/// Whose code for drawing fails, a module's or the host's, does not take the picture of the others with it.
+template <class Draw>
+void Scene::draw(AcDbEntity& entity, Draw draw) {
+    try {
+        const host::ReadAccess access(entity);
+        draw();
+    } catch (const std::exception& error) {
+        mFlattener.reset();
+        mSink.abandon();
+        if (mFaulty.insert(entity.objectId().stub()).second) {
+            mFaults.push_back(L"无法显示对象 " + entity.objectId().handle().toString() + L": " +
+                              host::fromUtf8(error.what()));
+        }
+    }
+}
+
 void Scene::build(SceneItem& item, double unitsPerPixel) {
     auto* entity = peek<AcDbEntity>(AcDbObjectId(item.stub));
     if (entity == nullptr) {
@@ -462,10 +490,7 @@ void Scene::build(SceneItem& item, double unitsPerPixel) {
     }
     mGeometryBytes -= item.geometry.bytes();
     mSink.start(absolute(item.box).center());
-    {
-        const host::ReadAccess access(*entity);
-        flattener(unitsPerPixel, nullptr).draw(*entity);
-    }
+    draw(*entity, [&] { flattener(unitsPerPixel, nullptr).draw(*entity); });
     item.geometry = mSink.finish(levelOf(unitsPerPixel), isScaled(*entity));
     const std::size_t added = item.geometry.bytes();
     mGeometryBytes += added;
@@ -475,10 +500,7 @@ Geometry Scene::drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double 
                           const Box2d& view) {
     mSink.start(origin);
     mSink.setWantsCurves(false);
-    {
-        const host::ReadAccess access(entity);
-        flattener(unitsPerPixel, &view).draw(entity);
-    }
+    draw(entity, [&] { flattener(unitsPerPixel, &view).draw(entity); });
     mSink.setWantsCurves(true);
     return mSink.finish(levelOf(unitsPerPixel), true);
 }
@@ -504,11 +526,12 @@ SceneChange Scene::highlight(std::span<const AcDbObjectId> ids, bool on) {
 
 std::size_t Scene::bytes() const {
     return mItems.capacity() * sizeof(SceneItem) + mTree.bytes() + mTable.capacity() * sizeof(std::uint32_t) +
-           mMarked.capacity() * sizeof(std::uint64_t) + mGeometryBytes;
+           (mMarked.capacity() + mInTree.capacity()) * sizeof(std::uint64_t) + mGeometryBytes;
 }
 
 void Scene::trim(const Box2d& view) {
-    if (mGeometryBytes < std::max(leastBudget, mItems.size() * budgetAnItem)) {
+    const std::size_t budget = std::max(leastBudget, mItems.size() * budgetAnItem);
+    if (mGeometryBytes < std::max(budget, mTrimAbove)) {
         return;
     }
     const FloatBox around = relative(view);
@@ -518,6 +541,7 @@ void Scene::trim(const Box2d& view) {
             item.geometry.clear();
         }
     }
+    mTrimAbove = mGeometryBytes + budget / 4;
 }
 
 } // namespace app

@@ -11,8 +11,10 @@
 
 #include <bit>
 #include <memory>
+#include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace app {
@@ -26,7 +28,6 @@ struct SceneItem {
     bool isForeground : 1 = false;
     bool isHidden : 1 = false;    ///< erased, invisible, or on a layer that is off or frozen
     bool isUnbounded : 1 = false; ///< an infinite line
-    bool isInTree : 1 = false;
     bool isDependent : 1 = false; ///< drawn with other objects: a block's, a style's
     bool isHighlighted : 1 = false;
 };
@@ -48,6 +49,7 @@ public:
     Scene& operator=(const Scene&) = delete;
 
     AcDbDatabase& database() const { return mDatabase; }
+    AcDbObjectId space() const { return mSpace; }
     /// Takes in what changed in the drawing since the last call.
     SceneChange update();
     /// Forgets everything drawn.
@@ -76,12 +78,14 @@ public:
 
     /// The item's geometry is right for this scale.
     static bool isFit(const SceneItem& item, int level);
-    /// Makes it so. What can't be drawn has empty geometry.
+    /// Makes it so. What can't be drawn has empty geometry; see takeFaults().
     void build(SceneItem& item, double unitsPerPixel);
     /// Geometry of an entity that is made for one picture only: around `origin`, within `view`.
     Geometry drawnOnce(AcDbEntity& entity, const AcGePoint2d& origin, double unitsPerPixel,
                        const host::Box2d& view);
     static int levelOf(double unitsPerPixel);
+    /// A line for each object that failed to draw since the last call; an object is told of once.
+    std::vector<std::wstring> takeFaults() { return std::exchange(mFaults, {}); }
 
     /// Shows entities as selected, or no more; tells what has to be painted.
     SceneChange highlight(std::span<const AcDbObjectId> ids, bool on);
@@ -117,10 +121,15 @@ private:
 
     void load();
     void loadItems();
+    template <class Draw>
+    void draw(AcDbEntity& entity, Draw draw);
     void measure(SceneItem& item);
     void look(SceneItem& item) const;
     void pack();
     void collect(const host::Box2d& box, double smallest);
+    bool isInTree(std::size_t index) const {
+        return index / 64 < mInTree.size() && (mInTree[index / 64] >> (index % 64) & 1) != 0;
+    }
     void mark(std::size_t index) { mMarked[index / 64] |= std::uint64_t{1} << (index % 64); }
     void forgetGeometry();
     void change(std::uint32_t index, SceneChange& change);
@@ -143,6 +152,7 @@ private:
     DisplayTree mTree;
     std::vector<std::uint32_t> mRecent; ///< not in the tree
     std::vector<std::uint32_t> mTable;  ///< open addressing by stub
+    std::vector<std::uint64_t> mInTree; ///< a bit an item: its box is the tree's
     std::vector<std::uint64_t> mMarked; ///< a bit an item, zero between searches
     std::unordered_set<AcDbStub*> mUsedBlocks;
     Journal mJournal;
@@ -153,6 +163,9 @@ private:
     std::unique_ptr<host::Flattener> mFlattener;
     int mFlattenerLevel = 0;
     std::size_t mGeometryBytes = 0;
+    std::size_t mTrimAbove = 0; ///< bytes of geometry; what is in view may be more than the budget
+    std::vector<std::wstring> mFaults;
+    std::unordered_set<AcDbStub*> mFaulty;
 };
 
 } // namespace app

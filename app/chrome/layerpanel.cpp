@@ -1,8 +1,9 @@
 #include "app/chrome/layerpanel.h"
 
+#include "app/chrome/colordialog.h"
+#include "app/chrome/entityvalues.h"
 #include "app/chrome/icons.h"
 
-#include "host/db/dbents.h"
 #include "host/ed/acdocman.h"
 
 #include <QHBoxLayout>
@@ -14,18 +15,6 @@
 
 namespace app {
 namespace {
-
-QString text(const AcString& name) {
-    return QString::fromWCharArray(name.kwszPtr());
-}
-
-/// As a string of LISP.
-QString quoted(QString value) {
-    return QLatin1Char('"') +
-           value.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-               .replace(QLatin1Char('"'), QLatin1String("\\\"")) +
-           QLatin1Char('"');
-}
 
 /// A name as a pattern that means nothing but itself.
 QString literal(const QString& name) {
@@ -78,6 +67,7 @@ LayerPanel::LayerPanel(QWidget* parent)
     mTable->setColumnCount(columnCount);
     mTable->setHeaderLabels(
         {tr("名称"), tr("开"), tr("冻结"), tr("锁定"), tr("颜色"), tr("线型"), tr("线宽"), tr("打印")});
+    mTable->setSelectionMode(QAbstractItemView::ExtendedSelection);
     mTable->setRootIsDecorated(false);
     mTable->setAlternatingRowColors(true);
     mTable->setUniformRowHeights(true);
@@ -121,7 +111,10 @@ void LayerPanel::follow() {
 
 void LayerPanel::fill() {
     const AcDbDatabase& database = *curDoc()->database();
-    const QString chosen = current();
+    QStringList chosen;
+    for (const QTreeWidgetItem* item : mTable->selectedItems()) {
+        chosen.append(item->text(name));
+    }
     mTable->setSortingEnabled(false);
     mTable->clear();
     for (AcDbStub* stub : host::peek<AcDbLayerTable>(database.layerTableId())->records()) {
@@ -132,7 +125,7 @@ void LayerPanel::fill() {
         auto* item = new QTreeWidgetItem(mTable);
         show(*item, *layer, AcDbObjectId(stub) == database.clayer());
         item->setHidden(!item->text(name).contains(mFilter->text(), Qt::CaseInsensitive));
-        item->setSelected(item->text(name) == chosen);
+        item->setSelected(chosen.contains(item->text(name)));
     }
     mTable->setSortingEnabled(true);
 }
@@ -173,17 +166,28 @@ QString LayerPanel::current() const {
     return chosen.isEmpty() ? QString() : chosen.first()->text(name);
 }
 
+/// The layer that was clicked, with the others that are selected when it is one of them.
+QString LayerPanel::patternFor(const QString& layer) const {
+    QStringList names;
+    for (const QTreeWidgetItem* item : mTable->selectedItems()) {
+        names.append(literal(item->text(name)));
+    }
+    return names.contains(literal(layer)) ? names.join(QLatin1Char(',')) : literal(layer);
+}
+
 void LayerPanel::option(const QString& word, const QString& layer, const QString& value) {
     if (layer.isEmpty() || !run) {
         return;
     }
     const bool takesPattern = word != QLatin1String("_S") && word != QLatin1String("_M");
-    const QString named = quoted(takesPattern ? literal(layer) : layer);
+    const QString named = quoted(takesPattern ? patternFor(layer) : layer);
     const QString given = value.isEmpty() ? named : value + QLatin1Char(' ') + named;
     // Switching the current layer off asks whether that is meant.
     const bool isCurrent =
         curDoc() != nullptr && word == QLatin1String("_OFF") &&
-        text(host::peek<AcDbLayerTableRecord>(curDoc()->database()->clayer())->name()) == layer;
+        patternFor(layer)
+            .split(QLatin1Char(','))
+            .contains(literal(nameOf(curDoc()->database()->clayer())));
     run(QStringLiteral("(progn (command \"_.-LAYER\" \"%1\" %2%3 \"\") (princ))\n")
             .arg(word, given, isCurrent ? QStringLiteral(" \"_Y\"") : QString()));
 }
@@ -207,7 +211,7 @@ void LayerPanel::clicked(QTreeWidgetItem* item, int column) {
         option(QStringLiteral("_P"), layer, was ? QStringLiteral("\"_N\"") : QStringLiteral("\"_P\""));
         break;
     case color:
-        chooseColor(layer, at);
+        chooseColor(layer, item->text(color).toInt());
         break;
     case linetype:
         chooseLinetype(layer, at);
@@ -220,16 +224,9 @@ void LayerPanel::clicked(QTreeWidgetItem* item, int column) {
     }
 }
 
-void LayerPanel::chooseColor(const QString& layer, const QPoint& at) {
-    QMenu menu(this);
-    for (const int index : {1, 2, 3, 4, 5, 6, 7, 8, 9, 30, 40, 94, 140, 150, 200, 250, 252, 254}) {
-        QAction* action =
-            menu.addAction(colorIcon(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))),
-                           tr("颜色 %1").arg(index));
-        action->setData(index);
-    }
-    if (const QAction* chosen = menu.exec(at)) {
-        option(QStringLiteral("_C"), layer, quoted(chosen->data().toString()));
+void LayerPanel::chooseColor(const QString& layer, int before) {
+    if (const std::optional<int> chosen = app::chooseColor(window(), before)) {
+        option(QStringLiteral("_C"), layer, quoted(QString::number(*chosen)));
     }
 }
 

@@ -22,6 +22,7 @@ public:
     std::function<void(const QString&)> run;
     /// Shows the layers as they are; does nothing while hidden or when nothing changed.
     void follow();
+    QSize sizeHint() const override { return {560, 420}; }
 
 private:
     enum Column { name, on, frozen, locked, color, linetype, weight, plots, columnCount };
@@ -30,7 +31,8 @@ private:
     void show(QTreeWidgetItem& item, const AcDbLayerTableRecord& layer, bool isCurrent) const;
     void clicked(QTreeWidgetItem* item, int column);
     void option(const QString& word, const QString& layer, const QString& value = {});
-    void chooseColor(const QString& layer, const QPoint& at);
+    void chooseColor(const QString& layer, int before);
+    QString patternFor(const QString& layer) const;
     void chooseLinetype(const QString& layer, const QPoint& at);
     void chooseWeight(const QString& layer, const QPoint& at);
     QString current() const;

@@ -20,6 +20,7 @@
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -52,6 +53,7 @@ MainWindow::MainWindow()
     auto* layout = new QVBoxLayout(middle);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    mTabs->setObjectName(QStringLiteral("documentTabs"));
     mTabs->setDrawBase(false);
     mTabs->setExpanding(false);
     mTabs->setFocusPolicy(Qt::NoFocus);
@@ -63,6 +65,10 @@ MainWindow::MainWindow()
     mInput = std::make_unique<WindowInput>(*mCanvas, *mCommandLine);
     mInput->asking = [this](const host::InputRequest& request) { followQuestion(request); };
     mInput->cursorMoved = [this](const Aimed& aimed) { mModes->showPoint(aimed.point); };
+    mInput->menu = [this](const QPoint& onScreen, bool snaps) { showContextMenu(onScreen, snaps); };
+    host::setEventFaultHandler([this](const std::wstring& fault) {
+        mInput->failed(tr("窗口出错: ").toStdWString() + fault);
+    });
     buildMenus();
     buildDocks();
     connect(mTabs, &QTabBar::currentChanged, this, [this](int index) {
@@ -80,13 +86,14 @@ MainWindow::MainWindow()
         QMessageBox::information(QApplication::activeWindow(), QStringLiteral("QDVHost"),
                                  QString::fromWCharArray(text != nullptr ? text : L""));
     });
-    resize(1440, 900);
+    resize(QSize(1440, 900).boundedTo(screen()->availableSize() * 0.95));
     readLayout();
     mCanvas->setFocus();
 }
 
 MainWindow::~MainWindow() {
     acDocManagerPtr()->removeReactor(this);
+    host::setEventFaultHandler(nullptr);
     acedSetAlertFunction(nullptr);
     host::hangApplicationWindows(nullptr, nullptr);
 }
@@ -282,6 +289,9 @@ void MainWindow::showPanel(QDockWidget& panel) {
     panel.setVisible(!panel.isVisible());
     if (panel.isVisible()) {
         panel.raise();
+        if (!panel.isFloating() && panel.width() < panel.sizeHint().width()) {
+            resizeDocks({&panel}, {panel.sizeHint().width()}, Qt::Horizontal);
+        }
     }
 }
 

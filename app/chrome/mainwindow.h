@@ -75,6 +75,11 @@ private:
     void selectAll();
     void offerRecovery();
     void showPanel(QDockWidget& panel);
+    void showContextMenu(const QPoint& onScreen, bool snaps);
+    void addSnaps(QMenu& menu);
+    void addCommand(QMenu& menu, const QString& text, const char* command, const char* iconName);
+    void addPromptRows(QMenu& menu);
+    void addAnswerRows(QMenu& menu, bool wantsPoint);
     void readLayout();
     void keepLayout();
 

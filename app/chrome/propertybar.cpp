@@ -1,8 +1,9 @@
 #include "app/chrome/propertybar.h"
 
+#include "app/chrome/colordialog.h"
+#include "app/chrome/entityvalues.h"
 #include "app/chrome/icons.h"
 
-#include "host/db/dbents.h"
 #include "host/ed/acdocman.h"
 #include "host/ed/colornames.h"
 #include "host/ed/selection.h"
@@ -15,10 +16,6 @@
 
 namespace app {
 namespace {
-
-QString text(const AcString& name) {
-    return QString::fromWCharArray(name.kwszPtr());
-}
 
 /// Colour and state of a layer as one icon: a lamp, a snow flake, a lock, the colour.
 QIcon layerIcon(const AcDbLayerTableRecord& layer) {
@@ -72,26 +69,6 @@ void select(QComboBox& box, const QString& value) {
     box.setCurrentIndex(value.isEmpty() ? -1 : box.findData(value));
 }
 
-/// What all the entities share; nothing when they differ.
-template <class Get>
-QString shared(const std::vector<AcDbObjectId>& ids, Get get) {
-    QString common;
-    for (const AcDbObjectId id : ids) {
-        const auto* entity = host::peek<AcDbEntity>(id);
-        const QString own = entity != nullptr ? get(*entity) : common;
-        if (!common.isEmpty() && own != common) {
-            return {};
-        }
-        common = own;
-    }
-    return common;
-}
-
-QString nameOf(AcDbObjectId id) {
-    const auto* record = host::peek<AcDbSymbolTableRecord>(id);
-    return record != nullptr ? text(record->name()) : QString();
-}
-
 QString colorText(const AcCmEntityColor& color) {
     if (color.isByLayer()) {
         return QStringLiteral("BYLAYER");
@@ -128,6 +105,7 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
         mColors->addItem(colorIcon(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(index))),
                          tr("颜色 %1").arg(index), QString::number(index));
     }
+    mColors->addItem(tr("选择颜色..."), QStringLiteral("?"));
     mWeights->addItem(weightIcon(25), tr("随层"), weightText(-1));
     mWeights->addItem(weightIcon(25), tr("随块"), weightText(-2));
     mWeights->addItem(weightIcon(25), tr("默认"), weightText(-3));
@@ -138,7 +116,16 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
     }
     const auto follows = [this](QComboBox* box, const char* variable, const char* property) {
         connect(box, &QComboBox::activated, this, [this, box, variable, property](int index) {
-            choose(variable, property, box->itemData(index).toString());
+            const QString value = box->itemData(index).toString();
+            if (value != QLatin1String("?")) {
+                choose(variable, property, value);
+                return;
+            }
+            if (const std::optional<int> color = chooseColor(window(), 1)) {
+                choose(variable, property, QString::number(*color));
+            }
+            mSeen = 0;
+            follow();
         });
     };
     follows(mLayers, "CLAYER", "_LA");
@@ -148,29 +135,28 @@ PropertyBar::PropertyBar(QWidget* parent) : QToolBar(tr("图层和特性"), pare
 }
 
 void PropertyBar::choose(const char* variable, const char* property, const QString& value) {
-    QString quoted = value;
-    quoted.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
     const bool isWeight = qstrcmp(variable, "CELWEIGHT") == 0;
     if (!host::impliedSelection().empty()) {
-        QString given = quoted;
+        QString given = value;
         if (isWeight) {
             const int weight = value.toInt();
             given = weight == -1   ? QStringLiteral("_ByLayer")
                     : weight == -2 ? QStringLiteral("_ByBlock")
                     : weight < 0   ? QStringLiteral("_Default")
                                    : QString::number(weight / 100.0);
-        } else if (given.startsWith(QLatin1Char('T'))) {
-            given = QStringLiteral("_T\" \"") + given.mid(1);
         }
+        given = qstrcmp(property, "_C") == 0 && value.startsWith(QLatin1Char('T'))
+                    ? QStringLiteral("\"_T\" ") + quoted(value.mid(1))
+                    : quoted(given);
         run(QStringLiteral(
-                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" \"%2\" \"\") "
+                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" %2 \"\") "
                 "(sssetfirst nil $s) (setq $s nil) (princ))\n")
                 .arg(QLatin1String(property), given));
         return;
     }
     run(isWeight ? QStringLiteral("(progn (setvar \"CELWEIGHT\" %1) (princ))\n").arg(value)
-                 : QStringLiteral("(progn (setvar \"%1\" \"%2\") (princ))\n")
-                       .arg(QLatin1String(variable), quoted));
+                 : QStringLiteral("(progn (setvar \"%1\" %2) (princ))\n")
+                       .arg(QLatin1String(variable), quoted(value)));
     mSeen = 0;
 }
 
@@ -226,19 +212,35 @@ void PropertyBar::fillLinetypes(AcDbDatabase& database) {
     }
 }
 
+/// A colour that the list lacks gets a row.
+void PropertyBar::showColor(const QString& value) {
+    if (!value.isEmpty() && mColors->findData(value) < 0) {
+        const QStringList parts = value.mid(1).split(QLatin1Char(','));
+        const bool isIndex = parts.size() < 3;
+        const std::uint32_t rgb =
+            isIndex ? AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(value.toUInt()))
+                    : parts[0].toUInt() << 16 | parts[1].toUInt() << 8 | parts[2].toUInt();
+        mColors->insertItem(mColors->count() - 1, colorIcon(rgb),
+                            isIndex ? tr("颜色 %1").arg(value) : value.mid(1), value);
+    }
+    select(*mColors, value);
+}
+
 void PropertyBar::showValues(AcDbDatabase& database) {
     const std::vector<AcDbObjectId>& ids = host::impliedSelection().ids;
     if (ids.empty()) {
         select(*mLayers, nameOf(database.clayer()));
-        select(*mColors, colorText(database.cecolor().entityColor()));
+        showColor(colorText(database.cecolor().entityColor()));
         select(*mLinetypes, nameOf(database.celtype()));
         select(*mWeights, weightText(database.celweight()));
         return;
     }
-    select(*mLayers, shared(ids, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); }));
-    select(*mColors, shared(ids, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); }));
-    select(*mLinetypes, shared(ids, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); }));
-    select(*mWeights, shared(ids, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); }));
+    const auto show = [&](QComboBox& box, auto get) { select(box, sharedBy(ids, get).value_or(QString())); };
+    show(*mLayers, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); });
+    showColor(sharedBy(ids, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); })
+                  .value_or(QString()));
+    show(*mLinetypes, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); });
+    show(*mWeights, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); });
 }
 
 } // namespace app

@@ -26,6 +26,7 @@ private:
     void fillLayers(AcDbDatabase& database);
     void fillLinetypes(AcDbDatabase& database);
     void showValues(AcDbDatabase& database);
+    void showColor(const QString& value);
     void choose(const char* variable, const char* property, const QString& value);
 
     QComboBox* mLayers;

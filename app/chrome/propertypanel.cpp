@@ -1,86 +1,154 @@
 #include "app/chrome/propertypanel.h"
 
-#include "host/db/dbents.h"
-#include "host/db/entities/text.h"
+#include "app/chrome/entityvalues.h"
+#include "app/chrome/propertyrows.h"
+
 #include "host/ed/acdocman.h"
-#include "host/ed/aced.h"
 #include "host/ed/selection.h"
 
 #include <QHeaderView>
 #include <QStyledItemDelegate>
-#include <cmath>
+#include <QVBoxLayout>
+#include <algorithm>
 #include <map>
 
 namespace app {
 namespace {
 
-QString text(const AcString& name) {
-    return QString::fromWCharArray(name.kwszPtr());
-}
+/// So many that comparing their geometry would be waited for.
+constexpr std::size_t manyChosen = 20'000;
 
-QString number(double value) {
-    AcString shown;
-    return acdbRToS(value, -1, -1, shown) == RTNORM ? text(shown) : QString::number(value);
-}
+constexpr int editRole = Qt::UserRole;
 
-QString degrees(double radians) {
-    constexpr double halfTurn = 180.0;
-    return QString::number(radians * halfTurn / 3.14159265358979323846, 'f', 4);
-}
-
-QString nameOf(AcDbObjectId id) {
-    const auto* record = host::peek<AcDbSymbolTableRecord>(id);
-    return record != nullptr ? text(record->name()) : QString();
-}
-
-QString colorText(const AcCmEntityColor& color) {
-    if (color.isByLayer()) {
-        return PropertyPanel::tr("随层");
+QStringList namesIn(AcDbObjectId tableId) {
+    QStringList names;
+    const auto* table = host::peek<AcDbSymbolTable>(tableId);
+    for (AcDbStub* stub : table != nullptr ? table->records() : std::vector<AcDbStub*>()) {
+        if (const QString name = nameOf(AcDbObjectId(stub)); !name.isEmpty()) {
+            names.append(name);
+        }
     }
-    if (color.isByBlock()) {
-        return PropertyPanel::tr("随块");
-    }
-    return color.isByACI() ? QString::number(color.colorIndex())
-                           : QStringLiteral("%1,%2,%3").arg(color.red()).arg(color.green()).arg(color.blue());
+    names.sort(Qt::CaseInsensitive);
+    return names;
 }
 
-/// Only values are edited, and only those that say how.
+/// What may be chosen for a value; empty: it is typed.
+QStringList choicesFor(const QString& edit) {
+    const AcDbDatabase& database = *curDoc()->database();
+    if (edit == QLatin1String("_LA")) {
+        return namesIn(database.layerTableId());
+    }
+    if (edit == QLatin1String("_LT")) {
+        return namesIn(database.linetypeTableId());
+    }
+    if (edit == QLatin1String("s7")) {
+        return namesIn(database.textStyleTableId());
+    }
+    if (edit == QLatin1String("c70")) {
+        return {PropertyPanel::tr("是"), PropertyPanel::tr("否")};
+    }
+    if (edit == QLatin1String("_C")) {
+        return {shownColor(AcCmEntityColor(AcCmEntityColor::kByLayer)),
+                shownColor(AcCmEntityColor(AcCmEntityColor::kByBlock)),
+                PropertyPanel::tr("红"), PropertyPanel::tr("黄"), PropertyPanel::tr("绿"),
+                PropertyPanel::tr("青"), PropertyPanel::tr("蓝"), PropertyPanel::tr("洋红"),
+                PropertyPanel::tr("白")};
+    }
+    QStringList weights;
+    if (edit == QLatin1String("_LW")) {
+        for (const int weight : {-1, -2, -3, 0, 9, 13, 18, 20, 25, 30, 35, 40, 50, 60, 70, 80, 100, 140, 200}) {
+            weights.append(shownWeight(weight));
+        }
+    }
+    return weights;
+}
+
+/// Only values are edited, and only those that say how: from a list or by typing.
 class ValueDelegate final : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {
-        return index.column() == 1 && !index.data(Qt::UserRole).toString().isEmpty()
-                   ? QStyledItemDelegate::createEditor(parent, option, index)
-                   : nullptr;
+        const QString edit = index.data(editRole).toString();
+        if (index.column() != 1 || edit.isEmpty()) {
+            return nullptr;
+        }
+        const QStringList choices = choicesFor(edit);
+        if (choices.isEmpty()) {
+            return QStyledItemDelegate::createEditor(parent, option, index);
+        }
+        auto* box = new QComboBox(parent);
+        box->addItems(choices);
+        box->setEditable(edit == QLatin1String("_C"));
+        connect(box, &QComboBox::activated, this, [this, box] {
+            auto* self = const_cast<ValueDelegate*>(this);
+            emit self->commitData(box);
+            emit self->closeEditor(box);
+        });
+        return box;
+    }
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+        if (auto* box = qobject_cast<QComboBox*>(editor)) {
+            box->setCurrentText(index.data().toString());
+        } else {
+            QStyledItemDelegate::setEditorData(editor, index);
+        }
+    }
+    void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
+        const auto* box = qobject_cast<QComboBox*>(editor);
+        const QString before = index.data().toString();
+        if (box == nullptr) {
+            QStyledItemDelegate::setModelData(editor, model, index);
+        } else if (!box->currentText().isEmpty() && box->currentText() != before) {
+            model->setData(index, box->currentText());
+        }
     }
 };
 
-QString kindName(const AcDbEntity& entity) {
-    static const std::map<std::string, const char*> names = {
-        {"LINE", "直线"},      {"LWPOLYLINE", "多段线"}, {"POLYLINE", "多段线"}, {"CIRCLE", "圆"},
-        {"ARC", "圆弧"},       {"ELLIPSE", "椭圆"},      {"SPLINE", "样条曲线"}, {"TEXT", "单行文字"},
-        {"MTEXT", "多行文字"}, {"INSERT", "块参照"},     {"POINT", "点"},        {"HATCH", "图案填充"},
-        {"DIMENSION", "标注"}, {"MLINE", "多线"},        {"SOLID", "实体填充"},  {"XLINE", "构造线"},
-        {"RAY", "射线"},       {"LEADER", "引线"},       {"VIEWPORT", "视口"},   {"IMAGE", "图像"}};
-    const auto found = names.find(entity.dxfRecordName());
-    return found != names.end() ? QString::fromUtf8(found->second)
-                                : QString::fromStdString(entity.dxfRecordName());
+QString dxfName(const AcDbEntity& entity) {
+    return QString::fromStdString(entity.dxfRecordName());
+}
+
+/// What is chosen of a kind; of all kinds for none.
+std::vector<AcDbObjectId> chosenOf(const QString& kind) {
+    std::vector<AcDbObjectId> ids;
+    for (const AcDbObjectId id : host::impliedSelection().ids) {
+        const auto* entity = host::peek<AcDbEntity>(id);
+        if (entity != nullptr && (kind.isEmpty() || dxfName(*entity) == kind)) {
+            ids.push_back(id);
+        }
+    }
+    return ids;
 }
 
 } // namespace
 
-PropertyPanel::PropertyPanel(QWidget* parent) : QDockWidget(tr("特性"), parent), mTable(new QTreeWidget) {
+PropertyPanel::PropertyPanel(QWidget* parent)
+    : QDockWidget(tr("特性"), parent), mKinds(new QComboBox), mTable(new QTreeWidget) {
     setObjectName(QStringLiteral("propertyPanel"));
+    auto* box = new QWidget;
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(4, 4, 4, 4);
+    mKinds->setFocusPolicy(Qt::NoFocus);
+    layout->addWidget(mKinds);
     mTable->setColumnCount(2);
     mTable->setHeaderLabels({tr("名称"), tr("值")});
     mTable->setAlternatingRowColors(true);
-    mTable->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked);
+    mTable->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                            QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
     mTable->setItemDelegate(new ValueDelegate(mTable));
     mTable->header()->resizeSection(0, 110);
-    setWidget(mTable);
+    layout->addWidget(mTable, 1);
+    setWidget(box);
     connect(mTable, &QTreeWidget::itemChanged, this,
             [this](QTreeWidgetItem* item, int column) { changed(item, column); });
+    connect(mTable, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item, int column) {
+        if (column == 1) {
+            mTable->editItem(item, column);
+        }
+    });
+    connect(mKinds, &QComboBox::activated, this, [this] { fill(); });
     connect(this, &QDockWidget::visibilityChanged, this, [this] { follow(); });
 }
 
@@ -96,154 +164,134 @@ void PropertyPanel::follow() {
     }
     if (state != mSeen) {
         mSeen = state;
+        fillKinds();
         fill();
     }
 }
 
-void PropertyPanel::add(QTreeWidgetItem& group, const QString& label, const QString& value,
-                        const QString& code) {
-    auto* item = new QTreeWidgetItem(&group, {label, value});
-    item->setData(1, Qt::UserRole, code);
-    if (!code.isEmpty()) {
+void PropertyPanel::fillKinds() {
+    const QString before = mKinds->currentData().toString();
+    std::map<QString, std::pair<QString, int>> counts;
+    for (const AcDbObjectId id : host::impliedSelection().ids) {
+        if (const auto* entity = host::peek<AcDbEntity>(id)) {
+            auto& [name, count] = counts[dxfName(*entity)];
+            name = kindName(*entity);
+            ++count;
+        }
+    }
+    mKinds->clear();
+    if (counts.empty()) {
+        mKinds->addItem(tr("无选择"));
+    } else if (counts.size() > 1) {
+        mKinds->addItem(tr("全部 (%1)").arg(host::impliedSelection().size()));
+    }
+    for (const auto& [kind, named] : counts) {
+        mKinds->addItem(tr("%1 (%2)").arg(named.first).arg(named.second), kind);
+    }
+    mKinds->setCurrentIndex(std::max(0, mKinds->findData(before)));
+}
+
+QTreeWidgetItem& PropertyPanel::group(const QString& name) {
+    for (int i = 0; i < mTable->topLevelItemCount(); ++i) {
+        if (mTable->topLevelItem(i)->text(0) == name) {
+            return *mTable->topLevelItem(i);
+        }
+    }
+    auto* made = new QTreeWidgetItem(mTable, {name});
+    made->setFirstColumnSpanned(true);
+    return *made;
+}
+
+void PropertyPanel::add(const QString& groupName, const QString& label, const QString& value,
+                        const QString& edit) {
+    auto* item = new QTreeWidgetItem(&group(groupName), {label, value});
+    item->setData(1, editRole, edit);
+    item->setToolTip(1, value);
+    if (!edit.isEmpty()) {
         item->setFlags(item->flags() | Qt::ItemIsEditable);
+    } else {
+        item->setForeground(1, palette().brush(QPalette::Disabled, QPalette::Text));
     }
 }
 
 void PropertyPanel::fill() {
     mIsFilling = true;
     mTable->clear();
-    const std::vector<AcDbObjectId>& ids = host::impliedSelection().ids;
-    auto* general = new QTreeWidgetItem(mTable, {tr("常规")});
-    const AcDbDatabase& database = *curDoc()->database();
-    if (ids.empty()) {
-        add(*general, tr("对象"), tr("无选择"));
-        add(*general, tr("当前图层"), nameOf(database.clayer()));
-        add(*general, tr("颜色"), colorText(database.cecolor().entityColor()));
-        add(*general, tr("线型"), nameOf(database.celtype()));
-        add(*general, tr("线型比例"), number(database.ltscale()));
-    } else if (const auto* entity = host::peek<AcDbEntity>(ids.front())) {
-        const bool single = ids.size() == 1;
-        const auto common = [&](auto get) {
-            const QString first = get(*entity);
-            for (const AcDbObjectId id : ids) {
-                const auto* other = host::peek<AcDbEntity>(id);
-                if (other != nullptr && get(*other) != first) {
-                    return tr("*多种*");
-                }
-            }
-            return first;
-        };
-        add(*general, tr("对象"), single ? kindName(*entity) : tr("全部 (%1)").arg(ids.size()));
-        add(*general, tr("图层"), common([](const AcDbEntity& e) { return nameOf(e.layerId()); }),
-            QStringLiteral("_LA"));
-        add(*general, tr("颜色"), common([](const AcDbEntity& e) { return colorText(e.entityColor()); }),
-            QStringLiteral("_C"));
-        add(*general, tr("线型"), common([](const AcDbEntity& e) { return nameOf(e.linetypeId()); }),
-            QStringLiteral("_LT"));
-        add(*general, tr("线型比例"), common([](const AcDbEntity& e) { return number(e.linetypeScale()); }),
-            QStringLiteral("_S"));
-        if (single) {
-            add(*general, tr("句柄"), QString::fromStdWString(ids.front().handle().toString()));
-            addGeometry(*entity);
-        }
+    if (const std::vector<AcDbObjectId> ids = chosenOf(mKinds->currentData().toString()); ids.empty()) {
+        showDefaults();
+    } else {
+        showShared(ids);
+        showTotals(ids);
     }
     mTable->expandAll();
     mIsFilling = false;
 }
 
-void PropertyPanel::addGeometry(const AcDbEntity& entity) {
-    const host::ReadAccess access(entity);
-    auto* group = new QTreeWidgetItem(mTable, {tr("几何图形")});
-    const auto point = [&](const QString& label, const AcGePoint3d& at, const QString& code = {}) {
-        add(*group, label, number(at.x) + QLatin1Char(',') + number(at.y) + QLatin1Char(',') + number(at.z),
-            code);
-    };
-    if (const auto* line = AcDbLine::cast(&entity)) {
-        point(tr("起点"), line->startPoint(), QStringLiteral("p10"));
-        point(tr("端点"), line->endPoint(), QStringLiteral("p11"));
-    } else if (const auto* circle = AcDbCircle::cast(&entity)) {
-        point(tr("圆心"), circle->center(), QStringLiteral("p10"));
-        add(*group, tr("半径"), number(circle->radius()), QStringLiteral("r40"));
-    } else if (const auto* arc = AcDbArc::cast(&entity)) {
-        point(tr("圆心"), arc->center(), QStringLiteral("p10"));
-        add(*group, tr("半径"), number(arc->radius()), QStringLiteral("r40"));
-        add(*group, tr("起点角度"), degrees(arc->startAngle()), QStringLiteral("a50"));
-        add(*group, tr("端点角度"), degrees(arc->endAngle()), QStringLiteral("a51"));
-    } else if (const auto* polyline = AcDbPolyline::cast(&entity)) {
-        add(*group, tr("顶点数"), QString::number(polyline->numVerts()));
-        add(*group, tr("闭合"), polyline->isClosed() ? tr("是") : tr("否"));
-        add(*group, tr("标高"), number(polyline->elevation()), QStringLiteral("r38"));
-    } else if (const auto* string = AcDbText::cast(&entity)) {
-        AcString content;
-        content = string->textStringConst();
-        add(*group, tr("内容"), text(content), QStringLiteral("s1"));
-        point(tr("位置"), string->position());
-        add(*group, tr("高度"), number(string->height()), QStringLiteral("r40"));
-        add(*group, tr("旋转"), degrees(string->rotation()), QStringLiteral("a50"));
-        add(*group, tr("宽度因子"), number(string->widthFactor()), QStringLiteral("r41"));
-    } else if (const auto* reference = AcDbBlockReference::cast(&entity)) {
-        add(*group, tr("块名"), nameOf(reference->blockTableRecord()));
-        point(tr("位置"), reference->position(), QStringLiteral("p10"));
-        add(*group, tr("旋转"), degrees(reference->rotation()), QStringLiteral("a50"));
-    }
-    if (const auto* curve = AcDbCurve::cast(&entity)) {
-        double end = 0;
-        double length = 0;
-        if (curve->getEndParam(end) == Acad::eOk && curve->getDistAtParam(end, length) == Acad::eOk) {
-            add(*group, tr("长度"), number(length));
+void PropertyPanel::showDefaults() {
+    const AcDbDatabase& database = *curDoc()->database();
+    const QString general = tr("常规");
+    add(general, tr("当前图层"), nameOf(database.clayer()));
+    add(general, tr("颜色"), shownColor(database.cecolor().entityColor()));
+    add(general, tr("线型"), nameOf(database.celtype()));
+    add(general, tr("线型比例"), shownNumber(database.ltscale()));
+    add(general, tr("线宽"), shownWeight(database.celweight()));
+}
+
+void PropertyPanel::showShared(const std::vector<AcDbObjectId>& ids) {
+    const std::span<const PropertyRow> all = propertyRows();
+    for (const PropertyRow& row : all) {
+        const bool isGeneral = row.group == all.front().group;
+        if (!isGeneral && ids.size() > manyChosen) {
+            break;
+        }
+        const bool allHave = isGeneral || std::all_of(ids.begin(), ids.end(), [&](AcDbObjectId id) {
+                                 const auto* entity = host::peek<AcDbEntity>(id);
+                                 const host::ReadAccess access(*entity);
+                                 return row.has(*entity);
+                             });
+        if (allHave) {
+            add(QCoreApplication::translate("Properties", row.group),
+                QCoreApplication::translate("Properties", row.label),
+                sharedBy(ids, row.get).value_or(tr("*多种*")), QString::fromLatin1(row.edit));
         }
     }
-    AcDbExtents extents;
-    if (entity.getGeomExtents(extents) == Acad::eOk) {
-        point(tr("范围最小"), extents.minPoint());
-        point(tr("范围最大"), extents.maxPoint());
+    if (ids.size() == 1) {
+        add(QCoreApplication::translate("Properties", all.front().group), tr("句柄"),
+            QString::fromStdWString(ids.front().handle().toString()));
+    }
+}
+
+/// Lengths and areas of several curves together.
+void PropertyPanel::showTotals(const std::vector<AcDbObjectId>& ids) {
+    double length = 0;
+    std::size_t counted = 0;
+    for (const AcDbObjectId id : ids.size() > 1 && ids.size() <= manyChosen ? ids : std::vector<AcDbObjectId>()) {
+        const auto* curve = host::peek<AcDbCurve>(id);
+        double end = 0;
+        double own = 0;
+        if (curve == nullptr) {
+            continue;
+        }
+        const host::ReadAccess access(*curve);
+        if (curve->getEndParam(end) == Acad::eOk && curve->getDistAtParam(end, own) == Acad::eOk) {
+            length += own;
+            ++counted;
+        }
+    }
+    if (counted > 1) {
+        add(tr("几何图形"), tr("累计长度"), shownNumber(length));
     }
 }
 
 void PropertyPanel::changed(QTreeWidgetItem* item, int column) {
-    const QString code = item->data(1, Qt::UserRole).toString();
-    if (mIsFilling || column != 1 || code.isEmpty() || !run) {
+    const QString edit = item->data(1, editRole).toString();
+    if (mIsFilling || column != 1 || edit.isEmpty() || !run) {
         return;
     }
-    QString value = item->text(1).trimmed();
     mSeen = 0; // whatever comes of it is shown
-    const auto quoted = [](QString given) {
-        return QLatin1Char('"') +
-               given.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-                   .replace(QLatin1Char('"'), QLatin1String("\\\"")) +
-               QLatin1Char('"');
-    };
-    if (code.startsWith(QLatin1Char('_'))) {
-        if (value == tr("随层")) {
-            value = QStringLiteral("_ByLayer");
-        } else if (value == tr("随块")) {
-            value = QStringLiteral("_ByBlock");
-        }
-        run(QStringLiteral("(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" %2 \"\") "
-                           "(sssetfirst nil $s) (setq $s nil) (princ))\n")
-                .arg(code, quoted(value)));
-        return;
-    }
-    const QString group = code.mid(1);
-    QString form = quoted(value);
-    if (code.at(0) == QLatin1Char('r')) {
-        form = QStringLiteral("(distof %1)").arg(form);
-    } else if (code.at(0) == QLatin1Char('a')) {
-        form = QStringLiteral("(angtof %1 0)").arg(form);
-    } else if (code.at(0) == QLatin1Char('p')) {
-        const QStringList parts = value.split(QLatin1Char(','));
-        form = QStringLiteral("(list");
-        for (const QString& part : parts) {
-            form += QStringLiteral(" (distof %1)").arg(quoted(part.trimmed()));
-        }
-        form += QLatin1Char(')');
-    }
-    // A value that cannot be read leaves the object as it is.
-    run(QStringLiteral(
-            "(progn (setq $v %1 $s (ssget \"_I\")) (if (and $v $s (or (atom $v) (apply 'and $v))) "
-            "(progn (setq $e (entget (ssname $s 0))) (entmod (subst (cons %2 $v) (assoc %2 $e) $e)) "
-            "(sssetfirst nil $s)) (princ \"\\n值无效。\")) (setq $v nil $s nil $e nil) (princ))\n")
-            .arg(form, group));
+    const QString kind = mKinds->currentData().toString();
+    run(editingLisp(edit, edit.startsWith(QLatin1Char('s')) ? item->text(1) : item->text(1).trimmed(),
+                    kind.isEmpty() ? QStringLiteral("*") : kind));
 }
 
 } // namespace app

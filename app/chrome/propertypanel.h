@@ -1,13 +1,16 @@
-// The properties of what is chosen, by name and value; values that can be changed are typed over. A change
-// goes through LISP's entmod or a command, so that it is a step of undo.
+// The properties of what is chosen, by name and value, for all of it or for one kind; values that can be
+// changed are typed over or chosen. A change goes through LISP's entmod or a command, so that it is a step of
+// undo.
 #pragma once
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDockWidget>
 #include <QTreeWidget>
 #include <functional>
+#include <vector>
 
-class AcDbEntity;
+class AcDbObjectId;
 
 namespace app {
 
@@ -20,14 +23,20 @@ public:
     /// Types for the user.
     std::function<void(const QString&)> run;
     void follow();
+    QTreeWidget& table() { return *mTable; }
+    QSize sizeHint() const override { return {300, 480}; }
 
 private:
-    struct Row;
     void fill();
-    void add(QTreeWidgetItem& group, const QString& label, const QString& value, const QString& code = {});
-    void addGeometry(const AcDbEntity& entity);
+    void fillKinds();
+    void showDefaults();
+    void showShared(const std::vector<AcDbObjectId>& ids);
+    void showTotals(const std::vector<AcDbObjectId>& ids);
+    QTreeWidgetItem& group(const QString& name);
+    void add(const QString& groupName, const QString& label, const QString& value, const QString& edit = {});
     void changed(QTreeWidgetItem* item, int column);
 
+    QComboBox* mKinds;
     QTreeWidget* mTable;
     quint64 mSeen = 0;
     bool mIsFilling = false;

@@ -34,15 +34,21 @@ void MainWindow::windowAction(std::string_view name) {
         {"selectall", [](MainWindow& window) { window.selectAll(); }},
         {"zoomin",
          [](MainWindow& window) {
+             window.mCanvas->browse();
              window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5,
                                     step);
          }},
         {"zoomout",
          [](MainWindow& window) {
+             window.mCanvas->browse();
              window.mCanvas->zoomAt(window.mCanvas->map().width * 0.5, window.mCanvas->map().height * 0.5,
                                     1 / step);
          }},
-        {"zoomextents", [](MainWindow& window) { window.mCanvas->zoomExtents(); }},
+        {"zoomextents",
+         [](MainWindow& window) {
+             window.mCanvas->browse();
+             window.mCanvas->zoomExtents();
+         }},
         {"textwindow", [](MainWindow& window) { window.showTextWindow(); }},
         {"layers", [](MainWindow& window) { window.showPanel(*window.mLayerPanel); }},
         {"properties", [](MainWindow& window) { window.showPanel(*window.mPropertyPanel); }},
@@ -84,6 +90,7 @@ void MainWindow::showHelp() {
         tr("<table cellspacing=6>"
            "<tr><td><b>左键</b></td><td>指定点、选择对象、拖出选择窗口；单击夹点移动它</td></tr>"
            "<tr><td><b>右键 / 回车 / 空格</b></td><td>结束输入；没有命令时重复上一个命令</td></tr>"
+           "<tr><td><b>按住右键 / Shift+右键</b></td><td>快捷菜单 / 对象捕捉菜单</td></tr>"
            "<tr><td><b>中键拖动 / 滚轮 / 双击中键</b></td><td>平移 / 缩放 / 显示全部</td></tr>"
            "<tr><td><b>Esc</b></td><td>取消</td></tr>"
            "<tr><td><b>F2</b></td><td>文本窗口</td></tr>"

@@ -150,7 +150,15 @@ void CommandLine::write(std::wstring_view text) {
     showPrompt();
 }
 
+void CommandLine::tell(const QString& line) {
+    if (line != mTold) {
+        append(line);
+        mTold = line;
+    }
+}
+
 void CommandLine::append(const QString& line) {
+    mTold.clear();
     mHistory->appendPlainText(line);
     mHistory->verticalScrollBar()->setValue(mHistory->verticalScrollBar()->maximum());
 }

@@ -45,6 +45,8 @@ public:
     QString prompt() const { return mPartial.trimmed(); }
     QString text() const { return mEdit->text(); }
     void clearText() { mEdit->clear(); }
+    /// A line of the program's own, above the question that stands; not the same twice in a row.
+    void tell(const QString& line);
     /// Ends what is typed, as Enter would.
     void submit();
     /// A key that went to another part of the window; true when it meant something here.
@@ -78,6 +80,7 @@ private:
     QLineEdit* mEdit;
     QListWidget* mSuggestions;
     QString mPartial;   ///< of the line being written
+    QString mTold;      ///< last of the program's own lines, until something else is said
     QStringList mTyped; ///< for the arrow keys
     qsizetype mRecalled = 0;
     bool mAtCommandPrompt = true;

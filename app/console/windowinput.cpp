@@ -3,8 +3,10 @@
 #include "host/ed/aced.h"
 #include "host/ed/question.h"
 #include "host/mfc/appwindow.h"
+#include "host/rx/text.h"
 
 #include <QKeyEvent>
+#include <QScopeGuard>
 #include <QTimer>
 
 namespace app {
@@ -72,6 +74,7 @@ std::wstring WindowInput::takePosted() {
 }
 
 void WindowInput::typed(const QString& text) {
+    mPicking.cancel(); // a rectangle begun at the prompt ends where a command begins
     post(text.toStdWString());
 }
 
@@ -128,26 +131,43 @@ host::InputItem WindowInput::read(const host::InputRequest& request) {
             released && asksForCorner(request)) {
             return pickedItem(*released);
         }
-        QEventLoop loop;
-        mLoop = &loop;
-        mRequest = &request;
-        mCommandLine.setRequest(&request);
-        mCanvas.followDrawing();
-        mPicking.follow(request.atCommandPrompt);
-        mCanvas.setRequest(&request, mCommandLine.prompt());
-        if (asking) {
-            asking(request);
+        try {
+            ask(request);
+            host::throwKept();
+        } catch (const host::InputEnded&) {
+            throw;
+        } catch (const std::exception& error) {
+            // A command hears of it; at the prompt there is none that it could end.
+            if (!request.atCommandPrompt) {
+                throw;
+            }
+            failed(host::fromUtf8(error.what()));
         }
-        if (request.wantsMotion && mCanvas.underMouse() && !mLastMotion) {
-            QTimer::singleShot(0, &mCanvas, [this] { moved(mCanvas.aimed()); });
-        }
-        loop.exec();
+    }
+}
+
+/// Lets events run until there is an answer, with the question standing everywhere.
+void WindowInput::ask(const host::InputRequest& request) {
+    QEventLoop loop;
+    const auto ended = qScopeGuard([&] {
         mLoop = nullptr;
         mRequest = nullptr;
         mCommandLine.setRequest(nullptr);
         mCanvas.setRequest(nullptr, {});
-        host::throwKept();
+    });
+    mLoop = &loop;
+    mRequest = &request;
+    mCommandLine.setRequest(&request);
+    mCanvas.followDrawing();
+    mPicking.follow(request.atCommandPrompt);
+    mCanvas.setRequest(&request, mCommandLine.prompt());
+    if (asking) {
+        asking(request);
     }
+    if (request.wantsMotion && mCanvas.underMouse() && !mLastMotion) {
+        QTimer::singleShot(0, &mCanvas, [this] { moved(mCanvas.aimed()); });
+    }
+    loop.exec();
 }
 
 /// A number typed for a point is the distance from the base towards the cursor.
@@ -214,6 +234,21 @@ void WindowInput::confirmed() {
     }
 }
 
+void WindowInput::enter(const QString& text) {
+    mCommandLine.clearText();
+    typed(text + QLatin1Char('\n'));
+}
+
+void WindowInput::menuWanted(const QPoint& onScreen, bool snaps) {
+    if (mRequest != nullptr && menu) {
+        menu(onScreen, snaps);
+    }
+}
+
+void WindowInput::failed(const std::wstring& fault) {
+    mCommandLine.tell(QString::fromStdWString(fault));
+}
+
 void WindowInput::keyPressed(QKeyEvent& event) {
     if (event.key() == Qt::Key_Delete && mCommandLine.text().isEmpty() && isIdle() &&
         mPicking.hasSelection()) {
@@ -224,7 +259,5 @@ void WindowInput::keyPressed(QKeyEvent& event) {
         otherKey(event);
     }
 }
-
-void WindowInput::viewChanged() {}
 
 } // namespace app

@@ -23,11 +23,15 @@ public:
     /// A key that neither the command line nor the drawing area has a use for.
     std::function<void(QKeyEvent&)> otherKey;
     std::function<void(const Aimed&)> cursorMoved;
+    /// The menu of the right button is wanted, or that of object snaps.
+    std::function<void(const QPoint& onScreen, bool snaps)> menu;
 
     /// Types a command for the user, ending what runs first. A transparent one does not.
     void run(const QString& command, bool transparently = false);
     /// Escape.
     void cancel();
+    /// Types text as it is, or Enter for none.
+    void enter(const QString& text);
     /// The documents changed: the question is put anew for the current one.
     void restart();
     /// No more answers: everything ends.
@@ -51,13 +55,15 @@ public:
     void moved(const Aimed& aimed) override;
     void doubleClicked(const Aimed& aimed) override;
     void confirmed() override;
+    void menuWanted(const QPoint& onScreen, bool snaps) override;
+    void failed(const std::wstring& fault) override;
     void keyPressed(QKeyEvent& event) override;
-    void viewChanged() override;
 
 private:
     void answer(host::InputItem item);
     void typed(const QString& text);
     host::InputItem withDistance(host::InputItem item, const host::InputRequest& request) const;
+    void ask(const host::InputRequest& request);
     void wake();
 
     Canvas& mCanvas;

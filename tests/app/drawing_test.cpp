@@ -146,6 +146,17 @@ TEST(Window, RectanglesSelectByTheirDirection) {
                 }});
 }
 
+TEST(Window, ARectangleBegunAtThePromptEndsWhereACommandBegins) {
+    Driver driver;
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(-5, 40); },
+                [](Driver& d) { d.type(QStringLiteral("LINE\n")); }, [](Driver& d) { d.click(80, -10); },
+                [](Driver& d) { d.click(90, -10); }, [](Driver& d) { d.rightClick(); },
+                [](Driver&) {
+                    EXPECT_TRUE(chosen().empty());
+                    EXPECT_EQ(entities().size(), 4u);
+                }});
+}
+
 TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
     Driver driver;
     driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { d.click(20, 0); },
@@ -203,7 +214,7 @@ TEST(Window, WhatIsMovedFollowsTheCursor) {
 }
 
 TEST(Window, AWallOfTheModuleIsDrawnWithClicksAlone) {
-    Driver driver(QDV_MODULE);
+    Driver driver(std::vector<std::string>{QDV_MODULE});
     driver.run({[](Driver& d) { start(d, "V7_Enclose"); }, [](Driver& d) { d.click(0, 0); },
                 [](Driver& d) { d.move(40, 0); }, [](Driver& d) { d.click(40, 0); },
                 [](Driver& d) { d.click(40, 30); }, [](Driver& d) { d.rightClick(); },

@@ -97,8 +97,9 @@ TEST(DisplayTree, FindsWhatWalkingFinds) {
             const float y = place(random);
             const FloatBox asked{x, y, x + 10 * size(random), y + 10 * size(random)};
             std::vector<bool> found(count);
-            tree.search(asked, 0, [&](std::uint32_t item) {
+            tree.search(asked, 0, [&](std::uint32_t item, bool whole) {
                 EXPECT_FALSE(found[item]) << "told twice";
+                EXPECT_TRUE(!whole || asked.contains(boxes[item]));
                 found[item] = true;
             });
             for (std::size_t i = 0; i < count; ++i) {
@@ -107,7 +108,7 @@ TEST(DisplayTree, FindsWhatWalkingFinds) {
         }
         // With everything too small to be seen there still is something of every part.
         std::size_t shown = 0;
-        tree.search({-2000, -2000, 2000, 2000}, 1e9F, [&](std::uint32_t) { ++shown; });
+        tree.search({-2000, -2000, 2000, 2000}, 1e9F, [&](std::uint32_t, bool) { ++shown; });
         EXPECT_EQ(shown, (count - (count > 20 ? 1 : 0) + 15) / 16);
     }
 }

@@ -1,6 +1,7 @@
 #include "tests/app/windowdriver.h"
 
 #include "app/startup.h"
+#include "host/mfc/appwindow.h"
 #include "tests/temporaryfolder.h"
 
 #include <gtest/gtest.h>
@@ -12,17 +13,15 @@ int main(int argc, char** argv) {
         return RUN_ALL_TESTS();
     }
     const TemporaryFolder settings;
-    const QApplication application(argc, argv);
+    host::application();
     app::initializeHost(settings.path());
     return RUN_ALL_TESTS();
 }
 
-WindowDriver::WindowDriver(const std::string& module) : mWindow(std::make_unique<app::MainWindow>()) {
+WindowDriver::WindowDriver(const std::vector<std::string>& modules) : mWindow(std::make_unique<app::MainWindow>()) {
     app::Options options;
     options.loadsDefaultModule = false;
-    if (!module.empty()) {
-        options.modules.emplace_back(module);
-    }
+    options.modules.assign(modules.begin(), modules.end());
     mWindow->resize(1000, 700);
     mWindow->show();
     mWindow->begin(options);

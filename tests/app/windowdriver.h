@@ -17,7 +17,7 @@ class WindowDriver {
 public:
     using Step = std::function<void(WindowDriver&)>;
 
-    explicit WindowDriver(const std::string& module = {});
+    explicit WindowDriver(const std::vector<std::string>& modules = {});
     ~WindowDriver();
 
     /// Runs the steps one after the other, each when the window waits for an answer; then closes the window.

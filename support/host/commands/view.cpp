@@ -4,51 +4,16 @@
 #include "host/ed/documentstate.h"
 
 #include <cmath>
-#include <deque>
 
 namespace host {
 namespace {
 
-/// Centre in UCS coordinates and height of what is shown.
-struct View {
-    AcGePoint3d centre;
-    double height = 0.0;
-};
-
-/// Views that ZOOM Previous goes back to, the last one last.
-std::deque<View>& earlierViews() {
-    static std::deque<View> views;
-    return views;
-}
-
-View currentView() {
-    const ResbufList centre = systemVariable(L"VIEWCTR");
-    return {centre != nullptr ? asPoint3d(centre->resval.rpoint) : AcGePoint3d(),
-            systemVariableReal(L"VIEWSIZE")};
-}
-
-void show(const View& view) {
-    resbuf value{};
-    value.restype = RT3DPOINT;
-    setPoint(value.resval.rpoint, view.centre);
-    putSystemVariable(L"VIEWCTR", value);
-    value = {};
-    value.restype = RTREAL;
-    value.resval.rreal = view.height;
-    putSystemVariable(L"VIEWSIZE", value);
-    editorView().viewChanged();
-}
-
+/// Centre in world coordinates.
 void setView(const AcGePoint3d& centre, double height) {
-    constexpr std::size_t mostViews = 50;
-    if (!(height > 0.0) || !std::isfinite(height)) {
-        return;
+    if (height > 0.0 && std::isfinite(height)) {
+        rememberView();
+        showView({centre, height});
     }
-    earlierViews().push_back(currentView());
-    if (earlierViews().size() > mostViews) {
-        earlierViews().pop_front();
-    }
-    show({centre, height});
 }
 
 /// Width by height of what is shown.
@@ -94,7 +59,7 @@ void zoomCentre() {
                           &centre.ucs, 6)
             : RealAnswer();
     if (height.isValue()) {
-        setView(centre.ucs, height.value);
+        setView(ucsToWorld(centre.ucs), height.value);
     }
 }
 
@@ -108,7 +73,7 @@ void zoomWindow(const PointAnswer& first) {
     setPoint(base, corner.ucs);
     acedInitGet(1, nullptr);
     if (acedGetCorner(base, L"\n指定对角点: ", opposite) == RTNORM) {
-        setWindow(corner.ucs, asPoint3d(opposite));
+        setWindow(ucsToWorld(corner.ucs), ucsToWorld(asPoint3d(opposite)));
     }
 }
 
@@ -128,19 +93,17 @@ void zoomObjects() {
 }
 
 void zoomPrevious() {
-    if (earlierViews().empty()) {
+    if (const std::optional<ShownView> view = takeEarlierView()) {
+        showView(*view);
+    } else {
         acutPrintf(L"\n没有上一个视图。");
-        return;
     }
-    const View view = earlierViews().back();
-    earlierViews().pop_back();
-    show(view);
 }
 
 void zoomScale(const std::wstring& text) {
     const double factor = std::wcstod(text.c_str(), nullptr);
     if (factor > 0.0) {
-        setView(currentView().centre, currentView().height / factor);
+        setView(shownView().centre, shownView().height / factor);
     } else {
         acutPrintf(L"\n需要比例因子或选项关键字。");
     }
@@ -179,8 +142,9 @@ void runPan() {
     if (to.isCancelled()) {
         return;
     }
-    const AcGeVector3d moved = to.isValue() ? to.ucs - from.ucs : from.ucs.asVector();
-    setView(currentView().centre - moved, currentView().height);
+    const AcGePoint3d origin = to.isValue() ? from.ucs : AcGePoint3d::kOrigin;
+    const AcGeVector3d moved = ucsToWorld(to.isValue() ? to.ucs : from.ucs) - ucsToWorld(origin);
+    setView(shownView().centre - moved, shownView().height);
 }
 
 void runRegen() {

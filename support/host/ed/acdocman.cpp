@@ -214,9 +214,14 @@ std::unique_ptr<AcDbDatabase> readDrawing(const std::filesystem::path& file, Aca
     auto database = std::make_unique<AcDbDatabase>(false);
     std::wstring message;
     status = host::editorView().runLong(host::displayPath(file), [&] {
-        return host::fileFormats().read
-                   ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
-                   : Acad::eNotImplementedYet;
+        const Acad::ErrorStatus read =
+            host::fileFormats().read
+                ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
+                : Acad::eNotImplementedYet;
+        if (read == Acad::eOk && host::editorView().isShown()) {
+            database->impl().places.of(database->currentSpaceId()); // where all lies: a picture asks for it
+        }
+        return read;
     });
     if (status == Acad::eOk) {
         if (!message.empty()) {

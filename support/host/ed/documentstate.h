@@ -6,9 +6,11 @@
 #include "host/ed/grips.h"
 #include "host/ed/selection.h"
 #include "host/ed/ucs.h"
+#include "host/ed/viewhistory.h"
 #include "host/formats/sld/slide.h"
 #include "host/rx/text.h"
 
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -77,7 +79,8 @@ struct DocumentState {
     std::vector<EntityGrip> hotGrips;
     std::vector<AcEdSSGetFilter*> selectionFilters;
     AcEdInputPointManager points;
-    std::vector<UcsFrame> earlierUcs; ///< the last one last
+    std::vector<UcsFrame> earlierUcs;    ///< the last one last
+    std::deque<ShownView> earlierViews; ///< the last one last
 
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
     std::map<std::wstring, VariableValue> variables; ///< session variables kept by document

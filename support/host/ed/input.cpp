@@ -47,7 +47,7 @@ std::wstring echoText(const InputItem& item) {
     case InputItem::Kind::lisp:
         return item.text;
     case InputItem::Kind::value:
-        return item.value != nullptr ? inputText(*item.value) : std::wstring();
+        return item.value != nullptr && !item.fromCursor ? inputText(*item.value) : std::wstring();
     case InputItem::Kind::cancel:
     case InputItem::Kind::end:
         return std::wstring(cancelEcho);

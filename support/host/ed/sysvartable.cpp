@@ -357,7 +357,7 @@ constexpr SessionVariable variables[] = {
     {L"SELECTIONPREVIEW", T::shortInteger, C::settings, L"3", 0, 3},
     {L"SELECTSIMILARMODE", T::shortInteger, C::settings, L"130", 0, 255},
     {L"SHADOWPLANELOCATION", T::real, C::document, L"0"},
-    {L"SHORTCUTMENU", T::shortInteger, C::settings, L"11", 0, 31},
+    {L"SHORTCUTMENU", T::shortInteger, C::settings, L"27", 0, 31},
     {L"SHOWHIST", T::shortInteger, C::document, L"1", 0, 2},
     {L"SHOWLAYERUSAGE", T::shortInteger, C::settings, L"0", 0, 1},
     {L"SHOWPAGESETUPFORNEWLAYOUTS", T::shortInteger, C::settings, L"0", 0, 1},

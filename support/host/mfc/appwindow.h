@@ -4,6 +4,9 @@
 
 #include "host/mfc/widgets/application.h"
 
+#include <functional>
+#include <string>
+
 class QWidget;
 
 namespace host {
@@ -18,5 +21,8 @@ bool dialogKeepsFocus();
 // An exception that a module's handler let escape is kept until this throws it again; the loop that runs
 // events for a question calls it after each turn.
 void throwKept();
+// Told, in words, of an exception that a handler of the toolkit's events let escape; the program goes on.
+// Null: such exceptions are kept like those of modules.
+void setEventFaultHandler(std::function<void(const std::wstring&)> handler);
 
 } // namespace host

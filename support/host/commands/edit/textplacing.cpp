@@ -29,8 +29,8 @@ constexpr const wchar_t* justificationKeywords =
 
 void askStyle() {
     for (;;) {
-        const TextAnswer answer = askText(
-            L"\n输入样式名或 [?] <" + std::wstring(currentTextStyle().name().kwszPtr()) + L">: ", true);
+        const TextAnswer answer =
+            askName(L"\n输入样式名或 [?] <" + std::wstring(currentTextStyle().name().kwszPtr()) + L">: ");
         if (!answer.isValue()) {
             return;
         }

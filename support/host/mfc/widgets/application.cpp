@@ -1,6 +1,9 @@
 #include "host/mfc/widgets/application.h"
 
+#include "host/ed/input.h"
+#include "host/mfc/appwindow.h"
 #include "host/mfc/widgets/window.h"
+#include "host/rx/text.h"
 
 #include <QApplication>
 #include <QFont>
@@ -39,7 +42,39 @@ QPalette lightPalette() {
     return palette;
 }
 
+std::function<void(const std::wstring&)>& eventFaultHandler() {
+    static std::function<void(const std::wstring&)> handler;
+    return handler;
+}
+
+/// Nothing that a handler of an event throws leaves the event loop, where it would end the program.
+class GuardedApplication final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        bool taken = true;
+        guarded([&] {
+            try {
+                taken = QApplication::notify(receiver, event);
+            } catch (const InputEnded&) {
+                throw;
+            } catch (const std::exception& error) {
+                if (!eventFaultHandler()) {
+                    throw;
+                }
+                eventFaultHandler()(fromUtf8(error.what()));
+            }
+        });
+        return taken;
+    }
+};
+
 } // namespace
+
+void setEventFaultHandler(std::function<void(const std::wstring&)> handler) {
+    eventFaultHandler() = std::move(handler);
+}
 
 bool hasApplication() {
     return QCoreApplication::instance() != nullptr;
@@ -54,7 +89,7 @@ QApplication& application() {
             qputenv("QT_QPA_PLATFORM", "offscreen");
         qInstallMessageHandler(tellFaults);
         // Lives until the process ends: widgets of modules may outlast every scope here.
-        auto* made = new QApplication(argumentCount, arguments);
+        auto* made = new GuardedApplication(argumentCount, arguments);
         made->setApplicationName("qdvhost");
         made->setQuitOnLastWindowClosed(false);
         made->setStyle(QStyleFactory::create("Fusion"));

@@ -1,5 +1,6 @@
 #include "host/mfc/widgets/dialogwindow.h"
 
+#include "host/mfc/adui.h"
 #include "host/mfc/widgets/application.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/frame.h"
@@ -213,7 +214,15 @@ MadeFrame makeFrame(const DialogTemplate& from, HWND owner, const CWnd* object) 
     return {content, content, {}};
 }
 
-void placeOverOwner(QWidget& widget, HWND owner) {
+// What is asked in the middle of its owner; what stays open beside the work in a corner of the drawing view.
+void placeOverOwner(QWidget& widget, HWND owner, bool modal) {
+    constexpr int margin = 16;
+    const HWND view = modal ? nullptr : acedGetAcadDwgView()->m_hWnd;
+    if (view != nullptr && !view->widget.isNull() && view->widget->isVisible()) {
+        const QWidget& beside = *view->widget;
+        widget.move(beside.mapToGlobal(QPoint(beside.width() - widget.width() - margin, margin)));
+        return;
+    }
     const QWidget* over = owner != nullptr && !owner->widget.isNull() ? owner->widget->window() : nullptr;
     if (over != nullptr && over->isVisible())
         widget.move(over->geometry().center() - widget.rect().center());
@@ -242,7 +251,7 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
     if ((from.style & (WS_THICKFRAME | WS_CHILD)) == 0)
         made.frame->setMinimumSize(0, 0);
     if ((from.style & WS_CHILD) == 0)
-        placeOverOwner(*made.frame, owner);
+        placeOverOwner(*made.frame, owner, modal);
     if (object != nullptr)
         object->Attach(window);
     for (const TemplateItem& item : from.items) {

@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QTimerEvent>
 #include <QWheelEvent>
 #include <algorithm>
@@ -183,6 +184,8 @@ bool HWND__::keyEvent(QEvent* event, bool down) {
     const UINT code = host::virtualKey(key.key());
     MSG message{this, down ? WM_KEYDOWN : WM_KEYUP, code, 1, GetTickCount(), {}};
     const QPointer<HWND__> self(this);
+    // A key that nobody wants is not offered to the parents: here only this window has it.
+    const auto accepted = qScopeGuard([&] { key.accept(); });
     bool taken = host::filterMessage(message);
     for (HWND at = this; at != nullptr && !taken; at = at->parent) {
         if (at->object != nullptr)
@@ -192,21 +195,18 @@ bool HWND__::keyEvent(QEvent* event, bool down) {
         if (at->isDialog() && (at->style & WS_CHILD) == 0)
             break;
     }
-    key.accept();
     if (taken || self.isNull())
         return true;
     const QString typed = down ? key.text() : QString();
     const bool isCharacter = !typed.isEmpty() && (typed[0].isPrint() || code == VK_BACK || code == VK_RETURN);
     if (object == nullptr) {
         static_cast<QObject*>(widget.data())->event(event);
-        key.accept(); // a key that nobody wants is not offered to the parents: here only this window has it
         return true;
     }
     // A key that types something reaches the widget as its character.
     offer(message.message, code, 1, isCharacter ? nullptr : event);
     if (isCharacter && !self.isNull())
         offer(WM_CHAR, typed[0].unicode(), 1, event);
-    key.accept();
     return true;
 }
 
