@@ -1,9 +1,8 @@
 // The object core: open states, undo, transactions, tables, dictionaries, cloning, extended data.
 #include "host/db/db.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace {
 
