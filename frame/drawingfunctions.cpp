@@ -243,6 +243,8 @@ int EditPolylines() {
     if (!picks.GetSelection(L"\n选择要编辑的多段线: ", filter)) {
         return RTNORM;
     }
+    // Lines and arcs are converted without a question, which would take the option for its answer.
+    const CSysVar converting(L"PEDITACCEPT", 1);
     for (;;) {
         ACHAR option[32];
         acedInitGet(0, L"Close Open Width Decurve");

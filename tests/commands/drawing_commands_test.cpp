@@ -83,7 +83,8 @@ TEST_F(DrawingCommands, PurgeAsksForEachAndKeepsCurrentAndNamedOnes) {
 }
 
 TEST_F(DrawingCommands, NamesEndWithABlankOutsideOfQuotesAndLayersTakeEveryColour) {
-    EXPECT_TRUE(run("-LAYER M 道路 C 红色 道路 N \"a b\",cc C T 300,1,1 1,2,3 \"a b\" C purple RGB:9,8,7 cc \n"));
+    EXPECT_TRUE(
+        run("-LAYER M 道路 C 红色 道路 N \"a b\",cc C T 300,1,1 1,2,3 \"a b\" C purple RGB:9,8,7 cc \n"));
     const auto colorOf = [&](const wchar_t* name) {
         AcDbObjectId id;
         host::peek<AcDbLayerTable>(database().layerTableId())->getAt(name, id);
@@ -98,7 +99,8 @@ TEST_F(DrawingCommands, NamesEndWithABlankOutsideOfQuotesAndLayersTakeEveryColou
     EXPECT_EQ(colorOf(L"cc"), L"4 off");
     EXPECT_EQ(host::recordName(database().clayer()), L"a b");
     // Blocks in one line, as scripts have them.
-    EXPECT_TRUE(run("LINE 0,0 1,0 \n-BLOCK \"b 1\" 0,0 L \n-INSERT \"b 1\" 5,5 2 3 90\n-INSERT \"*b 1\" 9,9 1 0\n"));
+    EXPECT_TRUE(
+        run("LINE 0,0 1,0 \n-BLOCK \"b 1\" 0,0 L \n-INSERT \"b 1\" 5,5 2 3 90\n-INSERT \"*b 1\" 9,9 1 0\n"));
     ASSERT_EQ(entities<AcDbBlockReference>().size(), 1u);
     EXPECT_EQ(Read(entities<AcDbBlockReference>()[0])->scaleFactors().sy, 3.0);
     EXPECT_EQ(entities<AcDbLine>().size(), 1u);

@@ -1,6 +1,7 @@
 // The object core: open states, undo, transactions, tables, dictionaries, cloning, extended data.
 #include "host/db/db.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {

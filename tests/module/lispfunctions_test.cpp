@@ -82,4 +82,14 @@ TEST_F(LispFunctionsTest, SelectionsOfTheUser) {
     EXPECT_EQ(value("(ssget \"W\" '(0 90) '(40 110))"), "nil");
 }
 
+TEST_F(LispFunctionsTest, ManyPolylinesAreEditedAtOnceLinesAndArcsToo) {
+    type("LINE 0,0 10,0 \nARC 20,0 25,5 30,0\nPLINE 40,0 50,0 50,10 \nTEXT 0,50 2 0 x\n\n");
+    type("mpedit\nALL\n\nW\n0.3\nC\n\n");
+    EXPECT_EQ(value("(getvar \"CMDNAMES\")"), "");
+    EXPECT_EQ(value("(sslength (ssget \"X\" '((0 . \"LWPOLYLINE\") (43 . 0.3) (70 . 1))))"), "3");
+    type("mpedit\nALL\n\nO\nQ\nD\nW\n-1\n0\n\n");
+    EXPECT_EQ(value("(sslength (ssget \"X\" '((0 . \"LWPOLYLINE\") (43 . 0.0) (70 . 0))))"), "3");
+    EXPECT_EQ(value("(getvar \"PEDITACCEPT\")"), "0");
+}
+
 } // namespace

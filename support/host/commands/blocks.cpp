@@ -226,8 +226,7 @@ void runWblock() {
         return;
     }
     for (;;) {
-        const TextAnswer source =
-            askName(L"\n输入现有块名或\n[块=输出文件(=)/整个图形(*)] <定义新图形>: ");
+        const TextAnswer source = askName(L"\n输入现有块名或\n[块=输出文件(=)/整个图形(*)] <定义新图形>: ");
         if (source.isCancelled()) {
             return;
         }

@@ -41,18 +41,28 @@ void appendEllipse(const EllipseAxes& axes, std::optional<std::pair<double, doub
     appendToCurrentSpace(ellipse);
 }
 
+/// A point apart from the one before it.
+PointAnswer askAxisEnd(const wchar_t* prompt, const AcGePoint3d& from) {
+    for (;;) {
+        const PointAnswer end = askPoint(prompt, nullptr, &from, RSG_NONULL);
+        if (!end.isValue() || !(end.ucs - from).isZeroLength()) {
+            return end;
+        }
+        acutPrintf(L"\n轴的两端不能重合。");
+    }
+}
+
 /// The centre and the first half axis; false when the user gives up.
 bool askFirstAxis(EllipseAxes& axes, const PointAnswer& start) {
     if (start.isKeyword(L"Center")) {
         const PointAnswer center = askPoint(L"\n指定椭圆的中心点: ", nullptr, nullptr, RSG_NONULL);
-        const PointAnswer end = center.isValue()
-                                    ? askPoint(L"\n指定轴的端点: ", nullptr, &center.ucs, RSG_NONULL)
-                                    : PointAnswer();
+        const PointAnswer end =
+            center.isValue() ? askAxisEnd(L"\n指定轴的端点: ", center.ucs) : PointAnswer();
         axes.center = center.ucs;
         axes.axis = end.ucs - center.ucs;
         return end.isValue();
     }
-    const PointAnswer end = askPoint(L"\n指定轴的另一个端点: ", nullptr, &start.ucs, RSG_NONULL);
+    const PointAnswer end = askAxisEnd(L"\n指定轴的另一个端点: ", start.ucs);
     axes.center = start.ucs + (end.ucs - start.ucs) * 0.5;
     axes.axis = (end.ucs - start.ucs) * 0.5;
     return end.isValue();
@@ -107,10 +117,6 @@ void runEllipse() {
     }
     EllipseAxes axes;
     if (start.isCancelled() || !askFirstAxis(axes, start)) {
-        return;
-    }
-    if (axes.axis.isZeroLength()) {
-        acutPrintf(L"\n轴的两端不能重合。");
         return;
     }
     if (!askSecondAxis(axes)) {

@@ -349,8 +349,7 @@ bool hasBlock(const std::wstring& given) {
 
 void runInsert() {
     const std::wstring last = systemVariableText(L"INSNAME");
-    const TextAnswer answer =
-        askName(L"\n输入块名或 [?]" + (last.empty() ? L": " : L" <" + last + L">: "));
+    const TextAnswer answer = askName(L"\n输入块名或 [?]" + (last.empty() ? L": " : L" <" + last + L">: "));
     std::wstring name = answer.isNone() ? last : answer.text;
     if (answer.isCancelled() || name.empty()) {
         return;

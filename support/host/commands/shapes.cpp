@@ -190,16 +190,20 @@ void appendPolygon(const AcGePoint3d& center, const AcGePoint2d& vertex, int sid
 
 void polygonOnEdge(int sides) {
     const PointAnswer first = askPoint(L"\n指定边的第一个端点: ", nullptr, nullptr, RSG_NONULL);
-    const PointAnswer second = first.isValue()
-                                   ? askPoint(L"\n指定边的第二个端点: ", nullptr, &first.ucs, RSG_NONULL)
-                                   : PointAnswer();
-    if (!second.isValue()) {
+    if (!first.isValue()) {
         return;
     }
-    const AcGeVector2d edge = to2d(second.ucs) - to2d(first.ucs);
-    if (edge.lengthSqrd() == 0.0) {
-        acutPrintf(L"\n边长不能为零。");
-        return;
+    PointAnswer second;
+    AcGeVector2d edge;
+    while (edge.lengthSqrd() == 0.0) {
+        second = askPoint(L"\n指定边的第二个端点: ", nullptr, &first.ucs, RSG_NONULL);
+        if (!second.isValue()) {
+            return;
+        }
+        edge = to2d(second.ucs) - to2d(first.ucs);
+        if (edge.lengthSqrd() == 0.0) {
+            acutPrintf(L"\n边长不能为零。");
+        }
     }
     const AcGeVector2d up(-edge.y, edge.x);
     const AcGePoint2d center = to2d(first.ucs) + edge * 0.5 + up * (0.5 / std::tan(pi / sides));

@@ -22,7 +22,7 @@ namespace host {
 enum class ReadMode {
     /// Up to a blank outside of quotes or the end of the line; a parenthesis begins a LISP expression.
     token,
-    line,  ///< up to the end of the line, taken literally
+    line, ///< up to the end of the line, taken literally
 };
 
 /// What the cursor may do for an answer, and how that shows.

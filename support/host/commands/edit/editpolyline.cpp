@@ -40,7 +40,7 @@ void EditPolyline::reverse() {
     const std::size_t count = vertices.size();
     for (std::size_t i = 0; i < count; ++i) {
         const EditVertex& segment = vertices[(2 * count - 2 - i) % count];
-        turned[i].bulge = -segment.bulge;
+        turned[i].bulge = 0.0 - segment.bulge; // never -0
         turned[i].widths = {segment.widths.end, segment.widths.start};
         if (turned[i].tangent) {
             *turned[i].tangent = normalizedAngle(*turned[i].tangent + pi);
