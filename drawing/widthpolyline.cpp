@@ -140,9 +140,7 @@ void LoadWidthPolylineSettings() {
 void SaveWidthPolylineSettings() {
     const CProfileSection section(sectionName);
     const WidthPolylineSettings& settings = GetWidthPolylineSettings();
-    const auto setReal = [&section](const ACHAR* value, double number) {
-        section.SetReal(value, number, 6);
-    };
+    const auto setReal = [&section](const ACHAR* value, double number) { section.SetReal(value, number, 6); };
     section.SetText(L"Author", L"沐岚川软件");
     setReal(L"StartWidth", settings.startWidth);
     setReal(L"EndWidth", settings.endWidth);

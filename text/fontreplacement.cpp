@@ -73,9 +73,11 @@ bool replaceTypeface(AcDbTextStyleTableRecord& style, const Typeface& typeface,
     return true;
 }
 
+/// A name without extension is a shape font's.
 bool isMissing(const AcString& file) {
     AcString path;
-    return !file.isEmpty() && acedFindFile(file, path) != RTNORM;
+    return !file.isEmpty() && acedFindFile(file, path) != RTNORM &&
+           (file.findOneOf(L".") >= 0 || acedFindFile(file + L".shx", path) != RTNORM);
 }
 
 bool setFontFile(AcDbTextStyleTableRecord& style, const ACHAR* file) {

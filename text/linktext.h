@@ -25,8 +25,8 @@ std::vector<Run> SplitIntoRuns(std::wstring_view text);
 std::vector<Run> SplitIntoCharacters(std::wstring_view text);
 
 /// Puts the runs of a text into the drawing, the Western ones at a ratio of its height. What the runs at the
-/// full height lack of the text's width is shared between them: at the ratio 1 they are together as wide as it.
-/// False, and nothing done, when it has one run only.
+/// full height lack of the text's width is shared between them: at the ratio 1 they are together as wide as
+/// it. False, and nothing done, when it has one run only.
 bool PlaceRuns(const AcDbText& source, const std::vector<Run>& runs, double westernRatio);
 
 } // namespace linktext

@@ -12,7 +12,8 @@ public:
 
     void SetRange(double maximum, double minimum);
     void SetValue(double value);
-    /// The number; 0 when the text is none. What was shown and not changed keeps the decimals that aren't seen.
+    /// The number; 0 when the text is none. What was shown and not changed keeps the decimals that aren't
+    /// seen.
     double GetValue() const;
     /// The text is a number, and within the range.
     bool IsValid() const;

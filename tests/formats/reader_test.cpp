@@ -347,13 +347,13 @@ TEST(DxfReader, badValuesLeaveOutTheEntityAndSayWhere) {
 
 TEST(DxfReader, linesBehindAnAttributeAreItsOwn) {
     const Drawing drawing(
-        header("AC1024") +
-        section("BLOCKS", groups({{0, "BLOCK"}, {8, "0"}, {2, "B"}, {0, "ENDBLK"}})) +
-        entities(groups({{0, "INSERT"}, {5, "A1"}, {8, "0"}, {66, "1"}, {2, "B"}, {10, "0"}, {20, "0"},
-                         {0, "ATTRIB"}, {5, "A2"}, {8, "0"}, {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "one"},
-                         {2, "TAG"}, {70, "0"}, {0, "MTEXT"}, {5, "A3"}, {8, "0"}, {10, "1"}, {20, "2"},
-                         {40, "2.5"}, {41, "0"}, {71, "1"}, {1, "one\\Ptwo"}, {0, "SEQEND"}, {5, "A4"},
-                         {0, "MTEXT"}, {5, "A5"}, {8, "0"}, {10, "1"}, {20, "2"}, {40, "2.5"}, {1, "free"}})) +
+        header("AC1024") + section("BLOCKS", groups({{0, "BLOCK"}, {8, "0"}, {2, "B"}, {0, "ENDBLK"}})) +
+        entities(groups({{0, "INSERT"},    {5, "A1"},     {8, "0"},    {66, "1"},    {2, "B"},     {10, "0"},
+                         {20, "0"},        {0, "ATTRIB"}, {5, "A2"},   {8, "0"},     {10, "1"},    {20, "2"},
+                         {40, "2.5"},      {1, "one"},    {2, "TAG"},  {70, "0"},    {0, "MTEXT"}, {5, "A3"},
+                         {8, "0"},         {10, "1"},     {20, "2"},   {40, "2.5"},  {41, "0"},    {71, "1"},
+                         {1, "one\\Ptwo"}, {0, "SEQEND"}, {5, "A4"},   {0, "MTEXT"}, {5, "A5"},    {8, "0"},
+                         {10, "1"},        {20, "2"},     {40, "2.5"}, {1, "free"}})) +
         eof);
     EXPECT_EQ(drawing.model().size(), 2U);
     const auto* attribute = AcDbAttribute::cast(drawing.at(0xA2));

@@ -22,7 +22,6 @@ TEST_F(LispEntmake, GivesBackSimpleEntities) {
         "((0 . \"ARC\") (10 1.0 2.0 0.0) (40 . 3.0) (50 . 0.5) (51 . 1.5))",
         "((0 . \"TEXT\") (10 1.0 2.0 0.0) (40 . 2.5) (1 . \"杆塔\") (50 . 0.25) (41 . 0.7) (7 . "
         "\"Standard\"))",
-        "((0 . \"TEXT\") (10 1.0 2.0 0.0) (11 5.0 2.0 0.0) (40 . 2.5) (1 . \"x\") (72 . 4) (73 . 0))",
         "((0 . \"SOLID\") (10 0.0 0.0 0.0) (11 4.0 0.0 0.0) (12 0.0 3.0 0.0) (13 4.0 3.0 0.0))",
         "((0 . \"LWPOLYLINE\") (100 . \"AcDbEntity\") (100 . \"AcDbPolyline\") (90 . 3) (70 . 1) (43 . 0.5) "
         "(38 . 2.0) "
@@ -42,6 +41,11 @@ TEST_F(LispEntmake, GivesBackSimpleEntities) {
     for (const char* list : lists) {
         EXPECT_EQ(run(std::string("(lost '") + list + ")"), "nil") << list;
     }
+    // Where an aligned text begins follows from its alignment point.
+    const std::string aligned =
+        "((0 . \"TEXT\") (10 1.0 2.0 0.0) (11 50.0 2.0 0.0) (40 . 2.5) (1 . \"x\") (72 . 2) (73 . 0))";
+    EXPECT_EQ(run("(lost '" + aligned + ")"), "((10 1.0 2.0 0.0))");
+    EXPECT_EQ(run("(< 45.0 (cadr (assoc 10 (entget (entlast)))) 50.0)"), "T");
 }
 
 TEST_F(LispEntmake, GivesBackRecords) {

@@ -153,7 +153,11 @@ Acad::ErrorStatus applyExtendedData(AcDbObject& object, const resbuf* list) {
 
 Acad::ErrorStatus readInto(AcDbObject& object, const resbuf* groups, AcDbDatabase& database) {
     ResbufDxfReader reader(&database, groups);
-    return object.dxfIn(&reader);
+    const Acad::ErrorStatus status = object.dxfIn(&reader);
+    if (auto* text = AcDbText::cast(&object); text != nullptr && status == Acad::eOk) {
+        text->adjustAlignment(&database); // a list's author may not know where the text begins
+    }
+    return status;
 }
 
 AcRxClass* partClass(const std::wstring& name, const AcDbEntity& whole) {

@@ -36,8 +36,8 @@ using FONTENUMPROCW = int(CALLBACK*)(const LOGFONTW* font, const TEXTMETRICW* me
                                      LPARAM parameter);
 
 /// Calls the function once for each installed family, under each of its names (a Chinese face has a Latin one
-/// too, and both once more with @ for its turned face); those of the face name in `font` only, when it has one. The device does not matter. Gives what the
-/// function gave last.
+/// too, and both once more with @ for its turned face); those of the face name in `font` only, when it has
+/// one. The device does not matter. Gives what the function gave last.
 int EnumFontFamiliesExW(HDC device, LOGFONTW* font, FONTENUMPROCW function, LPARAM parameter, DWORD flags);
 inline int EnumFontFamiliesEx(HDC device, LOGFONTW* font, FONTENUMPROCW function, LPARAM parameter,
                               DWORD flags) {

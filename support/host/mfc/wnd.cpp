@@ -245,7 +245,9 @@ BOOL CWnd::IsWindowVisible() const {
 CWnd* CWnd::SetFocus() {
     CWnd* before = GetFocus();
     if (QWidget* widget = widgetOf(m_hWnd)) {
-        if (widget->isWindow() || (widget->focusPolicy() == Qt::NoFocus && widget->focusProxy() == nullptr))
+        const bool isBehind = widget->window()->isVisible() && !widget->isActiveWindow();
+        if (isBehind || widget->isWindow() ||
+            (widget->focusPolicy() == Qt::NoFocus && widget->focusProxy() == nullptr))
             widget->activateWindow();
         widget->setFocus(Qt::OtherFocusReason);
     }

@@ -53,7 +53,8 @@ public:
 
     /// A copy of the embedded text of several lines; null when there is none.
     std::unique_ptr<AcDbMText> lines() const;
-    /// Embeds a text of several lines. For readers: before release 2018 it stands behind the attribute in files.
+    /// Embeds a text of several lines. For readers: before release 2018 it stands behind the attribute in
+    /// files.
     void embedLines(const AcDbMText& text);
 
 protected:

@@ -14,8 +14,8 @@ namespace {
 
 AcGiTextStyle styleOf(const host::TextFormat& format) {
     AcGiTextStyle style(format.font.file.c_str(), format.font.bigFontFile.c_str(), format.height,
-                        format.widthFactor, format.oblique, format.tracking, false, false,
-                        format.vertical, format.overlined, format.underlined);
+                        format.widthFactor, format.oblique, format.tracking, false, false, format.vertical,
+                        format.overlined, format.underlined);
     style.setStrikethrough(format.struckThrough);
     style.setFont(format.font.typeface.c_str(), format.font.bold, format.font.italic, 0, 0);
     return style;

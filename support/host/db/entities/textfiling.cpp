@@ -90,13 +90,9 @@ Acad::ErrorStatus AcDbText::dxfGroupsRead(AcDbDxfFiler* filer) {
         m.style = filer->database()->impl().containers.standardTextStyle;
     }
     const double sum = m.thickness + m.height + m.widthFactor + m.rotation + m.oblique;
-    if (!host::isFinite(m.position) || !host::isFinite(m.alignment) || !std::isfinite(sum)) {
-        return Acad::eInvalidInput;
-    }
-    if (filer->filerType() == AcDb::kBagFiler && !m.text.isEmpty()) {
-        adjustAlignment(filer->database()); // files keep what they have
-    }
-    return Acad::eOk;
+    return host::isFinite(m.position) && host::isFinite(m.alignment) && std::isfinite(sum)
+               ? Acad::eOk
+               : Acad::eInvalidInput;
 }
 
 void AcDbText::writeTextGroups(AcDbDxfFiler* filer) const {

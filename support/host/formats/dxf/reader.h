@@ -63,7 +63,7 @@ private:
 
     struct Sequence {
         AcDbEntity* parent = nullptr;
-        bool leftOut = false; ///< the parent was left out; its parts go with it
+        bool leftOut = false;               ///< the parent was left out; its parts go with it
         AttributeText* attribute = nullptr; ///< the part before
     };
     void readBlocks();
