@@ -48,7 +48,9 @@ DisplayTree::DisplayTree(std::span<const FloatBox> boxes) {
     if (whole.isEmpty()) {
         return;
     }
-    const auto cell = [](float from, float to, float low, float size) {
+    // One scale for both axes: stretched cells would group what lies far apart on a long narrow map.
+    const float size = std::max(whole.width(), whole.height());
+    const auto cell = [size](float from, float to, float low) {
         constexpr float cells = 65535.0F;
         const float share = size > 0 ? ((from + to) * 0.5F - low) / size : 0.0F;
         return static_cast<std::uint32_t>(std::clamp(share, 0.0F, 1.0F) * cells);
@@ -58,9 +60,9 @@ DisplayTree::DisplayTree(std::span<const FloatBox> boxes) {
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         const FloatBox& box = boxes[i];
         if (!box.isEmpty()) {
-            order.emplace_back(hilbert(cell(box.left, box.right, whole.left, whole.width()),
-                                       cell(box.bottom, box.top, whole.bottom, whole.height())),
-                               static_cast<std::uint32_t>(i));
+            order.emplace_back(
+                hilbert(cell(box.left, box.right, whole.left), cell(box.bottom, box.top, whole.bottom)),
+                static_cast<std::uint32_t>(i));
         }
     }
     std::sort(order.begin(), order.end());
