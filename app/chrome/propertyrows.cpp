@@ -240,7 +240,10 @@ QString shownWeight(int weight) {
 }
 
 QString editingLisp(const QString& edit, const QString& value, const QString& kinds) {
-    const QString chosen = QStringLiteral("$a (ssget \"_I\") $s (ssget \"_I\" (list (cons 0 %1)))").arg(quoted(kinds));
+    // Asking for the choice takes it, so it is set again before some of it is asked for.
+    const QString chosen =
+        QStringLiteral("$a (ssget \"_I\") $s (sssetfirst nil $a) $s (ssget \"_I\" (list (cons 0 %1)))")
+            .arg(quoted(kinds));
     const QString end = QStringLiteral("(sssetfirst nil $a) (setq $a nil $s nil $v nil $e nil $i nil) (princ))\n");
     if (edit.startsWith(QLatin1Char('_'))) {
         const QString given = standardWord(value);
