@@ -97,11 +97,10 @@ std::string drawingWithView(const TemporaryFolder& folder, const std::string& ce
     std::string text = readFile(file);
     const auto put = [&](const std::string& code, const std::string& value) {
         const std::size_t record = text.find("*Active");
-        const std::size_t at = std::min(text.find("\n" + code + "\n", record),
-                                        text.find("\n " + code + "\n", record));
+        const std::size_t at = text.find("\n " + code + "\r\n", record);
         ASSERT_NE(at, std::string::npos) << code;
         const std::size_t from = text.find('\n', at + 1) + 1;
-        text.replace(from, text.find('\n', from) - from, value);
+        text.replace(from, text.find('\r', from) - from, value);
     };
     put("12", centre);
     put("22", centre);
