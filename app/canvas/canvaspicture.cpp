@@ -268,7 +268,9 @@ void Canvas::paintCursor(QPainter& painter) {
     const bool hasQuestion = !idle && !mPrompt.isEmpty();
     if ((hasQuestion || !mTyped.isEmpty()) && host::systemVariableInteger(L"DYNMODE") >= 0) {
         const QString text = idle ? mTyped : mTyped.isEmpty() ? mPrompt : mPrompt + QLatin1Char(' ') + mTyped;
-        overlay::tip(painter, mCursor + QPointF(18, mAimed.snapKind != 0 ? 34 : 16), text, rect());
+        // Below the name of a snap, or the tip that a command shows while something is dragged.
+        const double below = mAimed.snapKind != 0 || mRequest->wantsMotion ? 40 : 16;
+        overlay::tip(painter, mCursor + QPointF(18, below), text, rect());
     }
 }
 

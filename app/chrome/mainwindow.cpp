@@ -210,6 +210,7 @@ void MainWindow::followQuestion(const host::InputRequest&) {
     mProperties->follow();
     mLayerPanel->follow();
     mPropertyPanel->follow();
+    mAutosave.setInterval(host::systemVariableInteger(L"SAVETIME"));
     followDocuments();
     if (mTextWindow != nullptr && mTextWindow->isVisible()) {
         showTextWindow();
