@@ -1,4 +1,5 @@
-// The canvas as a picture: the drawing or a slide, kept and mended where it changed, and what is drawn on top.
+// The canvas as a picture: the drawing or a slide, kept and mended where it changed, and what is drawn on
+// top.
 #include "app/canvas/aiming.h"
 #include "app/canvas/canvas.h"
 #include "app/canvas/overlay.h"
@@ -95,7 +96,8 @@ void Canvas::bringUpToDate() {
     if (mIsIncomplete) {
         mCompletion.start(1);
     }
-    for (const std::wstring& fault : mView != nullptr ? mView->scene->takeFaults() : std::vector<std::wstring>()) {
+    for (const std::wstring& fault :
+         mView != nullptr ? mView->scene->takeFaults() : std::vector<std::wstring>()) {
         if (mListener != nullptr) {
             mListener->failed(fault);
         }

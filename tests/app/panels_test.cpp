@@ -165,7 +165,8 @@ TEST(PropertyPanel, EditsAllOfTheChoiceInOneStep) {
 TEST(LayerPanel, ItsSwitchesAreStepsOfUndo) {
     Driver driver;
     const auto click = [](Driver& d, int column) {
-        auto* table = d.window().findChild<QDockWidget*>(QStringLiteral("layerPanel"))->findChild<QTreeWidget*>();
+        auto* table =
+            d.window().findChild<QDockWidget*>(QStringLiteral("layerPanel"))->findChild<QTreeWidget*>();
         ASSERT_EQ(table->topLevelItemCount(), 1);
         emit table->itemClicked(table->topLevelItem(0), column);
     };
@@ -207,8 +208,8 @@ TEST(View, TheStoredOneIsShownWhenItShowsSomething) {
                 },
                 [&](Driver& d) {
                     EXPECT_DOUBLE_EQ(d.canvas().map().centre.x, 1005);
-                    ASSERT_TRUE(d.window().openFile(
-                        QString::fromStdString(drawingWithView(folder, "0.0", "300.0"))));
+                    ASSERT_TRUE(
+                        d.window().openFile(QString::fromStdString(drawingWithView(folder, "0.0", "300.0"))));
                     d.window().windowInput().restart();
                 },
                 [](Driver& d) { // nothing is there: all of the drawing
@@ -228,11 +229,10 @@ TEST(View, PreviousGoesBackInItsOwnDrawing) {
                     d.canvas().zoomAt(10, 10, 2);
                     d.window().trigger("@new", false);
                 },
+                [](Driver& d) { d.type(QStringLiteral("ZOOM P\n")); },
                 [](Driver& d) {
-                    d.type(QStringLiteral("ZOOM P\n"));
-                },
-                [](Driver& d) {
-                    EXPECT_TRUE(d.window().commandLine().history().contains(QStringLiteral("没有上一个视图")));
+                    EXPECT_TRUE(
+                        d.window().commandLine().history().contains(QStringLiteral("没有上一个视图")));
                     acDocManagerPtr()->activateDocument(acDocManagerPtr()->documents().front().get());
                     d.window().windowInput().restart();
                 },
@@ -277,30 +277,26 @@ TEST(View, ASlideStandsInThePlaceOfTheDrawingUntilRedraw) {
 
 TEST(Faults, OfEventsAndDrawingsAreToldAndEndNothing) {
     Driver driver;
-    driver.run({[](Driver& d) {
-                    QTimer::singleShot(0, &d.canvas(), [] { throw std::runtime_error("torn"); });
-                },
-                [](Driver& d) {
-                    d.type(QStringLiteral("LINE 0,0 40,0\n\n"));
-                },
-                [](Driver& d) {
-                    auto* broken = new Undrawable({0, 5, 0}, {40, 5, 0});
-                    AcDbBlockTableRecord* space = nullptr;
-                    ASSERT_EQ(acdbOpenObject(space, acdbCurDwg()->currentSpaceId(), AcDb::kForWrite),
-                              Acad::eOk);
-                    space->appendAcDbEntity(broken);
-                    broken->close();
-                    space->close();
-                    d.canvas().picture();
-                    d.canvas().regenerate();
-                    d.canvas().picture();
-                },
-                [](Driver& d) {
-                    const QString history = d.window().commandLine().history();
-                    EXPECT_TRUE(history.contains(QStringLiteral("窗口出错: torn")));
-                    EXPECT_EQ(history.count(QStringLiteral("无法显示对象")), 1) << "told once";
-                    EXPECT_EQ(entities().size(), 2u);
-                }});
+    driver.run(
+        {[](Driver& d) { QTimer::singleShot(0, &d.canvas(), [] { throw std::runtime_error("torn"); }); },
+         [](Driver& d) { d.type(QStringLiteral("LINE 0,0 40,0\n\n")); },
+         [](Driver& d) {
+             auto* broken = new Undrawable({0, 5, 0}, {40, 5, 0});
+             AcDbBlockTableRecord* space = nullptr;
+             ASSERT_EQ(acdbOpenObject(space, acdbCurDwg()->currentSpaceId(), AcDb::kForWrite), Acad::eOk);
+             space->appendAcDbEntity(broken);
+             broken->close();
+             space->close();
+             d.canvas().picture();
+             d.canvas().regenerate();
+             d.canvas().picture();
+         },
+         [](Driver& d) {
+             const QString history = d.window().commandLine().history();
+             EXPECT_TRUE(history.contains(QStringLiteral("窗口出错: torn")));
+             EXPECT_EQ(history.count(QStringLiteral("无法显示对象")), 1) << "told once";
+             EXPECT_EQ(entities().size(), 2u);
+         }});
 }
 
 TEST(ContextMenu, OffersWhatCanBeDoneAtThePromptAndInACommand) {
