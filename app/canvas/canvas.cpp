@@ -425,10 +425,10 @@ void Canvas::rightReleased(const QMouseEvent& event) {
     constexpr int atPrompt = 1, withSelection = 2, inCommand = 4, inCommandWithKeywords = 8, timed = 16;
     const int modes = host::systemVariableInteger(L"SHORTCUTMENU");
     const bool idle = mRequest != nullptr && mRequest->atCommandPrompt;
-    const int wanted = !idle            ? (mPrompt.contains(QLatin1Char('[')) ? inCommand | inCommandWithKeywords
-                                                                              : inCommand)
-                       : mGrips.empty() ? atPrompt
-                                        : withSelection;
+    const int wanted =
+        !idle ? (mPrompt.contains(QLatin1Char('[')) ? inCommand | inCommandWithKeywords : inCommand)
+        : mGrips.empty() ? atPrompt
+                         : withSelection;
     if ((modes & timed) != 0 ? isLong : (modes & wanted) != 0) {
         mListener->menuWanted(event.globalPosition().toPoint(), false);
     } else {

@@ -156,9 +156,9 @@ private:
     ViewMap mMap;
     CanvasLook mLook;
     QImage mPicture;
-    bool mShowsAll = false; ///< nothing was zoomed or moved since all was shown
-    bool mIsStale = true;   ///< the whole picture
-    QRegion mStaleParts;    ///< device pixels
+    bool mShowsAll = false;                         ///< nothing was zoomed or moved since all was shown
+    bool mIsStale = true;                           ///< the whole picture
+    QRegion mStaleParts;                            ///< device pixels
     std::shared_ptr<const host::Slide> mShownSlide; ///< in the picture, in the place of the drawing
     bool mIsIncomplete = false;
     QTimer mCompletion;

@@ -1,4 +1,5 @@
-// The canvas as a picture: the drawing or a slide, kept and mended where it changed, and what is drawn on top.
+// The canvas as a picture: the drawing or a slide, kept and mended where it changed, and what is drawn on
+// top.
 #include "app/canvas/aiming.h"
 #include "app/canvas/canvas.h"
 #include "app/canvas/overlay.h"
@@ -95,7 +96,8 @@ void Canvas::bringUpToDate() {
     if (mIsIncomplete) {
         mCompletion.start(1);
     }
-    for (const std::wstring& fault : mView != nullptr ? mView->scene->takeFaults() : std::vector<std::wstring>()) {
+    for (const std::wstring& fault :
+         mView != nullptr ? mView->scene->takeFaults() : std::vector<std::wstring>()) {
         if (mListener != nullptr) {
             mListener->failed(fault);
         }
@@ -268,7 +270,9 @@ void Canvas::paintCursor(QPainter& painter) {
     const bool hasQuestion = !idle && !mPrompt.isEmpty();
     if ((hasQuestion || !mTyped.isEmpty()) && host::systemVariableInteger(L"DYNMODE") >= 0) {
         const QString text = idle ? mTyped : mTyped.isEmpty() ? mPrompt : mPrompt + QLatin1Char(' ') + mTyped;
-        overlay::tip(painter, mCursor + QPointF(18, mAimed.snapKind != 0 ? 34 : 16), text, rect());
+        // Below the name of a snap, or the tip that a command shows while something is dragged.
+        const double below = mAimed.snapKind != 0 || mRequest->wantsMotion ? 40 : 16;
+        overlay::tip(painter, mCursor + QPointF(18, below), text, rect());
     }
 }
 

@@ -56,7 +56,8 @@ private:
             const bool whole = isInside || box.contains(own);
             if (level > 0) {
                 const std::size_t below = mLevels[level - 1].size();
-                search(box, smallest, visit, level - 1, node * fanOut, std::min(below, (node + 1) * fanOut), whole);
+                search(box, smallest, visit, level - 1, node * fanOut, std::min(below, (node + 1) * fanOut),
+                       whole);
                 continue;
             }
             const std::size_t last = std::min(mItems.size(), (node + 1) * leafSize);

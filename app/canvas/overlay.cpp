@@ -208,7 +208,8 @@ void slide(QPainter& painter, const host::Slide& slide, const QRectF& area, std:
         }
         painter.setPen(QPen(color, 1));
         painter.setBrush(color);
-        shape.kind == host::SlideShape::Kind::line ? painter.drawPolyline(points) : painter.drawPolygon(points);
+        shape.kind == host::SlideShape::Kind::line ? painter.drawPolyline(points)
+                                                   : painter.drawPolygon(points);
     }
 }
 

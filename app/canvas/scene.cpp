@@ -57,8 +57,7 @@ Box2d boxOf(AcDbEntity& entity) {
     const host::ReadAccess access(entity);
     AcDbExtents extents;
     try {
-        if (entity.getGeomExtents(extents) != Acad::eOk &&
-            host::drawnExtents(entity, extents) != Acad::eOk) {
+        if (entity.getGeomExtents(extents) != Acad::eOk && host::drawnExtents(entity, extents) != Acad::eOk) {
             return {};
         }
     } catch (const std::exception&) {

@@ -46,7 +46,12 @@ Autosave::~Autosave() {
 
 void Autosave::setInterval(int minutes) {
     constexpr int millisecondsAMinute = 60'000;
-    minutes > 0 ? mTimer.start(minutes * millisecondsAMinute) : mTimer.stop();
+    const int interval = minutes * millisecondsAMinute;
+    if (minutes <= 0) {
+        mTimer.stop();
+    } else if (!mTimer.isActive() || mTimer.interval() != interval) {
+        mTimer.start(interval);
+    }
 }
 
 std::filesystem::path Autosave::noteOf(const std::filesystem::path& copy) {

@@ -18,8 +18,8 @@
 namespace app {
 namespace {
 
-constexpr int side = 19;            ///< logical pixels of a field
-constexpr int firstOfPalette = 10;  ///< 240 colours, ten shades of a hue one below the other
+constexpr int side = 19;           ///< logical pixels of a field
+constexpr int firstOfPalette = 10; ///< 240 colours, ten shades of a hue one below the other
 constexpr int hues = 24, shades = 10;
 constexpr int firstGray = 250, lastColor = 255, standardColors = 9;
 
@@ -39,8 +39,7 @@ protected:
         QPainter painter(this);
         for (int color = 1; color <= lastColor; ++color) {
             painter.setPen(QColor(90, 90, 90));
-            painter.setBrush(
-                QColor::fromRgb(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color))));
+            painter.setBrush(QColor::fromRgb(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color))));
             painter.drawRect(place(color));
         }
         if (mMarked >= 1 && mMarked <= lastColor) {
@@ -100,7 +99,8 @@ std::optional<int> chooseColor(QWidget* parent, int before) {
     layout->addWidget(swatches);
     layout->addLayout(line);
     swatches->chosen = [&](int color) { number->setValue(color); };
-    QObject::connect(number, &QSpinBox::valueChanged, swatches, [swatches](int color) { swatches->mark(color); });
+    QObject::connect(number, &QSpinBox::valueChanged, swatches,
+                     [swatches](int color) { swatches->mark(color); });
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     number->setValue(std::clamp(before, 1, lastColor));

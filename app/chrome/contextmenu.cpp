@@ -1,9 +1,8 @@
 // What the right button offers in the drawing area: at the prompt, with a choice, within a command; and the
 // object snaps for one point.
+#include "app/canvas/aiming.h"
 #include "app/chrome/icons.h"
 #include "app/chrome/mainwindow.h"
-
-#include "app/canvas/aiming.h"
 
 #include "host/ed/documentstate.h"
 #include "host/ed/ed.h"
@@ -15,12 +14,11 @@ struct SnapWord {
     int kind;
     const char* typed;
 };
-constexpr SnapWord snapWords[] = {{AcDb::kOsMaskEnd, "_end"},  {AcDb::kOsMaskMid, "_mid"},
-                                  {AcDb::kOsMaskInt, "_int"},  {AcDb::kOsMaskApint, "_app"},
-                                  {AcDb::kOsMaskCen, "_cen"},  {AcDb::kOsMaskQuad, "_qua"},
-                                  {AcDb::kOsMaskTan, "_tan"},  {AcDb::kOsMaskPerp, "_per"},
-                                  {AcDb::kOsMaskNode, "_nod"}, {AcDb::kOsMaskIns, "_ins"},
-                                  {AcDb::kOsMaskNear, "_nea"}};
+constexpr SnapWord snapWords[] = {
+    {AcDb::kOsMaskEnd, "_end"},   {AcDb::kOsMaskMid, "_mid"},  {AcDb::kOsMaskInt, "_int"},
+    {AcDb::kOsMaskApint, "_app"}, {AcDb::kOsMaskCen, "_cen"},  {AcDb::kOsMaskQuad, "_qua"},
+    {AcDb::kOsMaskTan, "_tan"},   {AcDb::kOsMaskPerp, "_per"}, {AcDb::kOsMaskNode, "_nod"},
+    {AcDb::kOsMaskIns, "_ins"},   {AcDb::kOsMaskNear, "_nea"}};
 
 } // namespace
 

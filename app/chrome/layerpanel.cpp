@@ -185,9 +185,7 @@ void LayerPanel::option(const QString& word, const QString& layer, const QString
     // Switching the current layer off asks whether that is meant.
     const bool isCurrent =
         curDoc() != nullptr && word == QLatin1String("_OFF") &&
-        patternFor(layer)
-            .split(QLatin1Char(','))
-            .contains(literal(nameOf(curDoc()->database()->clayer())));
+        patternFor(layer).split(QLatin1Char(',')).contains(literal(nameOf(curDoc()->database()->clayer())));
     run(QStringLiteral("(progn (command \"_.-LAYER\" \"%1\" %2%3 \"\") (princ))\n")
             .arg(word, given, isCurrent ? QStringLiteral(" \"_Y\"") : QString()));
 }

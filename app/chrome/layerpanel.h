@@ -22,7 +22,7 @@ public:
     std::function<void(const QString&)> run;
     /// Shows the layers as they are; does nothing while hidden or when nothing changed.
     void follow();
-    QSize sizeHint() const override { return {560, 420}; }
+    QSize sizeHint() const override { return {520, 420}; }
 
 private:
     enum Column { name, on, frozen, locked, color, linetype, weight, plots, columnCount };

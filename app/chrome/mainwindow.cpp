@@ -66,9 +66,8 @@ MainWindow::MainWindow()
     mInput->asking = [this](const host::InputRequest& request) { followQuestion(request); };
     mInput->cursorMoved = [this](const Aimed& aimed) { mModes->showPoint(aimed.point); };
     mInput->menu = [this](const QPoint& onScreen, bool snaps) { showContextMenu(onScreen, snaps); };
-    host::setEventFaultHandler([this](const std::wstring& fault) {
-        mInput->failed(tr("窗口出错: ").toStdWString() + fault);
-    });
+    host::setEventFaultHandler(
+        [this](const std::wstring& fault) { mInput->failed(tr("窗口出错: ").toStdWString() + fault); });
     buildMenus();
     buildDocks();
     connect(mTabs, &QTabBar::currentChanged, this, [this](int index) {
@@ -210,6 +209,7 @@ void MainWindow::followQuestion(const host::InputRequest&) {
     mProperties->follow();
     mLayerPanel->follow();
     mPropertyPanel->follow();
+    mAutosave.setInterval(host::systemVariableInteger(L"SAVETIME"));
     followDocuments();
     if (mTextWindow != nullptr && mTextWindow->isVisible()) {
         showTextWindow();

@@ -148,9 +148,8 @@ void PropertyBar::choose(const char* variable, const char* property, const QStri
         given = qstrcmp(property, "_C") == 0 && value.startsWith(QLatin1Char('T'))
                     ? QStringLiteral("\"_T\" ") + quoted(value.mid(1))
                     : quoted(given);
-        run(QStringLiteral(
-                "(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" %2 \"\") "
-                "(sssetfirst nil $s) (setq $s nil) (princ))\n")
+        run(QStringLiteral("(progn (setq $s (ssget \"_I\")) (command \"_.CHPROP\" $s \"\" \"%1\" %2 \"\") "
+                           "(sssetfirst nil $s) (setq $s nil) (princ))\n")
                 .arg(QLatin1String(property), given));
         return;
     }
@@ -217,9 +216,9 @@ void PropertyBar::showColor(const QString& value) {
     if (!value.isEmpty() && mColors->findData(value) < 0) {
         const QStringList parts = value.mid(1).split(QLatin1Char(','));
         const bool isIndex = parts.size() < 3;
-        const std::uint32_t rgb =
-            isIndex ? AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(value.toUInt()))
-                    : parts[0].toUInt() << 16 | parts[1].toUInt() << 8 | parts[2].toUInt();
+        const std::uint32_t rgb = isIndex
+                                      ? AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(value.toUInt()))
+                                      : parts[0].toUInt() << 16 | parts[1].toUInt() << 8 | parts[2].toUInt();
         mColors->insertItem(mColors->count() - 1, colorIcon(rgb),
                             isIndex ? tr("颜色 %1").arg(value) : value.mid(1), value);
     }
@@ -237,8 +236,9 @@ void PropertyBar::showValues(AcDbDatabase& database) {
     }
     const auto show = [&](QComboBox& box, auto get) { select(box, sharedBy(ids, get).value_or(QString())); };
     show(*mLayers, [](const AcDbEntity& entity) { return nameOf(entity.layerId()); });
-    showColor(sharedBy(ids, [](const AcDbEntity& entity) { return colorText(entity.entityColor()); })
-                  .value_or(QString()));
+    showColor(sharedBy(ids, [](const AcDbEntity& entity) {
+                  return colorText(entity.entityColor());
+              }).value_or(QString()));
     show(*mLinetypes, [](const AcDbEntity& entity) { return nameOf(entity.linetypeId()); });
     show(*mWeights, [](const AcDbEntity& entity) { return weightText(entity.lineWeight()); });
 }

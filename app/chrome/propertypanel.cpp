@@ -50,13 +50,18 @@ QStringList choicesFor(const QString& edit) {
     if (edit == QLatin1String("_C")) {
         return {shownColor(AcCmEntityColor(AcCmEntityColor::kByLayer)),
                 shownColor(AcCmEntityColor(AcCmEntityColor::kByBlock)),
-                PropertyPanel::tr("红"), PropertyPanel::tr("黄"), PropertyPanel::tr("绿"),
-                PropertyPanel::tr("青"), PropertyPanel::tr("蓝"), PropertyPanel::tr("洋红"),
+                PropertyPanel::tr("红"),
+                PropertyPanel::tr("黄"),
+                PropertyPanel::tr("绿"),
+                PropertyPanel::tr("青"),
+                PropertyPanel::tr("蓝"),
+                PropertyPanel::tr("洋红"),
                 PropertyPanel::tr("白")};
     }
     QStringList weights;
     if (edit == QLatin1String("_LW")) {
-        for (const int weight : {-1, -2, -3, 0, 9, 13, 18, 20, 25, 30, 35, 40, 50, 60, 70, 80, 100, 140, 200}) {
+        for (const int weight :
+             {-1, -2, -3, 0, 9, 13, 18, 20, 25, 30, 35, 40, 50, 60, 70, 80, 100, 140, 200}) {
             weights.append(shownWeight(weight));
         }
     }
@@ -265,7 +270,8 @@ void PropertyPanel::showShared(const std::vector<AcDbObjectId>& ids) {
 void PropertyPanel::showTotals(const std::vector<AcDbObjectId>& ids) {
     double length = 0;
     std::size_t counted = 0;
-    for (const AcDbObjectId id : ids.size() > 1 && ids.size() <= manyChosen ? ids : std::vector<AcDbObjectId>()) {
+    for (const AcDbObjectId id :
+         ids.size() > 1 && ids.size() <= manyChosen ? ids : std::vector<AcDbObjectId>()) {
         const auto* curve = host::peek<AcDbCurve>(id);
         double end = 0;
         double own = 0;

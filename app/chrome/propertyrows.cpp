@@ -98,14 +98,16 @@ constexpr PropertyRow rows[] = {
     {geometry, T("半径"), "r40", is<AcDbArc>, [](E e) { return shownNumber(as<AcDbArc>(e).radius()); }},
     {geometry, T("起点角度"), "a50", is<AcDbArc>, [](E e) { return degrees(as<AcDbArc>(e).startAngle()); }},
     {geometry, T("端点角度"), "a51", is<AcDbArc>, [](E e) { return degrees(as<AcDbArc>(e).endAngle()); }},
-    {geometry, T("中心"), "p10", is<AcDbEllipse>, [](E e) { return shownPoint(as<AcDbEllipse>(e).center()); }},
+    {geometry, T("中心"), "p10", is<AcDbEllipse>,
+     [](E e) { return shownPoint(as<AcDbEllipse>(e).center()); }},
     {geometry, T("长轴半径"), nullptr, is<AcDbEllipse>,
      [](E e) { return shownNumber(as<AcDbEllipse>(e).majorRadius()); }},
     {geometry, T("短轴半径"), nullptr, is<AcDbEllipse>,
      [](E e) { return shownNumber(as<AcDbEllipse>(e).minorRadius()); }},
     {geometry, T("顶点数"), nullptr, is<AcDbPolyline>,
      [](E e) { return QString::number(as<AcDbPolyline>(e).numVerts()); }},
-    {geometry, T("闭合"), "c70", is<AcDbPolyline>, [](E e) { return yesOrNo(as<AcDbPolyline>(e).isClosed()); }},
+    {geometry, T("闭合"), "c70", is<AcDbPolyline>,
+     [](E e) { return yesOrNo(as<AcDbPolyline>(e).isClosed()); }},
     {geometry, T("全局宽度"), "r40 41 43", is<AcDbPolyline>,
      [](E e) {
          double width = 0;
@@ -158,7 +160,8 @@ constexpr PropertyRow rows[] = {
     {writing, T("位置"), "p11", isAlignedText,
      [](E e) { return shownPoint(as<AcDbText>(e).alignmentPoint()); }},
     {writing, T("样式"), "s7", is<AcDbMText>, [](E e) { return nameOf(as<AcDbMText>(e).textStyle()); }},
-    {writing, T("高度"), "r40", is<AcDbMText>, [](E e) { return shownNumber(as<AcDbMText>(e).textHeight()); }},
+    {writing, T("高度"), "r40", is<AcDbMText>,
+     [](E e) { return shownNumber(as<AcDbMText>(e).textHeight()); }},
     {writing, T("文字宽度"), "r41", is<AcDbMText>, [](E e) { return shownNumber(as<AcDbMText>(e).width()); }},
     {writing, T("位置"), "p10", is<AcDbMText>, [](E e) { return shownPoint(as<AcDbMText>(e).location()); }},
     {writing, T("文字替代"), "s1", is<AcDbDimension>,
@@ -240,8 +243,12 @@ QString shownWeight(int weight) {
 }
 
 QString editingLisp(const QString& edit, const QString& value, const QString& kinds) {
-    const QString chosen = QStringLiteral("$a (ssget \"_I\") $s (ssget \"_I\" (list (cons 0 %1)))").arg(quoted(kinds));
-    const QString end = QStringLiteral("(sssetfirst nil $a) (setq $a nil $s nil $v nil $e nil $i nil) (princ))\n");
+    // Asking for the choice takes it, so it is set again before some of it is asked for.
+    const QString chosen =
+        QStringLiteral("$a (ssget \"_I\") $s (sssetfirst nil $a) $s (ssget \"_I\" (list (cons 0 %1)))")
+            .arg(quoted(kinds));
+    const QString end =
+        QStringLiteral("(sssetfirst nil $a) (setq $a nil $s nil $v nil $e nil $i nil) (princ))\n");
     if (edit.startsWith(QLatin1Char('_'))) {
         const QString given = standardWord(value);
         const QString typed = edit == QLatin1String("_C") && given.contains(QLatin1Char(','))
@@ -252,9 +259,8 @@ QString editingLisp(const QString& edit, const QString& value, const QString& ki
                end;
     }
     const QChar kind = edit.at(0);
-    const QString put = kind == QLatin1Char('c')
-                            ? QStringLiteral("(+ $v (logand (cdr g) 126))")
-                            : QStringLiteral("$v");
+    const QString put =
+        kind == QLatin1Char('c') ? QStringLiteral("(+ $v (logand (cdr g) 126))") : QStringLiteral("$v");
     const QString codes = edit.mid(1);
     return QStringLiteral(
                "(progn (setq %1 $v %2 $i 0) (if (and $v $s (or (atom $v) (apply 'and $v))) "

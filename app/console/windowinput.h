@@ -35,7 +35,7 @@ public:
     /// The documents changed: the question is put anew for the current one.
     void restart();
     /// No more answers: everything ends.
-    void close();
+    void close() override;
     /// Nothing is asked but the next command.
     bool isIdle() const { return isAsking() && mRequest->atCommandPrompt; }
     /// A question stands and nothing that answers it is on its way.

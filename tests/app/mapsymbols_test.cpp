@@ -1,4 +1,5 @@
-// The module's commands in the real window from start to end: clicks in the drawing, its panel and its dialog.
+// The module's commands in the real window from start to end: clicks in the drawing, its panel and its
+// dialog.
 #include "tests/app/windowdriver.h"
 
 #include <QAbstractButton>

@@ -1,8 +1,9 @@
 #include "tests/app/windowdriver.h"
 
 #include "app/startup.h"
-#include "host/mfc/appwindow.h"
 #include "tests/temporaryfolder.h"
+
+#include "host/mfc/appwindow.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,8 @@ int main(int argc, char** argv) {
     return RUN_ALL_TESTS();
 }
 
-WindowDriver::WindowDriver(const std::vector<std::string>& modules) : mWindow(std::make_unique<app::MainWindow>()) {
+WindowDriver::WindowDriver(const std::vector<std::string>& modules)
+    : mWindow(std::make_unique<app::MainWindow>()) {
     app::Options options;
     options.loadsDefaultModule = false;
     options.modules.assign(modules.begin(), modules.end());

@@ -215,9 +215,8 @@ std::unique_ptr<AcDbDatabase> readDrawing(const std::filesystem::path& file, Aca
     std::wstring message;
     status = host::editorView().runLong(host::displayPath(file), [&] {
         const Acad::ErrorStatus read =
-            host::fileFormats().read
-                ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
-                : Acad::eNotImplementedYet;
+            host::fileFormats().read ? host::fileFormats().read(*database, host::toWindowsPath(file), message)
+                                     : Acad::eNotImplementedYet;
         if (read == Acad::eOk && host::editorView().isShown()) {
             database->impl().places.of(database->currentSpaceId()); // where all lies: a picture asks for it
         }

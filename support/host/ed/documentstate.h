@@ -79,7 +79,7 @@ struct DocumentState {
     std::vector<EntityGrip> hotGrips;
     std::vector<AcEdSSGetFilter*> selectionFilters;
     AcEdInputPointManager points;
-    std::vector<UcsFrame> earlierUcs;    ///< the last one last
+    std::vector<UcsFrame> earlierUcs;   ///< the last one last
     std::deque<ShownView> earlierViews; ///< the last one last
 
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;

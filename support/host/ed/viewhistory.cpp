@@ -1,9 +1,9 @@
 #include "host/ed/viewhistory.h"
 
 #include "host/ed/acdocman.h"
+#include "host/ed/aced.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/editorview.h"
-#include "host/ed/aced.h"
 #include "host/ed/question.h"
 #include "host/ed/sysvars.h"
 #include "host/ed/ucs.h"
