@@ -6,7 +6,9 @@ if(QDV_SANITIZE) # Clang warns of other things than the compiler that the warnin
   target_compile_options(qdv_flags INTERFACE -w -fsanitize=address,undefined,fuzzer-no-link
     -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(qdv_flags INTERFACE -fsanitize=address,undefined)
+  set(QDV_NO_UNDEFINED "") # the sanitizers' own functions are in the program
 else()
+  set(QDV_NO_UNDEFINED -Wl,--no-undefined) # of modules
   target_compile_options(qdv_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
 endif()
