@@ -186,7 +186,8 @@ TEST(DxfHostile, deepNestingAndEndlessLists) {
     const Drawing drawing(section("BLOCKS", blocks) + entities(groups({{0, "INSERT"}, {2, "0"}})) + eof);
     EXPECT_EQ(drawing.model().size(), 1U);
     EXPECT_FALSE(drawing.written().empty());
-    EXPECT_NE(drawing.report().find("块 \"481\" 展开后有 1048574 个块参照, 嵌套 19 层"), std::string::npos) << drawing.report();
+    EXPECT_NE(drawing.report().find("块 \"481\" 展开后有 1048574 个块参照, 嵌套 19 层"), std::string::npos)
+        << drawing.report();
 }
 
 TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
@@ -197,7 +198,9 @@ TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
                                 groups({{0, "\\U+000A"}, {5, "32"}, {1, "x"}})) +
         eof);
     // A height apart from its point, which it comes to stand behind.
-    survives(entities(groups({{0, "POINT"}, {5, "30"}, {8, "0"}, {10, "1"}, {20, "2"}, {50, "45"}, {30, "7"}})) + eof);
+    survives(
+        entities(groups({{0, "POINT"}, {5, "30"}, {8, "0"}, {10, "1"}, {20, "2"}, {50, "45"}, {30, "7"}})) +
+        eof);
     // A dictionary that lists a table does not own it.
     survives(section("TABLES", groups({{0, "TABLE"}, {2, "STYLE"}, {5, "72"}, {70, "0"}, {0, "ENDTAB"}})) +
              section("OBJECTS", groups({{0, "DICTIONARY"}, {5, "C"}, {330, "0"}, {3, "A"}, {350, "D"}}) +

@@ -187,7 +187,8 @@ void GroupList::add(const DxfGroup& group) {
         }
         break;
     case ResbufKind::real:
-        // A coordinate that stands alone may, when written, come to stand after another that it makes a point with.
+        // A coordinate that stands alone may, when written, come to stand after another that it makes a point
+        // with.
         if (group.text.empty() || isCoordinate(group.code)) {
             addReal(group.code, group.real);
         } else {
