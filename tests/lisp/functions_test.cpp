@@ -192,7 +192,9 @@ TEST_F(LispFiles, KeepsToItsFolders) {
         {"(open (strcat code \"good.lsp\") \"w\")", "nil"},
         {"(vl-file-delete (strcat other \"secret.txt\"))", "nil"},
         {"(load (strcat data \"evil.lsp\"))",
-         ("!LOAD 失败: \"" + (folder / "data/").string() + "evil.lsp\"").c_str()},
+         ("!LOAD 失败: \"" + (folder / "data/").string() +
+          "evil.lsp\"，程序只从支持文件夹和变量 TRUSTEDPATHS 所列的文件夹加载")
+             .c_str()},
         {"(load (strcat data \"evil\") 'no)", "NO"},
         {"ran", "nil"},
         {"(load \"good\")", "C:GOOD"},

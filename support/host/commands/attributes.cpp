@@ -85,7 +85,11 @@ void runDefine() {
 std::wstring promptFor(const AcDbAttribute& attribute, const AcDbBlockTableRecord& block) {
     for (AcDbStub* stub : block.entities()) {
         const auto* definition = peek<AcDbAttributeDefinition>(stub);
-        if (definition != nullptr && std::wstring_view(definition->tagConst()) == attribute.tagConst() &&
+        if (definition == nullptr) {
+            continue;
+        }
+        const ReadAccess access(*definition);
+        if (std::wstring_view(definition->tagConst()) == attribute.tagConst() &&
             *definition->promptConst() != L'\0') {
             return definition->promptConst();
         }

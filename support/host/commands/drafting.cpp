@@ -98,27 +98,31 @@ void runObjectSnap() {
 
 void runColor() {
     const std::optional<AcCmEntityColor> color =
-        askColor(L"\n输入默认对象颜色", systemVariableText(L"CECOLOR"));
+        askColor(L"输入默认对象颜色", systemVariableText(L"CECOLOR"));
     if (color) {
         setSystemVariable(L"CECOLOR", colorText(*color));
     }
 }
 
 void runLineWeight() {
-    const TextAnswer answer =
-        askText(L"\n输入新对象的默认线宽（毫米），或 [随层(ByLayer)/随块(ByBlock)/默认(DEFAULT)]: ");
-    if (!answer.isValue()) {
-        return;
-    }
-    if (const std::optional<AcDb::LineWeight> weight = parseLineWeight(answer.text)) {
-        currentDatabase().setCelweight(*weight);
-    } else {
+    for (;;) {
+        const TextAnswer answer =
+            askText(L"\n输入新对象的默认线宽（毫米），或 [随层(ByLayer)/随块(ByBlock)/默认(DEFAULT)]: ");
+        if (!answer.isValue()) {
+            return;
+        }
+        if (const std::optional<AcDb::LineWeight> weight = parseLineWeight(answer.text)) {
+            currentDatabase().setCelweight(*weight);
+            return;
+        }
         acutPrintf(L"\n无效的线宽: \"%s\"。", answer.text.c_str());
     }
 }
 
 void runBase() {
-    const PointAnswer answer = askPoint(L"\n输入基点 <" + shownPoint(currentDatabase().insbase()) + L">: ");
+    const AcGePoint3d base = currentDatabase().insbase();
+    const PointAnswer answer =
+        askPoint(L"\n输入基点 <" + shown(base.x) + L"," + shown(base.y) + L"," + shown(base.z) + L">: ");
     if (answer.isValue()) {
         currentDatabase().setInsbase(answer.world);
     }

@@ -242,29 +242,61 @@ AcGeMatrix3d placingMatrix(const Placing& placing) {
            AcGeMatrix3d::translation(placing.shift);
 }
 
-/// The values of the definition's attributes, asked for when ATTREQ says so.
-void addAttributes(AcDbBlockReference& reference, const AcDbBlockTableRecord& block) {
-    const AcGeMatrix3d transform = reference.blockTransform();
+/// An attribute to be: Enter and Escape leave the value that the definition has.
+struct AttributeValue {
+    const AcDbAttributeDefinition* definition;
+    std::wstring value;
+
+    void ask() {
+        const ReadAccess access(*definition);
+        const std::wstring prompt =
+            *definition->promptConst() != L'\0' ? definition->promptConst() : definition->tagConst();
+        const TextAnswer answer =
+            askText(L"\n" + prompt + (value.empty() ? L": " : L" <" + value + L">: "), true);
+        if (answer.isValue()) {
+            value = answer.text;
+        }
+    }
+};
+
+/// The values of the definition's attributes, asked for when ATTREQ says so; once more those to be verified.
+std::vector<AttributeValue> attributeValues(const AcDbBlockTableRecord& block) {
     const bool asks = systemVariableInteger(L"ATTREQ") != 0;
+    std::vector<AttributeValue> values;
+    std::vector<std::size_t> verified;
     for (AcDbStub* stub : std::vector(block.entities())) {
         const auto* definition = peek<AcDbAttributeDefinition>(stub);
-        if (definition == nullptr || definition->isConstant()) {
+        if (definition == nullptr) {
             continue;
         }
         const ReadAccess access(*definition);
-        std::wstring value = definition->textStringConst();
+        if (definition->isConstant()) {
+            continue;
+        }
+        values.push_back({definition, definition->textStringConst()});
         if (asks && !definition->isPreset()) {
-            const std::wstring prompt =
-                *definition->promptConst() != L'\0' ? definition->promptConst() : definition->tagConst();
-            const TextAnswer answer =
-                askText(L"\n" + prompt + (value.empty() ? L": " : L" <" + value + L">: "), true);
-            if (answer.isValue()) {
-                value = answer.text;
+            values.back().ask();
+            if (definition->isVerifiable()) {
+                verified.push_back(values.size() - 1);
             }
         }
+    }
+    if (!verified.empty()) {
+        acutPrintf(L"\n验证属性值");
+    }
+    for (const std::size_t index : verified) {
+        values[index].ask();
+    }
+    return values;
+}
+
+void addAttributes(AcDbBlockReference& reference, const AcDbBlockTableRecord& block) {
+    const AcGeMatrix3d transform = reference.blockTransform();
+    for (const AttributeValue& one : attributeValues(block)) {
+        const ReadAccess access(*one.definition);
         auto* attribute = new AcDbAttribute;
-        attribute->setAttributeFromBlock(definition, transform);
-        attribute->setTextString(value.c_str());
+        attribute->setAttributeFromBlock(one.definition, transform);
+        attribute->setTextString(one.value.c_str());
         AcDbObjectId id;
         reference.appendAttribute(id, attribute);
         attribute->adjustAlignment(&currentDatabase());

@@ -11,6 +11,7 @@ struct Words {
 };
 
 std::optional<std::wstring> wordsOf(const AcDbEntity& entity) {
+    const ReadAccess access(entity);
     if (const auto* text = AcDbText::cast(&entity)) {
         return text->textStringConst();
     }
