@@ -10,6 +10,14 @@ namespace {
 constexpr double thin = 1.2;
 constexpr double farthest = 1e9;
 
+/// share: of 256 parts.
+inline std::uint32_t mixed(std::uint32_t below, std::uint32_t color, std::uint32_t share) {
+    const std::uint32_t rest = 256 - share;
+    const std::uint32_t redBlue = ((below & 0xFF00FF) * rest + (color & 0xFF00FF) * share) >> 8 & 0xFF00FF;
+    const std::uint32_t green = ((below & 0x00FF00) * rest + (color & 0x00FF00) * share) >> 8 & 0x00FF00;
+    return 0xFF000000 | redBlue | green;
+}
+
 } // namespace
 
 Raster::Raster(QImage& image, const QRect& clip)
@@ -99,6 +107,10 @@ void Raster::whole(PixelPoint from, PixelPoint to) {
         mWide.line(from.x, from.y, to.x, to.y);
         return;
     }
+    if (!mIsSmooth && isInside(from) && isInside(to)) {
+        plainInside(from, to);
+        return;
+    }
     // Lines along the axes stand on whole pixels and need no smoothing.
     const bool straight = std::abs(from.x - to.x) < 0.5 || std::abs(from.y - to.y) < 0.5;
     if (!cut(from, to, mClip.left() - 1, mClip.top() - 1, mClip.right() + 2, mClip.bottom() + 2)) {
@@ -130,13 +142,35 @@ void Raster::plain(PixelPoint from, PixelPoint to) {
     }
 }
 
-/// share: of 256 parts.
-void Raster::blend(std::size_t at, std::uint32_t share) {
-    const std::uint32_t below = mPixels[at];
-    const std::uint32_t rest = 256 - share;
-    const std::uint32_t redBlue = ((below & 0xFF00FF) * rest + (mColor & 0xFF00FF) * share) >> 8 & 0xFF00FF;
-    const std::uint32_t green = ((below & 0x00FF00) * rest + (mColor & 0x00FF00) * share) >> 8 & 0x00FF00;
-    mPixels[at] = 0xFF000000 | redBlue | green;
+/// The same pixels as plain() sets, where no pixel can lie outside: most lines of a full picture are such,
+/// and only a few pixels long.
+void Raster::plainInside(PixelPoint from, PixelPoint to) {
+    const int x0 = static_cast<int>(from.x);
+    const int y0 = static_cast<int>(from.y);
+    const int x1 = static_cast<int>(to.x);
+    const int y1 = static_cast<int>(to.y);
+    const auto row = static_cast<std::ptrdiff_t>(mRow);
+    std::uint32_t* const first = mPixels + y0 * row + x0;
+    *first = mColor;
+    const int dx = std::abs(x1 - x0);
+    const int dy = std::abs(y1 - y0);
+    const int steps = std::max(dx, dy);
+    if (steps <= 1) {
+        mPixels[y1 * row + x1] = mColor;
+        return;
+    }
+    if (dy == 0) {
+        std::fill_n(x1 > x0 ? first : first - dx, dx + 1, mColor);
+        return;
+    }
+    constexpr int fraction = 16; // pictures are narrower than 2^15 pixels
+    const int stepX = (x1 - x0) * (1 << fraction) / steps;
+    const int stepY = (y1 - y0) * (1 << fraction) / steps;
+    int x = (1 << (fraction - 1)) + stepX;
+    int y = (1 << (fraction - 1)) + stepY;
+    for (int i = 1; i <= steps; ++i, x += stepX, y += stepY) {
+        first[(y >> fraction) * row + (x >> fraction)] = mColor;
+    }
 }
 
 /// Two pixels across the line at each step along it, weighted by how near they are.
@@ -161,16 +195,29 @@ void Raster::smooth(PixelPoint from, PixelPoint to) {
     const auto step = static_cast<std::int64_t>(slope * one);
     const std::size_t strideU = steep ? mRow : 1;
     const std::size_t strideV = steep ? 1 : mRow;
+    const auto end = v + step * (last - first);
+    if (std::min(v, end) >> 16 >= lowV && (std::max(v, end) >> 16) + 1 <= highV) {
+        const std::uint32_t color = mColor;
+        std::uint32_t* column = mPixels + static_cast<std::size_t>(first) * strideU;
+        for (int u = first; u <= last; ++u, v += step, column += strideU) {
+            const auto share = static_cast<std::uint32_t>(v >> 8 & 0xFF);
+            std::uint32_t* const pixel = column + static_cast<std::size_t>(v >> 16) * strideV;
+            *pixel = mixed(*pixel, color, 256 - share);
+            pixel[strideV] = mixed(pixel[strideV], color, share);
+        }
+        return;
+    }
     for (int u = first; u <= last; ++u, v += step) {
         const int row = static_cast<int>(v >> 16);
         const auto share = static_cast<std::uint32_t>(v >> 8 & 0xFF);
         const std::size_t at =
             static_cast<std::size_t>(u) * strideU + static_cast<std::size_t>(std::max(row, 0)) * strideV;
         if (row >= lowV && row <= highV) {
-            blend(at, 256 - share);
+            mPixels[at] = mixed(mPixels[at], mColor, 256 - share);
         }
         if (row + 1 >= lowV && row + 1 <= highV) {
-            blend(row < 0 ? at : at + strideV, share);
+            std::uint32_t& below = mPixels[row < 0 ? at : at + strideV];
+            below = mixed(below, mColor, share);
         }
     }
 }

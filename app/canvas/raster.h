@@ -50,9 +50,13 @@ private:
             mPixels[static_cast<std::size_t>(y) * mRow + static_cast<std::size_t>(x)] = mColor;
         }
     }
-    void blend(std::size_t at, std::uint32_t share);
     void whole(PixelPoint from, PixelPoint to);
     void plain(PixelPoint from, PixelPoint to);
+    void plainInside(PixelPoint from, PixelPoint to);
+    bool isInside(const PixelPoint& point) const {
+        return point.x >= mClip.left() && point.x < mClip.right() + 1 && point.y >= mClip.top() &&
+               point.y < mClip.bottom() + 1;
+    }
     void smooth(PixelPoint from, PixelPoint to);
     QPainter& painter();
 

@@ -11,7 +11,10 @@ constexpr double dotBelow = 1.3;          ///< pixels: what is smaller is a dot
 constexpr double coarseDotBelow = 2.6;    ///< the same among very many
 constexpr std::size_t manyItems = 60'000; ///< in view: lines are drawn plain
 constexpr std::size_t veryManyItems = 150'000;
+constexpr double strokeBelow = 4.5; ///< pixels: what is smaller is a stroke along its box among very many
 constexpr double tooFineForFloats = 2e6; ///< pixels: geometry this large is drawn from doubles
+constexpr double fineChord = 0.2;        ///< pixels between a curve and its chords
+constexpr double coarseChord = 0.5;      ///< the same among many
 constexpr double legible = 4;            ///< pixels of a text height that are drawn as a text
 
 } // namespace
@@ -40,6 +43,7 @@ bool Renderer::draw(QImage& image, const QRect& clip, double seconds) {
     mScene.search(box, 0.7 * mView.unitsPerPixel,
                   [&](std::size_t index) { visible.push_back(static_cast<std::uint32_t>(index)); });
     raster.setSmooth(visible.size() < manyItems);
+    mChordTolerance = visible.size() < manyItems ? fineChord : coarseChord;
     const double dotSize = visible.size() > veryManyItems ? coarseDotBelow : dotBelow;
     const int dotPixels = std::max(1, static_cast<int>(std::lround(mLook.pixelRatio)));
     const int level = Scene::levelOf(mView.unitsPerPixel);
@@ -71,6 +75,10 @@ bool Renderer::draw(QImage& image, const QRect& clip, double seconds) {
             continue;
         }
         raster.setDash(0);
+        if (size < strokeBelow && visible.size() > veryManyItems) {
+            stroke(item, originX, originY, raster);
+            continue;
+        }
         if (size > tooFineForFloats) {
             if (auto* entity = host::peek<AcDbEntity>(AcDbObjectId(item.stub))) {
                 draw(mScene.drawnOnce(*entity, mView.centre, mView.unitsPerPixel, mView.box()), raster);
@@ -92,6 +100,19 @@ bool Renderer::draw(QImage& image, const QRect& clip, double seconds) {
         draw(item.geometry, raster);
     }
     return isWhole;
+}
+
+void Renderer::stroke(const SceneItem& item, double originX, double originY, Raster& raster) const {
+    raster.setColor(item.isHighlighted ? mLook.highlight : colorOf(item.isForeground, item.color));
+    raster.setWidth(mLook.pixelRatio);
+    const FloatBox& box = item.box;
+    const PixelPoint low{originX + static_cast<double>(box.left) * mScale,
+                         originY - static_cast<double>(box.bottom) * mScale};
+    const PixelPoint high{originX + static_cast<double>(box.right) * mScale,
+                          originY - static_cast<double>(box.top) * mScale};
+    const double x = 0.5 * (low.x + high.x);
+    const double y = 0.5 * (low.y + high.y);
+    box.width() >= box.height() ? raster.line({low.x, y}, {high.x, y}) : raster.line({x, low.y}, {x, high.y});
 }
 
 void Renderer::drawOnce(QImage& image, AcDbEntity& entity) {
@@ -167,10 +188,10 @@ void Renderer::curve(const PixelPoint (&points)[4], Raster& raster) const {
         return x * x + y * y;
     };
     const double bend = std::sqrt(std::max(bendAt(1), bendAt(2)));
-    constexpr double share = 0.75, within = 0.2;
+    constexpr double share = 0.75;
     constexpr int mostParts = 2000;
-    const int parts = static_cast<int>(
-        std::clamp(std::ceil(std::sqrt(share * bend / within)), 1.0, static_cast<double>(mostParts)));
+    const int parts = static_cast<int>(std::clamp(std::ceil(std::sqrt(share * bend / mChordTolerance)), 1.0,
+                                                  static_cast<double>(mostParts)));
     PixelPoint last = points[0];
     for (int i = 1; i <= parts; ++i) {
         const double t = static_cast<double>(i) / parts;

@@ -30,6 +30,7 @@ public:
 
 private:
     void draw(const Geometry& geometry, Raster& raster);
+    void stroke(const SceneItem& item, double originX, double originY, Raster& raster) const;
     void polyline(std::span<const std::uint32_t> words, Raster& raster);
     void path(const KeptPrimitive& primitive, Raster& raster);
     void area(const KeptPrimitive& primitive, Raster& raster);
@@ -47,6 +48,7 @@ private:
     const CanvasLook& mLook;
     double mOriginX = 0, mOriginY = 0; ///< of the geometry that is drawn, pixels
     double mScale = 1;                 ///< pixels a unit
+    double mChordTolerance = 0.2;      ///< pixels
     bool mIsHighlighted = false;
     std::vector<PixelPoint> mPoints;
     std::vector<std::uint32_t> mEnds;
