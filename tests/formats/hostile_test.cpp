@@ -197,6 +197,8 @@ TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
                                 groups({{0, "\\U+0020"}, {5, "31"}, {1, "x"}}) +
                                 groups({{0, "\\U+000A"}, {5, "32"}, {1, "x"}})) +
         eof);
+    // What is kept for want of data has no marker but the one that all entities have.
+    survives(entities(groups({{0, "ELLIPSE"}, {5, "30"}, {8, "0"}, {10, "1"}, {20, "2"}, {11, "0"}})) + eof);
     // A height apart from its point, which it comes to stand behind.
     survives(
         entities(groups({{0, "POINT"}, {5, "30"}, {8, "0"}, {10, "1"}, {20, "2"}, {50, "45"}, {30, "7"}})) +

@@ -57,6 +57,8 @@ public:
     AcDbStub* owner() const { return mOwner; }
     bool inPaperSpace() const { return mPaperSpace; }
     bool hasMarkers() const { return mMarkers > 0; }
+    /// One marker came: that of the class all entities are, not that of their own.
+    bool hasBaseMarkerOnly() const { return mMarkers == 1; }
     /// The first value that could not be read, with its line; such groups are passed over.
     struct Fault {
         std::size_t line = 0;

@@ -26,6 +26,26 @@ std::unique_ptr<AcDbObject> Reader::readKept(bool isEntity) {
     return object;
 }
 
+namespace {
+
+/// Geometry stands under the marker that all entities have: read as it stands, the entity would have none.
+bool hasStrayGeometry(const AcDbObject& object) {
+    const GroupList* groups = object.keptGroups("AcDbEntity");
+    const auto isGeometry = [](short code) {
+        return (code >= 10 && code < 60) || (code >= 210 && code < 240);
+    };
+    if (groups != nullptr) {
+        for (const GroupList::Group group : *groups) {
+            if (isGeometry(group.code)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace
+
 std::unique_ptr<AcDbObject> Reader::readObject(AcRxClass* recordClass, bool isEntity) {
     const bool fits = recordClass != nullptr && recordClass->isDerivedFrom(AcDbEntity::desc()) == isEntity;
     std::unique_ptr<AcDbObject> object;
@@ -35,7 +55,8 @@ std::unique_ptr<AcDbObject> Reader::readObject(AcRxClass* recordClass, bool isEn
         mHasProxies =
             mHasProxies || recordClass == AcDbProxyEntity::desc() || recordClass == AcDbProxyObject::desc();
         const Acad::ErrorStatus status = object->dxfIn(&mFiler);
-        if (status != Acad::eOk && mFiler.fault().what.empty()) {
+        const bool isUnmarked = isEntity && mFiler.hasBaseMarkerOnly() && hasStrayGeometry(*object);
+        if ((status != Acad::eOk || isUnmarked) && mFiler.fault().what.empty()) {
             std::wstring why = mFiler.errorMessage();
             mFiler.resetFilerStatus();
             report(fromUtf8(mFiler.recordName()) + L" 的数据不完整" + (why.empty() ? L"" : L": " + why),
