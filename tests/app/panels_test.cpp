@@ -222,7 +222,7 @@ TEST(LayerPanel, ASwitchOfChosenRowsMeansThemAll) {
         for (AcDbStub* stub : host::peek<AcDbLayerTable>(acdbCurDwg()->layerTableId())->records()) {
             const auto* layer = host::peek<AcDbLayerTableRecord>(AcDbObjectId(stub));
             if (layer != nullptr && layer->isLocked()) {
-                names += host::toUtf8(layer->name());
+                names += host::toUtf8(layer->name().kwszPtr());
             }
         }
         std::ranges::sort(names);
