@@ -208,9 +208,12 @@ MadeFrame makeFrame(const DialogTemplate& from, HWND owner, const CWnd* object) 
         return {frame, frame->content, frame->measures};
     }
     auto* content = new ContentWidget(nullptr);
-    content->setParent(parent != nullptr ? parent->window() : nullptr, Qt::Dialog | Qt::CustomizeWindowHint |
-                                                                           Qt::WindowTitleHint |
-                                                                           Qt::WindowCloseButtonHint);
+    // Without a sizing border the window manager leaves the size to the program.
+    const Qt::WindowFlags sizing =
+        (from.style & WS_THICKFRAME) != 0 ? Qt::WindowFlags() : Qt::MSWindowsFixedSizeDialogHint;
+    content->setParent(parent != nullptr ? parent->window() : nullptr,
+                       Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                           Qt::WindowCloseButtonHint | sizing);
     return {content, content, {}};
 }
 
