@@ -1,3 +1,4 @@
+// Menus from the bytes of resources: items in their order, each followed by those of the menu it opens.
 #include "host/mfc/widgets/menumodel.h"
 #include "host/mfc/widgets/templatereader.h"
 
