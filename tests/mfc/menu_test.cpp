@@ -91,6 +91,16 @@ END_MESSAGE_MAP()
 
 using Events = std::vector<CString>;
 
+/// Works what opens by hand.
+class Hand : public host::UserInput {
+public:
+    host::InputItem read(const host::InputRequest&) override { return {}; }
+    bool atEnd() override { return true; }
+    bool worksDialogs() const override { return true; }
+    void post(std::wstring_view) override {}
+    std::wstring takePosted() override { return {}; }
+};
+
 class Menus : public DialogSession {
 protected:
     void SetUp() override {
@@ -115,6 +125,7 @@ protected:
     QWidget* widget(int id) { return dialog.GetDlgItem(id)->m_hWnd->widget; }
 
     MenuDialog dialog;
+    Hand hand;
 };
 
 TEST_F(Menus, AreReadFromResources) {
@@ -291,18 +302,7 @@ TEST_F(Menus, WrongAnswersAreToldAndAnUnansweredMenuEndsTheScript) {
     EXPECT_THROW(run("@context 1003\n@menu 301\n\n"), std::runtime_error);
 }
 
-/// Works what opens by hand.
-class Hand : public host::UserInput {
-public:
-    host::InputItem read(const host::InputRequest&) override { return {}; }
-    bool atEnd() override { return true; }
-    bool worksDialogs() const override { return true; }
-    void post(std::wstring_view) override {}
-    std::wstring takePosted() override { return {}; }
-};
-
 TEST_F(Menus, AreSeenAsTheyAreAndChosenByHand) {
-    Hand hand;
     host::inputStream().setUser(&hand);
     QTimer looks;
     looks.setInterval(1);

@@ -256,14 +256,17 @@ void HWND__::askMenu(LPARAM at) {
 
 // Also of the menu key, which means no place.
 bool HWND__::contextEvent(QEvent* event) {
-    if (!isEnabled())
-        return false; // its parent's
     const auto& asked = static_cast<const QContextMenuEvent&>(*event);
     event->accept();
+    HWND meant = this; // a disabled window's clicks are its parent's
+    while (meant != nullptr && !meant->isEnabled())
+        meant = (meant->style & WS_CHILD) != 0 ? meant->parent : nullptr;
+    if (meant == nullptr)
+        return true;
     if (asked.reason() == QContextMenuEvent::Keyboard)
-        askMenu(host::byKeyboard);
+        meant->askMenu(host::byKeyboard);
     else
-        rightClick(asked.globalPos());
+        meant->rightClick(asked.globalPos());
     return true;
 }
 
