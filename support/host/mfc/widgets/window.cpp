@@ -385,6 +385,13 @@ HWND windowOfWidget(const QWidget* widget) {
     return nullptr;
 }
 
+void resizeWidget(QWidget& widget, QSize size) {
+    if (widget.minimumSize() == widget.maximumSize())
+        widget.setFixedSize(size);
+    else
+        widget.resize(size);
+}
+
 HWND adoptWidget(QWidget* widget) {
     if (widget == nullptr)
         return nullptr;

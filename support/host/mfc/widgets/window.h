@@ -115,6 +115,8 @@ void destroyWindow(HWND window);
 // A widget made elsewhere as a window; it stays its owner's.
 HWND adoptWidget(QWidget* widget);
 HWND windowOfWidget(const QWidget* widget);
+// By the program; one that the user can't resize stays so.
+void resizeWidget(QWidget& widget, QSize size);
 
 // Dialog fonts by face, points and weight; all faces of dialogs are one here.
 QFont dialogFont(std::wstring_view face, int points, int weight, bool italic);
