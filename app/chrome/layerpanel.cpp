@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -39,10 +40,31 @@ QString colorText(const AcCmEntityColor& color) {
                : QString::number(color.colorIndex());
 }
 
+/// Clicks on the switches of chosen rows mean all of them, and leave them chosen.
+class LayerTable final : public QTreeWidget {
+protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override {
+        const QEvent::Type type = event != nullptr ? event->type() : QEvent::None;
+        if (type == QEvent::MouseButtonPress) {
+            const auto& press = static_cast<const QMouseEvent&>(*event);
+            mKeepsChoice = index.column() > 0 && selectionModel()->isSelected(index) &&
+                           press.button() == Qt::LeftButton && !press.modifiers().testFlag(Qt::ShiftModifier);
+        }
+        const bool isMouse = type == QEvent::MouseButtonPress || type == QEvent::MouseMove ||
+                             type == QEvent::MouseButtonRelease;
+        return isMouse && mKeepsChoice ? QItemSelectionModel::NoUpdate
+                                       : QTreeWidget::selectionCommand(index, event);
+    }
+
+private:
+    mutable bool mKeepsChoice = false; ///< since the button was pressed
+};
+
 } // namespace
 
 LayerPanel::LayerPanel(QWidget* parent)
-    : QDockWidget(tr("图层管理"), parent), mTable(new QTreeWidget), mFilter(new QLineEdit) {
+    : QDockWidget(tr("图层管理"), parent), mTable(new LayerTable), mFilter(new QLineEdit) {
     setObjectName(QStringLiteral("layerPanel"));
     auto* box = new QWidget;
     auto* layout = new QVBoxLayout(box);

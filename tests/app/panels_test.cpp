@@ -10,6 +10,7 @@
 #include <QAbstractButton>
 #include <QLineEdit>
 #include <QMenu>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -185,6 +186,77 @@ TEST(LayerPanel, ItsSwitchesAreStepsOfUndo) {
                     d.window().trigger("_.U", false);
                 },
                 [](Driver&) { EXPECT_FALSE(layerZero().isLocked()); }});
+}
+
+TEST(LayerPanel, ASwitchOfChosenRowsMeansThemAll) {
+    constexpr int nameColumn = 0, lockColumn = 3;
+    Driver driver;
+    const auto table = [](Driver& d) {
+        return d.window().findChild<QDockWidget*>(QStringLiteral("layerPanel"))->findChild<QTreeWidget*>();
+    };
+    // As by hand, with a hand that is not quite still.
+    const auto click = [&](Driver& d, const char* layer, int column, Qt::KeyboardModifiers modifiers = {}) {
+        QTreeWidget& rows = *table(d);
+        QTreeWidgetItem* row = rowOf(rows, QString::fromUtf8(layer));
+        ASSERT_NE(row, nullptr) << layer;
+        const QRect cell = rows.visualRect(rows.indexFromItem(row, column));
+        const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held) {
+            QMouseEvent event(type, at, rows.viewport()->mapToGlobal(at), button, held, modifiers);
+            QApplication::sendEvent(rows.viewport(), &event);
+        };
+        const QPoint at = cell.center();
+        send(QEvent::MouseButtonPress, at, Qt::LeftButton, Qt::LeftButton);
+        send(QEvent::MouseMove, at + QPoint(1, 1), Qt::NoButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, at + QPoint(1, 1), Qt::LeftButton, Qt::NoButton);
+    };
+    const auto chosen = [&](Driver& d) {
+        QString names;
+        for (const QTreeWidgetItem* row : table(d)->selectedItems()) {
+            names += row->text(nameColumn);
+        }
+        std::ranges::sort(names);
+        return names.toStdString();
+    };
+    const auto locked = [] {
+        std::string names;
+        for (AcDbStub* stub : host::peek<AcDbLayerTable>(acdbCurDwg()->layerTableId())->records()) {
+            const auto* layer = host::peek<AcDbLayerTableRecord>(AcDbObjectId(stub));
+            if (layer != nullptr && layer->isLocked()) {
+                names += host::toUtf8(layer->name().kwszPtr());
+            }
+        }
+        std::ranges::sort(names);
+        return names;
+    };
+    driver.run({[](Driver& d) { d.type(QStringLiteral("-LAYER N A,B,C\n\n")); },
+                [](Driver& d) { d.window().trigger("@layers", false); },
+                [&](Driver& d) {
+                    click(d, "A", nameColumn);
+                    click(d, "C", nameColumn, Qt::ControlModifier);
+                    EXPECT_EQ(chosen(d), "AC");
+                    click(d, "A", lockColumn, Qt::ControlModifier);
+                },
+                [&](Driver& d) {
+                    EXPECT_EQ(locked(), "AC");
+                    EXPECT_EQ(chosen(d), "AC");
+                    click(d, "C", lockColumn);
+                },
+                [&](Driver& d) {
+                    EXPECT_EQ(locked(), "");
+                    EXPECT_EQ(chosen(d), "AC");
+                    click(d, "B", lockColumn);
+                },
+                [&](Driver& d) {
+                    EXPECT_EQ(locked(), "B");
+                    EXPECT_EQ(chosen(d), "B") << "a row that was not chosen is meant alone";
+                    click(d, "0", lockColumn, Qt::ControlModifier);
+                },
+                [&](Driver& d) {
+                    EXPECT_EQ(locked(), "0B");
+                    EXPECT_EQ(chosen(d), "0B");
+                    d.window().trigger("_.U", false);
+                },
+                [&](Driver&) { EXPECT_EQ(locked(), "B") << "one step of undo"; }});
 }
 
 TEST(View, TheStoredOneIsShownWhenItShowsSomething) {

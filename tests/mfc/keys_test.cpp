@@ -5,9 +5,14 @@
 #include "host/mfc/widgets/dialogwindow.h"
 #include "host/mfc/widgets/script.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
 #include <QMouseEvent>
+#include <algorithm>
 
 namespace {
 
@@ -180,6 +185,23 @@ TEST_F(Keys, UnitsAndPicturesFollowTheScale) {
     EXPECT_EQ(plain.width(), window.Width());
     // Drawn finer, and not only enlarged.
     EXPECT_NE(plain.scaled(fine.size()), fine.copy());
+}
+
+TEST_F(Keys, TheToolkitsOwnTextsAreChinese) {
+    const auto isLatin = [](const QString& text) {
+        return std::ranges::any_of(text, [](QChar c) { return c.isLetter(); }) &&
+               std::ranges::none_of(text, [](QChar c) { return c.unicode() >= 0x2E80; });
+    };
+    QMessageBox box(QMessageBox::NoIcon, {}, {}, QMessageBox::StandardButtons(0x0FFFFC00));
+    EXPECT_GE(box.buttons().size(), 18);
+    for (const QAbstractButton* button : box.buttons())
+        EXPECT_FALSE(isLatin(button->text())) << button->text().toStdString();
+    QFileDialog files;
+    files.setOption(QFileDialog::DontUseNativeDialog);
+    for (const QLabel* label : files.findChildren<QLabel*>())
+        EXPECT_FALSE(isLatin(label->text())) << label->text().toStdString();
+    for (const QAbstractButton* button : files.findChildren<QAbstractButton*>())
+        EXPECT_FALSE(isLatin(button->text()) || isLatin(button->toolTip())) << button->text().toStdString();
 }
 
 TEST_F(Keys, WindowsOfTheHostAreThereWithoutAWindow) {

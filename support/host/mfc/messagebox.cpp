@@ -92,6 +92,7 @@ public:
         auto* window = dialogOf(m_hWnd);
         window->isMessageBox = true;
         fill(*window);
+        CenterWindow(owner);
         const int result = runModal(*window);
         DestroyWindow();
         processEvents();

@@ -11,6 +11,7 @@ class CWnd;
 class CDC;
 class CPoint;
 class CCmdUI;
+class CMenu;
 
 namespace host {
 
@@ -29,6 +30,7 @@ struct MessageCall {
 CWnd* windowOf(HWND window);
 CWnd* windowOf(WPARAM window);
 CDC* contextOf(WPARAM context);
+CMenu* menuOf(WPARAM menu);
 
 } // namespace host
 
@@ -180,6 +182,13 @@ protected:                                                                      
     HOST_WINDOW_ENTRY(WM_COPYDATA,                                                                           \
                       call.result = self.OnCopyData(host::windowOf(call.wParam),                             \
                                                     reinterpret_cast<COPYDATASTRUCT*>(call.lParam)))
+// The place is that on the screen; -1,-1 when the menu was asked for by the keyboard.
+#define ON_WM_CONTEXTMENU()                                                                                  \
+    HOST_WINDOW_ENTRY(WM_CONTEXTMENU, self.OnContextMenu(host::windowOf(call.wParam), CPoint(call.lParam)))
+#define ON_WM_INITMENU() HOST_WINDOW_ENTRY(WM_INITMENU, self.OnInitMenu(host::menuOf(call.wParam)))
+#define ON_WM_INITMENUPOPUP()                                                                                \
+    HOST_WINDOW_ENTRY(WM_INITMENUPOPUP, self.OnInitMenuPopup(host::menuOf(call.wParam), LOWORD(call.lParam), \
+                                                             static_cast<BOOL>(HIWORD(call.lParam))))
 #define ON_WM_DRAWITEM()                                                                                     \
     HOST_WINDOW_ENTRY(WM_DRAWITEM, self.OnDrawItem(static_cast<int>(call.wParam),                            \
                                                    reinterpret_cast<LPDRAWITEMSTRUCT>(call.lParam)))

@@ -10,6 +10,7 @@
 #include "host/mfc/gdi.h"
 #include "host/mfc/geometry.h"
 #include "host/mfc/listctrl.h"
+#include "host/mfc/menu.h"
 #include "host/mfc/modulestate.h"
 #include "host/mfc/winapp.h"
 #include "host/mfc/wnd.h"

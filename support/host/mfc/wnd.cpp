@@ -443,7 +443,7 @@ BOOL CWnd::SetWindowPos(const CWnd*, int x, int y, int width, int height, UINT f
     if (!widget->isWindow()) {
         widget->setGeometry(QRect(place, size));
     } else {
-        widget->resize(size);
+        host::resizeWidget(*widget, size);
         widget->move(place);
     }
     if (widget->size() != before)

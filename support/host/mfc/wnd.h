@@ -180,6 +180,9 @@ protected:
     void OnVScroll(UINT, UINT, CScrollBar*) { Default(); }
     BOOL OnCopyData(CWnd*, COPYDATASTRUCT*) { return static_cast<BOOL>(Default()); }
     void OnDrawItem(int, LPDRAWITEMSTRUCT) { Default(); }
+    void OnContextMenu(CWnd*, CPoint) { Default(); }
+    void OnInitMenu(CMenu*) { Default(); }
+    void OnInitMenuPopup(CMenu*, UINT, BOOL) { Default(); }
     HBRUSH OnCtlColor(CDC*, CWnd*, UINT) { return reinterpret_cast<HBRUSH>(Default()); }
 
 private:

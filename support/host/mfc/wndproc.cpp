@@ -1,4 +1,5 @@
 // From messages to handlers: message maps, commands, notifications and their reflection.
+#include "host/mfc/menu.h"
 #include "host/mfc/widgets/context.h"
 #include "host/mfc/widgets/window.h"
 #include "host/mfc/wnd.h"
@@ -45,6 +46,9 @@ CWnd* windowOf(WPARAM window) {
 }
 CDC* contextOf(WPARAM context) {
     return CDC::FromHandle(reinterpret_cast<HDC>(context));
+}
+CMenu* menuOf(WPARAM menu) {
+    return CMenu::FromHandle(reinterpret_cast<HMENU>(menu));
 }
 CScrollBar* scrollBarOf(LPARAM) {
     return nullptr; // scroll bars here are parts of windows

@@ -2,6 +2,7 @@
 
 #include "host/ed/input.h"
 #include "host/mfc/appwindow.h"
+#include "host/mfc/widgets/toolkittexts.h"
 #include "host/mfc/widgets/window.h"
 #include "host/rx/text.h"
 
@@ -92,6 +93,7 @@ QApplication& application() {
         auto* made = new GuardedApplication(argumentCount, arguments);
         made->setApplicationName("qdvhost");
         made->setQuitOnLastWindowClosed(false);
+        translateToolkit(*made);
         made->setStyle(QStyleFactory::create("Fusion"));
         made->setPalette(lightPalette());
         made->setFont(dialogFont(L"", 9, FW_NORMAL, false));

@@ -1,5 +1,7 @@
 #include "host/mfc/widgets/combos.h"
 
+#include "host/mfc/widgets/editmenu.h"
+
 #include <QAbstractItemView>
 #include <QCollator>
 #include <QEvent>
@@ -126,9 +128,16 @@ LRESULT ComboWindow::defaultProc(UINT message, WPARAM wParam, LPARAM lParam) {
         return select(static_cast<int>(wParam)) ? static_cast<LRESULT>(wParam) : CB_ERR;
     case CB_GETCOUNT:
         return combo().count();
+    case WM_CONTEXTMENU:
+        if (!isEditable())
+            break;
+        showEditMenu(*combo().lineEdit(), this, lParam);
+        return 0;
     default:
-        return HWND__::defaultProc(message, wParam, lParam);
+        break;
     }
+    const bool done = isEditable() && runEditMessage(*combo().lineEdit(), message);
+    return done ? TRUE : HWND__::defaultProc(message, wParam, lParam);
 }
 
 void ComboWindow::chooseByHand(int index) {

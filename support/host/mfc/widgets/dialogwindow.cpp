@@ -86,7 +86,8 @@ void DialogWindow::end(int value) {
 }
 
 void DialogWindow::resizeContent(QSize size) {
-    widget->resize(size.width() + 2 * measures.border, size.height() + measures.title + 2 * measures.border);
+    resizeWidget(*widget, QSize(size.width() + 2 * measures.border,
+                                size.height() + measures.title + 2 * measures.border));
     if (auto* frame = dynamic_cast<FrameWidget*>(widget.data()))
         frame->layOut();
 }
@@ -250,6 +251,9 @@ DialogWindow* buildDialog(const DialogTemplate& from, HWND owner, CWnd* object, 
         window->resizeContent(rect.size());
     if ((from.style & (WS_THICKFRAME | WS_CHILD)) == 0)
         made.frame->setMinimumSize(0, 0);
+    // Without a sizing border the window manager leaves the size to the program.
+    if ((from.style & (WS_THICKFRAME | WS_CHILD)) == 0 && made.frame == made.content)
+        made.frame->setFixedSize(made.frame->size());
     if ((from.style & WS_CHILD) == 0)
         placeOverOwner(*made.frame, owner, modal);
     if (object != nullptr)

@@ -1,5 +1,7 @@
 #include "host/mfc/widgets/edits.h"
 
+#include "host/mfc/widgets/editmenu.h"
+
 #include <QEvent>
 #include <QRegularExpressionValidator>
 
@@ -20,6 +22,7 @@ EditWindow::EditWindow(QWidget* made, const WindowSpec& spec)
     } else if (QPlainTextEdit* text = lines()) {
         text->setPlainText(toQt(spec.text).remove('\r'));
         text->setTabChangesFocus(true);
+        text->viewport()->installEventFilter(this);
         QObject::connect(text, &QPlainTextEdit::textChanged, this, [this] { changed(); });
     }
     setReadOnly((style & ES_READONLY) != 0);
@@ -116,9 +119,19 @@ LRESULT EditWindow::defaultProc(UINT message, WPARAM wParam, LPARAM lParam) {
     case EM_SETREADONLY:
         setReadOnly(wParam != 0);
         return TRUE;
+    case WM_CONTEXTMENU:
+        if (QLineEdit* edit = line())
+            showEditMenu(*edit, this, lParam);
+        else if (QPlainTextEdit* text = lines())
+            showEditMenu(*text, this, lParam);
+        return 0;
     default:
-        return HWND__::defaultProc(message, wParam, lParam);
+        break;
     }
+    const bool done = line() != nullptr    ? runEditMessage(*line(), message)
+                      : lines() != nullptr ? runEditMessage(*lines(), message)
+                                           : false;
+    return done ? TRUE : HWND__::defaultProc(message, wParam, lParam);
 }
 
 std::wstring EditWindow::scriptSet(const std::wstring& value) {

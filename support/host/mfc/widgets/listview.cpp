@@ -221,6 +221,20 @@ void ListViewWindow::activate(UINT code, int row) {
         notify(item.hdr, code);
 }
 
+// Of no row (-1) beside the rows.
+bool ListViewWindow::tellRightClick(QPoint onScreen) {
+    const QPoint at = view().viewport()->mapFromGlobal(onScreen);
+    NMITEMACTIVATE item{};
+    item.iItem = view().indexAt(at).row();
+    item.ptAction = {at.x(), at.y()};
+    return notify(item.hdr, NM_RCLICK) != 0;
+}
+
+QPoint ListViewWindow::contextPlace() const {
+    const QRect row = view().visualRect(view().currentIndex());
+    return row.isEmpty() ? HWND__::contextPlace() : view().viewport()->mapToGlobal(row.center());
+}
+
 // What lost the selection is told first.
 void ListViewWindow::selectionChanged(const QItemSelection& now, const QItemSelection& before) {
     const auto tell = [this](const QItemSelection& rows, bool selected) {

@@ -75,6 +75,7 @@ public:
 
     std::wstring kind() const override { return isReport() ? L"列表" : L"图片列表"; }
     LRESULT defaultProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    QPoint contextPlace() const override; // on the focused row
     std::wstring scriptSet(const std::wstring& value) override;
     std::wstring scriptSelect(const std::vector<int>& items) override;
     std::wstring scriptClick() override;
@@ -86,6 +87,7 @@ public:
 
 protected:
     bool filter(QEvent* event) override;
+    bool tellRightClick(QPoint onScreen) override;
 
 private:
     void selectionChanged(const class QItemSelection& now, const QItemSelection& before);

@@ -5,6 +5,7 @@
 #include "host/ed/console.h"
 #include "host/ed/input.h"
 #include "host/mfc/widgets/application.h"
+#include "host/mfc/widgets/popupmenu.h"
 #include "host/rx/text.h"
 #include "host/win/paths.h"
 
@@ -162,6 +163,20 @@ void click(Words& words) {
     demand(id, control->scriptClick());
 }
 
+// The right button, or its key: in the middle of the control, or on its chosen row.
+void context(Words& words) {
+    HWND control = usableControl(std::wstring(trim(words.rest())));
+    control->rightClick(control->contextPlace());
+}
+
+void chooseInMenu(Words& words) {
+    PopupMenu* menu = openMenu();
+    if (menu == nullptr)
+        throw Refused{L"没有打开的菜单"};
+    if (const std::wstring fault = menu->choose(std::wstring(trim(words.rest()))); !fault.empty())
+        throw Refused{fault};
+}
+
 void select(Words& words) {
     const std::wstring id = words.next();
     HWND control = usableControl(id);
@@ -198,9 +213,13 @@ void shot(Words& words) {
     const std::vector<DialogWindow*> dialogs = addressed();
     if (name.empty())
         throw Refused{L"@shot 缺少文件名"};
-    if (dialogs.empty())
+    const PopupMenu* menu = openMenu();
+    if (dialogs.empty() && menu == nullptr)
         throw Refused{L"没有打开的对话框"};
-    const QImage picture = windowPicture(dialogs.front(), dialogs.front()->widget->devicePixelRatioF());
+    if (menu != nullptr)
+        menu->widget()->adjustSize();
+    QWidget& shown = menu != nullptr ? *menu->widget() : *dialogs.front()->widget;
+    const QImage picture = widgetPicture(shown, shown.devicePixelRatioF());
     if (!picture.save(toQt(name), "PNG"))
         throw Refused{L"无法写入图片: " + name};
 }
@@ -220,15 +239,18 @@ void answer(Words& words) {
 struct Verb {
     std::wstring_view name;
     void (*run)(Words&);
+    bool worksOnMenus = false; // the others can't reach past an open menu
 };
-constexpr std::array<Verb, 8> verbs{{{L"@set", set},
-                                     {L"@check", check},
-                                     {L"@click", click},
-                                     {L"@select", select},
-                                     {L"@cell", cell},
-                                     {L"@get", get},
-                                     {L"@shot", shot},
-                                     {L"@answer", answer}}};
+constexpr std::array<Verb, 10> verbs{{{L"@set", set},
+                                      {L"@check", check},
+                                      {L"@click", click},
+                                      {L"@context", context},
+                                      {L"@menu", chooseInMenu, true},
+                                      {L"@select", select},
+                                      {L"@cell", cell},
+                                      {L"@get", get},
+                                      {L"@shot", shot, true},
+                                      {L"@answer", answer}}};
 
 void perform(const std::wstring& line) {
     Words words(line);
@@ -236,6 +258,8 @@ void perform(const std::wstring& line) {
     const auto found = std::ranges::find(verbs, name, &Verb::name);
     if (found == verbs.end())
         throw Refused{L"不认识的对话框指令: “" + name + L"”"};
+    if (openMenu() != nullptr && !found->worksOnMenus)
+        throw Refused{L"菜单打开着，请先用 @menu 选一项；" + openMenu()->listItems()};
     found->run(words);
 }
 
@@ -249,30 +273,42 @@ void show(const std::wstring& line) {
 }
 
 // Nobody answers: the script can't go on, since its next lines were meant for somewhere else.
-void tellUnanswered(const DialogWindow& dialog) {
+void tellUnanswered(const std::wstring& name, const std::wstring& choices) {
     UserInput* user = inputStream().user();
     if (user == nullptr)
         return;
     const bool terminal = user->echoesItself();
-    reportFailure(nameOf(dialog) + (terminal ? L"没有应答，已取消。" : L"没有应答，脚本到此结束。") +
-                  listControls(dialog));
+    reportFailure(name + (terminal ? L"没有应答，已取消。" : L"没有应答，脚本到此结束。") + choices);
     if (!terminal)
         user->close();
 }
 
-void runByScript(DialogWindow& dialog) {
-    while (!dialog.ended && !dialog.dying) {
+// Reads lines until what is open has ended, or an exception is to be thrown; false when there are no more
+// before.
+template <class Ended>
+bool followLines(Ended hasEnded) {
+    while (!hasEnded()) {
         processEvents();
-        if (keptException() || dialog.ended)
-            return;
+        if (keptException() || hasEnded())
+            return true;
         const std::optional<std::wstring> line = inputStream().takeDialogLine();
-        if (!line) {
-            tellUnanswered(dialog);
-            dialog.end(IDCANCEL);
-            return;
-        }
+        if (!line)
+            return false;
         driveDialogs(*line);
     }
+    return true;
+}
+
+void runByScript(DialogWindow& dialog) {
+    if (!followLines([&] { return dialog.ended || dialog.dying; })) {
+        tellUnanswered(nameOf(dialog), listControls(dialog));
+        dialog.end(IDCANCEL);
+    }
+}
+
+bool worksByHand() {
+    const UserInput* user = inputStream().user();
+    return user != nullptr && user->worksDialogs();
 }
 
 void runByHand(DialogWindow& dialog) {
@@ -304,12 +340,18 @@ int runModal(DialogWindow& dialog) {
     const QPointer<HWND__> alive(&dialog);
     dialog.widget->show();
     dialog.widget->activateWindow();
-    const UserInput* user = inputStream().user();
-    if (user != nullptr && user->worksDialogs())
+    if (worksByHand())
         runByHand(dialog);
     else
         runByScript(dialog);
     return alive.isNull() ? IDCANCEL : dialog.result;
+}
+
+void runMenu(PopupMenu& menu, QPoint at) {
+    if (worksByHand())
+        menu.runByHand(at);
+    else if (!followLines([&] { return menu.hasEnded(); }))
+        tellUnanswered(L"菜单", menu.listItems());
 }
 
 void dialogOpened() {
@@ -321,8 +363,7 @@ void dialogOpened() {
     };
 }
 
-QImage windowPicture(HWND window, double scale) {
-    QWidget& widget = *window->widget;
+QImage widgetPicture(QWidget& widget, double scale) {
     widget.ensurePolished();
     QImage picture(widget.size() * scale, QImage::Format_RGB32);
     picture.setDevicePixelRatio(scale);

@@ -98,6 +98,10 @@ LRESULT HWND__::defaultProc(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     case WM_NCHITTEST:
         return HTCLIENT;
+    case WM_CONTEXTMENU: // the window stays the one that was meant
+        return (style & WS_CHILD) != 0 && parent != nullptr && !parent->dying
+                   ? parent->send(message, wParam, lParam)
+                   : 0;
     case WM_GETFONT:
         return reinterpret_cast<LRESULT>(font);
     case WM_SETFONT:
@@ -197,6 +201,11 @@ bool HWND__::keyEvent(QEvent* event, bool down) {
     }
     if (taken || self.isNull())
         return true;
+    if (key.key() == Qt::Key_F10 && key.modifiers() == Qt::ShiftModifier) {
+        if (down)
+            askMenu(host::byKeyboard);
+        return true;
+    }
     const QString typed = down ? key.text() : QString();
     const bool isCharacter = !typed.isEmpty() && (typed[0].isPrint() || code == VK_BACK || code == VK_RETURN);
     if (object == nullptr) {
@@ -229,6 +238,36 @@ bool HWND__::mouseEvent(QEvent* event) {
             break;
     }
     return object != nullptr && (offer(message, keys, host::packed(at), event), true);
+}
+
+QPoint HWND__::contextPlace() const {
+    return widget.isNull() ? QPoint() : widget->mapToGlobal(widget->rect().center());
+}
+
+void HWND__::rightClick(QPoint onScreen) {
+    const QPointer<HWND__> self(this);
+    if (!tellRightClick(onScreen) && !self.isNull() && !dying)
+        askMenu(host::packed(onScreen));
+}
+
+void HWND__::askMenu(LPARAM at) {
+    host::guarded([&] { send(WM_CONTEXTMENU, reinterpret_cast<WPARAM>(this), at); });
+}
+
+// Also of the menu key, which means no place.
+bool HWND__::contextEvent(QEvent* event) {
+    const auto& asked = static_cast<const QContextMenuEvent&>(*event);
+    event->accept();
+    HWND meant = this; // a disabled window's clicks are its parent's
+    while (meant != nullptr && !meant->isEnabled())
+        meant = (meant->style & WS_CHILD) != 0 ? meant->parent : nullptr;
+    if (meant == nullptr)
+        return true;
+    if (asked.reason() == QContextMenuEvent::Keyboard)
+        meant->askMenu(host::byKeyboard);
+    else
+        meant->rightClick(asked.globalPos());
+    return true;
 }
 
 bool HWND__::filter(QEvent* event) {
@@ -265,6 +304,8 @@ bool HWND__::eventFilter(QObject* watched, QEvent* event) {
     const QEvent::Type type = event->type();
     if (type == QEvent::KeyPress || type == QEvent::KeyRelease)
         return keyEvent(event, type == QEvent::KeyPress);
+    if (type == QEvent::ContextMenu)
+        return contextEvent(event);
     if (isViewport(watched)) {
         // Such events pass through the widget's own filter; they go on when the class has let them.
         if (mouseMessage(*event) == WM_NULL || object == nullptr)
@@ -342,6 +383,13 @@ HWND windowOfWidget(const QWidget* widget) {
             return found->second;
     }
     return nullptr;
+}
+
+void resizeWidget(QWidget& widget, QSize size) {
+    if (widget.minimumSize() == widget.maximumSize())
+        widget.setFixedSize(size);
+    else
+        widget.resize(size);
 }
 
 HWND adoptWidget(QWidget* widget) {

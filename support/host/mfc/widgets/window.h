@@ -58,6 +58,10 @@ public:
     virtual std::wstring scriptCell(int row, int column, const std::wstring& value);
     virtual std::wstring scriptGet() const { return text(); }
 
+    // As by a right click at a place of the screen.
+    void rightClick(QPoint onScreen);
+    virtual QPoint contextPlace() const; // where a script's right click goes, on the screen
+
     void command(UINT code); // WM_COMMAND to the parent
     LRESULT notify(UINT code) {
         NMHDR header{};
@@ -77,6 +81,9 @@ protected:
     void timerEvent(QTimerEvent* event) override;
     // An event that the class may see: its message is sent; true when the event is done with.
     virtual bool filter(QEvent* event);
+    // What a control tells its parent of a right click before it becomes WM_CONTEXTMENU; true when that was
+    // the end of it.
+    virtual bool tellRightClick(QPoint) { return false; }
     // Before it is painted: the class or the parent's may give the text another colour.
     void askColor(UINT message, QPalette::ColorRole role);
     // Gives the widget the event that is being filtered, now.
@@ -86,6 +93,8 @@ private:
     friend class CWnd;
     bool keyEvent(QEvent* event, bool down);
     bool mouseEvent(QEvent* event);
+    bool contextEvent(QEvent* event);
+    void askMenu(LPARAM at);
     bool offer(UINT message, WPARAM wParam, LPARAM lParam, QEvent* event);
 
     std::map<int, UINT_PTR> timers_;
@@ -106,6 +115,8 @@ void destroyWindow(HWND window);
 // A widget made elsewhere as a window; it stays its owner's.
 HWND adoptWidget(QWidget* widget);
 HWND windowOfWidget(const QWidget* widget);
+// By the program; one that the user can't resize stays so.
+void resizeWidget(QWidget& widget, QSize size);
 
 // Dialog fonts by face, points and weight; all faces of dialogs are one here.
 QFont dialogFont(std::wstring_view face, int points, int weight, bool italic);
@@ -123,6 +134,8 @@ std::wstring withoutMnemonic(std::wstring text);
 UINT virtualKey(int qtKey);
 WPARAM mouseKeys(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers);
 LPARAM packed(QPoint point);
+// The place in WM_CONTEXTMENU when the menu was asked for by its key.
+inline constexpr LPARAM byKeyboard = -1;
 RECT toRect(const QRect& rect);
 QRect toQRect(const RECT& rect);
 QColor toColor(COLORREF color);

@@ -70,3 +70,10 @@
 #define IDCANCEL 2
 #define IDHELP 9
 #define IDC_STATIC (-1)
+#define MFT_STRING 0x0L
+#define MFT_RADIOCHECK 0x200L
+#define MFT_SEPARATOR 0x800L
+#define MFS_ENABLED 0x0L
+#define MFS_GRAYED 0x3L
+#define MFS_CHECKED 0x8L
+#define MFS_DEFAULT 0x1000L
