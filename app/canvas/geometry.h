@@ -63,6 +63,12 @@ public:
     int level() const { return static_cast<std::int8_t>(mWords[flagsAt] >> 8 & 0xFF); }
     std::size_t bytes() const;
     void clear() { mWords.reset(); }
+    /// Asks the memory for what forEach() begins with.
+    void prefetch() const {
+        constexpr std::size_t line = 16; // words of a line of the processor's cache
+        __builtin_prefetch(mWords.get());
+        __builtin_prefetch(mWords.get() + line);
+    }
 
     /// Calls visit(KeptPrimitive) for all in drawing order.
     template <class Visit>

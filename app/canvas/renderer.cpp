@@ -54,8 +54,17 @@ bool Renderer::draw(QImage& image, const QRect& clip, double seconds) {
     bool hasTime = true;
     bool isWhole = true;
     const std::span<SceneItem> items = mScene.items();
-    for (const std::uint32_t index : visible) {
-        SceneItem& item = items[index];
+    for (std::size_t i = 0; i < visible.size(); ++i) {
+        // Neighbours in the picture lie anywhere in memory, and waiting for it would cost more than drawing.
+        constexpr std::size_t itemsAhead = 16;
+        constexpr std::size_t geometryAhead = 8;
+        if (i + itemsAhead < visible.size()) {
+            const SceneItem* const next = &items[visible[i + itemsAhead]];
+            __builtin_prefetch(next);
+            __builtin_prefetch(next + 1);
+            items[visible[i + geometryAhead]].geometry.prefetch();
+        }
+        SceneItem& item = items[visible[i]];
         if (item.isHidden) {
             continue;
         }
