@@ -66,8 +66,10 @@ public:
     /// Asks the memory for what forEach() begins with.
     void prefetch() const {
         constexpr std::size_t line = 16; // words of a line of the processor's cache
-        __builtin_prefetch(mWords.get());
-        __builtin_prefetch(mWords.get() + line);
+        if (isBuilt()) {
+            __builtin_prefetch(mWords.get());
+            __builtin_prefetch(mWords.get() + line);
+        }
     }
 
     /// Calls visit(KeptPrimitive) for all in drawing order.
