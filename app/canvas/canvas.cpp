@@ -26,10 +26,6 @@ constexpr double dragThreshold = 5; ///< logical pixels
 constexpr double smallestUnits = 1e-9, greatestUnits = 1e15;
 constexpr int longPress = 250; ///< milliseconds that the right button is down for its menu
 
-QColor rgb(std::uint32_t color) {
-    return QColor::fromRgb(color);
-}
-
 } // namespace
 
 Canvas::Canvas(QWidget* parent) : QWidget(parent) {
@@ -191,15 +187,8 @@ void Canvas::keepView() {
         storeView(database, {mMap.centre, mMap.height * mMap.unitsPerPixel,
                              static_cast<double>(mMap.width) / mMap.height});
     }
+    host::keepShownView({{mMap.centre.x, mMap.centre.y, 0}, mMap.height * mMap.unitsPerPixel});
     resbuf value{};
-    value.restype = RT3DPOINT;
-    host::setPoint(value.resval.rpoint, host::worldToUcs({mMap.centre.x, mMap.centre.y, 0}));
-    host::putSystemVariable(L"VIEWCTR", value);
-    value = {};
-    value.restype = RTREAL;
-    value.resval.rreal = mMap.height * mMap.unitsPerPixel;
-    host::putSystemVariable(L"VIEWSIZE", value);
-    value = {};
     value.restype = RTPOINT;
     value.resval.rpoint[0] = mMap.width;
     value.resval.rpoint[1] = mMap.height;
@@ -207,12 +196,9 @@ void Canvas::keepView() {
 }
 
 void Canvas::readView() {
-    const host::ResbufList centre = host::systemVariable(L"VIEWCTR");
-    const double height = host::systemVariableReal(L"VIEWSIZE");
-    if (centre != nullptr && height > 0) {
-        const AcGePoint3d world = host::ucsToWorld(host::asPoint3d(centre->resval.rpoint));
-        mMap.centre = {world.x, world.y};
-        mMap.unitsPerPixel = height / mMap.height;
+    if (const host::ShownView shown = host::shownView(); shown.height > 0) {
+        mMap.centre = {shown.centre.x, shown.centre.y};
+        mMap.unitsPerPixel = shown.height / mMap.height;
     }
 }
 
@@ -301,15 +287,16 @@ void Canvas::highlight(std::span<const AcDbObjectId> ids, bool on) {
 void Canvas::drawVector(const AcGePoint3d& from, const AcGePoint3d& to, int color, bool highlighted) {
     const bool isStandard = color > 0 && color < 256 && color != AcCmEntityColor::kACIforeground;
     mVectors.push_back({from, to,
-                        isStandard ? rgb(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color)))
-                                   : rgb(mLook.foreground),
+                        isStandard
+                            ? QColor::fromRgb(AcCmEntityColor::lookUpRGB(static_cast<Adesk::UInt8>(color)))
+                            : QColor::fromRgb(mLook.foreground),
                         highlighted});
     update();
 }
 
 void Canvas::setBackground(std::uint32_t color) {
     mLook.background = 0xFF000000 | color;
-    mLook.foreground = rgb(color).lightness() < 128 ? 0xFFFFFFFF : 0xFF000000;
+    mLook.foreground = QColor::fromRgb(color).lightness() < 128 ? 0xFFFFFFFF : 0xFF000000;
     mIsStale = true;
     update();
 }

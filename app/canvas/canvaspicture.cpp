@@ -19,10 +19,6 @@ namespace {
 constexpr double quickSeconds = 0.030;  ///< of making geometry before something is shown
 constexpr double patientSeconds = 0.15; ///< between two events afterwards
 
-QColor rgb(std::uint32_t color) {
-    return QColor::fromRgb(color);
-}
-
 } // namespace
 
 void Canvas::followDrawing() {
@@ -129,7 +125,7 @@ const QImage& Canvas::picture() {
 }
 
 void Canvas::drawBackground(QPainter& painter, const QRect& clip) const {
-    painter.fillRect(clip, rgb(mLook.background));
+    painter.fillRect(clip, QColor::fromRgb(mLook.background));
     if (mView != nullptr && host::systemVariableInteger(L"GRIDMODE") != 0) {
         drawGrid(painter, clip);
     }
@@ -139,8 +135,8 @@ void Canvas::drawGrid(QPainter& painter, const QRect& clip) const {
     constexpr double nearest = 9; // device pixels between two lines
     const host::ResbufList unit = host::systemVariable(L"GRIDUNIT");
     const int major = std::max(host::systemVariableInteger(L"GRIDMAJOR"), 2);
-    const QColor fine = rgb(mLook.background).lighter(125);
-    const QColor strong = rgb(mLook.background).lighter(155);
+    const QColor fine = QColor::fromRgb(mLook.background).lighter(125);
+    const QColor strong = QColor::fromRgb(mLook.background).lighter(155);
     painter.setClipRect(clip);
     const auto spacing = [&](double step) {
         step = step > 0 ? step : 10;
@@ -204,7 +200,7 @@ void Canvas::paintOverlay(QPainter& painter) {
     const AcGeMatrix3d ucs = host::ucsMatrix();
     const double angle = std::atan2(ucs.entry[1][0], ucs.entry[0][0]);
     overlay::axes(painter, QPointF(26, height() - 26), angle, ucs.isEqualTo(AcGeMatrix3d::kIdentity),
-                  rgb(mLook.foreground));
+                  QColor::fromRgb(mLook.foreground));
     const double gripSize = host::systemVariableInteger(L"GRIPSIZE");
     const std::optional<std::size_t> under = mIsInside && mRequest != nullptr && mRequest->atCommandPrompt
                                                  ? gripAt(worldAt(mCursor))
@@ -228,7 +224,7 @@ void Canvas::paintBand(QPainter& painter) {
     };
     if (mSelectingFrom) {
         const QPointF from = toWidget(*mSelectingFrom);
-        overlay::rectangle(painter, from, mCursor, selection(from), rgb(mLook.foreground));
+        overlay::rectangle(painter, from, mCursor, selection(from), QColor::fromRgb(mLook.foreground));
         return;
     }
     if (!mRequest->base || !mRequest->wantsPoint) {
@@ -240,10 +236,10 @@ void Canvas::paintBand(QPainter& painter) {
         overlay::rubberLine(painter, from, to, QColor(210, 190, 120));
         break;
     case host::Aim::Band::rectangle:
-        overlay::rectangle(painter, from, to, overlay::Rectangle::plain, rgb(mLook.foreground));
+        overlay::rectangle(painter, from, to, overlay::Rectangle::plain, QColor::fromRgb(mLook.foreground));
         break;
     case host::Aim::Band::selection:
-        overlay::rectangle(painter, from, to, selection(from), rgb(mLook.foreground));
+        overlay::rectangle(painter, from, to, selection(from), QColor::fromRgb(mLook.foreground));
         break;
     case host::Aim::Band::none:
         break;
@@ -266,7 +262,7 @@ void Canvas::paintCursor(QPainter& painter) {
         overlay::snapMarker(painter, at, mAimed.snapKind);
         overlay::tip(painter, at + QPointF(14, 10), snapName(mAimed.snapKind), rect());
     }
-    overlay::crossHair(painter, mCursor, picks ? 0 : reach, box, rgb(mLook.foreground));
+    overlay::crossHair(painter, mCursor, picks ? 0 : reach, box, QColor::fromRgb(mLook.foreground));
     const bool hasQuestion = !idle && !mPrompt.isEmpty();
     if ((hasQuestion || !mTyped.isEmpty()) && host::systemVariableInteger(L"DYNMODE") >= 0) {
         const QString text = idle ? mTyped : mTyped.isEmpty() ? mPrompt : mPrompt + QLatin1Char(' ') + mTyped;

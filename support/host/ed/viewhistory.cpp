@@ -16,7 +16,7 @@ ShownView shownView() {
             systemVariableReal(L"VIEWSIZE")};
 }
 
-void showView(const ShownView& view) {
+void keepShownView(const ShownView& view) {
     resbuf value{};
     value.restype = RT3DPOINT;
     setPoint(value.resval.rpoint, worldToUcs(view.centre));
@@ -25,6 +25,10 @@ void showView(const ShownView& view) {
     value.restype = RTREAL;
     value.resval.rreal = view.height;
     putSystemVariable(L"VIEWSIZE", value);
+}
+
+void showView(const ShownView& view) {
+    keepShownView(view);
     editorView().viewChanged();
 }
 

@@ -15,6 +15,8 @@ struct ShownView {
 
 /// By VIEWCTR and VIEWSIZE.
 ShownView shownView();
+/// Sets both, for a picture that shows it already.
+void keepShownView(const ShownView& view);
 /// Sets both; the picture follows.
 void showView(const ShownView& view);
 /// Notes what is shown now, which is about to change.
