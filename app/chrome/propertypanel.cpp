@@ -273,14 +273,12 @@ void PropertyPanel::showTotals(const std::vector<AcDbObjectId>& ids) {
     for (const AcDbObjectId id :
          ids.size() > 1 && ids.size() <= manyChosen ? ids : std::vector<AcDbObjectId>()) {
         const auto* curve = host::peek<AcDbCurve>(id);
-        double end = 0;
-        double own = 0;
         if (curve == nullptr) {
             continue;
         }
         const host::ReadAccess access(*curve);
-        if (curve->getEndParam(end) == Acad::eOk && curve->getDistAtParam(end, own) == Acad::eOk) {
-            length += own;
+        if (const std::optional<double> own = curveLength(*curve)) {
+            length += *own;
             ++counted;
         }
     }

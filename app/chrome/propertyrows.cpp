@@ -59,15 +59,9 @@ bool isAlignedText(const AcDbEntity& entity) {
     return is<AcDbText>(entity) && isAligned(as<AcDbText>(entity));
 }
 
-std::optional<double> lengthOf(const AcDbCurve& curve) {
-    double end = 0;
-    double length = 0;
-    const bool known = curve.getEndParam(end) == Acad::eOk && curve.getDistAtParam(end, length) == Acad::eOk;
-    return known ? std::optional(length) : std::nullopt;
-}
 bool hasLength(const AcDbEntity& entity) {
     const auto* curve = AcDbCurve::cast(&entity);
-    return curve != nullptr && lengthOf(*curve).has_value();
+    return curve != nullptr && curveLength(*curve).has_value();
 }
 bool hasArea(const AcDbEntity& entity) {
     const auto* curve = AcDbCurve::cast(&entity);
@@ -141,7 +135,7 @@ constexpr PropertyRow rows[] = {
     {geometry, T("标注样式"), nullptr, is<AcDbDimension>,
      [](E e) { return nameOf(as<AcDbDimension>(e).dimensionStyle()); }},
     {geometry, T("长度"), nullptr, hasLength,
-     [](E e) { return shownNumber(lengthOf(as<AcDbCurve>(e)).value_or(0)); }},
+     [](E e) { return shownNumber(curveLength(as<AcDbCurve>(e)).value_or(0)); }},
     {geometry, T("面积"), nullptr, hasArea,
      [](E e) {
          double area = 0;
@@ -220,6 +214,13 @@ QString kindName(const AcDbEntity& entity) {
     const auto found = names.find(entity.dxfRecordName());
     return found != names.end() ? QString::fromUtf8(found->second)
                                 : QString::fromStdString(entity.dxfRecordName());
+}
+
+std::optional<double> curveLength(const AcDbCurve& curve) {
+    double end = 0;
+    double length = 0;
+    const bool known = curve.getEndParam(end) == Acad::eOk && curve.getDistAtParam(end, length) == Acad::eOk;
+    return known ? std::optional(length) : std::nullopt;
 }
 
 QString shownNumber(double value) {

@@ -5,6 +5,7 @@
 #include "host/db/dbents.h"
 
 #include <QString>
+#include <optional>
 #include <span>
 
 namespace app {
@@ -23,6 +24,8 @@ std::span<const PropertyRow> propertyRows();
 /// 直线, 圆 ...
 QString kindName(const AcDbEntity& entity);
 QString shownNumber(double value);
+/// Nothing for a curve without end.
+std::optional<double> curveLength(const AcDbCurve& curve);
 QString shownColor(const AcCmEntityColor& color);
 /// 随层, 随块, 默认 or millimetres.
 QString shownWeight(int weight);
