@@ -3,6 +3,7 @@
 
 #include "host/ed/ed.h"
 #include "host/mfc/mfc.h"
+#include "host/mfc/widgets/application.h"
 #include "host/win/win.h"
 
 #include <gtest/gtest.h>
@@ -43,4 +44,23 @@ private:
     std::unique_ptr<std::istringstream> mStream;
     std::unique_ptr<host::TypedInput> mUser;
     std::wstring mShown, mFailures;
+};
+
+/// The same with template 100 open beside the work.
+template <class Dialog>
+class OpenDialogSession : public DialogSession {
+protected:
+    void SetUp() override {
+        DialogSession::SetUp();
+        ASSERT_TRUE(dialog.Create(100));
+        dialog.ShowWindow(SW_SHOW);
+        host::processEvents();
+    }
+    void TearDown() override {
+        dialog.DestroyWindow();
+        host::processEvents();
+        DialogSession::TearDown();
+    }
+
+    Dialog dialog;
 };

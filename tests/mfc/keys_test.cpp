@@ -68,26 +68,13 @@ ON_WM_SYSCOMMAND()
 ON_MESSAGE(WM_ACAD_KEEPFOCUS, &WatchingDialog::OnKeepFocus)
 END_MESSAGE_MAP()
 
-class Keys : public DialogSession {
+class Keys : public OpenDialogSession<WatchingDialog> {
 protected:
-    void SetUp() override {
-        DialogSession::SetUp();
-        ASSERT_TRUE(dialog.Create(100));
-        dialog.ShowWindow(SW_SHOW);
-        host::processEvents();
-    }
-    void TearDown() override {
-        dialog.DestroyWindow();
-        host::processEvents();
-        DialogSession::TearDown();
-    }
     void press(int id, int key, const QString& text = {}) {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
         QApplication::sendEvent(dialog.GetDlgItem(id)->m_hWnd->widget, &event);
     }
     std::vector<CString> events() { return std::exchange(dialog.events, {}); }
-
-    WatchingDialog dialog;
 };
 
 int filtered = 0;

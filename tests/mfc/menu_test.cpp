@@ -101,19 +101,8 @@ public:
     std::wstring takePosted() override { return {}; }
 };
 
-class Menus : public DialogSession {
+class Menus : public OpenDialogSession<MenuDialog> {
 protected:
-    void SetUp() override {
-        DialogSession::SetUp();
-        ASSERT_TRUE(dialog.Create(100));
-        dialog.ShowWindow(SW_SHOW);
-        host::processEvents();
-    }
-    void TearDown() override {
-        dialog.DestroyWindow();
-        host::processEvents();
-        DialogSession::TearDown();
-    }
     Events events() { return std::exchange(dialog.events, {}); }
     /// Runs the lines at a question, as beside a command.
     Events run(const std::string& script) {
@@ -124,7 +113,6 @@ protected:
     }
     QWidget* widget(int id) { return dialog.GetDlgItem(id)->m_hWnd->widget; }
 
-    MenuDialog dialog;
     Hand hand;
 };
 
