@@ -282,6 +282,12 @@ AcGeVector3d ucsNormal() {
     return currentDatabase().ucsxdir().crossProduct(currentDatabase().ucsydir()).normal();
 }
 
+void transformFromUcs(AcDbEntity& entity) {
+    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
+        entity.transformBy(matrix);
+    }
+}
+
 AcDbObjectId appendToCurrentSpace(AcDbEntity* entity) {
     AcDbDatabase& database = currentDatabase();
     const Opened<AcDbBlockTableRecord> space(database.currentSpaceId(), AcDb::kForWrite);

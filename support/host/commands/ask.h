@@ -110,6 +110,9 @@ std::wstring unquoted(std::wstring text);
 /// Normal of the current UCS, in the world.
 AcGeVector3d ucsNormal();
 
+/// An entity made in UCS coordinates comes to stand in the world.
+void transformFromUcs(AcDbEntity& entity);
+
 /// Appends an entity to the current space with the current properties and closes it.
 AcDbObjectId appendToCurrentSpace(AcDbEntity* entity);
 /// Calls for each record name of a comma-separated list of wildcard patterns; patterns without a match are

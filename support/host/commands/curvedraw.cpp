@@ -35,9 +35,7 @@ void appendEllipse(const EllipseAxes& axes, std::optional<std::pair<double, doub
     }
     auto* ellipse = new AcDbEllipse(axes.center, AcGeVector3d::kZAxis, major, ratio, from, to);
     ellipse->setDatabaseDefaults();
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        ellipse->transformBy(matrix);
-    }
+    transformFromUcs(*ellipse);
     appendToCurrentSpace(ellipse);
 }
 

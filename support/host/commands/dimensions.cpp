@@ -11,9 +11,7 @@ namespace host {
 void appendDimension(AcDbDimension* dimension) {
     dimension->setDatabaseDefaults();
     dimension->setDimensionStyle(currentDatabase().dimstyle());
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        dimension->transformBy(matrix);
-    }
+    transformFromUcs(*dimension);
     double measured = 0.0;
     const bool known = dimension->measurement(measured) == Acad::eOk;
     const bool angular = AcDb3PointAngularDimension::cast(dimension) != nullptr ||

@@ -314,9 +314,7 @@ std::unique_ptr<AcDbBlockReference> referenceTo(AcDbObjectId block, const Placin
     reference->setDatabaseDefaults();
     reference->setScaleFactors(placing.scale);
     reference->setRotation(placing.rotation);
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        reference->transformBy(matrix);
-    }
+    transformFromUcs(*reference);
     return reference;
 }
 

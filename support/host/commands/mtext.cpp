@@ -129,9 +129,7 @@ void runMtext() {
     text->setRotation(settings.rotation);
     text->setLineSpacingFactor(settings.spacing);
     text->setContents(contents.c_str());
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        text->transformBy(matrix);
-    }
+    transformFromUcs(*text);
     appendToCurrentSpace(text);
 }
 

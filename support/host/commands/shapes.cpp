@@ -16,9 +16,7 @@ void appendClosed(WidePath shape, double elevation, double thickness = 0.0) {
     polyline->setElevation(elevation);
     polyline->setThickness(thickness);
     polyline->setPlinegen(currentDatabase().plinegen());
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        polyline->transformBy(matrix);
-    }
+    transformFromUcs(*polyline);
     appendToCurrentSpace(polyline);
 }
 

@@ -143,9 +143,7 @@ void appendPlaced(std::unique_ptr<AcDbText> text, const TextPlacing& placing) {
     if (!placing.justification.isPlain()) {
         text->setAlignmentPoint(placing.betweenPoints() ? placing.second : placing.point);
     }
-    if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
-        text->transformBy(matrix);
-    }
+    transformFromUcs(*text);
     text->adjustAlignment(&currentDatabase());
     appendToCurrentSpace(text.release());
 }
