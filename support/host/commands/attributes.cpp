@@ -7,19 +7,26 @@
 namespace host {
 namespace {
 
+constexpr int lockFlag = 16; ///< the other bits of AFLAGS are those of the definitions
+
 /// A mode of new definitions: a bit of AFLAGS.
 struct Mode {
     const wchar_t* keyword;
     int flag;
 };
-constexpr Mode modes[] = {{L"Invisible", 1}, {L"Constant", 2}, {L"Verify", 4}, {L"Preset", 8}, {L"Lock", 16}};
+constexpr Mode modes[] = {{L"Invisible", AttributeData::invisible},
+                          {L"Constant", AttributeData::constant},
+                          {L"Verify", AttributeData::verified},
+                          {L"Preset", AttributeData::preset},
+                          {L"Lock", lockFlag}};
 
 /// Each keyword turns its mode over; false when cancelled.
 bool askModes(int& flags) {
     for (;;) {
         const auto shows = [&](int flag) { return (flags & flag) != 0 ? L"Y" : L"N"; };
-        acutPrintf(L"\n当前属性模式:  不可见=%s  常数=%s  验证=%s  预设=%s  锁定位置=%s", shows(1), shows(2),
-                   shows(4), shows(8), shows(16));
+        acutPrintf(L"\n当前属性模式:  不可见=%s  常数=%s  验证=%s  预设=%s  锁定位置=%s",
+                   shows(modes[0].flag), shows(modes[1].flag), shows(modes[2].flag), shows(modes[3].flag),
+                   shows(modes[4].flag));
         const Answer answer =
             askKeyword(L"\n输入要修改的选项 [不可见(I)/常数(C)/验证(V)/预设(P)/锁定位置(L)] <已完成>: ",
                        L"Invisible Constant Verify Preset Lock");
@@ -59,7 +66,8 @@ void runDefine() {
     if (tag.empty()) {
         return;
     }
-    const bool constant = (flags & 2) != 0;
+    const auto has = [flags](int flag) { return (flags & flag) != 0; };
+    const bool constant = has(AttributeData::constant);
     const TextAnswer prompt = constant ? TextAnswer{} : askText(L"\n输入属性提示: ", true);
     if (!constant && prompt.isCancelled()) {
         return;
@@ -73,11 +81,11 @@ void runDefine() {
     definition->setTag(tag.c_str());
     definition->setPrompt(prompt.text.c_str());
     definition->setTextString(value.text.c_str());
-    definition->setInvisible((flags & 1) != 0);
+    definition->setInvisible(has(AttributeData::invisible));
     definition->setConstant(constant);
-    definition->setVerifiable((flags & 4) != 0);
-    definition->setPreset((flags & 8) != 0);
-    definition->setLockPositionInBlock((flags & 16) != 0);
+    definition->setVerifiable(has(AttributeData::verified));
+    definition->setPreset(has(AttributeData::preset));
+    definition->setLockPositionInBlock(has(lockFlag));
     appendPlaced(std::move(definition), placing);
 }
 
