@@ -194,7 +194,7 @@ std::optional<std::wstring> askLayout(const std::wstring& prompt) {
     if (name.isCancelled()) {
         return std::nullopt;
     }
-    return name.isNone() ? current : unquoted(name.text);
+    return name.isNone() ? current : name.text;
 }
 
 void tellLayoutFailure(Acad::ErrorStatus status, const std::wstring& name) {
@@ -222,7 +222,7 @@ void runLayout() {
         AcDbObjectId layout;
         AcDbObjectId block;
         if (!name.isCancelled()) {
-            const std::wstring chosen = name.isNone() ? standard : unquoted(name.text);
+            const std::wstring chosen = name.isNone() ? standard : name.text;
             tellLayoutFailure(layouts().createLayout(chosen.c_str(), layout, block, database), chosen);
         }
     } else if (answer.isKeyword(L"Delete")) {
@@ -236,10 +236,9 @@ void runLayout() {
         const TextAnswer name =
             old ? askName(copies ? L"\n输入复制后的布局名: " : L"\n输入新布局名: ") : TextAnswer();
         if (name.isValue()) {
-            const std::wstring chosen = unquoted(name.text);
-            tellLayoutFailure(copies ? layouts().copyLayout(old->c_str(), chosen.c_str(), database)
-                                     : layouts().renameLayout(old->c_str(), chosen.c_str(), database),
-                              chosen);
+            tellLayoutFailure(copies ? layouts().copyLayout(old->c_str(), name.text.c_str(), database)
+                                     : layouts().renameLayout(old->c_str(), name.text.c_str(), database),
+                              name.text);
         }
     } else if (const std::optional<std::wstring> name = askLayout(L"\n输入要置为当前的布局")) {
         showLayout(*name);

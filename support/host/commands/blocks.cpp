@@ -72,7 +72,7 @@ std::optional<std::wstring> askBlockName() {
             listBlocks(pattern.isNone() ? L"*" : pattern.text);
             continue;
         }
-        const std::wstring name = unquoted(answer.text);
+        const std::wstring& name = answer.text;
         AcDbObjectId existing;
         if (blocks().getAt(name.c_str(), existing) == Acad::eOk) {
             if (peek<AcDbBlockTableRecord>(existing)->isLayout()) {

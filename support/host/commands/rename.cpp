@@ -52,7 +52,7 @@ void runRename() {
         if (!old.isValue()) {
             return;
         }
-        if (table->getAt(unquoted(old.text).c_str(), id) != Acad::eOk) {
+        if (table->getAt(old.text.c_str(), id) != Acad::eOk) {
             acutPrintf(L"\n找不到%s \"%s\"。", kind->name, old.text.c_str());
         } else if (mayNotBeRenamed(id)) {
             acutPrintf(L"\n不能重命名%s \"%s\"。", kind->name, old.text.c_str());
@@ -66,7 +66,7 @@ void runRename() {
             return;
         }
         const Opened<AcDbSymbolTableRecord> record(id, AcDb::kForWrite);
-        switch (record ? record->setName(unquoted(name.text).c_str()) : record.status()) {
+        switch (record ? record->setName(name.text.c_str()) : record.status()) {
         case Acad::eOk:
             return;
         case Acad::eDuplicateRecordName:

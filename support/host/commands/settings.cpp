@@ -169,7 +169,7 @@ std::optional<std::wstring> askStyleName() {
         if (answer.isCancelled()) {
             return std::nullopt;
         }
-        const std::wstring name = answer.isNone() ? current : unquoted(answer.text);
+        const std::wstring name = answer.isNone() ? current : answer.text;
         if (name == L"?") {
             const TextAnswer pattern = askName(L"\n输入要列出的文字样式 <*>: ");
             if (pattern.isCancelled()) {
