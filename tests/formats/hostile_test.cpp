@@ -216,6 +216,18 @@ TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
                          groups({{0, "ENDTAB"}, {0, "TABLE"}, {2, "ODD"}, {5, "6"}, {0, "ODD"}, {2, "a"}}) +
                          groups({{0, "SECTION"}, {2, "ENTITIES"}, {0, "POINT"}, {5, "8"}})) +
              eof);
+    // A lone third coordinate behind a plane point would be taken for the point's.
+    survives(entities(groups({{0, "HATCH"}, {8, "0"},  {30, "1"},         {10, "0"}, {20, "0"}, {2, "SOLID"},
+                              {70, "1"},    {91, "0"}, {98, "1"},         {10, "1"}, {20, "1"}, {76, "1"},
+                              {30, "5"},    {36, "2"}, {0, "LWPOLYLINE"}, {8, "0"},  {90, "1"}, {10, "0"},
+                              {20, "0"},    {43, "0"}, {30, "7"}})) +
+             eof);
+    // A vertex whose geometry stands under the marker of all entities is kept as it is.
+    survives(
+        entities(
+            groups({{0, "POLYLINE"}, {8, "0"}, {70, "1"}, {0, "VERTEX"}, {5, "3B"}, {100, "AcDbEntity"}}) +
+            groups({{8, "0"}, {70, "1"}, {10, "0"}, {20, "0"}, {42, "0.5"}, {0, "SEQEND"}, {8, "0"}})) +
+        eof);
     survives(header("AC1032", groups({{9, "$DWGCODEPAGE"},
                                       {3, "ANSI_\0\x1B"
                                           "936"s}})) +

@@ -116,6 +116,9 @@ Acad::ErrorStatus BinaryWriter::writeBinary(short code, const void* bytes, std::
 }
 
 Acad::ErrorStatus BinaryWriter::writeKept(short code, std::string_view text) {
+    if (joinsPoint(code)) {
+        return status();
+    }
     switch (kindOf(code)) {
     case ResbufKind::real:
     case ResbufKind::point: {

@@ -18,6 +18,7 @@ public:
     Acad::ErrorStatus writeKept(short code, std::string_view text) override;
     void writeHandle(short code, Adesk::UInt64 handle) override;
     bool flush() override { return mOut.flush(); }
+    std::size_t count() const override { return mOut.count(); }
 
     /// How many whole numbers did not fit into the bytes their code has, and became the nearest that does.
     std::size_t clampedNumbers() const { return mClamped; }

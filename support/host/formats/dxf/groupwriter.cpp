@@ -8,7 +8,7 @@
 namespace host::dxf {
 namespace {
 
-constexpr std::size_t bufferSize = 1 << 18;
+constexpr std::size_t bufferSize = 1 << 16;
 
 /// Below the characters that a line of a file holds as they are.
 bool isControl(char c) {
@@ -33,6 +33,7 @@ bool OutputBuffer::flush() {
     if (!mRefused && !filled.empty()) {
         mRefused = !mSink(filled);
     }
+    mFlushed += filled.size();
     mAt = mBytes.data();
     return !mRefused;
 }
@@ -47,7 +48,12 @@ Acad::ErrorStatus GroupWriter::dwgVersion(AcDb::AcDbDwgVersion& version,
 Acad::ErrorStatus GroupWriter::writePoint(short code, double x, double y, double z, int dimensions) {
     writeReal(code, x);
     const Acad::ErrorStatus status = writeReal(static_cast<short>(code + 10), y);
-    return dimensions == 3 ? writeReal(static_cast<short>(code + 20), z) : status;
+    if (dimensions == 3) {
+        return writeReal(static_cast<short>(code + 20), z);
+    }
+    mJoiningCode = static_cast<short>(code + 20);
+    mPointEnd = count();
+    return status;
 }
 
 Acad::ErrorStatus GroupWriter::writeReference(short code, AcDbStub* id) {

@@ -33,6 +33,8 @@ public:
     /// Hands everything to the sink; false when the sink refused anything.
     bool flush();
     bool refused() const { return mRefused; }
+    /// How many bytes were taken so far.
+    std::size_t count() const { return mFlushed + static_cast<std::size_t>(mAt - mBytes.data()); }
 
 private:
     void makeRoom(std::size_t count);
@@ -40,6 +42,7 @@ private:
     Sink mSink;
     std::string mBytes; ///< filled up to mAt
     char* mAt;
+    std::size_t mFlushed = 0;
     bool mRefused = false;
 };
 
@@ -63,10 +66,16 @@ public:
 
     /// Hands everything to the sink; false when the sink refused anything.
     virtual bool flush() = 0;
+    /// How many bytes were written so far.
+    virtual std::size_t count() const = 0;
 
 protected:
     GroupWriter(AcDbDatabase& database, AcDb::AcDbDwgVersion version, CodePage page)
         : mDatabase(database), mVersion(version), mPage(page) {}
+
+    /// Whether a kept group of this code would be read as the third coordinate of the plane point just
+    /// written. It has no place in the file then.
+    bool joinsPoint(short code) const { return code == mJoiningCode && count() == mPointEnd; }
 
     /// UTF-8 in the encoding of the release; `buffer` holds what had to be changed.
     std::string_view encoded(std::string_view text, std::string& buffer) const;
@@ -75,6 +84,8 @@ private:
     AcDbDatabase& mDatabase;
     AcDb::AcDbDwgVersion mVersion;
     CodePage mPage;
+    short mJoiningCode = -1; ///< of the last plane point, which ended at mPointEnd
+    std::size_t mPointEnd = 0;
 };
 
 } // namespace host::dxf

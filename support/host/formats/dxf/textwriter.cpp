@@ -83,6 +83,9 @@ Acad::ErrorStatus TextWriter::writeBinary(short code, const void* bytes, std::si
 }
 
 Acad::ErrorStatus TextWriter::writeKept(short code, std::string_view text) {
+    if (joinsPoint(code)) {
+        return status();
+    }
     std::string buffer;
     text = encoded(text, buffer);
     char* const line = putCode(mOut.room(numberRoom + text.size()), code);

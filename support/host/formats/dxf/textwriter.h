@@ -18,6 +18,7 @@ public:
     Acad::ErrorStatus writeKept(short code, std::string_view text) override;
     void writeHandle(short code, Adesk::UInt64 handle) override;
     bool flush() override { return mOut.flush(); }
+    std::size_t count() const override { return mOut.count(); }
 
 private:
     Acad::ErrorStatus status() const { return mOut.refused() ? Acad::eFileAccessErr : Acad::eOk; }

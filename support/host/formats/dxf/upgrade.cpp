@@ -144,7 +144,7 @@ GroupList withMarkers(const std::string& recordName, const GroupList& groups) {
         hasMarkers = hasMarkers || group.code == 100;
     }
     const std::vector<Subclass> subclasses = subclassesOf(recordName, groups);
-    if (hasMarkers || subclasses.empty()) {
+    if (hasMarkers || groups.empty() || subclasses.empty()) {
         return groups;
     }
     const auto subclassOf = [&](short code) {

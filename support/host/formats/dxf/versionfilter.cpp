@@ -249,6 +249,9 @@ Acad::ErrorStatus VersionFilter::writeKept(short code, std::string_view text) {
         enterSubclass(text);
         return mOut.writeKept(code, text);
     }
+    if (joinsPoint(code)) {
+        return Acad::eOk;
+    }
     if (referenceKind(code) != ReferenceKind::none) {
         std::uint64_t handle = 0;
         parseHandle(text, handle);

@@ -39,6 +39,7 @@ public:
     Acad::ErrorStatus writeKept(short code, std::string_view text) override;
     void writeHandle(short code, Adesk::UInt64 handle) override;
     bool flush() override { return mOut.flush(); }
+    std::size_t count() const override { return mOut.count(); }
 
 private:
     void findLeftOut();
