@@ -6,6 +6,8 @@
 #include "host/lisp/printer.h"
 #include "host/rx/text.h"
 
+#include <sys/resource.h>
+
 namespace {
 
 constexpr int breaksBeforeEscape = 20;
@@ -15,9 +17,19 @@ bool isReadable(std::wstring_view printed) {
     return printed.find(L'#') == printed.npos && printed.find(L'<') == printed.npos && printed.size() < 10000;
 }
 
+/// Recursion goes as deep as the stack; leaving a deep one takes the sanitizer seconds.
+void keepStackSmall() {
+    rlimit limit{};
+    getrlimit(RLIMIT_STACK, &limit);
+    limit.rlim_cur = rlim_t{1} << 20;
+    setrlimit(RLIMIT_STACK, &limit);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool prepared = (keepStackSmall(), true);
+    (void)prepared;
     const std::wstring source = host::fromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
     int breaks = 0;
     host::LispSurroundings surroundings;

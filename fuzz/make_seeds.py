@@ -2,6 +2,7 @@
 """Writes small files for the fuzz targets to start from: make_seeds.py FOLDER makes a folder in it for each target."""
 
 import pathlib
+import re
 import struct
 import sys
 
@@ -174,6 +175,14 @@ def programs():
         yield str(number), program.encode("utf-8")
 
 
+def function_names():
+    """The functions that the manual lists, as the fuzzer's dictionary."""
+    manual = (pathlib.Path(__file__).parent.parent / "docs" / "lisp.md").read_text(encoding="utf-8")
+    code = " ".join(re.findall(r"`([^`]*)`", manual[manual.index("## Functions"):]))
+    names = sorted({name for name in code.split() if re.fullmatch(r"[-a-z0-9*/+<>=~]+", name)})
+    return "".join(f'"({name} "\n' for name in names)
+
+
 def shapes():
     drawing = b"\x01\x14\x08\x05\xfb\x02\x09\x01\x01\x00\x00\x05\x0a\x02\x10\x0b\x01\x02\x00\x05\x32\x06\x0c\x04\x04\x40\x03\x02\x0d\x01\x01\x20\x00\x00\x04\x02\x0e\x18\x00"
 
@@ -206,6 +215,7 @@ def main():
         folder.mkdir(parents=True, exist_ok=True)
         for name, content in files:
             (folder / f"{name}.{kind}").write_bytes(content)
+    (pathlib.Path(sys.argv[1]) / "lisp.dict").write_text(function_names(), encoding="utf-8")
 
 
 if __name__ == "__main__":
