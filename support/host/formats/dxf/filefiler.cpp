@@ -70,6 +70,9 @@ bool FileFiler::nextRecord() {
         return false;
     }
     mRecordName = withoutControls(mDecoder.text(trimmed(mToken.text)));
+    // In a binary file a name can hold what would break the lines of a text file and of messages.
+    std::ranges::replace_if(
+        mRecordName, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     mRecordLine = mTokenLine;
     mRecordPosition = mTokenPosition;
     resetRecord();
