@@ -228,6 +228,9 @@ TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
             groups({{0, "POLYLINE"}, {8, "0"}, {70, "1"}, {0, "VERTEX"}, {5, "3B"}, {100, "AcDbEntity"}}) +
             groups({{8, "0"}, {70, "1"}, {10, "0"}, {20, "0"}, {42, "0.5"}, {0, "SEQEND"}, {8, "0"}})) +
         eof);
+    survives(entities(groups(
+                 {{0, "POINT"}, {8, "0"}, {102, "{^J A"}, {1, "x"}, {102, "^J}"}, {100, "^J AcDbOdd ^M"}})) +
+             eof);
     survives(header("AC1032", groups({{9, "$DWGCODEPAGE"},
                                       {3, "ANSI_\0\x1B"
                                           "936"s}})) +

@@ -222,11 +222,11 @@ void FileFiler::takeText() {
         takeSymbol(SymbolKind::layer);
         break;
     case 100:
-        mGroup.text = trimmed(mGroup.text);
+        mGroup.text = withoutControls(mGroup.text);
         ++mMarkers;
         break;
     case 102:
-        mGroup.text = trimmed(mGroup.text);
+        mGroup.text = withoutControls(mGroup.text);
         noteMarker();
         break;
     case 1001:
