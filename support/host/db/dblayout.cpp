@@ -267,7 +267,6 @@ void AcDbLayout::setTabOrder(int order) {
 }
 
 AcDbObjectId AcDbLayout::activeViewportId() const {
-    assertReadEnabled();
     for (const host::GroupList::Group group : mGroups) {
         Adesk::UInt64 handle = 0;
         if (group.code == activeViewportCode && database() != nullptr &&

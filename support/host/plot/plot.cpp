@@ -62,6 +62,7 @@ FlattenOptions optionsFor(const Sheet& sheet, const PlotWindow& window) {
     FlattenOptions options;
     options.isPlot = true;
     options.deviation = deviation / sheet.scale;
+    options.curveDeviation = deviation / 2 / sheet.scale;
     options.dashResolution = shortestPattern / sheet.scale;
     options.view = {{window.left, window.bottom, 0}, {window.right, window.top, 0}};
     return options;

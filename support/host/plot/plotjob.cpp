@@ -141,6 +141,7 @@ std::optional<PlotJob> plotJobOf(AcApDocument& document, const std::wstring& lay
     if (job.layout.isNull())
         return std::nullopt;
     job.setup = pageSetupOf(job.tab());
+    const ReadAccess access(job.tab());
     AcString device;
     job.tab().getPlotCfgName(device);
     job.device = plotDeviceNamed(device.kwszPtr());
