@@ -5,6 +5,7 @@
 #include "host/ed/ed.h"
 #include "host/formats/formats.h"
 #include "host/lisp/lisp.h"
+#include "host/plot/plotcommand.h"
 #include "host/win/win.h"
 
 #include <system_error>
@@ -26,6 +27,7 @@ void initializeHost(const std::optional<std::filesystem::path>& settings) {
     host::initializeEditor();
     host::initializeCommands();
     host::initializeLisp();
+    host::initializePlotting();
     host::createSettings(std::wstring(acrxProductKey()) + L"\\Profiles");
     const std::filesystem::path folder = programFolder();
     host::supportFolders() = {folder / "library", folder};

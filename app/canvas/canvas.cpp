@@ -203,6 +203,9 @@ void Canvas::readView() {
 }
 
 void Canvas::viewChanged() {
+    const host::ShownView wanted = host::shownView();
+    followDrawing(); // another space may be shown now, which would bring its own view back
+    host::keepShownView(wanted);
     readView();
     setView(mMap.centre, mMap.unitsPerPixel);
 }

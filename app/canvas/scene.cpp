@@ -31,6 +31,11 @@ bool followsOthers(const AcDbEntity& entity) {
            name == "LEADER" || name == "TOLERANCE" || name == "VIEWPORT";
 }
 
+/// Its frame follows its layer, what it shows does not.
+bool isViewport(const AcDbEntity& entity) {
+    return entity.isA() == AcDbViewport::desc();
+}
+
 bool isInfinite(const AcDbEntity& entity) {
     return entity.dxfRecordName() == "XLINE" || entity.dxfRecordName() == "RAY";
 }
@@ -81,6 +86,7 @@ Scene::~Scene() = default;
 
 void Scene::load() {
     mSpace = mDatabase.currentSpaceId();
+    mViewport = mDatabase.activeViewportId();
     mItems.clear();
     mRecent.clear();
     mUsedBlocks.clear();
@@ -138,7 +144,8 @@ void Scene::look(SceneItem& item) const {
     item.isDependent = followsOthers(*entity);
     const auto* layer = peek<AcDbLayerTableRecord>(entity->layerId());
     item.isHidden = entity->visibility() == AcDb::kInvisible ||
-                    (layer != nullptr && (layer->isFrozen() || (layer->isOff() && !item.isDependent)));
+                    (layer != nullptr && ((layer->isFrozen() && !isViewport(*entity)) ||
+                                          (layer->isOff() && !item.isDependent) || isFrozenHere(entity->layerId())));
     AcCmEntityColor color = entity->entityColor();
     if (color.isByLayer() && layer != nullptr) {
         color = layer->entityColor();
@@ -149,6 +156,16 @@ void Scene::look(SceneItem& item) const {
         const_cast<Scene*>(this)->use(
             static_cast<const AcDbBlockReference*>(entity)->blockTableRecord().stub());
     }
+}
+
+/// In the viewport that is worked in.
+bool Scene::isFrozenHere(AcDbObjectId layer) const {
+    const auto* viewport = peek<AcDbViewport>(mViewport);
+    if (viewport == nullptr) {
+        return false;
+    }
+    const host::ReadAccess access(*viewport);
+    return viewport->isLayerFrozenInViewport(layer);
 }
 
 /// Notes a block that is shown, with the blocks in it.
@@ -311,7 +328,7 @@ std::uint32_t Scene::indexOf(const AcDbStub* stub) const {
 
 SceneChange Scene::update() {
     SceneChange change;
-    if (mDatabase.currentSpaceId() != mSpace) {
+    if (mDatabase.currentSpaceId() != mSpace || mDatabase.activeViewportId() != mViewport) {
         load();
         change.everything = true;
         return change;
@@ -341,6 +358,10 @@ void Scene::changed(AcDbStub* stub, SceneChange& change) {
     if (object == nullptr) {
         return;
     }
+    if (mViewport.stub() == stub) { // its frozen layers may be others
+        lookAgain(change);
+        return;
+    }
     if (const auto* entity = AcDbEntity::cast(object)) {
         const AcDbObjectId owner = entity->ownerId();
         if (owner == mSpace) {
@@ -355,13 +376,17 @@ void Scene::changed(AcDbStub* stub, SceneChange& change) {
     if (AcDbBlockTableRecord::cast(object) != nullptr) {
         blockChanged(stub, change);
     } else if (isLook(*object)) {
-        for (SceneItem& item : mItems) {
-            look(item);
-        }
-        forgetGeometry();
-        mScaledBlocks.clear();
-        change.everything = true;
+        lookAgain(change);
     }
+}
+
+void Scene::lookAgain(SceneChange& change) {
+    for (SceneItem& item : mItems) {
+        look(item);
+    }
+    forgetGeometry();
+    mScaledBlocks.clear();
+    change.everything = true;
 }
 
 /// What shows a block is measured and drawn anew.

@@ -125,6 +125,7 @@ private:
     void draw(AcDbEntity& entity, Draw draw);
     void measure(SceneItem& item);
     void look(SceneItem& item) const;
+    bool isFrozenHere(AcDbObjectId layer) const;
     void pack();
     void collect(const host::Box2d& box, double smallest);
     bool isInTree(std::size_t index) const {
@@ -134,6 +135,7 @@ private:
     void forgetGeometry();
     void change(std::uint32_t index, SceneChange& change);
     void changed(AcDbStub* stub, SceneChange& change);
+    void lookAgain(SceneChange& change);
     void blockChanged(AcDbStub* block, SceneChange& change);
     void append(AcDbStub* stub, SceneChange& change);
     void use(AcDbStub* block);
@@ -147,6 +149,7 @@ private:
 
     AcDbDatabase& mDatabase;
     AcDbObjectId mSpace;
+    AcDbObjectId mViewport; ///< the active one of a layout; null: the whole drawing is shown
     AcGePoint2d mOrigin;
     std::vector<SceneItem> mItems;
     DisplayTree mTree;

@@ -148,7 +148,8 @@ bool Autosave::recover(const Recoverable& recoverable) {
     AcApDocument& document = *curDoc();
     if (!recoverable.original.isEmpty()) {
         document.setFile(host::toWindowsPath(std::filesystem::path(recoverable.original.toStdString())));
-    } else if (!recoverable.title.isEmpty()) {
+    } else if (!recoverable.title.isEmpty() &&
+               !acDocManagerPtr()->hasTitle(recoverable.title.toStdWString())) {
         document.setTitle(recoverable.title.toStdWString());
     }
     document.state().savedChangeCount = std::numeric_limits<Adesk::UInt64>::max();

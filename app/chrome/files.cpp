@@ -14,17 +14,12 @@
 #include "host/win/win.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QSettings>
-#include <QTemporaryDir>
-#include <QVBoxLayout>
 
 namespace app {
 namespace {
@@ -190,36 +185,6 @@ void MainWindow::exportPicture() {
     if (!message.empty()) {
         QMessageBox::warning(this, tr("输出"), QString::fromStdWString(message));
     }
-}
-
-void MainWindow::preview() {
-    if (curDoc() == nullptr) {
-        return;
-    }
-    const QTemporaryDir folder;
-    const QString file = folder.filePath(QStringLiteral("preview.png"));
-    host::PlotOptions options;
-    options.longSide = 1800;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const std::wstring message =
-        host::plotExtents(curDoc()->database(), std::filesystem::path(file.toStdString()), options);
-    QApplication::restoreOverrideCursor();
-    if (!message.empty()) {
-        QMessageBox::information(this, tr("打印预览"), QString::fromStdWString(message));
-        return;
-    }
-    QDialog dialog(this);
-    dialog.setWindowTitle(tr("打印预览"));
-    auto* sheet = new QLabel;
-    sheet->setPixmap(QPixmap(file));
-    auto* area = new QScrollArea;
-    area->setAlignment(Qt::AlignCenter);
-    area->setWidget(sheet);
-    auto* layout = new QVBoxLayout(&dialog);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
-    dialog.resize(size() * 0.85);
-    dialog.exec();
 }
 
 void MainWindow::readLayout() {

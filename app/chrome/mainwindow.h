@@ -3,6 +3,7 @@
 
 #include "app/canvas/canvas.h"
 #include "app/chrome/autosave.h"
+#include "app/chrome/plotdialog.h"
 #include "app/chrome/layerpanel.h"
 #include "app/chrome/modebar.h"
 #include "app/chrome/propertybar.h"
@@ -67,7 +68,6 @@ private:
     void closeCurrent();
     void closeTabOf(const QWidget* button);
     void exportPicture();
-    void preview();
     void rememberFile(const QString& file);
     void fillRecentFiles();
     void showTextWindow();
@@ -95,6 +95,7 @@ private:
     std::map<std::string, QToolBar*> mBars;
     std::unique_ptr<WindowInput> mInput;
     std::unique_ptr<QDialog> mTextWindow;
+    PlotWindows mPlotWindows{*this};
     Autosave mAutosave;
     bool mIsFollowing = false; ///< tabs are being filled
 };

@@ -28,7 +28,6 @@ void MainWindow::windowAction(std::string_view name) {
         {"close", [](MainWindow& window) { window.closeCurrent(); }},
         {"save", [](MainWindow& window) { window.save(false); }},
         {"saveas", [](MainWindow& window) { window.save(true); }},
-        {"preview", [](MainWindow& window) { window.preview(); }},
         {"export", [](MainWindow& window) { window.exportPicture(); }},
         {"quit", [](MainWindow& window) { window.close(); }},
         {"selectall", [](MainWindow& window) { window.selectAll(); }},

@@ -306,7 +306,13 @@ TEST_F(LispDrawing, LoadsFromTrustedFoldersOnly) {
     session.newDrawing();
     script("(setq a 1)\n");
     EXPECT_EQ(run("(list begun up)"), "(1 T)");
+    // The working folder is trusted where it is named, and only there.
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder / "code");
+    EXPECT_EQ(run("(setq mine nil) (load \"own\") mine"), "5");
     variable("TRUSTEDPATHS", "");
+    EXPECT_EQ(run("(load \"own\" 'no)"), "NO");
+    std::filesystem::current_path(before);
     EXPECT_EQ(run("(load \"own\" 'no)"), "NO");
     EXPECT_EQ(run("(open \"/srv/none/a.txt\" \"w\")"), "nil");
     EXPECT_NE(caught.shown.find("不允许访问文件 /srv/none/a.txt"), std::string::npos);

@@ -417,6 +417,32 @@ TEST_F(PlotTest, SvgIsWellFormedAndDefinesWhatItUses) {
     EXPECT_EQ(used, defined);
 }
 
+TEST_F(PlotTest, SvgHasAGroupForEachRunOfALayer) {
+    addLayer(L"线路 & 架空", [](AcDbLayerTableRecord&) {});
+    line(0, 0, 100, 0);
+    line(0, 10, 100, 10, 1, L"线路 & 架空");
+    line(0, 20, 100, 20, 2, L"线路 & 架空");
+    line(0, 30, 100, 30);
+    QXmlStreamReader reader(QByteArray::fromStdString(readFile(plot("layers.svg", window100x50(300)))));
+    QStringList layers;
+    int depth = 0, paths = 0;
+    while (!reader.atEnd()) {
+        const auto token = reader.readNext();
+        depth += token == QXmlStreamReader::StartElement ? 1 : token == QXmlStreamReader::EndElement ? -1 : 0;
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        paths += reader.attributes().hasAttribute("stroke-width");
+        const auto label = reader.attributes().value("http://www.inkscape.org/namespaces/inkscape", "label");
+        if (!label.isEmpty()) {
+            layers.append(label.toString());
+            EXPECT_EQ(depth, 2) << "layers stand in the picture itself, the window cuts within them";
+        }
+    }
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    EXPECT_EQ(layers, QStringList({"0", "线路 & 架空", "0"}));
+    EXPECT_EQ(paths, 4);
+}
+
 TEST_F(PlotTest, EmptyAndHostileDrawingsGiveAWholeFile) {
     for (const char* name : {"empty.pdf", "empty.svg", "empty.png"})
         EXPECT_GT(readFile(plot(name)).size(), 100u);

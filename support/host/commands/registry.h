@@ -57,5 +57,6 @@ std::span<const CommandRow> offsetCommands();
 std::span<const CommandRow> peditCommands();
 std::span<const CommandRow> propertyCommands();
 std::span<const CommandRow> slideCommands();
+std::span<const CommandRow> viewportCommands();
 
 } // namespace host

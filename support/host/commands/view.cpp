@@ -2,23 +2,48 @@
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/viewports.h"
 
 #include <cmath>
 
 namespace host {
 namespace {
 
+/// The active viewport of a layout; null on the sheet and in the model tab.
+const AcDbViewport* activeViewport() {
+    return peek<AcDbViewport>(currentDatabase().activeViewportId());
+}
+
+bool isViewLocked() {
+    const AcDbViewport* viewport = activeViewport();
+    if (viewport == nullptr) {
+        return false;
+    }
+    const ReadAccess access(*viewport);
+    return viewport->isLocked();
+}
+
 /// Centre in world coordinates.
 void setView(const AcGePoint3d& centre, double height) {
-    if (height > 0.0 && std::isfinite(height)) {
-        rememberView();
-        showView({centre, height});
+    if (!(height > 0.0) || !std::isfinite(height)) {
+        return;
     }
+    if (isViewLocked()) {
+        acutPrintf(L"\n视口的视图已锁定，没有改变。");
+        return;
+    }
+    rememberView();
+    showView({centre, height});
+    keepViewportView();
 }
 
 /// Width by height of what is shown.
 double screenRatio() {
     constexpr double usual = 4.0 / 3.0;
+    if (const AcDbViewport* viewport = activeViewport()) {
+        const ReadAccess access(*viewport);
+        return viewport->width() / viewport->height();
+    }
     const ResbufList screen = editorView().isShown() ? systemVariable(L"SCREENSIZE") : nullptr;
     return screen != nullptr && screen->resval.rpoint[1] > 0.0
                ? screen->resval.rpoint[0] / screen->resval.rpoint[1]
@@ -36,10 +61,22 @@ double extentsMargin() {
     return editorView().isShown() ? 0.04 : 0.0; // what lies on the border is seen
 }
 
-void zoomExtents(bool withLimits) {
+/// Of what the current space shows.
+AcDbExtents shownExtents() {
     AcDbDatabase& database = currentDatabase();
+    if (database.currentSpaceId() != database.modelSpaceId()) {
+        return database.impl().places.of(database.currentSpaceId()).extents({});
+    }
+    AcDbExtents extents;
     if (database.updateExt() == Acad::eOk && database.extmin().x <= database.extmax().x) {
-        setWindow(database.extmin(), database.extmax(), extentsMargin());
+        extents.set(database.extmin(), database.extmax());
+    }
+    return extents;
+}
+
+void zoomExtents(bool withLimits) {
+    if (const AcDbExtents extents = shownExtents(); !extents.isEmpty()) {
+        setWindow(extents.minPoint(), extents.maxPoint(), extentsMargin());
     } else if (withLimits || editorView().isShown()) {
         const ResbufList low = systemVariable(L"LIMMIN");
         const ResbufList high = systemVariable(L"LIMMAX");
@@ -100,9 +137,26 @@ void zoomPrevious() {
     }
 }
 
-void zoomScale(const std::wstring& text) {
-    const double factor = std::wcstod(text.c_str(), nullptr);
-    if (factor > 0.0) {
+/// "2", "1/500": a positive number at the start of the text, which becomes what follows; 0 for none.
+double scaleFactor(std::wstring& text) {
+    wchar_t* end = nullptr;
+    double factor = std::wcstod(text.c_str(), &end);
+    if (end != text.c_str() && *end == L'/') {
+        const wchar_t* divisor = end + 1;
+        factor /= std::wcstod(divisor, &end);
+    }
+    text = end;
+    return factor > 0.0 && std::isfinite(factor) ? factor : 0.0;
+}
+
+/// nXP: n units of the sheet for a unit of the model in the active viewport.
+void zoomScale(std::wstring text) {
+    const double factor = scaleFactor(text);
+    const AcDbViewport* viewport = equalNoCase(text, L"XP") ? activeViewport() : nullptr;
+    if (factor > 0.0 && viewport != nullptr) {
+        const ReadAccess access(*viewport);
+        setView(shownView().centre, viewport->height() / factor);
+    } else if (factor > 0.0) {
         setView(shownView().centre, shownView().height / factor);
     } else {
         acutPrintf(L"\n需要比例因子或选项关键字。");

@@ -330,7 +330,7 @@ AcDbObjectId AcDbDatabase::modelSpaceId() const {
     return mImpl->containers.modelSpace;
 }
 AcDbObjectId AcDbDatabase::currentSpaceId() const {
-    return tilemode() ? modelSpaceId() : paperSpaceId();
+    return tilemode() || !activeViewportId().isNull() ? modelSpaceId() : paperSpaceId();
 }
 AcDbObjectId AcDbDatabase::layerZero() const {
     return mImpl->containers.layerZero;

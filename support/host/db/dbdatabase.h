@@ -131,8 +131,13 @@ public:
                                                 AcDb::OpenMode mode = AcDb::kForRead) const;
     AcDbObjectId modelSpaceId() const;
     AcDbObjectId paperSpaceId() const;
-    /// The space that drawing goes to.
+    /// The space that drawing goes to: in a layout the sheet, or the model space while one of the layout's
+    /// viewports is active.
     AcDbObjectId currentSpaceId() const;
+    /// The active viewport of the current layout; null on the sheet and in the model tab.
+    AcDbObjectId activeViewportId() const;
+    /// Null: back to the sheet. eInvalidInput for what is no viewport of the current layout that is on.
+    Acad::ErrorStatus setActiveViewport(AcDbObjectId viewport);
     AcDbObjectId layerZero() const;
     AcDbObjectId continuousLinetype() const;
     AcDbObjectId byLayerLinetype() const;

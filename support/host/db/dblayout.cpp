@@ -14,6 +14,8 @@ ACRX_DXF_DEFINE_MEMBERS(AcDbLayout, AcDbPlotSettings, AcDb::kDHL_CURRENT, AcDb::
 
 namespace {
 
+constexpr short activeViewportCode = 331;
+
 struct StandardGroup {
     short code;
     const char* text;
@@ -193,6 +195,15 @@ Acad::ErrorStatus AcDbPlotSettings::setCustomPrintScale(double numerator, double
                                                 : Acad::eInvalidInput;
 }
 
+Acad::ErrorStatus AcDbPlotSettings::setScalesToFit(bool fit) {
+    const Acad::ErrorStatus status = setUseStandardScale(fit);
+    return status == Acad::eOk && fit ? setInteger(75, 0) : status;
+}
+Acad::ErrorStatus AcDbPlotSettings::getPlotViewName(AcString& name) const {
+    name = decoded(text(6));
+    return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbPlotSettings::dwgOutFields(AcDbDwgFiler* filer) const {
     if (const Acad::ErrorStatus status = AcDbObject::dwgOutFields(filer); status != Acad::eOk) {
         return status;
@@ -253,6 +264,25 @@ Acad::ErrorStatus AcDbLayout::setBlockTableRecordId(AcDbObjectId block) {
 void AcDbLayout::setTabOrder(int order) {
     assertWriteEnabled();
     mTabOrder = order;
+}
+
+AcDbObjectId AcDbLayout::activeViewportId() const {
+    for (const host::GroupList::Group group : mGroups) {
+        Adesk::UInt64 handle = 0;
+        if (group.code == activeViewportCode && database() != nullptr &&
+            std::from_chars(group.text.data(), group.text.data() + group.text.size(), handle, 16).ec ==
+                std::errc()) {
+            return AcDbObjectId(database()->impl().findStub(handle));
+        }
+    }
+    return {};
+}
+
+Acad::ErrorStatus AcDbLayout::setActiveViewportId(AcDbObjectId viewport) {
+    assertWriteEnabled();
+    const std::string handle = viewport.isNull() ? "0" : host::toUtf8(viewport.handle().toString());
+    mGroups = withGroup(mGroups, activeViewportCode, handle);
+    return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbLayout::copySettingsFrom(const AcDbLayout& other) {

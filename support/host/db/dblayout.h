@@ -48,6 +48,15 @@ public:
     Acad::ErrorStatus setPlotCentered(bool centered) { return setFlag(4, centered); }
     bool useStandardScale() const { return hasFlag(16); }
     Acad::ErrorStatus setUseStandardScale(bool use) { return setFlag(16, use); }
+    /// As large as it fits the paper.
+    bool scalesToFit() const { return useStandardScale() && integer(75) == 0; }
+    Acad::ErrorStatus setScalesToFit(bool fit);
+    bool plotPlotStyles() const { return hasFlag(32); }
+    Acad::ErrorStatus setPlotPlotStyles(bool plot) { return setFlag(32, plot); }
+    bool drawViewportsFirst() const { return hasFlag(512); }
+    Acad::ErrorStatus setDrawViewportsFirst(bool first) { return setFlag(512, first); }
+    Acad::ErrorStatus getPlotViewName(AcString& name) const;
+    Acad::ErrorStatus setPlotViewName(const ACHAR* name) { return setText(6, name); }
     bool printLineweights() const { return hasFlag(128); }
     Acad::ErrorStatus setPrintLineweights(bool print) { return setFlag(128, print); }
     bool modelType() const { return hasFlag(1024); }
@@ -86,6 +95,10 @@ public:
     int getTabOrder() const { return mTabOrder; }
     void setTabOrder(int order);
     bool modelType() const { return mName.compareNoCase(L"Model") == 0; }
+    /// The viewport worked in when the layout was current last; the one of the sheet itself, or null, for the
+    /// sheet.
+    AcDbObjectId activeViewportId() const;
+    Acad::ErrorStatus setActiveViewportId(AcDbObjectId viewport);
     /// Takes plot settings and further fields of another layout, not its name, order and block.
     Acad::ErrorStatus copySettingsFrom(const AcDbLayout& other);
 

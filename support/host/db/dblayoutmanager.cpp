@@ -1,5 +1,6 @@
 // Layouts by name: making, copying, renaming, deleting, and which one is current.
 #include "host/db/dbdatabase.h"
+#include "host/db/dbents.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
@@ -72,6 +73,25 @@ Acad::ErrorStatus makePaperSpace(AcDbDatabase& database, AcDbObjectId block) {
     return status;
 }
 
+const AcDbLayout* layoutOf(AcDbObjectId space) {
+    const auto* block = host::peek<AcDbBlockTableRecord>(space);
+    return block != nullptr ? host::peek<AcDbLayout>(block->getLayoutId()) : nullptr;
+}
+
+bool canBeActive(AcDbObjectId id, const AcDbDatabase& database) {
+    const auto* viewport = host::peek<AcDbViewport>(id);
+    if (viewport == nullptr) {
+        return false;
+    }
+    const host::ReadAccess access(*viewport);
+    return viewport->ownerId() == database.paperSpaceId() && viewport->isOn() && !viewport->isSheet();
+}
+
+/// The block of the tab that is shown.
+AcDbObjectId shownBlock(const AcDbDatabase& database) {
+    return database.tilemode() ? database.modelSpaceId() : database.paperSpaceId();
+}
+
 } // namespace
 
 AcDbLayoutManager* AcDbHostApplicationServices::layoutManager() const {
@@ -91,6 +111,21 @@ AcDbObjectId AcDbDatabase::paperSpaceId() const {
         }
     }
     return known;
+}
+
+AcDbObjectId AcDbDatabase::activeViewportId() const {
+    const AcDbLayout* layout = tilemode() ? nullptr : layoutOf(paperSpaceId());
+    const AcDbObjectId id = layout != nullptr ? layout->activeViewportId() : AcDbObjectId();
+    return canBeActive(id, *this) ? id : AcDbObjectId();
+}
+
+Acad::ErrorStatus AcDbDatabase::setActiveViewport(AcDbObjectId viewport) {
+    const AcDbLayout* now = tilemode() ? nullptr : layoutOf(paperSpaceId());
+    if (now == nullptr || (!viewport.isNull() && !canBeActive(viewport, *this))) {
+        return Acad::eInvalidInput;
+    }
+    const host::Opened<AcDbLayout> layout(now->objectId(), AcDb::kForWrite);
+    return layout ? layout->setActiveViewportId(viewport) : layout.status();
 }
 
 AcDbObjectId AcDbLayoutManager::findLayoutNamed(const ACHAR* name, const AcDbDatabase* database) const {
@@ -121,7 +156,7 @@ std::vector<AcString> AcDbLayoutManager::layoutNames(const AcDbDatabase* databas
 
 AcDbObjectId AcDbLayoutManager::getActiveLayoutBTRId(const AcDbDatabase* database) const {
     const AcDbDatabase* own = databaseOr(database);
-    return own != nullptr ? own->currentSpaceId() : AcDbObjectId();
+    return own != nullptr ? shownBlock(*own) : AcDbObjectId();
 }
 
 AcString AcDbLayoutManager::findActiveLayout(bool allowModel, const AcDbDatabase* database) const {
@@ -129,9 +164,7 @@ AcString AcDbLayoutManager::findActiveLayout(bool allowModel, const AcDbDatabase
     if (own == nullptr) {
         return {};
     }
-    const auto* block =
-        host::peek<AcDbBlockTableRecord>(allowModel ? own->currentSpaceId() : own->paperSpaceId());
-    const auto* layout = block != nullptr ? host::peek<AcDbLayout>(block->getLayoutId()) : nullptr;
+    const AcDbLayout* layout = layoutOf(allowModel ? shownBlock(*own) : own->paperSpaceId());
     return layout != nullptr ? layout->layoutName() : AcString();
 }
 
@@ -146,6 +179,9 @@ Acad::ErrorStatus AcDbLayoutManager::setCurrentLayoutId(AcDbObjectId id) {
         return Acad::eInvalidInput;
     }
     AcDbDatabase& database = *layout->database();
+    if (!database.activeViewportId().isNull()) {
+        database.setActiveViewport({});
+    }
     if (layout->modelType()) {
         return database.setTilemode(true);
     }

@@ -29,6 +29,7 @@ class Source final : public DrawingSource {
 public:
     explicit Source(AcDbDatabase& database) : mDatabase(database) {
         mLinetypeScale = database.ltscale();
+        mScalesToPaper = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("PSLTSCALE"))) != 0;
         mFill = std::get<Adesk::Int16>(database.variable(*findHeaderVariable("FILLMODE"))) != 0;
         const auto* layers = peek<AcDbLayerTable>(database.layerTableId());
         for (std::size_t index = 0; index < layers->records().size(); ++index) {
@@ -50,6 +51,7 @@ public:
         return linetype(idAt(mDatabase.linetypeTableId(), tableIndex, mDatabase.byLayerLinetype()));
     }
     double linetypeScale() const override { return mLinetypeScale; }
+    bool scalesLinetypesToPaper() const override { return mScalesToPaper; }
     bool fillMode() const override { return mFill; }
 
     const LayerLook& layer(AcDbObjectId id);
@@ -73,6 +75,7 @@ private:
 
     AcDbDatabase& mDatabase;
     double mLinetypeScale = 1.0;
+    bool mScalesToPaper = true;
     bool mFill = true;
     // Nodes of these maps stay where they are: looks given out are pointed to.
     std::unordered_map<AcDbObjectId, LayerLook> mLayers;

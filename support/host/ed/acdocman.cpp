@@ -190,12 +190,22 @@ Acad::ErrorStatus AcApDocManager::beginExecuteInCommandContext(void (*procedure)
     return Acad::eOk;
 }
 
+bool AcApDocManager::hasTitle(const std::wstring& title) const {
+    return std::any_of(mDocuments.begin(), mDocuments.end(), [&](const auto& document) {
+        return host::equalNoCase(document->docTitle(), title);
+    });
+}
+
 AcApDocument* AcApDocManager::adopt(std::unique_ptr<AcDbDatabase> database, const std::wstring& windowsPath) {
     AcApDocument* document =
         mDocuments.emplace_back(std::make_unique<AcApDocument>(std::move(database))).get();
     notify([&](AcApDocManagerReactor& reactor) { reactor.documentCreateStarted(document); });
     if (windowsPath.empty()) {
-        document->setTitle(host::formatted(L"Drawing%d.dwg", ++mNumberOfNew));
+        std::wstring title;
+        do {
+            title = host::formatted(L"Drawing%d.dwg", ++mNumberOfNew);
+        } while (hasTitle(title));
+        document->setTitle(title);
     } else {
         document->setFile(windowsPath);
     }

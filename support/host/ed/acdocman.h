@@ -121,6 +121,8 @@ public:
     const std::vector<std::unique_ptr<AcApDocument>>& documents() const { return mDocuments; }
     /// Whether the document still is open; for what held it across calls that may close it.
     bool isOpen(const AcApDocument* document) const;
+    /// Whether an open document goes by that name.
+    bool hasTitle(const std::wstring& title) const;
 
 private:
     void makeCurrent(AcApDocument* document);

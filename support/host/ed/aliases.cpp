@@ -22,6 +22,7 @@ constexpr std::pair<const wchar_t*, const wchar_t*> usualAliases[] = {
     {L"LO", L"LAYOUT"},       {L"LS", L"LIST"},         {L"LT", L"LINETYPE"},     {L"LTS", L"LTSCALE"},
     {L"LW", L"LWEIGHT"},      {L"M", L"MOVE"},          {L"MA", L"MATCHPROP"},    {L"ME", L"MEASURE"},
     {L"MI", L"MIRROR"},       {L"ML", L"MLINE"},        {L"MS", L"MSPACE"},       {L"MT", L"MTEXT"},
+    {L"MV", L"MVIEW"},        {L"PRE", L"PREVIEW"},
     {L"O", L"OFFSET"},        {L"OP", L"OPTIONS"},      {L"OS", L"OSNAP"},        {L"P", L"PAN"},
     {L"PE", L"PEDIT"},        {L"PL", L"PLINE"},        {L"PO", L"POINT"},        {L"POL", L"POLYGON"},
     {L"PRINT", L"PLOT"},      {L"PS", L"PSPACE"},       {L"PU", L"PURGE"},        {L"R", L"REDRAW"},

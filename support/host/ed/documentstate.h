@@ -14,6 +14,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -81,6 +82,7 @@ struct DocumentState {
     AcEdInputPointManager points;
     std::vector<UcsFrame> earlierUcs;   ///< the last one last
     std::deque<ShownView> earlierViews; ///< the last one last
+    std::optional<ShownView> sheetView; ///< while one of the sheet's viewports is active
 
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
     std::map<std::wstring, VariableValue> variables; ///< session variables kept by document

@@ -4,6 +4,7 @@
 #include "host/ed/editorview.h"
 #include "host/ed/session.h"
 #include "host/ed/sysvars.h"
+#include "host/ed/viewports.h"
 #include "host/font/catalog.h"
 #include "host/font/font.h"
 #include "host/rx/text.h"
@@ -292,12 +293,24 @@ int acedTextPage() {
 }
 
 int acedMspace() {
-    // Only a viewport of a layout can be entered; in the model tab there is none.
+    const AcDbDatabase* database = acdbCurDwg();
+    if (database == nullptr || !database->activeViewportId().isNull()) {
+        return database != nullptr ? RTNORM : RTERROR;
+    }
+    for (const AcDbObjectId id : host::layoutViewports(*database)) {
+        if (host::enterViewport(id)) {
+            return RTNORM;
+        }
+    }
     return RTERROR;
 }
 int acedPspace() {
     const AcDbDatabase* database = acdbCurDwg();
-    return database != nullptr && !database->tilemode() ? RTNORM : RTERROR;
+    if (database == nullptr || database->tilemode()) {
+        return RTERROR;
+    }
+    host::leaveViewport();
+    return RTNORM;
 }
 
 int acutCvUnit(ads_real value, const ACHAR* from, const ACHAR* to, ads_real* result) {

@@ -1,13 +1,16 @@
 // Making the values of computed system variables.
 #include "host/ed/sysvarcomputed.h"
 
+#include "host/db/dbents.h"
 #include "host/ed/acdocman.h"
 #include "host/ed/commandrunner.h"
 #include "host/ed/input.h"
 #include "host/ed/session.h"
+#include "host/ed/viewports.h"
 #include "host/rx/format.h"
 #include "host/win/win.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
@@ -18,8 +21,6 @@ namespace host {
 namespace {
 
 constexpr std::wstring_view modelTab = L"Model";
-constexpr int paperViewport = 1;
-constexpr int modelViewport = 2;
 
 std::wstring environmentText(const char* name) {
     const char* value = std::getenv(name);
@@ -124,8 +125,7 @@ const std::map<std::wstring_view, DrawingMaker>& drawingMakers() {
         {L"CMDACTIVE", [](Document d) { return Value(activeCommandBits(d)); }},
         {L"CMDNAMES", [](Document d) { return Value(activeCommandNames(d)); }},
         {L"CTAB", [](Document d) { return Value(currentLayoutName(*d.database())); }},
-        {L"CVPORT",
-         [](Document d) { return Value(d.database()->tilemode() ? modelViewport : paperViewport); }},
+        {L"CVPORT", [](Document d) { return Value(activeViewportNumber(*d.database())); }},
         {L"DBMOD",
          [](Document d) {
              return Value(d.database()->undoLog().changeCount() != d.state().savedChangeCount ? 1 : 0);
@@ -141,6 +141,20 @@ const std::map<std::wstring_view, DrawingMaker>& drawingMakers() {
         {L"WORLDUCS", [](Document d) { return Value(isWorldUcs(*d.database()) ? 1 : 0); }},
     };
     return table;
+}
+
+bool setActiveViewportNumber(AcDbDatabase& database, int number) {
+    if (number == activeViewportNumber(database)) {
+        return true;
+    }
+    if (number == 1) {
+        return leaveViewport();
+    }
+    const std::vector<AcDbObjectId> all = layoutViewports(database);
+    return std::any_of(all.begin(), all.end(), [&](AcDbObjectId id) {
+        const ReadAccess access(*peek<AcDbViewport>(id));
+        return peek<AcDbViewport>(id)->number() == number && enterViewport(id);
+    });
 }
 
 const AcDbLayout* layoutOf(AcDbObjectId block) {
@@ -188,8 +202,8 @@ VariableError setComputedVariable(std::wstring_view name, const VariableValue& v
     }
     if (name == L"CVPORT") {
         const auto* number = std::get_if<int>(&value);
-        const int now = database.tilemode() ? modelViewport : paperViewport;
-        return number != nullptr && *number == now ? VariableError::none : VariableError::refused;
+        return number != nullptr && setActiveViewportNumber(database, *number) ? VariableError::none
+                                                                               : VariableError::refused;
     }
     return VariableError::readOnly;
 }

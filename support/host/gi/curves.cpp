@@ -40,9 +40,34 @@ void appendChords(const Arc& arc, double deviation, std::vector<AcGePoint3d>& po
     points.push_back(arc.endPoint());
 }
 
-void appendCurves(const Arc& arc, WorldPath& path) {
-    const int count =
-        std::max(1, static_cast<int>(std::ceil(std::abs(arc.sweep) / (std::numbers::pi / 4) - 1e-9)));
+namespace {
+
+// How far a cubic curve over this angle strays from its arc, as a share of the radius.
+double curveError(double angle) {
+    const double s = std::sin(angle / 4), c = std::cos(angle / 4);
+    return 2.0 / 27 * (s * s * s * s * s * s) / (c * c);
+}
+
+int curveCount(const Arc& arc, double deviation) {
+    constexpr double widest = 2 * std::numbers::pi / 3, finest = std::numbers::pi / 4;
+    const double sweep = std::abs(arc.sweep);
+    const auto countOf = [&](double angle) {
+        return std::max(1, static_cast<int>(std::ceil(sweep / angle - 1e-9)));
+    };
+    const int most = countOf(finest);
+    if (!(deviation > 0))
+        return most;
+    const double radius = std::sqrt(std::max(arc.u.lengthSqrd(), arc.v.lengthSqrd()));
+    int count = countOf(widest);
+    while (count < most && radius * curveError(sweep / count) > deviation)
+        ++count;
+    return count;
+}
+
+} // namespace
+
+void appendCurves(const Arc& arc, WorldPath& path, double deviation) {
+    const int count = curveCount(arc, deviation);
     const double step = arc.sweep / count;
     const double reach = 4.0 / 3.0 * std::tan(step / 4); // of the control points along the tangents
     const double cosStep = std::cos(step), sinStep = std::sin(step);

@@ -30,7 +30,9 @@ public:
         kDrawableShadedDisplaySingleLOD = 1024,
         // The host's own: the drawable is a block definition, so what it draws on layer 0 takes the layer of
         // the reference that draws it.
-        kDrawableIsBlockDefinition = 0x100000
+        kDrawableIsBlockDefinition = 0x100000,
+        // The host's own: parts on shown layers are drawn even where the drawable's own layer is frozen.
+        kDrawableIsWindow = 0x200000
     };
     enum DrawableType { kGeometry, kDistantLight, kPointLight, kSpotLight, kAmbientLight, kSolidBackground };
 

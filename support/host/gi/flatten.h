@@ -16,6 +16,7 @@ struct FlattenOptions {
     AcGiRegenType regenType = kAcGiStandardDisplay;
     bool isPlot = false;         // layers that are not to be plotted are left out
     double deviation = 0.01;     // of chords from curves, drawing units
+    double curveDeviation = 0;   // of cubic curves from arcs; 0: right at any scale
     double dashResolution = 0;   // linetype patterns shorter than this are drawn continuous
     bool drawsThickness = false; // extrusions are drawn as well; seen from above they add nothing
     // Infinite lines are drawn as far as they pass this box, or not at all.

@@ -84,7 +84,7 @@ FlattenCore::BlockLook FlattenCore::resolved(const TraitsState& state) const {
 }
 
 bool FlattenCore::isShown(const LayerLook& layer) const {
-    return !layer.isOff && !layer.isFrozen && (layer.isPlottable || !mOptions.isPlot);
+    return !layer.isOff && !isFrozen(layer) && (layer.isPlottable || !mOptions.isPlot);
 }
 
 bool FlattenCore::prepare() {
@@ -105,7 +105,7 @@ bool FlattenCore::prepare() {
     mPen.layer = &layer;
     mPen.marker = state.marker;
     mLinetype = &linetypeOf(state);
-    mLinetypeScale = mSource.linetypeScale() * state.linetypeScale;
+    mLinetypeScale = mSource.linetypeScale() * state.linetypeScale * mViewLinetypeScale;
     return true;
 }
 
@@ -147,7 +147,8 @@ void FlattenCore::drawWith(AcGiDrawable& drawable, Adesk::UInt32 flags) {
                                       AcGiDrawable::kDrawableIsCompoundObject |
                                       AcGiDrawable::kDrawableIsBlockDefinition;
     const LayerLook& layer = layerOf(mTraits->state());
-    if (layer.isFrozen || ((flags & nesting) == 0 && !isShown(layer)))
+    const bool isWindow = (flags & AcGiDrawable::kDrawableIsWindow) != 0;
+    if (!isWindow && (isFrozen(layer) || ((flags & nesting) == 0 && !isShown(layer))))
         return;
     if (mDepth == 0)
         mSink.beginDrawable(drawable);
@@ -180,6 +181,23 @@ void FlattenCore::pushClip(const AcGiClipBoundary& boundary) {
 }
 
 void FlattenCore::popClip() {
+    mSink.popClip();
+}
+
+void FlattenCore::beginModelView(const AcGeMatrix3d& modelToPaper, std::span<const AcGePoint3d> outline) {
+    std::vector<AcGePoint3d> corners(outline.begin(), outline.end());
+    for (AcGePoint3d& corner : corners)
+        corner = transform() * corner;
+    mSink.pushClip(corners);
+    pushTransform(modelToPaper);
+    const double scale = modelToPaper.scale();
+    mViewLinetypeScale = mSource.scalesLinetypesToPaper() && scale > 0 ? 1 / scale : 1;
+}
+
+void FlattenCore::endModelView() {
+    mViewLinetypeScale = 1;
+    mHiddenLayers.clear();
+    popTransform();
     mSink.popClip();
 }
 

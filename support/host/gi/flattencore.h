@@ -5,6 +5,7 @@
 #include "host/gi/flatten.h"
 #include "host/gi/geometryadapter.h"
 
+#include <unordered_set>
 #include <vector>
 
 namespace host {
@@ -39,6 +40,9 @@ public:
     void pushClip(const AcGiClipBoundary& boundary);
     void popClip();
     void worldLine(std::span<const AcGePoint3d> points);
+    void beginModelView(const AcGeMatrix3d& modelToPaper, std::span<const AcGePoint3d> outline);
+    void hideLayer() { mHiddenLayers.insert(&layerOf(mTraits->state())); }
+    void endModelView();
     bool isAborted() const { return mIsAborted; }
 
     AcGiWorldDraw& worldDraw();
@@ -69,6 +73,9 @@ private:
     AcDb::LineWeight lineWeightOf(const TraitsState& state) const; // may still be the default
     BlockLook resolved(const TraitsState& state) const;
     bool isShown(const LayerLook& layer) const;
+    bool isFrozen(const LayerLook& layer) const {
+        return layer.isFrozen || (!mHiddenLayers.empty() && mHiddenLayers.contains(&layer));
+    }
     void drawWith(AcGiDrawable& drawable, Adesk::UInt32 flags);
 
     // Sets the pen and the linetype for a primitive; false when nothing is to be drawn.
@@ -110,6 +117,8 @@ private:
     Pen mPen;
     const LinetypeLook* mLinetype = &LinetypeLook::continuous();
     double mLinetypeScale = 1;
+    double mViewLinetypeScale = 1; // of the model seen through a viewport
+    std::unordered_set<const LayerLook*> mHiddenLayers;
 
     // Kept to spare allocations.
     std::vector<AcGePoint3d> mWorld, mChords;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/gi/flattencore.h"
+#include "host/gi/modelview.h"
 
 namespace host {
 
@@ -38,11 +39,17 @@ private:
     FlattenContext mContext;
 };
 
-class FlattenWorldDraw final : public FlattenCommonDraw<AcGiWorldDraw> {
+class FlattenWorldDraw final : public FlattenCommonDraw<AcGiWorldDraw>, public ModelViewDraw {
 public:
     explicit FlattenWorldDraw(FlattenCore& core) : FlattenCommonDraw(core), mGeometry(core) {}
     AcGiWorldGeometry& geometry() const override { return mGeometry; }
     AcGiGeometry* rawGeometry() const override { return &mGeometry; }
+
+    void beginModelView(const AcGeMatrix3d& modelToPaper, std::span<const AcGePoint3d> outline) override {
+        mCore.beginModelView(modelToPaper, outline);
+    }
+    void hideLayer() override { mCore.hideLayer(); }
+    void endModelView() override { mCore.endModelView(); }
 
 private:
     mutable WorldGeometryAdapter<FlattenCore> mGeometry;

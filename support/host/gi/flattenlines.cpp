@@ -112,7 +112,7 @@ void FlattenCore::strokeArc(const Arc& arc) {
         mPath.clear();
         const Arc world = transform.isIdentity ? arc : arc.transformed(transform.matrix);
         mPath.move(world.startPoint());
-        appendCurves(world, mPath);
+        appendCurves(world, mPath, mOptions.curveDeviation);
         if (std::ranges::all_of(mPath.points, isFinite))
             mSink.path(mPath, mPen);
         return;
@@ -256,7 +256,7 @@ void FlattenCore::plainPolyline(std::size_t from, std::size_t count) {
             const LightPolyline::Vertex &start = vertices[i], &end = vertexAfter(i);
             if (isBulge(start.bulge))
                 appendCurves(arcOfBulge(start.x, start.y, end.x, end.y, z, start.bulge).transformed(matrix),
-                             mPath);
+                             mPath, mOptions.curveDeviation);
             else
                 mPath.line(matrix * AcGePoint3d{end.x, end.y, z});
         }

@@ -160,6 +160,7 @@ void FlattenCore::infiniteLine(const AcGePoint3d& first, const AcGePoint3d& seco
     clip(start.y, direction.y, mOptions.view->min.y, mOptions.view->max.y);
     if (!(from < to) || !std::isfinite(from) || !std::isfinite(to))
         return;
+    mLinetypeScale *= mTransforms.back().scale;
     mTransforms.emplace_back();
     stroke(std::array{start + direction * from, start + direction * to});
     mTransforms.pop_back();

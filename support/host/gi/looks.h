@@ -139,6 +139,8 @@ public:
     virtual const LinetypeLook& linetypeAt(int tableIndex) = 0;
     // The drawing's global linetype scale and default lineweight.
     virtual double linetypeScale() const { return 1; }
+    // Whether linetypes seen through a viewport are scaled as if they lay on the sheet.
+    virtual bool scalesLinetypesToPaper() const { return true; }
     virtual AcDb::LineWeight defaultLineWeight() const { return AcDb::kLnWt025; }
     // Whether wide lines and areas are filled.
     virtual bool fillMode() const { return true; }

@@ -110,7 +110,7 @@ std::vector<fs::path> dataFolders(AcApDocument* document) {
 }
 
 // Programs never come from the drawing's folder or the working folder, even where the support path names
-// them.
+// them; only who puts them into TRUSTEDPATHS wants that.
 std::vector<fs::path> codeFolders(AcApDocument* document) {
     std::vector<fs::path> folders;
     std::error_code error;
@@ -118,15 +118,14 @@ std::vector<fs::path> codeFolders(AcApDocument* document) {
     if (acDocManagerPtr()->isOpen(document) && document->isNamedDrawing()) {
         untrusted.push_back(fs::weakly_canonical(toNativePath(document->fileName()).parent_path(), error));
     }
-    std::vector<fs::path> candidates = supportFolders();
-    for (fs::path& folder : foldersIn(L"TRUSTEDPATHS")) {
-        candidates.push_back(std::move(folder));
-    }
-    for (const fs::path& folder : candidates) {
+    for (const fs::path& folder : supportFolders()) {
         const fs::path resolved = fs::weakly_canonical(folder, error);
         if (std::ranges::find(untrusted, resolved) == untrusted.end()) {
             folders.push_back(resolved);
         }
+    }
+    for (const fs::path& folder : foldersIn(L"TRUSTEDPATHS")) {
+        folders.push_back(fs::weakly_canonical(folder, error));
     }
     return folders;
 }

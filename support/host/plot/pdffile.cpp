@@ -10,21 +10,19 @@
 
 namespace host {
 
-namespace {
-
-std::string pack(const std::string& data) {
+PdfFile::Packed PdfFile::pack(std::string data) {
     constexpr int fast = 1; // higher levels take several times as long for a tenth of the size
     const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
         libdeflate_alloc_compressor(fast), libdeflate_free_compressor);
     if (!compressor)
         throw std::bad_alloc();
-    std::string packed(libdeflate_zlib_compress_bound(compressor.get(), data.size()), '\0');
-    packed.resize(
-        libdeflate_zlib_compress(compressor.get(), data.data(), data.size(), packed.data(), packed.size()));
+    const std::size_t room = libdeflate_zlib_compress_bound(compressor.get(), data.size());
+    Packed packed{std::make_unique_for_overwrite<char[]>(room), 0, {}};
+    packed.size =
+        libdeflate_zlib_compress(compressor.get(), data.data(), data.size(), packed.bytes.get(), room);
+    packed.memory = std::move(data);
     return packed;
 }
-
-} // namespace
 
 PdfFile::PdfFile(const std::filesystem::path& path) : mFile(path, AtomicFile::Backup::none) {
     write("%PDF-1.5\n%\xE2\xE3\xCF\xD3\n");
@@ -52,7 +50,7 @@ int PdfFile::writeStream(std::string data) {
     constexpr std::size_t longStream = 64 * 1024, mostPending = 2;
     const int number = reserve();
     if (data.size() < longStream) {
-        writePacked(number, pack(data));
+        writePacked(number, pack(std::move(data)));
         return number;
     }
     mPending.push_back({number, std::async(std::launch::async, pack, std::move(data))});
@@ -61,16 +59,19 @@ int PdfFile::writeStream(std::string data) {
 }
 
 void PdfFile::finishPending(std::size_t most) {
-    for (; mPending.size() > most; mPending.pop_front())
-        writePacked(mPending.front().number, mPending.front().packed.get());
+    for (; mPending.size() > most; mPending.pop_front()) {
+        Packed packed = mPending.front().packed.get();
+        writePacked(mPending.front().number, packed);
+        mMemory = std::move(packed.memory);
+    }
 }
 
-void PdfFile::writePacked(int number, const std::string& packed) {
+void PdfFile::writePacked(int number, const Packed& packed) {
     begin(number);
     TextBuffer head;
-    head << "<</Filter/FlateDecode/Length " << packed.size() << ">>stream\n";
+    head << "<</Filter/FlateDecode/Length " << packed.size << ">>stream\n";
     write(head.text());
-    write(packed);
+    write({packed.bytes.get(), packed.size});
     write("\nendstream\nendobj\n");
 }
 

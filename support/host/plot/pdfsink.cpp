@@ -4,6 +4,7 @@
 #include "host/rx/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -27,7 +28,7 @@ PdfSink::PdfSink(const std::filesystem::path& path, const Sheet& sheet, const Pa
 }
 
 void PdfSink::point(const SheetPoint& point, char operation) {
-    mContent << point.x << ' ' << point.y << ' ' << operation << '\n';
+    mContent.putPoint(static_cast<std::int32_t>(point.x), static_cast<std::int32_t>(point.y), operation);
 }
 
 void PdfSink::strokePath() {
@@ -42,27 +43,37 @@ void PdfSink::spill() {
     strokePath();
     endLayer(); // a stream ends the content that it begins
     mContents.push_back(mFile.writeStream(mContent.take()));
+    mContent.reuse(mFile.takeMemory());
 }
 
 void PdfSink::color(std::uint32_t rgb, std::string_view operation) {
-    const auto part = [&](int shift) { return std::round((rgb >> shift & 0xFF) / 255.0 * 1000) / 1000; };
-    mContent << part(16) << ' ' << part(8) << ' ' << part(0) << ' ' << operation << '\n';
+    static const std::array<std::string, 256> shares = [] {
+        std::array<std::string, 256> texts;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            TextBuffer text;
+            text << std::round(static_cast<double>(i) / 255.0 * 1000) / 1000;
+            texts[i] = text.take();
+        }
+        return texts;
+    }();
+    mContent << shares[rgb >> 16 & 0xFF] << ' ' << shares[rgb >> 8 & 0xFF] << ' ' << shares[rgb & 0xFF] << ' '
+             << operation << '\n';
 }
 
 void PdfSink::setLayer(const Pen& pen) {
-    if (!pen.layer || (mLayer && *mLayer == pen.layer->name))
+    if (!pen.layer || mLayer == pen.layer)
         return;
     strokePath();
     endLayer();
-    mLayer = pen.layer->name;
-    const auto [entry, isNew] = mLayerNumbers.try_emplace(*mLayer, mLayerNumbers.size());
+    mLayer = pen.layer;
+    const auto [entry, isNew] = mLayerNumbers.try_emplace(pen.layer->name, mLayerNumbers.size());
     mContent << "/OC/L" << entry->second << " BDC\n";
 }
 
 void PdfSink::endLayer() {
     if (mLayer)
         mContent << "EMC\n";
-    mLayer.reset();
+    mLayer = nullptr;
 }
 
 void PdfSink::setStroke(const Pen& pen) {

@@ -57,7 +57,7 @@ private:
     std::optional<std::int64_t> mStrokeWidth;
     std::unordered_map<std::wstring, std::size_t> mLayerNumbers; // by name
     std::vector<int> mLayerObjects;                              // in the order of their numbers
-    std::optional<std::wstring> mLayer;                          // whose content is being written
+    const LayerLook* mLayer = nullptr;                           // whose content is being written
 };
 
 } // namespace host

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 namespace host {
@@ -56,38 +57,38 @@ private:
     std::vector<float> mTextHeights;
 };
 
-struct Survey {
-    PlotWindow window;
-    double longSide; // of the sheet, millimetres
-    bool isWhole;    // not stopped for too much to draw
-};
-
-Survey survey(DrawingSource& source, const Draw& draw, const PlotOptions& options) {
-    SurveySink sink;
-    FlattenOptions flattening;
-    flattening.isPlot = true;
-    flattening.dashResolution = HUGE_VAL; // linetypes do not change the extents
-    Flattener flattener(source, sink, flattening);
-    draw(flattener);
-    const PlotWindow window = options.window ? *options.window : sink.window();
-    return {window, readableLongSide(window, options.margin, sink.medianTextHeight()),
-            !flattener.isAborted()};
-}
-
 FlattenOptions optionsFor(const Sheet& sheet, const PlotWindow& window) {
     constexpr double deviation = 0.01, shortestPattern = 0.3; // millimetres on the sheet
     FlattenOptions options;
     options.isPlot = true;
     options.deviation = deviation / sheet.scale;
+    options.curveDeviation = deviation / 2 / sheet.scale;
     options.dashResolution = shortestPattern / sheet.scale;
     options.view = {{window.left, window.bottom, 0}, {window.right, window.top, 0}};
     return options;
 }
 
+// Half a turn about the middle of the sheet.
+AcGeMatrix3d upsideDown(const Sheet& sheet) {
+    const AcGePoint3d middle(sheet.originX + sheet.width / 2 / sheet.scale,
+                             sheet.originY + sheet.height / 2 / sheet.scale, 0);
+    return AcGeMatrix3d::rotation(std::numbers::pi, AcGeVector3d::kZAxis, middle);
+}
+
+PlotWindow turned(const PlotWindow& window, const Sheet& sheet) {
+    const AcGeMatrix3d turn = upsideDown(sheet);
+    const AcGePoint3d low = turn * AcGePoint3d(window.right, window.top, 0),
+                      high = turn * AcGePoint3d(window.left, window.bottom, 0);
+    return {low.x, low.y, high.x, high.y};
+}
+
 // The drawing of one sheet; false when there was too much to draw.
 bool drawSheet(DrawingSource& source, const Draw& draw, PrimitiveSink& sink, const Sheet& sheet,
-               const PlotWindow& window, bool isCut) {
+               const PlotWindow& given, bool isCut, bool isUpsideDown) {
+    const PlotWindow window = isUpsideDown ? turned(given, sheet) : given;
     Flattener flattener(source, sink, optionsFor(sheet, window));
+    if (isUpsideDown)
+        flattener.setTransform(upsideDown(sheet));
     if (isCut)
         sink.pushClip(std::array<AcGePoint3d, 4>{{{window.left, window.bottom, 0},
                                                   {window.right, window.bottom, 0},
@@ -99,7 +100,11 @@ bool drawSheet(DrawingSource& source, const Draw& draw, PrimitiveSink& sink, con
     return !flattener.isAborted();
 }
 
-Sheet sheetFor(const PlotOptions& options, const PlotWindow& window, double longSide, bool isFitted) {
+Sheet sheetFor(const PlotOptions& options, const DrawnContent& content, bool isFitted) {
+    const PlotWindow& window = content.window;
+    if (options.sheet)
+        return *options.sheet;
+    const double longSide = readableLongSide(window, options.margin, content.textHeight);
     if (!options.paper)
         return isFitted ? Sheet::fitted(window, options.margin, longSide)
                         : Sheet::standard(window, options.margin, longSide);
@@ -116,7 +121,8 @@ std::wstring plotImage(DrawingSource& source, const Draw& draw, const std::files
     const std::wstring noMemory = L"内存不足，无法生成图像：" + fromUtf8(path.string());
     if (sink.image().isNull())
         return noMemory;
-    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value()))
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(),
+                   options.isUpsideDown))
         return tooMuch + fromUtf8(path.string());
     const std::string data = pngData(sink.image(), sink.pixelsPerMillimetre());
     if (data.empty())
@@ -130,22 +136,38 @@ template <class Sink>
 std::wstring plotVectors(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
                          const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
     Sink sink(path, sheet, options.look);
-    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value()))
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(),
+                   options.isUpsideDown))
         return tooMuch + fromUtf8(path.string());
     return sink.finish() ? std::wstring() : sink.errorText();
 }
 
 } // namespace
 
+DrawnContent drawnContent(DrawingSource& source, const Draw& draw) {
+    SurveySink sink;
+    FlattenOptions flattening;
+    flattening.isPlot = true;
+    flattening.dashResolution = HUGE_VAL; // linetypes do not change the extents
+    Flattener flattener(source, sink, flattening);
+    draw(flattener);
+    return {sink.window(), sink.medianTextHeight(), !flattener.isAborted()};
+}
+
 std::wstring plotDrawing(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
                          const PlotOptions& options) {
     const std::wstring extension = fold(fromUtf8(path.extension().string()));
     if (extension != L".pdf" && extension != L".png" && extension != L".svg")
         return L"不支持的图形文件类型（可用 .pdf、.png、.svg）：" + fromUtf8(path.string());
-    const auto [window, longSide, isWhole] = survey(source, draw, options);
-    if (!isWhole)
+    DrawnContent content;
+    if (!options.window || !options.sheet) // else it changes nothing
+        content = drawnContent(source, draw);
+    if (!content.isWhole)
         return tooMuch + fromUtf8(path.string());
-    const Sheet sheet = sheetFor(options, window, longSide, extension != L".pdf");
+    if (options.window)
+        content.window = *options.window;
+    const PlotWindow& window = content.window;
+    const Sheet sheet = sheetFor(options, content, extension != L".pdf");
     if (extension == L".pdf")
         return plotVectors<PdfSink>(source, draw, path, window, sheet, options);
     if (extension == L".svg")

@@ -19,6 +19,8 @@ struct Paper {
 
 struct PlotOptions {
     std::optional<PlotWindow> window; // the part to draw, cut at its border; without it all that is drawn
+    std::optional<Sheet> sheet;       // where it lies, as it is; else paper, scale and margin say so
+    bool isUpsideDown = false;        // on the sheet
     std::optional<Paper> paper;       // without it a sheet that suits the drawing
     double scale = 0;                 // millimetres on the paper a drawing unit; 0: as large as it fits
     double margin = 10;               // of white paper where the scale is fitted, millimetres
@@ -31,6 +33,14 @@ struct PlotOptions {
 // says what went wrong; an existing file is replaced only when the new one is whole.
 std::wstring plotExtents(AcDbDatabase* database, const std::filesystem::path& path,
                          const PlotOptions& options = {});
+
+// What drawing gives, without a picture.
+struct DrawnContent {
+    PlotWindow window;     // its extents; a standard one where there are none
+    double textHeight = 0; // the median of its texts'
+    bool isWhole = true;   // not stopped for too much to draw
+};
+DrawnContent drawnContent(DrawingSource& source, const std::function<void(Flattener&)>& draw);
 
 // The same for anything that can be drawn: draw is called once for the extents and once for the
 // picture.

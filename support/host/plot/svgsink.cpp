@@ -1,5 +1,8 @@
 #include "host/plot/svgsink.h"
 
+#include "host/gi/looks.h"
+#include "host/rx/text.h"
+
 #include <array>
 #include <cmath>
 
@@ -17,10 +20,11 @@ SvgSink::SvgSink(const std::filesystem::path& path, const Sheet& sheet, const Pa
     : mMap(sheet, stepsPerMillimetre, true), mLook(look), mFile(path, AtomicFile::Backup::none) {
     const std::int64_t width = std::llround(sheet.width * stepsPerMillimetre);
     const std::int64_t height = std::llround(sheet.height * stepsPerMillimetre);
-    mText << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\""
+    mText << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" "
+             "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\""
           << sheet.width << "mm\" height=\"" << sheet.height << "mm\" viewBox=\"0 0 " << width << ' '
-          << height << "\">\n<rect width=\"" << width << "\" height=\"" << height
-          << "\" fill=\"#fff\"/>\n<g stroke-linecap=\"round\" stroke-linejoin=\"round\">\n";
+          << height << "\" stroke-linecap=\"round\" stroke-linejoin=\"round\">\n<rect width=\"" << width
+          << "\" height=\"" << height << "\" fill=\"#fff\"/>\n";
 }
 
 void SvgSink::color(std::uint32_t rgb) {
@@ -34,7 +38,38 @@ void SvgSink::point(char command, const SheetPoint& point) {
     mText << command << point.x << ' ' << point.y;
 }
 
+void SvgSink::endGroups() {
+    endPath();
+    for (; mOpenGroups > 0; --mOpenGroups)
+        mText << "</g>\n";
+    mLayer.reset();
+}
+
+// A layer's group is outermost, so that programs find it; what cuts its content stands inside.
+void SvgSink::setLayer(const Pen& pen) {
+    const std::wstring& name = pen.layer ? pen.layer->name : LayerLook::zero().name;
+    if (mLayer == name)
+        return;
+    endGroups();
+    mLayer = name;
+    mText << "<g inkscape:groupmode=\"layer\" inkscape:label=\"";
+    for (const char character : toUtf8(name)) {
+        constexpr std::string_view special = "&<\"";
+        constexpr std::array<std::string_view, special.size()> written{"&amp;", "&lt;", "&quot;"};
+        const std::size_t index = special.find(character);
+        if (index != special.npos)
+            mText << written[index];
+        else if (static_cast<unsigned char>(character) >= ' ')
+            mText << character;
+    }
+    mText << "\">\n";
+    for (const int clip : mOpenClips)
+        mText << "<g clip-path=\"url(#c" << clip << ")\">\n";
+    mOpenGroups = 1 + mOpenClips.size();
+}
+
 void SvgSink::setStroke(const Pen& pen) {
+    setLayer(pen);
     const std::uint32_t rgb = paperColor(pen, mLook);
     const std::int64_t width = std::llround(paperWidth(pen, mLook) * stepsPerMillimetre);
     if (mPathPoints > 0 && rgb == mStrokeColor && width == mStrokeWidth && mPathPoints < longestPath)
@@ -95,6 +130,7 @@ void SvgSink::path(const WorldPath& path, const Pen& pen) {
 }
 
 void SvgSink::area(const Area& area, const Pen& pen) {
+    setLayer(pen);
     endPath();
     mText << "<path fill=\"";
     color(paperColor(pen, mLook));
@@ -133,6 +169,7 @@ void SvgSink::glyphs(const GlyphRun& run, const Pen& pen) {
         polyline(std::array{run.at(rule.startX, rule.startY), run.at(rule.endX, rule.endY)}, pen);
     if (!hasFill)
         return;
+    setLayer(pen);
     endPath();
     for (const PlacedGlyph& placed : run.text.glyphs)
         if (placed.glyph->filled && !placed.glyph->box().empty)
@@ -189,27 +226,24 @@ void SvgSink::symbol(const Glyph& glyph) {
 }
 
 void SvgSink::pushClip(std::span<const AcGePoint3d> polygon) {
-    endPath();
+    endGroups();
     mText << "<clipPath id=\"c" << ++mClips << "\"><path clip-rule=\"evenodd\" d=\"";
     for (std::size_t i = 0; i < polygon.size(); ++i)
         point(i == 0 ? 'M' : 'L', mMap(polygon[i]));
-    mText << "\"/></clipPath><g clip-path=\"url(#c" << mClips << ")\">\n";
-    ++mOpenClips;
+    mText << "\"/></clipPath>\n";
+    mOpenClips.push_back(mClips);
 }
 
 void SvgSink::popClip() {
-    if (mOpenClips == 0)
+    if (mOpenClips.empty())
         return;
-    endPath();
-    mText << "</g>\n";
-    --mOpenClips;
+    endGroups();
+    mOpenClips.pop_back();
 }
 
 bool SvgSink::finish() {
-    endPath();
-    while (mOpenClips > 0)
-        popClip();
-    mText << "</g>\n</svg>\n";
+    endGroups();
+    mText << "</svg>\n";
     mFile.write(mText.text());
     mText.clear();
     return mFile.commit();

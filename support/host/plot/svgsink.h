@@ -1,5 +1,6 @@
 // Draws primitives into an SVG file: one path element for each stretch of lines with the same pen, filled
-// glyphs as uses of symbols that are defined once.
+// glyphs as uses of symbols that are defined once. Neighbours in the drawing order that lie on one layer are a
+// group that Inkscape knows as a layer.
 #pragma once
 
 #include "host/plot/sheet.h"
@@ -7,6 +8,8 @@
 #include "host/win/fileio.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
@@ -28,6 +31,8 @@ public:
     std::wstring errorText() const { return mFile.errorText(); }
 
 private:
+    void setLayer(const Pen& pen);
+    void endGroups();
     void setStroke(const Pen& pen);
     void endPath();
     void color(std::uint32_t rgb);
@@ -44,7 +49,10 @@ private:
     std::size_t mPathPoints = 0;               // of the path element being written; 0: none is
     std::uint32_t mStrokeColor = 0;
     std::int64_t mStrokeWidth = 0;
-    int mClips = 0, mOpenClips = 0;
+    int mClips = 0;              // defined
+    std::vector<int> mOpenClips; // their numbers, the outermost first
+    std::size_t mOpenGroups = 0; // of the layer and of its clips
+    std::optional<std::wstring> mLayer;
 };
 
 } // namespace host

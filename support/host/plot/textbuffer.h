@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <concepts>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,9 +42,27 @@ public:
         return *this << (text == "-0" ? std::string_view("0") : text);
     }
 
+    // "x y operation", a line.
+    void putPoint(std::int32_t x, std::int32_t y, char operation) {
+        constexpr std::size_t longest = 32;
+        char* const start = room(longest);
+        char* at = std::to_chars(start, start + longest, x).ptr;
+        *at++ = ' ';
+        at = std::to_chars(at, start + longest, y).ptr;
+        *at++ = ' ';
+        *at++ = operation;
+        *at++ = '\n';
+        mSize += static_cast<std::size_t>(at - start);
+    }
+
     std::size_t size() const { return mSize; }
     std::string_view text() const { return std::string_view(mText).substr(0, mSize); }
     void clear() { mSize = 0; }
+    // Memory of a text taken before, to be used again; the buffer must be empty.
+    void reuse(std::string memory) {
+        mText = std::move(memory);
+        mText.resize(mText.capacity());
+    }
     // The text, leaving the buffer empty.
     std::string take() {
         mText.resize(mSize);

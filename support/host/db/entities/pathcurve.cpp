@@ -15,16 +15,6 @@ namespace {
 
 constexpr double parameterTolerance = 1e-10;
 
-bool inRange(const BulgePath& path, double& parameter) {
-    const double end = path.endParameter();
-    if (path.vertices.empty() ||
-        !(parameter >= -parameterTolerance && parameter <= end + parameterTolerance)) {
-        return false;
-    }
-    parameter = std::clamp(parameter, 0.0, end);
-    return true;
-}
-
 SegmentWidths partOf(const SegmentWidths& whole, double from, double to) {
     return {whole.start + (whole.end - whole.start) * from, whole.start + (whole.end - whole.start) * to};
 }
@@ -64,6 +54,16 @@ std::vector<SegmentWidths> widthsBeside(const BulgePath& source, const PathIndex
 }
 
 } // namespace
+
+bool inRange(const BulgePath& path, double& parameter) {
+    const double end = path.endParameter();
+    if (path.vertices.empty() ||
+        !(parameter >= -parameterTolerance && parameter <= end + parameterTolerance)) {
+        return false;
+    }
+    parameter = std::clamp(parameter, 0.0, end);
+    return true;
+}
 
 std::vector<WidePath> splitWidePath(const BulgePath& path, const std::vector<SegmentWidths>& widths,
                                     std::vector<double> parameters) {

@@ -36,6 +36,9 @@ struct WidePath {
     std::vector<SegmentWidths> widths;
 };
 
+/// Whether the parameter lies on the path; one that lies beyond its ends by no more than rounding is put onto
+/// them.
+bool inRange(const BulgePath& path, double& parameter);
 /// The parts of a path between the parameters, given in any order. A closed path is opened at the first.
 std::vector<WidePath> splitWidePath(const BulgePath& path, const std::vector<SegmentWidths>& widths,
                                     std::vector<double> parameters);

@@ -14,6 +14,15 @@ using host::BulgeVertex;
 using host::PathSegment;
 using host::SegmentWidths;
 
+Acad::ErrorStatus AcDbPolyline::getDistAtParam(double parameter, double& distance) const {
+    assertReadEnabled();
+    if (!host::inRange(*m.path, parameter)) {
+        return Acad::eInvalidInput;
+    }
+    distance = m.path.measure().distanceAtParameter(parameter);
+    return Acad::eOk;
+}
+
 Acad::ErrorStatus AcDbPolyline::getParamAtDist(double distance, double& parameter) const {
     assertReadEnabled();
     const std::optional<double> found = m.path.measure().parameterAtDistance(distance);

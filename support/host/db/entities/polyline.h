@@ -130,7 +130,8 @@ public:
     Acad::ErrorStatus dxfInFields(AcDbDxfFiler* filer) override;
     Acad::ErrorStatus dxfOutFields(AcDbDxfFiler* filer) const override;
     Acad::ErrorStatus reverseCurve() override;
-    /// O(log n): the distances of the vertices are kept.
+    // The distances of the vertices are kept: O(1) and O(log n).
+    Acad::ErrorStatus getDistAtParam(double parameter, double& distance) const override;
     Acad::ErrorStatus getParamAtDist(double distance, double& parameter) const override;
 
     /// The vertices and bulges as they are held.

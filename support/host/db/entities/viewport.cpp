@@ -5,9 +5,12 @@
 #include "host/db/dbsortents.h"
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/transforms.h"
+#include "host/gi/curves.h"
 #include "host/gi/gi.h"
+#include "host/gi/modelview.h"
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
 ACRX_DXF_DEFINE_MEMBERS(AcDbViewport, AcDbEntity, AcDb::kDHL_CURRENT, AcDb::kMReleaseCurrent, 0, VIEWPORT,
@@ -20,6 +23,27 @@ Acad::ErrorStatus put(AcDbViewport& viewport, Value& field, const Value& value) 
     viewport.assertWriteEnabled();
     field = value;
     return Acad::eOk;
+}
+
+/// What may be seen, in drawing order.
+std::vector<AcDbStub*> seenThrough(const AcDbViewport& viewport, const AcDbBlockTableRecord& space) {
+    AcDbExtents seen; // in the model's plan
+    const AcGeMatrix3d toModel = viewport.modelToPaper().inverse();
+    for (const AcGePoint3d& corner : viewport.clipOutline()) {
+        seen.addPoint(toModel * corner);
+    }
+    const bool isFromAbove = viewport.viewDirection().isParallelTo(AcGeVector3d::kZAxis);
+    std::vector<AcDbStub*> order = host::drawOrder(space);
+    if (!isFromAbove || seen.isEmpty()) {
+        return order;
+    }
+    const host::Box2d box{host::to2d(seen.minPoint()), host::to2d(seen.maxPoint())};
+    std::unordered_set<AcDbStub*> near;
+    for (const host::Placed& placed : space.database()->impl().places.of(space.objectId()).search(box)) {
+        near.insert(placed.stub);
+    }
+    std::erase_if(order, [&](AcDbStub* stub) { return !near.contains(stub); });
+    return order;
 }
 
 } // namespace
@@ -49,9 +73,28 @@ Adesk::Int16 AcDbViewport::number() const {
     assertReadEnabled();
     return m.number;
 }
+Acad::ErrorStatus AcDbViewport::setNumber(Adesk::Int16 number) {
+    return put(*this, m.number, number);
+}
+bool AcDbViewport::isSheet() const {
+    assertReadEnabled();
+    if (m.number > 0) {
+        return m.number == 1;
+    }
+    // Files do not number the viewports of layouts that are not shown; the sheet's own is the first.
+    const auto* block = host::peek<AcDbBlockTableRecord>(ownerId());
+    if (block == nullptr) {
+        return false;
+    }
+    const auto first =
+        std::find_if(block->entities().begin(), block->entities().end(), [](AcDbStub* stub) {
+            return host::peek<AcDbViewport>(AcDbObjectId(stub)) != nullptr;
+        });
+    return first != block->entities().end() && *first == objectId().stub();
+}
 bool AcDbViewport::isOn() const {
     assertReadEnabled();
-    return (m.flags & host::ViewportData::off) == 0 && m.status != 0;
+    return (m.flags & host::ViewportData::off) == 0 && (m.status != 0 || m.number <= 0);
 }
 Acad::ErrorStatus AcDbViewport::setOn() {
     assertWriteEnabled();
@@ -247,23 +290,49 @@ Acad::ErrorStatus AcDbViewport::subGetOsnapPoints(AcDb::OsnapMode mode, Adesk::G
     return Acad::eOk;
 }
 
+std::vector<AcGePoint3d> AcDbViewport::clipOutline() const {
+    assertReadEnabled();
+    const auto* entity = host::peek<AcDbEntity>(m.clipEntity);
+    std::vector<host::CurvePiece> pieces;
+    if (entity == nullptr || (m.flags & host::ViewportData::clippedByEntity) == 0) {
+        return corners();
+    }
+    const host::ReadAccess access(*entity);
+    if (!entity->curvePieces(pieces) || pieces.empty()) {
+        return corners();
+    }
+    constexpr double within = 1e-4; // of the radius, chords from arcs
+    constexpr int bezierChords = 16;
+    std::vector<AcGePoint3d> outline;
+    for (const host::CurvePiece& piece : pieces) {
+        const int chords =
+            piece.isArc() ? host::chordCount(1.0, piece.to - piece.from, within)
+                          : (piece.isBezier() ? bezierChords : 1);
+        for (int chord = 0; chord < chords; ++chord) {
+            outline.push_back(piece.pointAt(std::lerp(piece.from, piece.to, chord / double(chords))));
+        }
+    }
+    if (pieces.size() > 1 || outline.size() < 2) {
+        outline.push_back(pieces.back().end());
+    }
+    return outline;
+}
+
 void AcDbViewport::drawModel(AcGiWorldDraw* draw) const {
     const AcDbDatabase* home = database();
     const auto* space = home != nullptr ? host::peek<AcDbBlockTableRecord>(home->modelSpaceId()) : nullptr;
-    if (space == nullptr || ownerId() == home->modelSpaceId()) {
+    auto* view = dynamic_cast<host::ModelViewDraw*>(draw);
+    if (space == nullptr || view == nullptr || ownerId() == home->modelSpaceId()) {
         return;
     }
-    const std::unordered_set<AcDbObjectId> frozen(m.frozenLayers.begin(), m.frozenLayers.end());
-    const std::vector<AcGePoint3d> frame = corners();
-    AcGiClipBoundary boundary;
-    boundary.m_ptPoint = m.center;
-    boundary.m_aptPoints.append(host::to2d(frame[0]));
-    boundary.m_aptPoints.append(host::to2d(frame[2]));
-    draw->geometry().pushClipBoundary(&boundary);
-    draw->geometry().pushModelTransform(modelToPaper());
-    for (AcDbStub* stub : host::drawOrder(*space)) {
+    view->beginModelView(modelToPaper(), clipOutline());
+    for (const AcDbObjectId& layer : m.frozenLayers) {
+        draw->subEntityTraits().setLayer(layer);
+        view->hideLayer();
+    }
+    for (AcDbStub* stub : seenThrough(*this, *space)) {
         auto* entity = host::peek<AcDbEntity>(AcDbObjectId(stub));
-        if (entity == nullptr || frozen.contains(entity->layerId()) || entity->isKindOf(desc())) {
+        if (entity == nullptr || entity->isKindOf(desc())) {
             continue;
         }
         if (draw->regenAbort()) {
@@ -272,8 +341,11 @@ void AcDbViewport::drawModel(AcGiWorldDraw* draw) const {
         const host::ReadAccess access(*entity);
         draw->geometry().draw(entity);
     }
-    draw->geometry().popModelTransform();
-    draw->geometry().popClipBoundary();
+    view->endModelView();
+}
+
+Adesk::UInt32 AcDbViewport::subSetAttributes(AcGiDrawableTraits* traits) {
+    return AcDbEntity::subSetAttributes(traits) | kDrawableIsWindow | kDrawableUsesNesting;
 }
 
 bool AcDbViewport::subWorldDraw(AcGiWorldDraw* draw) {
@@ -281,9 +353,11 @@ bool AcDbViewport::subWorldDraw(AcGiWorldDraw* draw) {
     if (isSheet()) {
         return true;
     }
-    std::vector<AcGePoint3d> frame = corners();
-    frame.push_back(frame.front());
-    draw->geometry().polyline(static_cast<Adesk::UInt32>(frame.size()), frame.data());
+    if (host::peek<AcDbEntity>(m.clipEntity) == nullptr) { // else that is the frame
+        std::vector<AcGePoint3d> frame = corners();
+        frame.push_back(frame.front());
+        draw->geometry().polyline(static_cast<Adesk::UInt32>(frame.size()), frame.data());
+    }
     // Nothing of the model reaches beyond the frame; a picture for other programs holds no other drawing.
     const AcGiRegenType regen = draw->regenType();
     if (isOn() && regen != kAcGiForExtents && regen != kAcGiSaveWorldDrawForProxy) {

@@ -57,6 +57,9 @@ public:
     double height() const;
     Acad::ErrorStatus setHeight(double height);
     Adesk::Int16 number() const;
+    Acad::ErrorStatus setNumber(Adesk::Int16 number);
+    /// The view of the sheet itself, which every layout that was shown once has: nothing is drawn of it.
+    bool isSheet() const;
     bool isOn() const;
     Acad::ErrorStatus setOn();
     Acad::ErrorStatus setOff();
@@ -83,6 +86,8 @@ public:
     Acad::ErrorStatus thawLayersInViewport(const AcDbObjectIdArray& layers);
     /// From the model's world coordinates to the sheet's.
     AcGeMatrix3d modelToPaper() const;
+    /// What the model is cut at, on the sheet: the frame, or the outline of the clipping entity.
+    std::vector<AcGePoint3d> clipOutline() const;
 
     Acad::ErrorStatus dwgInFields(AcDbDwgFiler* filer) override;
     Acad::ErrorStatus dwgOutFields(AcDbDwgFiler* filer) const override;
@@ -91,6 +96,7 @@ public:
     const host::ViewportData& data() const { return m; }
 
 protected:
+    Adesk::UInt32 subSetAttributes(AcGiDrawableTraits* traits) override;
     /// The frame; for the sheet itself there is none.
     bool subCurvePieces(std::vector<host::CurvePiece>& pieces) const override;
     Acad::ErrorStatus subTransformBy(const AcGeMatrix3d& transform) override;
@@ -108,7 +114,6 @@ protected:
     Acad::ErrorStatus dxfGroupsRead(AcDbDxfFiler* filer) override;
 
 private:
-    bool isSheet() const { return m.number == 1; }
     std::vector<AcGePoint3d> corners() const;
     void drawModel(AcGiWorldDraw* draw) const;
     host::ViewportData m;
