@@ -38,26 +38,26 @@ AcDbPolyline::AcDbPolyline(unsigned int vertexCount) {
 }
 
 SegmentWidths AcDbPolyline::widthsOf(std::size_t index) const {
-    return m.extras != nullptr && !m.extras->widths.empty()
-               ? m.extras->widths[index]
+    return m.path.extras != nullptr && !m.path.extras->widths.empty()
+               ? m.path.extras->widths[index]
                : SegmentWidths{m.rest->constantWidth, m.rest->constantWidth};
 }
 
 std::vector<SegmentWidths>& AcDbPolyline::varyingWidths() {
-    if (m.extras == nullptr) {
-        m.extras = std::make_unique<host::PolylineExtras>();
+    if (m.path.extras == nullptr) {
+        m.path.extras = std::make_unique<host::PolylineExtras>();
     }
-    if (m.extras->widths.empty()) {
-        m.extras->widths.assign(m.path->vertices.size(), {m.rest->constantWidth, m.rest->constantWidth});
+    if (m.path.extras->widths.empty()) {
+        m.path.extras->widths.assign(m.path->vertices.size(), {m.rest->constantWidth, m.rest->constantWidth});
     }
-    return m.extras->widths;
+    return m.path.extras->widths;
 }
 
 void AcDbPolyline::simplify() {
-    if (m.extras == nullptr) {
+    if (m.path.extras == nullptr) {
         return;
     }
-    std::vector<SegmentWidths>& widths = m.extras->widths;
+    std::vector<SegmentWidths>& widths = m.path.extras->widths;
     const bool equal = std::all_of(widths.begin(), widths.end(), [&](const SegmentWidths& one) {
         return one.start == widths.front().start && one.end == widths.front().start;
     });
@@ -65,12 +65,12 @@ void AcDbPolyline::simplify() {
         m.rest.set(&host::PolylineRest::constantWidth, widths.front().start);
         widths.clear();
     }
-    std::vector<Adesk::Int32>& identifiers = m.extras->identifiers;
+    std::vector<Adesk::Int32>& identifiers = m.path.extras->identifiers;
     if (std::all_of(identifiers.begin(), identifiers.end(), [](Adesk::Int32 one) { return one == 0; })) {
         identifiers.clear();
     }
     if (widths.empty() && identifiers.empty()) {
-        m.extras.reset();
+        m.path.extras.reset();
     }
 }
 
@@ -154,8 +154,8 @@ Acad::ErrorStatus AcDbPolyline::setWidthsAt(unsigned int index, double startWidt
 
 Acad::ErrorStatus AcDbPolyline::getConstantWidth(double& width) const {
     assertReadEnabled();
-    if (m.extras != nullptr && !m.extras->widths.empty()) {
-        const std::vector<SegmentWidths>& widths = m.extras->widths;
+    if (m.path.extras != nullptr && !m.path.extras->widths.empty()) {
+        const std::vector<SegmentWidths>& widths = m.path.extras->widths;
         for (const SegmentWidths& one : widths) {
             if (one.start != widths.front().start || one.end != widths.front().start) {
                 return Acad::eInvalidInput;
@@ -174,8 +174,8 @@ Acad::ErrorStatus AcDbPolyline::setConstantWidth(double width) {
     }
     assertWriteEnabled();
     m.rest.set(&host::PolylineRest::constantWidth, width);
-    if (m.extras != nullptr) {
-        m.extras->widths.clear();
+    if (m.path.extras != nullptr) {
+        m.path.extras->widths.clear();
         simplify();
     }
     return Acad::eOk;
@@ -192,7 +192,7 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
     }
     assertWriteEnabled();
     const auto at = static_cast<std::ptrdiff_t>(index);
-    const bool varies = m.extras != nullptr && !m.extras->widths.empty();
+    const bool varies = m.path.extras != nullptr && !m.path.extras->widths.empty();
     const double missing = varies ? 0.0 : m.rest->constantWidth;
     const SegmentWidths widths{startWidth >= 0.0 ? startWidth : missing,
                                endWidth >= 0.0 ? endWidth : missing};
@@ -205,11 +205,11 @@ Acad::ErrorStatus AcDbPolyline::addVertexAt(unsigned int index, const AcGePoint2
         all.insert(all.begin() + at, widths);
     }
     if (vertexIdentifier != 0 || hasVertexIdentifiers()) {
-        if (m.extras == nullptr) {
-            m.extras = std::make_unique<host::PolylineExtras>();
+        if (m.path.extras == nullptr) {
+            m.path.extras = std::make_unique<host::PolylineExtras>();
         }
-        m.extras->identifiers.resize(m.path->vertices.size());
-        m.extras->identifiers.insert(m.extras->identifiers.begin() + at, vertexIdentifier);
+        m.path.extras->identifiers.resize(m.path->vertices.size());
+        m.path.extras->identifiers.insert(m.path.extras->identifiers.begin() + at, vertexIdentifier);
     }
     m.path.change().vertices.insert(m.path->vertices.begin() + at, BulgeVertex{point, bulge});
     return Acad::eOk;
@@ -222,12 +222,12 @@ Acad::ErrorStatus AcDbPolyline::removeVertexAt(unsigned int index) {
     assertWriteEnabled();
     const auto at = static_cast<std::ptrdiff_t>(index);
     m.path.change().vertices.erase(m.path->vertices.begin() + at);
-    if (m.extras != nullptr) {
-        if (!m.extras->widths.empty()) {
-            m.extras->widths.erase(m.extras->widths.begin() + at);
+    if (m.path.extras != nullptr) {
+        if (!m.path.extras->widths.empty()) {
+            m.path.extras->widths.erase(m.path.extras->widths.begin() + at);
         }
-        if (!m.extras->identifiers.empty()) {
-            m.extras->identifiers.erase(m.extras->identifiers.begin() + at);
+        if (!m.path.extras->identifiers.empty()) {
+            m.path.extras->identifiers.erase(m.path.extras->identifiers.begin() + at);
         }
     }
     return Acad::eOk;
@@ -238,11 +238,11 @@ Acad::ErrorStatus AcDbPolyline::setVertexIdentifierAt(unsigned int index, Adesk:
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    if (m.extras == nullptr) {
-        m.extras = std::make_unique<host::PolylineExtras>();
+    if (m.path.extras == nullptr) {
+        m.path.extras = std::make_unique<host::PolylineExtras>();
     }
-    m.extras->identifiers.resize(m.path->vertices.size());
-    m.extras->identifiers[index] = identifier;
+    m.path.extras->identifiers.resize(m.path->vertices.size());
+    m.path.extras->identifiers[index] = identifier;
     return Acad::eOk;
 }
 
@@ -251,12 +251,12 @@ Acad::ErrorStatus AcDbPolyline::getVertexIdentifierAt(unsigned int index, Adesk:
     if (!isVertex(index)) {
         return Acad::eInvalidIndex;
     }
-    identifier = hasVertexIdentifiers() ? m.extras->identifiers[index] : 0;
+    identifier = hasVertexIdentifiers() ? m.path.extras->identifiers[index] : 0;
     return Acad::eOk;
 }
 
 bool AcDbPolyline::hasVertexIdentifiers() const {
-    return m.extras != nullptr && !m.extras->identifiers.empty();
+    return m.path.extras != nullptr && !m.path.extras->identifiers.empty();
 }
 
 bool AcDbPolyline::hasBulges() const {
@@ -267,10 +267,10 @@ bool AcDbPolyline::hasBulges() const {
 
 bool AcDbPolyline::hasWidth() const {
     assertReadEnabled();
-    if (m.extras == nullptr || m.extras->widths.empty()) {
+    if (m.path.extras == nullptr || m.path.extras->widths.empty()) {
         return m.rest->constantWidth != 0.0;
     }
-    return std::any_of(m.extras->widths.begin(), m.extras->widths.end(),
+    return std::any_of(m.path.extras->widths.begin(), m.path.extras->widths.end(),
                        [](const SegmentWidths& one) { return one.start != 0.0 || one.end != 0.0; });
 }
 
@@ -368,7 +368,7 @@ void AcDbPolyline::reset(bool reuse, unsigned int vertexCount) {
     if (!reuse) {
         m.path.change().vertices.clear();
         m.path.change().vertices.reserve(std::min(vertexCount, 1U << 20));
-        m.extras.reset();
+        m.path.extras.reset();
         m.rest.set(&host::PolylineRest::constantWidth, 0.0);
         return;
     }
@@ -391,11 +391,11 @@ void AcDbPolyline::minimizeMemory() {
 void AcDbPolyline::setShape(host::WidePath shape) {
     assertWriteEnabled();
     m.path.change() = std::move(shape.path);
-    m.extras.reset();
+    m.path.extras.reset();
     if (!shape.widths.empty() && !m.path->vertices.empty()) {
-        m.extras = std::make_unique<host::PolylineExtras>();
+        m.path.extras = std::make_unique<host::PolylineExtras>();
         shape.widths.resize(m.path->vertices.size(), shape.widths.back());
-        m.extras->widths = std::move(shape.widths);
+        m.path.extras->widths = std::move(shape.widths);
         simplify();
     }
 }
@@ -439,15 +439,15 @@ Acad::ErrorStatus AcDbPolyline::reverseCurve() {
     };
     m.path.change() = host::reversed(*m.path);
     turn(m.path.change().vertices);
-    if (m.extras != nullptr) {
-        std::reverse(m.extras->identifiers.begin(), m.extras->identifiers.end());
-        turn(m.extras->identifiers);
-        const std::vector<SegmentWidths> old = m.extras->widths;
+    if (m.path.extras != nullptr) {
+        std::reverse(m.path.extras->identifiers.begin(), m.path.extras->identifiers.end());
+        turn(m.path.extras->identifiers);
+        const std::vector<SegmentWidths> old = m.path.extras->widths;
         for (std::size_t index = 0; index < old.size(); ++index) {
             const SegmentWidths& from = old[(2 * count - 2 - index) % count];
-            m.extras->widths[index] = {from.end, from.start};
+            m.path.extras->widths[index] = {from.end, from.start};
         }
-        turn(m.extras->widths);
+        turn(m.path.extras->widths);
     }
     return Acad::eOk;
 }
@@ -469,8 +469,8 @@ Acad::ErrorStatus AcDbPolyline::subTransformBy(const AcGeMatrix3d& transform) {
     }
     if (planar.isUniform && planar.scale != 1.0) {
         m.rest.set(&host::PolylineRest::constantWidth, m.rest->constantWidth * planar.scale);
-        if (m.extras != nullptr) {
-            for (SegmentWidths& widths : m.extras->widths) {
+        if (m.path.extras != nullptr) {
+            for (SegmentWidths& widths : m.path.extras->widths) {
                 widths = {widths.start * planar.scale, widths.end * planar.scale};
             }
         }

@@ -12,11 +12,12 @@ class AcGeLineSeg3d;
 
 namespace host {
 
-/// What only some polylines have: widths that vary, identifiers of vertices. Each is empty or has an entry a
-/// vertex.
+/// What only some polylines have: widths that vary, identifiers of vertices - each is empty or has an entry a
+/// vertex - and distances along the path, kept from when they are asked for until it changes.
 struct PolylineExtras {
     std::vector<SegmentWidths> widths;
     std::vector<Adesk::Int32> identifiers;
+    std::unique_ptr<PathMeasure> measure;
 };
 
 /// What most polylines have at its standard value.
@@ -27,24 +28,29 @@ struct PolylineRest {
     double constantWidth = 0.0; ///< of all segments when the widths do not vary
 };
 
-/// A path whose distances along it are kept once they were asked for, until it changes.
 class MeasuredPath {
 public:
     const BulgePath& operator*() const { return mPath; }
     const BulgePath* operator->() const { return &mPath; }
     BulgePath& change() {
-        mMeasure.reset();
+        if (extras != nullptr) {
+            extras->measure.reset();
+        }
         return mPath;
     }
     const PathMeasure& measure() const {
-        if (mMeasure == nullptr) {
-            mMeasure = std::make_unique<PathMeasure>(mPath);
+        if (extras == nullptr) {
+            extras = std::make_unique<PolylineExtras>();
         }
-        return *mMeasure;
+        if (extras->measure == nullptr) {
+            extras->measure = std::make_unique<PathMeasure>(mPath);
+        }
+        return *extras->measure;
     }
 
+    mutable std::unique_ptr<PolylineExtras> extras;
+
 private:
-    mutable std::unique_ptr<PathMeasure> mMeasure;
     [[no_unique_address]] BulgePath mPath;
 };
 
@@ -52,7 +58,6 @@ private:
 struct PolylineData {
     [[no_unique_address]] MeasuredPath path; ///< in object coordinates
     bool linetypeGeneration = false;
-    std::unique_ptr<PolylineExtras> extras;
     Uncommon<PolylineRest> rest;
 };
 

@@ -42,7 +42,7 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
         return status;
     }
     const std::vector<host::BulgeVertex>& vertices = m.path->vertices;
-    const bool varies = m.extras != nullptr && !m.extras->widths.empty();
+    const bool varies = m.path.extras != nullptr && !m.path.extras->widths.empty();
     int flags = 0;
     const auto set = [&](bool present, Present bit) { flags |= present ? bit : 0; };
     set(!host::isWorldNormal(m.rest->normal) || m.rest->normal.z != 1.0, hasNormal);
@@ -77,12 +77,12 @@ Acad::ErrorStatus AcDbPolyline::dwgOutFields(AcDbDwgFiler* filer) const {
         }
     }
     if ((flags & hasIdentifierList) != 0) {
-        for (const Adesk::Int32 identifier : m.extras->identifiers) {
+        for (const Adesk::Int32 identifier : m.path.extras->identifiers) {
             filer->writeInt32(identifier);
         }
     }
     if (varies) {
-        for (const host::SegmentWidths& widths : m.extras->widths) {
+        for (const host::SegmentWidths& widths : m.path.extras->widths) {
             filer->writeDouble(widths.start);
             filer->writeDouble(widths.end);
         }
@@ -165,8 +165,8 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
     switch (group.code) {
     case 10:
         vertices.push_back({group.point2d(), 0.0});
-        if (m.extras != nullptr && !m.extras->widths.empty()) {
-            m.extras->widths.emplace_back();
+        if (m.path.extras != nullptr && !m.path.extras->widths.empty()) {
+            m.path.extras->widths.emplace_back();
         }
         return true;
     case 42:
@@ -176,13 +176,13 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
         return true;
     case 40:
     case 41:
-        if (!vertices.empty() && (group.real != 0.0 || (m.extras != nullptr && !m.extras->widths.empty()))) {
-            if (m.extras == nullptr) {
-                m.extras = std::make_unique<host::PolylineExtras>();
+        if (!vertices.empty() && (group.real != 0.0 || (m.path.extras != nullptr && !m.path.extras->widths.empty()))) {
+            if (m.path.extras == nullptr) {
+                m.path.extras = std::make_unique<host::PolylineExtras>();
             }
             // Widths that came before were zero.
-            m.extras->widths.resize(vertices.size());
-            (group.code == 40 ? m.extras->widths.back().start : m.extras->widths.back().end) = group.real;
+            m.path.extras->widths.resize(vertices.size());
+            (group.code == 40 ? m.path.extras->widths.back().start : m.path.extras->widths.back().end) = group.real;
         }
         return true;
     case 91:
@@ -219,12 +219,12 @@ Acad::ErrorStatus AcDbPolyline::dxfGroupsRead(AcDbDxfFiler*) {
     for (const host::BulgeVertex& vertex : m.path->vertices) {
         sum += vertex.point.x + vertex.point.y + vertex.bulge;
     }
-    if (m.extras != nullptr) {
-        for (const host::SegmentWidths& widths : m.extras->widths) {
+    if (m.path.extras != nullptr) {
+        for (const host::SegmentWidths& widths : m.path.extras->widths) {
             sum += widths.start + widths.end;
         }
         if (hasVertexIdentifiers()) {
-            m.extras->identifiers.resize(m.path->vertices.size());
+            m.path.extras->identifiers.resize(m.path->vertices.size());
         }
         simplify();
     }
@@ -239,7 +239,7 @@ Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
         return status;
     }
     const bool all = filer->includesDefaultValues();
-    const bool varies = m.extras != nullptr && !m.extras->widths.empty();
+    const bool varies = m.path.extras != nullptr && !m.path.extras->widths.empty();
     filer->writeText(100, "AcDbPolyline");
     filer->writeInteger(90, static_cast<Adesk::Int64>(m.path->vertices.size()));
     filer->writeInteger(70, (m.path->closed ? dxfClosed : 0) |
@@ -261,7 +261,7 @@ Acad::ErrorStatus AcDbPolyline::dxfOutFields(AcDbDxfFiler* filer) const {
             filer->writeReal(42, vertex.bulge);
         }
         if (hasVertexIdentifiers() || all) {
-            filer->writeInteger(91, hasVertexIdentifiers() ? m.extras->identifiers[index] : 0);
+            filer->writeInteger(91, hasVertexIdentifiers() ? m.path.extras->identifiers[index] : 0);
         }
     }
     host::writeNormal(filer, m.rest->normal);
