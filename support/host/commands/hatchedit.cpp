@@ -14,25 +14,32 @@ const wchar_t* refuseUnlessHatch(const AcDbEntity& entity) {
                                                : nullptr;
 }
 
+HatchSettings settingsOf(const AcDbHatch& hatch) {
+    const bool user = hatch.patternType() == AcDbHatch::kUserDefined;
+    return {user ? L"U" : hatch.patternName().kwszPtr(), user ? 1.0 : hatch.patternScale(),
+            hatch.patternAngle(), user ? hatch.patternSpace() : systemVariableReal(L"HPSPACE"),
+            hatch.patternDouble()};
+}
+
+/// The lines go on from the point that they run from.
 void changeProperties(AcDbObjectId id) {
-    const AcDbHatch& hatch = *peek<AcDbHatch>(id);
     HatchSettings settings;
+    AcGePoint2d origin;
+    std::unique_ptr<AcDbHatch> trial;
     {
-        const ReadAccess access(hatch);
-        const bool user = hatch.patternType() == AcDbHatch::kUserDefined;
-        settings = {user ? L"U" : hatch.patternName().kwszPtr(), user ? 1.0 : hatch.patternScale(),
-                    hatch.patternAngle(), user ? hatch.patternSpace() : systemVariableReal(L"HPSPACE"),
-                    hatch.patternDouble()};
+        const Opened<AcDbHatch> hatch(id, AcDb::kForRead);
+        settings = settingsOf(*hatch.get());
+        origin = hatch->originPoint();
+        trial.reset(AcDbHatch::cast(hatch->clone()));
     }
     AcDbHatch plain; // the pattern as it runs from the origin
     applyHatchSettings(plain, settings);
-    const std::unique_ptr<AcDbHatch> trial(AcDbHatch::cast(hatch.clone()));
+    const AcGeVector2d shift = origin - plain.originPoint();
     if (!askHatchProperties(settings) || !applyHatchSettings(*trial, settings)) {
         return;
     }
     const Opened<AcDbHatch> opened(id, AcDb::kForWrite);
     if (opened) {
-        const AcGeVector2d shift = opened->originPoint() - plain.originPoint();
         applyHatchSettings(*opened.get(), settings);
         opened->setOriginPoint(opened->originPoint() + shift);
     }
