@@ -4,7 +4,6 @@
 #include "host/commands/tables.h"
 #include "host/db/dbents.h"
 #include "host/db/entities/arrowheads.h"
-#include "host/db/entities/recordlookup.h"
 #include "host/ed/colornames.h"
 #include "host/ed/ed.h"
 #include "host/ed/units.h"
@@ -136,8 +135,9 @@ std::optional<Adesk::Int16> integerOf(const std::wstring& text, short code) {
 std::optional<AcDbObjectId> recordOf(AcDbDatabase& database, const std::wstring& text, short code) {
     const bool isStandard = text.empty() || text == L".";
     if (code == textStyleCode) {
-        const AcDbObjectId style(findRecord<AcDbTextStyleTable>(database.textStyleTableId(), text.c_str()));
-        return style.isNull() ? std::nullopt : std::optional(style);
+        AcDbObjectId style;
+        const auto* styles = peek<AcDbTextStyleTable>(database.textStyleTableId());
+        return styles->getAt(text.c_str(), style) == Acad::eOk ? std::optional(style) : std::nullopt;
     }
     if (isStandard) {
         return AcDbObjectId();
@@ -178,7 +178,7 @@ std::wstring shownDimValue(const DimVariables& variables, std::size_t index) {
     if (const auto* id = std::get_if<AcDbObjectId V::*>(&variable.member)) {
         const AcDbObjectId record = variables.**id;
         const std::wstring_view arrow = standardArrowName(record);
-        return arrow.empty() ? recordName(record).kwszPtr() : std::wstring(arrow);
+        return arrow.empty() ? recordName(record) : std::wstring(arrow);
     }
     const Adesk::Int16 number = variables.*std::get<Adesk::Int16 V::*>(variable.member);
     if (isSwitch(variable.code)) {
@@ -266,24 +266,19 @@ void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
 }
 
 void clearDimOverrides(AcDbEntity& entity) {
-    const ResbufList data(entity.xData(L"ACAD"));
-    ResbufBuilder kept;
+    // The list DSTYLE of the application ACAD, up to its closing brace.
+    GroupList kept;
     bool inList = false;
-    for (const resbuf* buffer = data.get(); buffer != nullptr; buffer = buffer->rbnext) {
-        const bool isText =
-            buffer->restype == AcDb::kDxfXdAsciiString || buffer->restype == AcDb::kDxfXdControlString;
-        const std::wstring text = isText ? buffer->resval.rstring : L"";
-        if (text == L"DSTYLE") {
-            inList = true;
-        } else if (!inList) {
-            kept.take(copyResbuf(*buffer).release());
-        } else if (text == L"}") {
+    for (const GroupList::Group& group : entity.xdataGroups()) {
+        const bool begins = group.code == 1000 && group.text == "DSTYLE";
+        inList = inList || begins;
+        if (!inList) {
+            kept.add(group.code, group.text);
+        } else if (group.code == 1002 && group.text == "}") {
             inList = false;
         }
     }
-    if (data.get() != nullptr) {
-        entity.setXData(kept.release().get());
-    }
+    entity.setXdataGroups(std::move(kept));
     if (auto* dimension = AcDbDimension::cast(&entity)) {
         dimension->recomputeDimBlock();
     }
