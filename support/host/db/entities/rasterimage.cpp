@@ -304,7 +304,8 @@ bool AcDbWipeout::subWorldDraw(AcGiWorldDraw* draw) {
     draw->subEntityTraits().setTrueColor(AcCmEntityColor(AcCmEntityColor::kNone)); // the background's
     draw->geometry().polyPolygon(1, &count, corners.data());
     const int frames = database() != nullptr ? host::wipeoutFrames(*database()) : 0;
-    if (frames == 1 || (frames == 2 && !draw->isPlotGeneration())) {
+    if (frames == 1 ||
+        (frames == 2 && (draw->context() == nullptr || !draw->context()->isPlotGeneration()))) {
         std::vector<AcGePoint3d> frame = corners;
         frame.push_back(corners.front());
         draw->subEntityTraits().setTrueColor(entityColor());
