@@ -49,8 +49,10 @@ std::string rounded(const std::string& value) {
 
 /// Headings stand at the line's begin, groups are indented; the lists of what a block or entity holds follow
 /// from the owners and are passed over.
+/// So are the objects that follow another one, as these tell of it.
 std::vector<Record> recordsOf(std::string_view dump) {
     std::vector<Record> records;
+    bool inReactors = false;
     for (const std::string& line : linesOf(dump)) {
         if (!line.starts_with("  ")) {
             const std::size_t blank = line.find(' ');
@@ -61,7 +63,11 @@ std::vector<Record> recordsOf(std::string_view dump) {
         char* end = nullptr;
         const int code = static_cast<int>(std::strtol(line.c_str(), &end, 10));
         if (end != line.c_str() && !records.empty()) {
-            records.back().groups.push_back({code, *end == ' ' ? end + 1 : end});
+            const std::string value = *end == ' ' ? end + 1 : end;
+            inReactors = code == 102 ? value == "{ACAD_REACTORS" : inReactors;
+            if (!inReactors) {
+                records.back().groups.push_back({code, value});
+            }
         }
     }
     return records;
@@ -123,8 +129,8 @@ std::vector<std::string> drawingLines(std::string_view dump) {
     std::map<std::string, std::string> names;
     for (const Record& record : records) {
         const std::string* name = valueOf(record, 2);
-        const bool named =
-            name && record.type != "INSERT" && record.type != "ATTRIB" && record.type != "ATTDEF";
+        const bool named = name && record.type != "INSERT" && record.type != "HATCH" &&
+                           record.type != "ATTRIB" && record.type != "ATTDEF";
         if (named) {
             names.emplace(record.handle, *name);
         } else if (record.type == "INSERT" || record.type == "POLYLINE") {

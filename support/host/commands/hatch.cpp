@@ -1,218 +1,111 @@
-// -HATCH: patterns in closed curves, picked by a point inside or one by one.
+// HATCH: patterns in closed curves, picked by a point inside or one by one; BOUNDARY: polylines along them.
 #include "host/commands/ask.h"
-#include "host/commands/edit/boundarytrace.h"
 #include "host/commands/edit/editing.h"
+#include "host/commands/hatchquestions.h"
 #include "host/commands/registry.h"
-#include "host/rx/text.h"
 
-#include <cmath>
+#include <algorithm>
 
 namespace host {
 namespace {
-
-struct HatchSettings {
-    std::wstring pattern; ///< a name, SOLID, or "U" for lines by angle and spacing
-    double scale = 1.0;
-    double angle = 0.0; ///< radians
-    double spacing = 1.0;
-    bool crossed = false;
-
-    bool isUserDefined() const { return pattern == L"U" || pattern == L"_U"; }
-};
-
-/// A closed boundary in the plane of the UCS: a polyline, or lines and arcs of ellipses.
-struct Loop {
-    BulgePath path;
-    std::vector<CurvePiece> edges;
-};
-
-std::optional<Loop> loopOf(AcDbObjectId id) {
-    const auto* entity = peek<AcDbEntity>(id);
-    if (entity == nullptr) {
-        return std::nullopt;
-    }
-    const ReadAccess access(*entity);
-    Loop loop;
-    loop.path.closed = true;
-    const AcGeVector3d normal = ucsNormal();
-    if (const auto* circle = AcDbCircle::cast(entity)) {
-        if (!circle->normal().isParallelTo(normal)) {
-            return std::nullopt;
-        }
-        const AcGePoint2d center = to2d(toObject(normal, circle->center()));
-        loop.path.add(center + AcGeVector2d(circle->radius(), 0.0), 1.0);
-        loop.path.add(center - AcGeVector2d(circle->radius(), 0.0), 1.0);
-        return loop;
-    }
-    const std::optional<FlatPath> flat = flatPathOf(*entity);
-    if (!flat || !flat->normal.isEqualTo(normal)) {
-        return std::nullopt;
-    }
-    loop.path = flat->shape.path;
-    std::vector<BulgeVertex>& vertices = loop.path.vertices;
-    if (!loop.path.closed && vertices.size() > 2 && vertices.front().point.isEqualTo(vertices.back().point)) {
-        vertices.pop_back();
-        loop.path.closed = true;
-    }
-    return loop.path.closed && vertices.size() >= 2 ? std::optional(loop) : std::nullopt;
-}
-
-/// A boundary that was traced, as a polyline where its arcs are those of circles.
-Loop loopOf(const TracedLoop& traced) {
-    Loop loop;
-    loop.path.closed = true;
-    for (const CurvePiece& piece : traced.pieces) {
-        if (piece.isArc() && !piece.isCircular()) {
-            return {{}, traced.pieces};
-        }
-        const double turn = piece.normal().z < 0.0 ? -1.0 : 1.0;
-        const double bulge = piece.isArc() ? bulgeOfSweep(turn * (piece.to - piece.from)) : 0.0;
-        loop.path.add(to2d(piece.pointAt(piece.from)), bulge);
-    }
-    return loop;
-}
-
-void appendEdges(AcDbHatch& hatch, const std::vector<CurvePiece>& pieces) {
-    AcGeVoidPointerArray edges;
-    AcGeIntArray kinds;
-    for (const CurvePiece& piece : pieces) {
-        if (!piece.isArc()) {
-            edges.append(new AcGeLineSeg2d(to2d(piece.pointAt(piece.from)), to2d(piece.pointAt(piece.to))));
-            kinds.append(AcDbHatch::kLine);
-            continue;
-        }
-        const PrincipalAxes axes = principalAxes(piece.u, piece.v);
-        const auto [low, high] = std::minmax(piece.from, piece.to);
-        edges.append(new AcGeEllipArc2d(to2d(piece.origin), to2d(axes.major).normal(),
-                                        to2d(axes.minor).normal(), axes.major.length(), axes.minor.length(),
-                                        low - axes.shift, high - axes.shift));
-        kinds.append(AcDbHatch::kEllArc);
-    }
-    hatch.appendLoop(AcDbHatch::kExternal, edges, kinds);
-}
-
-bool isPattern(const std::wstring& name) {
-    AcDbHatch hatch;
-    return hatch.setPattern(AcDbHatch::kPreDefined, name.c_str()) == Acad::eOk;
-}
 
 class Hatching {
 public:
     void run();
 
 private:
-    bool askProperties();
-    void addAround(const AcGePoint3d& world);
-    void addSelected();
+    bool askAdvanced();
+    bool askOrigin();
+    /// False when the user gives up.
+    bool takeOption(const Answer& option);
+    void add(std::vector<HatchOutline> outlines) {
+        std::ranges::move(outlines, std::back_inserter(mOutlines));
+    }
     void make();
 
-    HatchSettings mSettings{systemVariableText(L"HPNAME"), systemVariableReal(L"HPSCALE"),
-                            systemVariableReal(L"HPANG"), systemVariableReal(L"HPSPACE"),
-                            systemVariableInteger(L"HPDOUBLE") != 0};
-    std::vector<Loop> mLoops;
+    HatchSettings mSettings = currentHatchSettings();
+    std::vector<HatchOutline> mOutlines;
 };
 
 void Hatching::run() {
     for (;;) {
         acutPrintf(L"\n当前填充图案: %s", mSettings.pattern.c_str());
-        const PointAnswer answer = askPoint(L"\n指定内部点或 [特性(P)/选择对象(S)]: ", L"Properties Select");
-        if (answer.isKeyword(L"Properties")) {
-            if (!askProperties()) {
-                return;
-            }
-        } else if (answer.isKeyword(L"Select")) {
-            addSelected();
-        } else if (answer.isValue()) {
-            addAround(answer.world);
-        } else if (answer.isCancelled()) {
-            return;
-        } else {
+        const PointAnswer answer =
+            askPoint(L"\n指定内部点或 [特性(P)/选择对象(S)/高级(A)/绘图次序(DR)/原点(O)]: ",
+                     L"Properties Select Advanced DRaworder Origin");
+        if (answer.isValue()) {
+            add(outlinesAround(answer.world));
+        } else if (answer.isNone()) {
             break;
+        } else if (answer.isCancelled() || !takeOption(answer)) {
+            return;
         }
     }
-    if (!mLoops.empty()) {
+    if (!mOutlines.empty()) {
         make();
     }
 }
 
-bool Hatching::askProperties() {
-    for (;;) {
-        const TextAnswer name =
-            askText(L"\n输入图案名称或 [实体(S)/用户定义(U)] <" + mSettings.pattern + L">: ");
-        if (name.isCancelled()) {
-            return false;
-        }
-        std::wstring pattern = toUpper(name.isNone() ? mSettings.pattern : name.text);
-        if (pattern == L"S" || pattern == L"_S") {
-            pattern = L"SOLID";
-        }
-        if (pattern == L"U" || pattern == L"_U" || isPattern(pattern)) {
-            mSettings.pattern = std::move(pattern);
-            break;
-        }
-        acutPrintf(L"\n找不到填充图案 \"%s\"。", pattern.c_str());
+bool Hatching::takeOption(const Answer& option) {
+    if (option.isKeyword(L"Properties")) {
+        return askHatchProperties(mSettings);
     }
-    if (mSettings.pattern == L"SOLID") {
+    if (option.isKeyword(L"Select")) {
+        add(selectedOutlines(ucsNormal()));
         return true;
     }
-    const double degrees = mSettings.angle;
-    if (mSettings.isUserDefined()) {
-        const RealAnswer angle = askAngle(L"\n指定十字光标线的角度 <" + shownAngle(degrees) + L">: ");
-        const RealAnswer spacing = angle.isCancelled()
-                                       ? RealAnswer()
-                                       : askDistance(L"\n指定行距 <" + shown(mSettings.spacing) + L">: ",
-                                                     nullptr, nullptr, RSG_NOZERO | RSG_NONEG);
-        const std::optional<bool> crossed =
-            spacing.isCancelled() ? std::nullopt : askYesNo(L"\n是否双向填充区域?", mSettings.crossed);
-        mSettings.angle = angle.isValue() ? angle.value : mSettings.angle;
-        mSettings.spacing = spacing.isValue() ? spacing.value : mSettings.spacing;
-        mSettings.crossed = crossed.value_or(false);
-        return crossed.has_value();
+    if (option.isKeyword(L"Advanced")) {
+        return askAdvanced();
     }
-    const RealAnswer scale =
-        askReal(L"\n指定图案缩放比例 <" + shown(mSettings.scale) + L">: ", nullptr, RSG_NOZERO | RSG_NONEG);
-    if (scale.isCancelled()) {
-        return false;
+    if (option.isKeyword(L"Origin")) {
+        return askOrigin();
     }
-    mSettings.scale = scale.isValue() ? scale.value : mSettings.scale;
-    const RealAnswer angle = askAngle(L"\n指定图案角度 <" + shownAngle(mSettings.angle) + L">: ");
-    mSettings.angle = angle.isValue() ? angle.value : mSettings.angle;
-    return !angle.isCancelled();
+    const std::optional<int> order = askHatchOrder(systemVariableInteger(L"HPDRAWORDER"));
+    setSystemVariable(L"HPDRAWORDER", order.value_or(systemVariableInteger(L"HPDRAWORDER")));
+    return order.has_value();
 }
 
-void Hatching::addAround(const AcGePoint3d& world) {
-    const AcGeVector3d normal = ucsNormal();
-    const TracedBoundary boundary =
-        traceBoundary(currentDatabase().currentSpaceId(), normal, to2d(toObject(normal, world)));
-    for (const TracedLoop& loop : boundary.loops) {
-        mLoops.push_back(loopOf(loop));
-    }
-    if (boundary.loops.empty() && boundary.gap) {
-        const auto place = [&](const AcGePoint2d& point) {
-            const AcGePoint3d ucs = worldToUcs(toWorld(normal, to3d(point)));
-            return shown(ucs.x) + L"," + shown(ucs.y);
-        };
-        acutPrintf(L"\n边界不封闭: 在 (%s) 与 (%s) 之间有间隙，宽 %s。", place(boundary.gap->from).c_str(),
-                   place(boundary.gap->to).c_str(),
-                   shown(boundary.gap->from.distanceTo(boundary.gap->to)).c_str());
-    } else if (boundary.loops.empty()) {
-        acutPrintf(L"\n未找到有效的图案填充边界。");
-    }
-}
-
-void Hatching::addSelected() {
-    const Selection selection = Selection::askWith(L"\n选择对象: ");
-    int refused = 0;
-    for (const AcDbObjectId id : selection.ids()) {
-        if (std::optional<Loop> loop = loopOf(id)) {
-            mLoops.push_back(std::move(*loop));
+bool Hatching::askAdvanced() {
+    for (;;) {
+        const Answer answer =
+            askKeyword(L"\n输入选项 [关联(A)/样式(S)/退出(X)] <退出>: ", L"Associativity Style eXit");
+        if (answer.isKeyword(L"Associativity")) {
+            const std::optional<bool> follows =
+                askYesNo(L"\n是否创建关联图案填充?", systemVariableInteger(L"HPASSOC") != 0);
+            if (!follows) {
+                return false;
+            }
+            setSystemVariable(L"HPASSOC", *follows ? 1 : 0);
+        } else if (answer.isKeyword(L"Style")) {
+            const std::optional<AcDbHatch::HatchStyle> style = askHatchStyle(
+                static_cast<AcDbHatch::HatchStyle>(systemVariableInteger(L"HPISLANDDETECTION")));
+            if (!style) {
+                return false;
+            }
+            setSystemVariable(L"HPISLANDDETECTION", static_cast<int>(*style));
         } else {
-            ++refused;
+            return !answer.isCancelled();
         }
     }
-    if (refused > 0) {
-        acutPrintf(L"\n%d 个对象不是封闭的边界。", refused);
+}
+
+AcGePoint2d patternOrigin() {
+    const ResbufList value = systemVariable(L"HPORIGIN");
+    return value != nullptr ? AcGePoint2d(value->resval.rpoint[0], value->resval.rpoint[1]) : AcGePoint2d();
+}
+
+bool Hatching::askOrigin() {
+    const AcGePoint2d now = patternOrigin();
+    const PointAnswer origin =
+        askPoint(L"\n指定图案填充原点 <" + shown(now.x) + L"," + shown(now.y) + L">: ");
+    if (origin.isValue()) {
+        const AcGePoint3d flat = toObject(ucsNormal(), origin.world);
+        resbuf value{};
+        value.restype = RTPOINT;
+        setPoint(value.resval.rpoint, {flat.x, flat.y, 0.0});
+        setSystemVariable(L"HPORIGIN", value);
     }
+    return !origin.isCancelled();
 }
 
 void Hatching::make() {
@@ -220,50 +113,83 @@ void Hatching::make() {
     hatch->setDatabaseDefaults();
     hatch->setNormal(ucsNormal());
     hatch->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
-    hatch->setPatternAngle(mSettings.angle);
-    hatch->setPatternScale(mSettings.scale);
-    const bool user = mSettings.isUserDefined();
-    if (user) {
-        hatch->setPatternSpace(mSettings.spacing);
-        hatch->setPatternDouble(mSettings.crossed);
+    hatch->setHatchStyle(static_cast<AcDbHatch::HatchStyle>(systemVariableInteger(L"HPISLANDDETECTION")));
+    for (const HatchOutline& outline : mOutlines) {
+        appendOutline(*hatch, outline);
     }
-    AcString fault;
-    if (hatch->setPattern(user ? AcDbHatch::kUserDefined : AcDbHatch::kPreDefined,
-                          user ? L"_USER" : mSettings.pattern.c_str(), &fault) != Acad::eOk) {
-        reportFailure(L"找不到填充图案 \"" + mSettings.pattern + L"\"");
+    if (!applyHatchSettings(*hatch, mSettings)) {
         return;
     }
-    hatch->setHatchStyle(AcDbHatch::kNormal);
-    for (const Loop& loop : mLoops) {
-        if (!loop.edges.empty()) {
-            appendEdges(*hatch, loop.edges);
-            continue;
-        }
-        AcGePoint2dArray vertices;
-        AcGeDoubleArray bulges;
-        for (const BulgeVertex& vertex : loop.path.vertices) {
-            vertices.append(vertex.point);
-            bulges.append(vertex.bulge);
-        }
-        hatch->appendLoop(AcDbHatch::kPolyline | AcDbHatch::kExternal, vertices, bulges);
+    if (const AcGePoint2d origin = patternOrigin(); origin != AcGePoint2d::kOrigin) {
+        hatch->setOriginPoint(origin);
     }
-    if (hatch->evaluateHatch() != Acad::eOk) {
-        reportFailure(L"填充线太密: 请加大比例");
-        return;
+    storeHatchSettings(mSettings);
+    const AcDbObjectId id = appendToCurrentSpace(hatch.release());
+    const bool hasSources =
+        std::ranges::none_of(mOutlines, [](const HatchOutline& outline) { return outline.sources.empty(); });
+    if (systemVariableInteger(L"HPASSOC") != 0 && hasSources) {
+        associate(id, mOutlines);
     }
-    setSystemVariable(L"HPNAME", std::wstring_view(mSettings.pattern));
-    setSystemVariable(L"HPSCALE", mSettings.scale);
-    setSystemVariable(L"HPANG", mSettings.angle);
-    setSystemVariable(L"HPSPACE", mSettings.spacing);
-    appendToCurrentSpace(hatch.release());
 }
 
 void runHatch() {
     Hatching().run();
 }
 
+void appendOutlinePolyline(const HatchOutline& outline) {
+    AcDbHatch measure;
+    appendOutline(measure, outline);
+    auto polyline = std::make_unique<AcDbPolyline>();
+    polyline->setDatabaseDefaults();
+    polyline->setNormal(ucsNormal());
+    polyline->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
+    for (const BulgeVertex& vertex : pathOf(measure.data().loops.front()).vertices) {
+        polyline->addVertexAt(polyline->numVerts(), vertex.point, vertex.bulge);
+    }
+    polyline->setClosed(true);
+    appendToCurrentSpace(polyline.release());
+}
+
+/// The option that says whether islands come along; false for Escape.
+bool askIslands(bool& findsIslands) {
+    const Answer option = askKeyword(L"\n输入选项 [孤岛检测(I)/退出(X)] <退出>: ", L"Island eXit");
+    if (!option.isKeyword(L"Island")) {
+        return !option.isCancelled();
+    }
+    const std::optional<bool> finds = askYesNo(L"\n是否检测孤岛?", findsIslands);
+    findsIslands = finds.value_or(findsIslands);
+    return finds.has_value();
+}
+
+void runBoundary() {
+    bool findsIslands = true;
+    std::vector<HatchOutline> found;
+    for (;;) {
+        const PointAnswer answer = askPoint(L"\n指定内部点或 [高级选项(A)]: ", L"Advanced");
+        if (answer.isCancelled() || (answer.isKeyword(L"Advanced") && !askIslands(findsIslands))) {
+            return;
+        }
+        if (answer.isNone()) {
+            break;
+        }
+        if (answer.isValue()) {
+            std::vector<HatchOutline> outlines = outlinesAround(answer.world);
+            if (!findsIslands && outlines.size() > 1) {
+                outlines.resize(1);
+            }
+            std::ranges::move(outlines, std::back_inserter(found));
+        }
+    }
+    std::ranges::for_each(found, appendOutlinePolyline);
+    if (!found.empty()) {
+        acutPrintf(L"\nBOUNDARY 已创建 %d 个多段线。", static_cast<int>(found.size()));
+    }
+}
+
 constexpr CommandRow rows[] = {{L"-HATCH", L"-图案填充", ACRX_CMD_MODAL, runHatch},
-                               {L"HATCH", L"图案填充", ACRX_CMD_MODAL, runHatch}};
+                               {L"HATCH", L"图案填充", ACRX_CMD_MODAL, runHatch},
+                               {L"-BOUNDARY", L"-边界", ACRX_CMD_MODAL, runBoundary},
+                               {L"BOUNDARY", L"边界", ACRX_CMD_MODAL, runBoundary}};
 
 } // namespace
 

@@ -2,9 +2,12 @@
 // are there, their fields are read again with every id replaced by that of its copy.
 #include "host/db/dbtrans.h"
 #include "host/db/entities/blockreference.h"
+#include "host/db/entities/hatch.h"
+#include "host/db/entities/leader.h"
 #include "host/rx/text.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 Acad::ErrorStatus AcDbIdMapping::assign(const AcDbIdPair& pair) {
     const auto [found, added] = mIndex.emplace(pair.key().stub(), mPairs.size());
@@ -92,6 +95,7 @@ private:
     void copyDictionaryEntry(AcDbObjectId source);
     void putInto(AcDbObjectId owner, AcDbObject& source, AcDbStub* copy);
     void translate();
+    void settleAssociations();
 
     AcDbDatabase& mDestination;
     AcDbIdMapping& mMapping;
@@ -277,10 +281,53 @@ void Cloner::translate() {
     for (const auto& [block, name] : mRenamed) {
         block->setName(name.kwszPtr());
     }
+    settleAssociations();
     for (Copy& copy : mCopies) {
         copy.object->close();
     }
     mCopies.clear();
+}
+
+/// What follows entities that were not copied along does not follow anything; a copy is followed by copies.
+void Cloner::settleAssociations() {
+    std::unordered_set<AcDbStub*> copies;
+    for (const Copy& copy : mCopies) {
+        copies.insert(copy.object->objectId().stub());
+    }
+    for (const Copy& copy : mCopies) {
+        if (AcDbEntity::cast(copy.object) == nullptr) {
+            continue;
+        }
+        for (const AcDbObjectId reactor : std::vector(copy.object->persistentReactors())) {
+            if (!mCrossing && !copies.contains(reactor.stub())) {
+                copy.object->removePersistentReactor(reactor);
+            }
+        }
+    }
+    for (const Copy& copy : mCopies) {
+        const AcDbObjectId id = copy.object->objectId();
+        const auto isFollowed = [&](AcDbObjectId source) {
+            const auto* object = peek<AcDbObject>(source);
+            return object != nullptr && object->hasPersistentReactor(id);
+        };
+        if (auto* leader = AcDbLeader::cast(copy.object);
+            leader != nullptr && !leader->annotationObjId().isNull() &&
+            !copies.contains(leader->annotationObjId().stub())) {
+            leader->detachAnnotation();
+        }
+        auto* hatch = AcDbHatch::cast(copy.object);
+        AcDbObjectIdArray sources;
+        if (hatch == nullptr || !hatch->associative() || hatch->getAssocObjIds(sources) != Acad::eOk ||
+            (!sources.isEmpty() && std::ranges::all_of(sources, isFollowed))) {
+            continue;
+        }
+        for (const AcDbObjectId source : sources) {
+            if (isFollowed(source)) {
+                peek<AcDbObject>(source)->removePersistentReactor(id);
+            }
+        }
+        hatch->removeAssocObjIds();
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "host/rx/text.h"
 
 #include <algorithm>
+#include <ranges>
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObject, AcGiDrawable)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObjectReactor, AcRxObject)
@@ -471,9 +472,10 @@ Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* filer) const {
         filer->writeReference(360, mExtras->extensionDictionary.stub());
         filer->writeText(102, "}");
     }
-    if (mExtras != nullptr && !mExtras->reactors.empty()) {
+    const auto isThere = [](AcDbObjectId reactor) { return !reactor.isErased(); };
+    if (mExtras != nullptr && std::ranges::any_of(mExtras->reactors, isThere)) {
         filer->writeText(102, "{ACAD_REACTORS");
-        for (AcDbObjectId reactor : mExtras->reactors) {
+        for (AcDbObjectId reactor : mExtras->reactors | std::views::filter(isThere)) {
             filer->writeReference(330, reactor.stub());
         }
         filer->writeText(102, "}");

@@ -5,6 +5,7 @@
 #include "host/ed/externalfunctions.h"
 #include "host/ed/grips.h"
 #include "host/ed/selection.h"
+#include "host/ed/stepfollower.h"
 #include "host/ed/ucs.h"
 #include "host/ed/viewhistory.h"
 #include "host/formats/sld/slide.h"
@@ -49,6 +50,9 @@ public:
 private:
     void openLispStep(AcDbDatabase& database);
     void closeLispStep(AcDbDatabase& database);
+    /// From the first step on there is a follower, which sees changes between the steps too.
+    void needFollower(AcDbDatabase& database);
+    std::unique_ptr<StepFollower> mFollower;
     int mCommands = 0;
     int mLisp = 0;
     bool mLispStepOpen = false;

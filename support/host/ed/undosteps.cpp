@@ -3,8 +3,20 @@
 
 namespace host {
 
+std::function<std::unique_ptr<StepFollower>(AcDbDatabase&)>& stepFollowerMaker() {
+    static std::function<std::unique_ptr<StepFollower>(AcDbDatabase&)> maker;
+    return maker;
+}
+
+void UndoSteps::needFollower(AcDbDatabase& database) {
+    if (stepFollowerMaker() && (mFollower == nullptr || !mFollower->follows(database))) {
+        mFollower = stepFollowerMaker()(database);
+    }
+}
+
 void UndoSteps::openLispStep(AcDbDatabase& database) {
     if (mLisp > 0 && mCommands == 0 && !mLispStepOpen) {
+        needFollower(database);
         database.undoLog().beginCommand(L"LISP");
         mLispStepOpen = true;
     }
@@ -13,6 +25,9 @@ void UndoSteps::openLispStep(AcDbDatabase& database) {
 void UndoSteps::closeLispStep(AcDbDatabase& database) {
     if (mLispStepOpen) {
         const std::size_t before = database.undoLog().stepCount();
+        if (mFollower != nullptr) {
+            mFollower->stepEnds();
+        }
         database.undoLog().endCommand();
         mLispStepMade = database.undoLog().stepCount() > before;
         mLispStepOpen = false;
@@ -23,10 +38,14 @@ void UndoSteps::beginCommand(AcDbDatabase& database, const std::wstring& name) {
     if (mCommands++ == 0) {
         closeLispStep(database);
     }
+    needFollower(database);
     database.undoLog().beginCommand(name);
 }
 
 void UndoSteps::endCommand(AcDbDatabase& database) {
+    if (mFollower != nullptr) {
+        mFollower->stepEnds();
+    }
     database.undoLog().endCommand();
     --mCommands;
     openLispStep(database);

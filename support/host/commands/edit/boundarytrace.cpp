@@ -101,8 +101,13 @@ public:
         : mNet(block, normal), mPoint(point) {
         mNet.setMagnitude(std::max(std::fabs(point.x), std::fabs(point.y)));
     }
+    Tracer(std::vector<AcDbStub*> curves, const AcGeVector3d& normal, double magnitude)
+        : mNet(std::move(curves), normal) {
+        mNet.setMagnitude(magnitude);
+    }
 
     TracedBoundary trace();
+    std::vector<TracedLoop> allWays();
 
 private:
     struct RayHit {
@@ -332,6 +337,26 @@ void Tracer::addComponent(const NetEdge& start, TracedBoundary& boundary) {
     }
 }
 
+std::vector<TracedLoop> Tracer::allWays() {
+    constexpr double endless = 1e300;
+    std::vector<TracedLoop> loops;
+    for (AcDbStub* stub : mNet.entitiesIn({{-endless, -endless}, {endless, endless}})) {
+        const auto count = static_cast<std::uint32_t>(mNet.curvesOf(stub).pieces.size());
+        for (std::uint32_t piece = 0; piece < count; ++piece) {
+            for (std::uint32_t node = 0; node < mNet.intervals(stub, piece); ++node) {
+                const NetEdge edge{stub, piece, node, true};
+                for (const NetEdge& start : {edge, edge.twin()}) {
+                    const Edges way = mVisited.contains(start) ? Edges() : withoutSpurs(wayFrom(start));
+                    if (!way.empty()) {
+                        loops.push_back(loopOf(way));
+                    }
+                }
+            }
+        }
+    }
+    return loops;
+}
+
 std::optional<TracedBoundary::Gap> Tracer::narrowestGap() const {
     constexpr std::size_t mostEnds = 2000;
     std::optional<TracedBoundary::Gap> narrowest;
@@ -357,6 +382,31 @@ std::optional<TracedBoundary::Gap> Tracer::narrowestGap() const {
 
 TracedBoundary traceBoundary(AcDbObjectId block, const AcGeVector3d& normal, const AcGePoint2d& point) {
     return Tracer(block, normal, point).trace();
+}
+
+std::vector<TracedLoop> closedWays(const std::vector<AcDbObjectId>& curves, const AcGeVector3d& normal) {
+    std::vector<AcDbStub*> stubs;
+    std::unordered_set<AcDbStub*> seen;
+    double magnitude = 1.0;
+    for (const AcDbObjectId id : curves) {
+        const auto* entity = peek<AcDbEntity>(id);
+        AcDbExtents box;
+        if (entity == nullptr || !seen.insert(id.stub()).second) {
+            continue;
+        }
+        const ReadAccess access(*entity);
+        if (entity->getGeomExtents(box) == Acad::eOk) {
+            for (const AcGePoint3d& corner : {box.minPoint(), box.maxPoint()}) {
+                magnitude = std::max({magnitude, std::fabs(corner.x), std::fabs(corner.y)});
+            }
+        }
+        stubs.push_back(id.stub());
+    }
+    return Tracer(std::move(stubs), normal, magnitude).allWays();
+}
+
+double signedArea(const TracedLoop& loop) {
+    return Region(loop.pieces).signedArea();
 }
 
 } // namespace host

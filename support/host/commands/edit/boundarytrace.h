@@ -32,4 +32,10 @@ struct TracedBoundary {
 /// be selected in the block.
 TracedBoundary traceBoundary(AcDbObjectId block, const AcGeVector3d& normal, const AcGePoint2d& point);
 
+/// All closed ways that these curves make with each other in the plane, whether they can be selected or not:
+/// faces counterclockwise, outlines of what hangs together clockwise.
+std::vector<TracedLoop> closedWays(const std::vector<AcDbObjectId>& curves, const AcGeVector3d& normal);
+/// Positive for a loop that runs counterclockwise.
+double signedArea(const TracedLoop& loop);
+
 } // namespace host

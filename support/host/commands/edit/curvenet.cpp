@@ -18,9 +18,9 @@ bool isBoundaryKind(const AcDbEntity& entity) {
            entity.isKindOf(AcDbSolid::desc());
 }
 
-void gather(const AcDbEntity& entity, const AcGeMatrix3d& transform, int depth,
+void gather(const AcDbEntity& entity, const AcGeMatrix3d& transform, int depth, bool evenHidden,
             std::vector<CurvePiece>& pieces) {
-    if (!isSelectable(entity) || pieces.size() > mostPieces) {
+    if ((!evenHidden && !isSelectable(entity)) || pieces.size() > mostPieces) {
         return;
     }
     const ReadAccess access(entity);
@@ -32,7 +32,7 @@ void gather(const AcDbEntity& entity, const AcGeMatrix3d& transform, int depth,
         const AcGeMatrix3d inner = transform * reference->blockTransform();
         for (AcDbStub* stub : block->entities()) {
             if (const auto* part = peek<AcDbEntity>(AcDbObjectId(stub))) {
-                gather(*part, inner, depth + 1, pieces);
+                gather(*part, inner, depth + 1, evenHidden, pieces);
             }
         }
         return;
@@ -83,10 +83,27 @@ double turned(double angle) {
 CurveNet::CurveNet(AcDbObjectId block, const AcGeVector3d& normal)
     : mBlock(block), mToPlane(flattening(normal)), mIsPlan(normal.isEqualTo(AcGeVector3d::kZAxis)) {}
 
+CurveNet::CurveNet(std::vector<AcDbStub*> entities, const AcGeVector3d& normal)
+    : mEntities(std::move(entities)), mToPlane(flattening(normal)), mIsPlan(false) {}
+
 std::vector<AcDbStub*> CurveNet::entitiesIn(const Box2d& box) {
     constexpr double endless = 1e300;
     const Box2d everything{{-endless, -endless}, {endless, endless}};
     std::vector<AcDbStub*> found;
+    if (mBlock.isNull()) {
+        if (!mHasEntityIndex) {
+            std::vector<Box2d> boxes(mEntities.size());
+            for (std::size_t i = 0; i < boxes.size(); ++i) {
+                for (const Piece& piece : curvesOf(mEntities[i]).pieces) {
+                    boxes[i].add(piece.box);
+                }
+            }
+            mEntityIndex = BoxIndex(boxes);
+            mHasEntityIndex = true;
+        }
+        mEntityIndex.search(box, [&](std::uint32_t index) { found.push_back(mEntities[index]); });
+        return found;
+    }
     for (const Placed& place : spatialQuery().overlapping(mBlock, mIsPlan ? box : everything)) {
         const auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
         if (entity != nullptr && !place.box.isEmpty() &&
@@ -105,7 +122,7 @@ CurveNet::Curves& CurveNet::curvesOf(AcDbStub* stub) {
         return curves;
     }
     std::vector<CurvePiece> pieces;
-    gather(*peek<AcDbEntity>(AcDbObjectId(stub)), mToPlane, 0, pieces);
+    gather(*peek<AcDbEntity>(AcDbObjectId(stub)), mToPlane, 0, mBlock.isNull(), pieces);
     std::vector<CurvePiece> halves;
     for (const CurvePiece& piece : pieces) {
         addHalves(piece, halves);

@@ -35,6 +35,8 @@ struct NetEdgeHash {
 class CurveNet {
 public:
     CurveNet(AcDbObjectId block, const AcGeVector3d& normal);
+    /// Of these entities alone, whether they can be selected or not.
+    CurveNet(std::vector<AcDbStub*> entities, const AcGeVector3d& normal);
 
     /// Pieces with the places along them where others meet them.
     struct Piece {
@@ -81,7 +83,10 @@ private:
                      std::vector<Branch>& branches);
     Branch branch(const NetEdge& edge);
 
-    AcDbObjectId mBlock;
+    AcDbObjectId mBlock;              ///< null for a net of given entities
+    std::vector<AcDbStub*> mEntities; ///< the given ones
+    BoxIndex mEntityIndex;
+    bool mHasEntityIndex = false;
     AcGeMatrix3d mToPlane; ///< with Z taken away
     bool mIsPlan;          ///< the plane is that of the index
     double mTolerance = 4e-9;

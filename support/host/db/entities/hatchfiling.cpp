@@ -69,9 +69,15 @@ Acad::ErrorStatus AcDbHatch::dwgInFields(AcDbDwgFiler* filer) {
     if (status == Acad::eOk) {
         status = host::readFields(filer, m);
     }
-    // Copies into other drawings leave the objects behind that the boundary was made from.
-    for (host::HatchLoop& loop : m.loops) {
-        std::erase_if(loop.sources, [](const AcDbObjectId& id) { return id.isNull(); });
+    // Copies into other drawings may leave objects behind that the boundary was made from.
+    const bool leftBehind = std::ranges::any_of(m.loops, [](const host::HatchLoop& loop) {
+        return std::ranges::any_of(loop.sources, [](const AcDbObjectId& id) { return id.isNull(); });
+    });
+    if (leftBehind && filer->filerType() == AcDb::kWblockCloneFiler) {
+        m.associative = false;
+        for (host::HatchLoop& loop : m.loops) {
+            loop.sources.clear();
+        }
     }
     changed();
     return status;
