@@ -25,7 +25,7 @@ protected:
 TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
     for (const auto family :
          {host::fileCommands,     host::drawCommands,     host::polylineCommands, host::textCommands,
-          host::insertCommands,   host::modifyCommands,   host::undoCommands,     host::layerCommands,
+          host::insertCommands,   host::modifyCommands,   host::undoCommands,     host::layerCommands, host::layerToolCommands,
           host::linetypeCommands, host::viewCommands,     host::variableCommands, host::transformCommands,
           host::arrayCommands,    host::markCommands,     host::offsetCommands,   host::peditCommands,
           host::propertyCommands, host::purgeCommands,    host::auditCommands,    host::blockCommands,

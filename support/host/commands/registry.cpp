@@ -8,7 +8,7 @@ namespace host {
 void initializeCommands() {
     const std::span<const CommandRow> families[] = {
         fileCommands(),      drawCommands(),      polylineCommands(),  textCommands(),
-        insertCommands(),    modifyCommands(),    undoCommands(),      layerCommands(),
+        insertCommands(),    modifyCommands(),    undoCommands(),      layerCommands(), layerToolCommands(),
         linetypeCommands(),  viewCommands(),      gripCommands(),      variableCommands(),
         ucsCommands(),       transformCommands(), arrayCommands(),     markCommands(),
         offsetCommands(),    peditCommands(),     propertyCommands(),  purgeCommands(),

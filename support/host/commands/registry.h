@@ -25,6 +25,7 @@ std::span<const CommandRow> insertCommands();
 std::span<const CommandRow> modifyCommands();
 std::span<const CommandRow> undoCommands();
 std::span<const CommandRow> layerCommands();
+std::span<const CommandRow> layerToolCommands();
 std::span<const CommandRow> linetypeCommands();
 std::span<const CommandRow> viewCommands();
 std::span<const CommandRow> gripCommands();

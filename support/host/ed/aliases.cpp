@@ -33,7 +33,8 @@ constexpr std::pair<const wchar_t*, const wchar_t*> usualAliases[] = {
     {L"W", L"WBLOCK"},        {L"X", L"EXPLODE"},       {L"XL", L"XLINE"},        {L"XR", L"XREF"},
     {L"Z", L"ZOOM"},          {L"-B", L"-BLOCK"},       {L"-H", L"-HATCH"},       {L"-I", L"-INSERT"},
     {L"-LA", L"-LAYER"},      {L"-LT", L"-LINETYPE"},   {L"-PU", L"-PURGE"},      {L"-ST", L"-STYLE"},
-    {L"-UN", L"-UNITS"},      {L"-W", L"-WBLOCK"},
+    {L"-UN", L"-UNITS"},      {L"-W", L"-WBLOCK"},      {L"-V", L"-VIEW"},        {L"PR", L"PROPERTIES"},
+    {L"PRCLOSE", L"PROPERTIESCLOSE"}, {L"MO", L"PROPERTIES"}, {L"OV", L"OVERKILL"},
 };
 
 using AliasTable = std::unordered_map<std::wstring, std::wstring, NoCaseHash, NoCaseEqual>;

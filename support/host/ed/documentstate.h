@@ -63,6 +63,13 @@ struct PendingEntity {
     std::vector<ResbufList> parts;
 };
 
+/// A layer that was set apart from others: what it was, and what it became.
+struct LayerChange {
+    AcDbObjectId layer;
+    bool wasOff = false, wasLocked = false;
+    bool isOff = false, isLocked = false;
+};
+
 struct DocumentState {
     std::list<ActiveCommand> active;
     std::vector<std::shared_ptr<Drive>> waiting; ///< innermost last
@@ -81,6 +88,8 @@ struct DocumentState {
     AcEdInputPointManager points;
     std::vector<UcsFrame> earlierUcs;   ///< the last one last
     std::deque<ShownView> earlierViews; ///< the last one last
+
+    std::vector<LayerChange> isolation; ///< what LAYISO changed last
 
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
     std::map<std::wstring, VariableValue> variables; ///< session variables kept by document
