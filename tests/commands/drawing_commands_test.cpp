@@ -31,7 +31,7 @@ TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
           host::propertyCommands, host::purgeCommands,    host::auditCommands,    host::blockCommands,
           host::inquiryCommands,  host::settingsCommands, host::renameCommands,   host::trimCommands,
           host::breakCommands,    host::filletCommands,   host::stretchCommands,  host::shapeCommands,
-          host::joinCommands,     host::findCommands}) {
+          host::joinCommands,     host::findCommands, host::clipboardCommands, host::selectingCommands, host::overkillCommands, host::namedViewCommands, host::scriptCommands, host::statusCommands}) {
         for (const host::CommandRow& row : family()) {
             const AcEdCommand* byLocal = host::findCommand(row.localName);
             ASSERT_NE(byLocal, nullptr) << host::toUtf8(row.globalName);

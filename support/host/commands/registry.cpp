@@ -17,7 +17,7 @@ void initializeCommands() {
         stretchCommands(),   shapeCommands(),     joinCommands(),      findCommands(),
         arrangeCommands(),   curveDrawCommands(), dimensionCommands(), dimensionChainCommands(),
         hatchCommands(),     mlineCommands(),     mtextCommands(),     slideCommands(),
-        attributeCommands(), textEditCommands(),  draftingCommands()};
+        attributeCommands(), textEditCommands(),  draftingCommands(), clipboardCommands(), selectingCommands(), overkillCommands(), namedViewCommands(), scriptCommands(), statusCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,

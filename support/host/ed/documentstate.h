@@ -10,10 +10,12 @@
 #include "host/formats/sld/slide.h"
 #include "host/rx/text.h"
 
+#include <chrono>
 #include <deque>
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -98,6 +100,9 @@ struct DocumentState {
     std::map<AcDbStub*, std::size_t> dictionaryCursors;
 
     std::shared_ptr<const Slide> shownSlide; ///< in the place of the drawing until the next redraw
+
+    std::chrono::steady_clock::time_point editedSince = std::chrono::steady_clock::now();
+    std::optional<std::chrono::steady_clock::time_point> timerSince = editedSince; ///< nothing: it stands
 
     Adesk::UInt64 savedChangeCount = 0;
     SaveFormat saveFormat; ///< that the drawing was saved in last

@@ -1,6 +1,7 @@
 // Setting layers apart, and taking layers out of a drawing.
 #include "host/commands/edit/layertools.h"
 
+#include "host/commands/edit/editing.h"
 #include "host/db/dbents.h"
 #include "host/db/entities/subentities.h"
 #include "host/rx/text.h"
@@ -81,34 +82,6 @@ private:
     AcDbObjectId mTarget;
 };
 
-/// Layers that were locked are open to changes while in scope.
-class Unlocked {
-public:
-    ~Unlocked() {
-        for (const AcDbObjectId id : mLocked) {
-            if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
-                layer->setIsLocked(true);
-            }
-        }
-    }
-    Unlocked() = default;
-    Unlocked(const Unlocked&) = delete;
-    Unlocked& operator=(const Unlocked&) = delete;
-    void unlock(AcDbObjectId id) {
-        const auto* record = peek<AcDbLayerTableRecord>(id);
-        if (record == nullptr || !record->isLocked()) {
-            return;
-        }
-        if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
-            layer->setIsLocked(false);
-            mLocked.push_back(id);
-        }
-    }
-
-private:
-    std::vector<AcDbObjectId> mLocked;
-};
-
 class Remover {
 public:
     Remover(AcDbDatabase& database, const LayerSet& layers, AcDbObjectId target)
@@ -124,7 +97,7 @@ public:
     LayerRemoval run() {
         // Found first, changed then: what is made anew by a change must not be met on the way.
         std::vector<AcDbStub*> concerned;
-        Unlocked unlocked;
+        UnlockedLayers unlocked;
         mDatabase.impl().forEachStub([&](AcDbStub& stub) {
             if (stub.object != nullptr && !stub.erased && refersToThem(*stub.object)) {
                 concerned.push_back(&stub);
