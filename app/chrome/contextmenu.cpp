@@ -53,8 +53,11 @@ void MainWindow::addPromptRows(QMenu& menu) {
         addCommand(menu, tr("缩放(&L)"), "_.SCALE", "scale");
         addCommand(menu, tr("特性匹配(&T)"), "_.MATCHPROP", "matchprop");
         menu.addSeparator();
+        addCommand(menu, tr("剪切(&X)"), "@cut", nullptr);
+        addCommand(menu, tr("复制到剪贴板(&C)"), "@copy", nullptr);
         menu.addAction(tr("全部不选(&A)"), this, [this] { mInput->cancel(); });
     }
+    addCommand(menu, tr("粘贴(&V)"), "@paste", nullptr);
     addCommand(menu, tr("特性(&S)"), "@properties", "properties");
     menu.addSeparator();
 }

@@ -109,6 +109,7 @@ void MainWindow::begin(const Options& options) {
 
 void MainWindow::end() {
     keepLayout();
+    mDesktop.keepOffer();
     mCanvas->setRequest(nullptr, {});
 }
 
@@ -292,6 +293,19 @@ void MainWindow::showPanel(QDockWidget& panel) {
         if (!panel.isFloating() && panel.width() < panel.sizeHint().width()) {
             resizeDocks({&panel}, {panel.sizeHint().width()}, Qt::Horizontal);
         }
+    }
+}
+
+void MainWindow::showProperties(bool visible) {
+    if (mPropertyPanel->isVisible() != visible) {
+        showPanel(*mPropertyPanel);
+    }
+}
+
+/// The keys of the clipboard mean nothing while a command asks: its work is not to be lost by them.
+void MainWindow::clipboardCommand(const char* command) {
+    if (mInput->isIdle()) {
+        trigger(command, false);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "app/chrome/modebar.h"
 #include "app/chrome/propertybar.h"
 #include "app/chrome/propertypanel.h"
+#include "app/chrome/windowdesktop.h"
 #include "app/console/commandline.h"
 #include "app/console/windowinput.h"
 #include "app/options.h"
@@ -43,6 +44,7 @@ public:
     /// What a menu or a tool button does; see ActionRow::command.
     void trigger(const char* command, bool transparent);
 
+    void showProperties(bool visible);
     bool openFile(const QString& file);
     bool save(bool underNewName);
     /// Asks about what is not saved; false when the user stays.
@@ -73,6 +75,7 @@ private:
     void showTextWindow();
     void showHelp();
     void selectAll();
+    void clipboardCommand(const char* command);
     void offerRecovery();
     void showPanel(QDockWidget& panel);
     void showContextMenu(const QPoint& onScreen, bool snaps);
@@ -96,6 +99,7 @@ private:
     std::unique_ptr<WindowInput> mInput;
     std::unique_ptr<QDialog> mTextWindow;
     PlotWindows mPlotWindows{*this};
+    WindowDesktop mDesktop{*this};
     Autosave mAutosave;
     bool mIsFollowing = false; ///< tabs are being filled
 };

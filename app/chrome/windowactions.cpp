@@ -31,6 +31,12 @@ void MainWindow::windowAction(std::string_view name) {
         {"export", [](MainWindow& window) { window.exportPicture(); }},
         {"quit", [](MainWindow& window) { window.close(); }},
         {"selectall", [](MainWindow& window) { window.selectAll(); }},
+        {"cut", [](MainWindow& window) { window.clipboardCommand("_.CUTCLIP"); }},
+        {"copy", [](MainWindow& window) { window.clipboardCommand("_.COPYCLIP"); }},
+        {"copybase", [](MainWindow& window) { window.clipboardCommand("_.COPYBASE"); }},
+        {"paste", [](MainWindow& window) { window.clipboardCommand("_.PASTECLIP"); }},
+        {"pasteblock", [](MainWindow& window) { window.clipboardCommand("_.PASTEBLOCK"); }},
+        {"pasteorig", [](MainWindow& window) { window.clipboardCommand("_.PASTEORIG"); }},
         {"zoomin",
          [](MainWindow& window) {
              window.mCanvas->browse();
@@ -95,6 +101,8 @@ void MainWindow::showHelp() {
            "<tr><td><b>F2</b></td><td>文本窗口</td></tr>"
            "<tr><td><b>F3 F7 F8 F9</b></td><td>对象捕捉、栅格、正交、捕捉</td></tr>"
            "<tr><td><b>Delete</b></td><td>删除所选对象</td></tr>"
+           "<tr><td><b>Ctrl+X / Ctrl+C / Ctrl+V</b></td><td>剪切、复制、粘贴所选对象</td></tr>"
+           "<tr><td><b>Ctrl+Shift+C / Ctrl+Shift+V</b></td><td>带基点复制 / 粘贴为块</td></tr>"
            "<tr><td><b>Ctrl+Z / Ctrl+Y</b></td><td>放弃 / 重做</td></tr>"
            "<tr><td><b>'命令</b></td><td>在命令中透明使用，如 'ZOOM</td></tr>"
            "</table>"));

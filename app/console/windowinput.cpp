@@ -83,6 +83,17 @@ void WindowInput::cancel() {
     post(std::wstring(1, escapeCharacter));
 }
 
+bool WindowInput::takeCancel() {
+    const bool isCancelled = std::ranges::any_of(mComing, [](const auto& coming) {
+        const auto* text = std::get_if<std::wstring>(&coming);
+        return text != nullptr && text->find(escapeCharacter) != std::wstring::npos;
+    });
+    if (isCancelled) {
+        mComing.clear();
+    }
+    return isCancelled;
+}
+
 void WindowInput::run(const QString& command, bool transparently) {
     mCommandLine.clearText();
     mPicking.cancel();

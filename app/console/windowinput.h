@@ -30,6 +30,8 @@ public:
     void run(const QString& command, bool transparently = false);
     /// Escape.
     void cancel();
+    /// Whether Escape was hit while nothing was asked; what came before it is dropped with it.
+    bool takeCancel();
     /// Types text as it is, or Enter for none.
     void enter(const QString& text);
     /// The documents changed: the question is put anew for the current one.

@@ -1,9 +1,13 @@
 // Drawing and editing by hand in the real window.
 #include "tests/app/windowdriver.h"
+#include "tests/temporaryfolder.h"
 
 #include <QAbstractButton>
+#include <QClipboard>
 #include <QLabel>
 #include <QMessageBox>
+#include <QMimeData>
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace {
@@ -170,6 +174,75 @@ TEST(Window, DeleteErasesTheChoiceAndUndoBringsItBack) {
                     start(d, "_.U");
                 },
                 [](Driver&) { EXPECT_EQ(entities().size(), 3u); }});
+}
+
+TEST(Window, WhatIsChosenGoesOverTheClipboard) {
+    Driver driver;
+    const auto offers = [] {
+        const QMimeData* data = QApplication::clipboard()->mimeData();
+        return data != nullptr && data->hasFormat("image/vnd.dxf");
+    };
+    QApplication::clipboard()->clear();
+    driver.run({[](Driver& d) { drawSome(d); }, [](Driver& d) { start(d, "_.LINE"); },
+                [&](Driver& d) {
+                    d.window().trigger("@copy", false); // a command runs: nothing happens
+                    EXPECT_FALSE(offers());
+                    EXPECT_TRUE(d.window().windowInput().isAsking());
+                    EXPECT_FALSE(d.window().windowInput().isIdle());
+                },
+                [](Driver& d) { d.key(Qt::Key_Escape); }, [](Driver& d) { d.click(20, 0); },
+                [](Driver& d) { d.window().trigger("@copy", false); },
+                [&](Driver& d) {
+                    EXPECT_TRUE(offers());
+                    d.window().trigger("@paste", false);
+                },
+                [](Driver& d) { d.move(40, -30); },
+                [](Driver& d) {
+                    EXPECT_EQ(entities().size(), 3u) << "only shown at the cursor";
+                    d.click(50, -30);
+                },
+                [](Driver& d) {
+                    ASSERT_EQ(entities().size(), 4u);
+                    expectNear(lineAt(3).start, 50, -30, 1e-6);
+                    // What another program puts there comes in its place.
+                    auto* foreign = new QMimeData;
+                    foreign->setData("image/vnd.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n20\n2\n"
+                                                      "11\n3\n21\n4\n0\nENDSEC\n0\nEOF\n");
+                    QApplication::clipboard()->setMimeData(foreign);
+                    start(d, "_.PASTEORIG");
+                },
+                [](Driver& d) {
+                    ASSERT_EQ(entities().size(), 5u);
+                    expectNear(lineAt(4).start, 1, 2, 1e-9);
+                    d.window().showProperties(false);
+                    start(d, "_.PROPERTIES");
+                },
+                [](Driver& d) { start(d, "_.PROPERTIESCLOSE"); }});
+    QApplication::clipboard()->clear();
+}
+
+TEST(Window, EscapeRestsAScriptThatRepeatsItself) {
+    const TemporaryFolder folder;
+    const auto folders = std::exchange(host::supportFolders(), {folder.path()});
+    std::ofstream(folder.path() / "loop.scr") << "_.LINE\n0,0\n1,0\n\n_.RSCRIPT\n";
+    Driver driver;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (entities().size() > 5) {
+            watch.stop();
+            driver.key(Qt::Key_Escape);
+        }
+    });
+    watch.start(0);
+    std::size_t drawn = 0;
+    driver.run({[](Driver& d) { d.type(QStringLiteral("SCRIPT\nloop\n")); },
+                [&](Driver& d) {
+                    drawn = entities().size();
+                    EXPECT_GT(drawn, 5u);
+                    d.type(QStringLiteral("CIRCLE\n0,0\n1\n"));
+                },
+                [&](Driver&) { EXPECT_EQ(entities().size(), drawn + 1) << "the user answers again"; }});
+    host::supportFolders() = folders;
 }
 
 TEST(Window, AGripIsMovedByTwoClicks) {

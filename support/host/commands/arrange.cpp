@@ -119,11 +119,7 @@ void changeMembers(bool adds) {
     }
 }
 
-void explodeGroup() {
-    const AcDbObjectId id = askGroup();
-    if (id.isNull()) {
-        return;
-    }
+void dissolve(AcDbObjectId id) {
     {
         const Opened<AcDbGroup> group(id, AcDb::kForWrite);
         if (group) {
@@ -134,6 +130,68 @@ void explodeGroup() {
     const Opened<AcDbDictionary> dictionary(currentDatabase().groupDictionaryId(), AcDb::kForWrite);
     if (dictionary) {
         dictionary->remove(id);
+    }
+}
+
+void explodeGroup() {
+    if (const AcDbObjectId id = askGroup(); !id.isNull()) {
+        dissolve(id);
+    }
+}
+
+std::wstring groupName(AcDbObjectId id) {
+    AcString name;
+    groupDictionary().nameAt(id, name);
+    return name.kwszPtr();
+}
+
+/// The groups that an entity is in, in the order of their names.
+std::vector<AcDbObjectId> groupsOf(AcDbObjectId entity) {
+    std::vector<AcDbObjectId> found;
+    for (const AcDbDictionary::Entry& entry : groupDictionary().entries()) {
+        const auto* group = peek<AcDbGroup>(entry.id);
+        if (group != nullptr) {
+            const ReadAccess access(*group);
+            if (group->has(peek<AcDbEntity>(entity))) {
+                found.push_back(entry.id);
+            }
+        }
+    }
+    return found;
+}
+
+/// One of an object's groups; null when the user gives up.
+AcDbObjectId chooseGroup(const std::vector<AcDbObjectId>& groups) {
+    for (std::size_t i = 0; groups.size() > 1; i = (i + 1) % groups.size()) {
+        acutPrintf(L"\n对象是多个组的成员。组: \"%s\"", groupName(groups[i]).c_str());
+        const Answer answer = askKeyword(L"\n输入选项 [接受(A)/下一个(N)] <下一个>: ", L"Accept Next");
+        if (answer.isCancelled()) {
+            return {};
+        }
+        if (answer.isKeyword(L"Accept")) {
+            return groups[i];
+        }
+    }
+    return groups.front();
+}
+
+void runUngroup() {
+    AcDbObjectId group;
+    const EntityAnswer pick = askEntity(L"\n选择组或 [名称(N)]: ", L"Name");
+    if (pick.isKeyword(L"Name")) {
+        group = askGroup();
+    } else if (pick.isValue()) {
+        const std::vector<AcDbObjectId> groups = groupsOf(pick.id);
+        if (groups.empty()) {
+            acutPrintf(L"\n对象不是组的成员。");
+            return;
+        }
+        group = chooseGroup(groups);
+    }
+    if (!group.isNull()) {
+        const std::wstring name = groupName(group);
+        dissolve(group);
+        acutPrintf(L"\n组 \"%s\" 已分解。", name.c_str());
     }
 }
 
@@ -253,6 +311,7 @@ constexpr CommandRow rows[] = {
     {L"DRAWORDER", L"绘图次序", ACRX_CMD_USEPICKSET | ACRX_CMD_REDRAW, runDraworder},
     {L"GROUP", L"组", ACRX_CMD_MODAL, runGroup},
     {L"-GROUP", L"-组", ACRX_CMD_MODAL, runGroup},
+    {L"UNGROUP", L"解组", ACRX_CMD_MODAL, runUngroup},
     {L"LAYOUT", L"布局", ACRX_CMD_MODAL, runLayout},
     {L"-LAYOUT", L"-布局", ACRX_CMD_MODAL, runLayout},
     {L"MODEL", L"模型", ACRX_CMD_MODAL, runModel}};

@@ -3,6 +3,7 @@
 #include "host/commands/filenames.h"
 #include "host/commands/registry.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/drawingtimes.h"
 #include "host/win/win.h"
 
 #include <algorithm>
@@ -31,6 +32,7 @@ void saveTo(const std::wstring& name, const SaveFormat& format) {
     AcApDocument* document = curDoc();
     std::wstring message;
     document->database()->keepExtents();
+    stampSaved(*document);
     if (fileFormats().write(*document->database(), name, format, message) != Acad::eOk) {
         reportFailure(message);
         return;

@@ -17,25 +17,6 @@ std::wstring nameOf(AcDbObjectId layer) {
     return peek<AcDbLayerTableRecord>(layer)->name().kwszPtr();
 }
 
-/// The layer of that name, made when there is none; null with a line told when it can't be.
-AcDbObjectId layerNamed(const std::wstring& name, bool& created) {
-    AcDbObjectId id;
-    created = false;
-    if (layers().getAt(name.c_str(), id) == Acad::eOk) {
-        return id;
-    }
-    auto layer = std::make_unique<AcDbLayerTableRecord>();
-    const Opened<AcDbLayerTable> table(currentDatabase().layerTableId(), AcDb::kForWrite);
-    layer->setLinetypeObjectId(currentDatabase().continuousLinetype());
-    if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
-        acutPrintf(L"\n图层名 \"%s\" 无效。", name.c_str());
-        return {};
-    }
-    layer.release()->close();
-    created = true;
-    return id;
-}
-
 /// Applies a change to every layer of a comma-separated list; Enter means the current layer.
 void change(const TextAnswer& names, const std::function<void(AcDbLayerTableRecord&)>& apply) {
     if (names.isCancelled()) {
@@ -59,7 +40,7 @@ void make() {
         return;
     }
     bool created = false;
-    if (const AcDbObjectId id = layerNamed(answer.text, created); !id.isNull()) {
+    if (const AcDbObjectId id = layerNamed(answer.text, &created); !id.isNull()) {
         currentDatabase().setClayer(id);
     }
 }
@@ -87,7 +68,7 @@ void create() {
         const std::size_t end = std::min(answer.text.find(L',', begin), answer.text.size());
         bool created = false;
         const std::wstring name = answer.text.substr(begin, end - begin);
-        if (!layerNamed(name, created).isNull() && !created) {
+        if (!layerNamed(name, &created).isNull() && !created) {
             acutPrintf(L"\n图层 \"%s\" 已经存在。", name.c_str());
         }
         begin = end + 1;

@@ -25,7 +25,10 @@ void initializeCommands() {
         dimensionEditCommands(), dimensionStyleCommands(), areaCommands(),
         revcloudCommands(),      splineEditCommands(),     mlineCommands(),
         mtextCommands(),         slideCommands(),          attributeCommands(),
-        textEditCommands(),      draftingCommands(),       viewportCommands()};
+        textEditCommands(),      draftingCommands(),       viewportCommands(),
+        layerToolCommands(),     clipboardCommands(),      selectingCommands(),
+        overkillCommands(),      namedViewCommands(),      scriptCommands(),
+        statusCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,

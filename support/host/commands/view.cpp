@@ -1,12 +1,14 @@
 // ZOOM, PAN, REGEN and REDRAW. The view is kept in VIEWCTR and VIEWSIZE; a window shows it.
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+#include "host/commands/viewing.h"
 #include "host/ed/documentstate.h"
 #include "host/ed/viewports.h"
 
 #include <cmath>
 
 namespace host {
+
 namespace {
 
 /// The active viewport of a layout; null on the sheet and in the model tab.
@@ -23,7 +25,8 @@ bool isViewLocked() {
     return viewport->isLocked();
 }
 
-/// Centre in world coordinates.
+} // namespace
+
 void setView(const AcGePoint3d& centre, double height) {
     if (!(height > 0.0) || !std::isfinite(height)) {
         return;
@@ -37,7 +40,6 @@ void setView(const AcGePoint3d& centre, double height) {
     keepViewportView();
 }
 
-/// Width by height of what is shown.
 double screenRatio() {
     constexpr double usual = 4.0 / 3.0;
     if (const AcDbViewport* viewport = activeViewport()) {
@@ -50,12 +52,13 @@ double screenRatio() {
                : usual;
 }
 
-/// Corners in world coordinates; `margin` is a share of the window's size.
-void setWindow(const AcGePoint3d& a, const AcGePoint3d& b, double margin = 0.0) {
+void setWindow(const AcGePoint3d& a, const AcGePoint3d& b, double margin) {
     const double width = std::abs(b.x - a.x);
     const double height = std::abs(b.y - a.y);
     setView(a + (b - a) * 0.5, std::max(height, width / screenRatio()) * (1.0 + margin));
 }
+
+namespace {
 
 double extentsMargin() {
     return editorView().isShown() ? 0.04 : 0.0; // what lies on the border is seen

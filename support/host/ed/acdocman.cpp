@@ -7,6 +7,7 @@
 #include "host/ed/console.h"
 #include "host/ed/documentfonts.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/drawingtimes.h"
 #include "host/ed/editorview.h"
 #include "host/ed/input.h"
 #include "host/ed/lisphook.h"
@@ -269,6 +270,7 @@ Acad::ErrorStatus AcApDocManager::appContextNewDocument(const ACHAR* templateNam
             return status;
         }
     }
+    host::stampCreated(*database);
     host::useFontsBeside({});
     adopt(std::move(database), {});
     return Acad::eOk;

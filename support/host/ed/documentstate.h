@@ -11,6 +11,7 @@
 #include "host/formats/sld/slide.h"
 #include "host/rx/text.h"
 
+#include <chrono>
 #include <deque>
 #include <list>
 #include <map>
@@ -68,6 +69,13 @@ struct PendingEntity {
     std::vector<ResbufList> parts;
 };
 
+/// A layer that was set apart from others: what it was, and what it became.
+struct LayerChange {
+    AcDbObjectId layer;
+    bool wasOff = false, wasLocked = false;
+    bool isOff = false, isLocked = false;
+};
+
 struct DocumentState {
     std::list<ActiveCommand> active;
     std::vector<std::shared_ptr<Drive>> waiting; ///< innermost last
@@ -88,6 +96,8 @@ struct DocumentState {
     std::deque<ShownView> earlierViews; ///< the last one last
     std::optional<ShownView> sheetView; ///< while one of the sheet's viewports is active
 
+    std::vector<LayerChange> isolation; ///< what LAYISO changed last
+
     std::map<std::wstring, ExternalFunction, NoCaseLess> functions;
     std::map<std::wstring, VariableValue> variables; ///< session variables kept by document
     PendingEntity pending;
@@ -95,6 +105,9 @@ struct DocumentState {
     std::map<AcDbStub*, std::size_t> dictionaryCursors;
 
     std::shared_ptr<const Slide> shownSlide; ///< in the place of the drawing until the next redraw
+
+    std::chrono::steady_clock::time_point editedSince = std::chrono::steady_clock::now();
+    std::optional<std::chrono::steady_clock::time_point> timerSince = editedSince; ///< nothing: it stands
 
     Adesk::UInt64 savedChangeCount = 0;
     SaveFormat saveFormat; ///< that the drawing was saved in last

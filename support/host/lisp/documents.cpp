@@ -1,4 +1,5 @@
 // An interpreter for each document, and the editor's hooks into it.
+#include "host/ed/codefolders.h"
 #include "host/ed/ed.h"
 #include "host/ed/fiber.h"
 #include "host/lisp/drawingbuiltins.h"
@@ -79,21 +80,6 @@ void takeOverExternals(DocumentLisp& lisp, AcApDocument& document) {
 
 // Folders.
 
-// The absolute paths in a variable that holds them between semicolons.
-std::vector<fs::path> foldersIn(std::wstring_view variable) {
-    std::vector<fs::path> folders;
-    const std::wstring list = systemVariableText(variable);
-    for (std::wstring_view rest = list; !rest.empty();) {
-        const std::size_t end = std::min(rest.find(L';'), rest.size());
-        const std::wstring_view folder = trim(rest.substr(0, end));
-        if (isAbsoluteWindowsPath(folder)) {
-            folders.push_back(toNativePath(folder));
-        }
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return folders;
-}
-
 std::vector<fs::path> dataFolders(AcApDocument* document) {
     std::vector<fs::path> folders;
     std::error_code error;
@@ -105,27 +91,6 @@ std::vector<fs::path> dataFolders(AcApDocument* document) {
     folders.push_back(fs::temp_directory_path(error));
     for (fs::path& folder : foldersIn(L"LISPFOLDERS")) {
         folders.push_back(std::move(folder));
-    }
-    return folders;
-}
-
-// Programs never come from the drawing's folder or the working folder, even where the support path names
-// them; only who puts them into TRUSTEDPATHS wants that.
-std::vector<fs::path> codeFolders(AcApDocument* document) {
-    std::vector<fs::path> folders;
-    std::error_code error;
-    std::vector<fs::path> untrusted{fs::weakly_canonical(fs::current_path(error), error)};
-    if (acDocManagerPtr()->isOpen(document) && document->isNamedDrawing()) {
-        untrusted.push_back(fs::weakly_canonical(toNativePath(document->fileName()).parent_path(), error));
-    }
-    for (const fs::path& folder : supportFolders()) {
-        const fs::path resolved = fs::weakly_canonical(folder, error);
-        if (std::ranges::find(untrusted, resolved) == untrusted.end()) {
-            folders.push_back(resolved);
-        }
-    }
-    for (const fs::path& folder : foldersIn(L"TRUSTEDPATHS")) {
-        folders.push_back(fs::weakly_canonical(folder, error));
     }
     return folders;
 }

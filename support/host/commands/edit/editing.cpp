@@ -9,6 +9,25 @@
 
 namespace host {
 
+UnlockedLayers::~UnlockedLayers() {
+    for (const AcDbObjectId id : mLocked) {
+        if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
+            layer->setIsLocked(true);
+        }
+    }
+}
+
+void UnlockedLayers::unlock(AcDbObjectId id) {
+    const auto* record = peek<AcDbLayerTableRecord>(id);
+    if (record == nullptr || !record->isLocked()) {
+        return;
+    }
+    if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
+        layer->setIsLocked(false);
+        mLocked.push_back(id);
+    }
+}
+
 std::vector<AcDbObjectId> copyEntities(const AcDbObjectIdArray& ids, AcDbObjectId owner) {
     AcDbDatabase* database = owner.database();
     std::vector<AcDbObjectId> copies;
@@ -35,9 +54,12 @@ int transformEntities(const AcDbObjectIdArray& ids, const AcGeMatrix3d& transfor
     return refused;
 }
 
-int copyTransformed(const AcDbObjectIdArray& ids, AcDbObjectId owner, const AcGeMatrix3d& transform) {
+int placeCopies(const std::vector<AcDbObjectId>& copies, const AcGeMatrix3d& transform) {
+    UnlockedLayers unlocked;
     int refused = 0;
-    for (const AcDbObjectId id : copyEntities(ids, owner)) {
+    for (const AcDbObjectId id : copies) {
+        const auto* copy = peek<AcDbEntity>(id);
+        unlocked.unlock(copy != nullptr ? copy->layerId() : AcDbObjectId());
         const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
         if (entity && entity->transformBy(transform) != Acad::eOk) {
             entity->erase(); // a copy that can't go to its place is none
@@ -45,6 +67,10 @@ int copyTransformed(const AcDbObjectIdArray& ids, AcDbObjectId owner, const AcGe
         }
     }
     return refused;
+}
+
+int copyTransformed(const AcDbObjectIdArray& ids, AcDbObjectId owner, const AcGeMatrix3d& transform) {
+    return placeCopies(copyEntities(ids, owner), transform);
 }
 
 bool replaceEntity(AcDbObjectId id, std::unique_ptr<AcDbEntity> replacement) {

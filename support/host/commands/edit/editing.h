@@ -10,10 +10,26 @@
 
 namespace host {
 
+/// Layers that are locked can be worked on while in scope.
+class UnlockedLayers {
+public:
+    UnlockedLayers() = default;
+    ~UnlockedLayers();
+    UnlockedLayers(const UnlockedLayers&) = delete;
+    UnlockedLayers& operator=(const UnlockedLayers&) = delete;
+    void unlock(AcDbObjectId layer);
+
+private:
+    std::vector<AcDbObjectId> mLocked;
+};
+
 /// Copies of entities beside them in the same block, in the same order.
 std::vector<AcDbObjectId> copyEntities(const AcDbObjectIdArray& ids, AcDbObjectId owner);
 /// Transforms each; gives how many could not be (locked, or not possible for the kind).
 int transformEntities(const AcDbObjectIdArray& ids, const AcGeMatrix3d& transform);
+/// Transforms copies just made, those on locked layers too. One that can't be transformed is taken back; gives
+/// how many.
+int placeCopies(const std::vector<AcDbObjectId>& copies, const AcGeMatrix3d& transform);
 /// Copies under a transform into the block. A copy that can't be transformed is taken back; gives how many.
 int copyTransformed(const AcDbObjectIdArray& ids, AcDbObjectId owner, const AcGeMatrix3d& transform);
 
