@@ -120,6 +120,11 @@ void Canvas::setRequest(const host::InputRequest* request, const QString& prompt
         mWasAtCommandPrompt = request->atCommandPrompt;
         mIsBrowsing = false;
     }
+    if (request != nullptr) {
+        mBreakWatch.release();
+    } else {
+        mBreakWatch.restart();
+    }
     mRequest = request;
     mPrompt = prompt;
     if (request != nullptr && mIsInside) {
@@ -307,6 +312,13 @@ void Canvas::setBackground(std::uint32_t color) {
 Acad::ErrorStatus Canvas::runLong(std::wstring_view title, const std::function<Acad::ErrorStatus()>& job) {
     return runLongJob(window(), QString::fromWCharArray(title.data(), static_cast<qsizetype>(title.size())),
                       job);
+}
+
+bool Canvas::isBreakAsked() {
+    mIsFrozen = true;
+    const bool isAsked = mBreakWatch.poll();
+    mIsFrozen = false;
+    return isAsked;
 }
 
 // Events.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/canvas/aiming.h"
+#include "app/canvas/breakwatch.h"
 #include "app/canvas/renderer.h"
 
 #include "host/ed/editorview.h"
@@ -99,6 +100,7 @@ public:
     Acad::ErrorStatus runLong(std::wstring_view title,
                               const std::function<Acad::ErrorStatus()>& job) override;
     bool isShown() const override { return true; }
+    bool isBreakAsked() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -162,6 +164,8 @@ private:
     std::shared_ptr<const host::Slide> mShownSlide; ///< in the picture, in the place of the drawing
     bool mIsIncomplete = false;
     QTimer mCompletion;
+    BreakWatch mBreakWatch;
+    bool mIsFrozen = false; ///< a command works on the drawing: the picture stays as it is
 
     const host::InputRequest* mRequest = nullptr;
     QString mPrompt;

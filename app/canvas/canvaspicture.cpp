@@ -169,7 +169,9 @@ void Canvas::drawGrid(QPainter& painter, const QRect& clip) const {
 // On top of the picture.
 
 void Canvas::paintEvent(QPaintEvent*) {
-    bringUpToDate();
+    if (!mIsFrozen) {
+        bringUpToDate();
+    }
     QPainter painter(this);
     const auto show = [&](QImage& image) {
         image.setDevicePixelRatio(ratio());
@@ -186,7 +188,9 @@ void Canvas::paintEvent(QPaintEvent*) {
     } else {
         show(mPicture);
     }
-    paintOverlay(painter);
+    if (!mIsFrozen) {
+        paintOverlay(painter);
+    }
 }
 
 void Canvas::paintOverlay(QPainter& painter) {

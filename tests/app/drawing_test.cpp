@@ -7,8 +7,10 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
+#include <atomic>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
@@ -243,6 +245,24 @@ TEST(Window, EscapeRestsAScriptThatRepeatsItself) {
                 },
                 [&](Driver&) { EXPECT_EQ(entities().size(), drawn + 1) << "the user answers again"; }});
     host::supportFolders() = folders;
+}
+
+TEST(Window, EscapeStopsAProgramThatRunsForEver) {
+    Driver driver;
+    std::atomic<bool> isDone = false;
+    std::thread user([&] {
+        while (!isDone) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            QCoreApplication::postEvent(&driver.window().canvas(),
+                                        new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+        }
+    });
+    driver.run({[](Driver& d) { d.type(QStringLiteral("(progn (setq n 0) (while T (setq n (1+ n))))\n")); },
+                [&](Driver&) { isDone = true; },
+                [](Driver& d) { d.type(QStringLiteral("(if (> n 0) (command \"_.CIRCLE\" \"0,0\" 1))\n")); },
+                [](Driver&) { EXPECT_EQ(entities().size(), 1u); }});
+    isDone = true;
+    user.join();
 }
 
 TEST(Window, AGripIsMovedByTwoClicks) {

@@ -168,7 +168,11 @@ std::vector<HatchOutline> outlinesAround(const AcGePoint3d& world) {
     const AcGeVector3d normal = ucsNormal();
     const TracedBoundary boundary =
         traceBoundary(currentDatabase().currentSpaceId(), normal, to2d(toObject(normal, world)));
-    if (boundary.loops.empty() && boundary.gap) {
+    if (boundary.end == TracedBoundary::End::tooComplex) {
+        acutPrintf(L"\n这里相交的曲线过多，没有找到边界。请冻结不需要的图层，或选择边界对象。");
+    } else if (boundary.end == TracedBoundary::End::stopped) {
+        acutPrintf(L"\n已停止查找边界。");
+    } else if (boundary.loops.empty() && boundary.gap) {
         const auto place = [&](const AcGePoint2d& point) {
             const AcGePoint3d ucs = worldToUcs(toWorld(normal, to3d(point)));
             return shown(ucs.x) + L"," + shown(ucs.y);

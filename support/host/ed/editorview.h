@@ -32,6 +32,8 @@ public:
                                       const std::function<Acad::ErrorStatus()>& job) {
         return job();
     }
+    /// Whether the user pressed Escape since this was last asked, while nothing is asked of him.
+    virtual bool isBreakAsked() { return false; }
     /// Whether there is a picture that a user sees.
     virtual bool isShown() const { return false; }
 };

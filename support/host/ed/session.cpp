@@ -9,6 +9,7 @@
 #include "host/ed/commandrunner.h"
 #include "host/ed/console.h"
 #include "host/ed/documentstate.h"
+#include "host/ed/editorview.h"
 #include "host/ed/externalfunctions.h"
 #include "host/ed/lisphook.h"
 #include "host/ed/runcontext.h"
@@ -89,6 +90,7 @@ public:
         std::copy_n(text.c_str(), text.size() + 1, path);
         return Acad::eOk;
     }
+    bool userBreak(bool) const override { return editorView().isBreakAsked(); }
 };
 
 bool fileExists(const std::filesystem::path& file) {

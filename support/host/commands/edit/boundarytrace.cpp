@@ -381,7 +381,13 @@ std::optional<TracedBoundary::Gap> Tracer::narrowestGap() const {
 } // namespace
 
 TracedBoundary traceBoundary(AcDbObjectId block, const AcGeVector3d& normal, const AcGePoint2d& point) {
-    return Tracer(block, normal, point).trace();
+    try {
+        return Tracer(block, normal, point).trace();
+    } catch (const NetUnfinished& unfinished) {
+        TracedBoundary none;
+        none.end = unfinished.isByUser ? TracedBoundary::End::stopped : TracedBoundary::End::tooComplex;
+        return none;
+    }
 }
 
 std::vector<TracedLoop> closedWays(const std::vector<AcDbObjectId>& curves, const AcGeVector3d& normal) {
@@ -402,7 +408,11 @@ std::vector<TracedLoop> closedWays(const std::vector<AcDbObjectId>& curves, cons
         }
         stubs.push_back(id.stub());
     }
-    return Tracer(std::move(stubs), normal, magnitude).allWays();
+    try {
+        return Tracer(std::move(stubs), normal, magnitude).allWays();
+    } catch (const NetUnfinished&) {
+        return {};
+    }
 }
 
 double signedArea(const TracedLoop& loop) {

@@ -26,6 +26,8 @@ struct TracedBoundary {
         AcGePoint2d to;
     };
     std::optional<Gap> gap; ///< without a boundary: the narrowest place where the curves do not meet
+    enum class End { whole, tooComplex, stopped };
+    End end = End::whole; ///< nothing was found when it is not
 };
 
 /// In the plane through the origin with this normal, in which the point is given, too; of the curves that can

@@ -11,7 +11,8 @@ namespace host {
 namespace {
 
 constexpr int deepestReference = 50;
-constexpr std::size_t mostPieces = 5'000'000; ///< of one entity
+constexpr std::size_t mostPieces = 5'000'000;  ///< of one entity
+constexpr std::size_t mostPairs = 100'000'000; ///< some seconds of work
 
 bool isBoundaryKind(const AcDbEntity& entity) {
     return entity.isKindOf(AcDbCurve::desc()) || entity.isKindOf(AcDbMline::desc()) ||
@@ -74,6 +75,29 @@ void addHalves(const CurvePiece& piece, std::vector<CurvePiece>& pieces) {
     pieces.push_back(half);
 }
 
+bool isBoundary(const Placed& place) {
+    const auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
+    return entity != nullptr && !place.box.isEmpty() &&
+           (isBoundaryKind(*entity) || entity->isKindOf(AcDbBlockReference::desc())) && isSelectable(*entity);
+}
+
+/// Whether both points lie beyond the tolerance on one side of the line through two others.
+bool isBeside(const AcGePoint2d& from, const AcGePoint2d& to, const AcGePoint2d& a, const AcGePoint2d& b,
+              double tolerance) {
+    const AcGeVector2d along = to - from;
+    const double slack = tolerance * (std::fabs(along.x) + std::fabs(along.y));
+    const double first = along.crossProduct(a - from);
+    const double second = along.crossProduct(b - from);
+    return (first > slack && second > slack) || (first < -slack && second < -slack);
+}
+
+/// Lines that do not come near each other, as most of those whose boxes overlap.
+bool areApart(const CurveNet::Piece& one, const CurveNet::Piece& other, double tolerance) {
+    return one.curve.kind == CurvePiece::Kind::line && other.curve.kind == CurvePiece::Kind::line &&
+           (isBeside(one.start, one.end, other.start, other.end, tolerance) ||
+            isBeside(other.start, other.end, one.start, one.end, tolerance));
+}
+
 double turned(double angle) {
     return angle - twoPi * std::floor(angle / twoPi);
 }
@@ -86,31 +110,40 @@ CurveNet::CurveNet(AcDbObjectId block, const AcGeVector3d& normal)
 CurveNet::CurveNet(std::vector<AcDbStub*> entities, const AcGeVector3d& normal)
     : mEntities(std::move(entities)), mToPlane(flattening(normal)), mIsPlan(false) {}
 
-std::vector<AcDbStub*> CurveNet::entitiesIn(const Box2d& box) {
-    constexpr double endless = 1e300;
-    const Box2d everything{{-endless, -endless}, {endless, endless}};
-    std::vector<AcDbStub*> found;
-    if (mBlock.isNull()) {
-        if (!mHasEntityIndex) {
-            std::vector<Box2d> boxes(mEntities.size());
-            for (std::size_t i = 0; i < boxes.size(); ++i) {
-                for (const Piece& piece : curvesOf(mEntities[i]).pieces) {
-                    boxes[i].add(piece.box);
-                }
-            }
-            mEntityIndex = BoxIndex(boxes);
-            mHasEntityIndex = true;
-        }
-        mEntityIndex.search(box, [&](std::uint32_t index) { found.push_back(mEntities[index]); });
-        return found;
+void CurveNet::findEntities() {
+    if (mHasEntityIndex) {
+        return;
     }
-    for (const Placed& place : spatialQuery().overlapping(mBlock, mIsPlan ? box : everything)) {
-        const auto* entity = peek<AcDbEntity>(AcDbObjectId(place.stub));
-        if (entity != nullptr && !place.box.isEmpty() &&
-            (isBoundaryKind(*entity) || entity->isKindOf(AcDbBlockReference::desc())) &&
-            isSelectable(*entity)) {
-            found.push_back(place.stub);
+    if (!mBlock.isNull()) {
+        constexpr double endless = 1e300;
+        for (const Placed& place :
+             spatialQuery().overlapping(mBlock, {{-endless, -endless}, {endless, endless}})) {
+            if (isBoundary(place)) {
+                mEntities.push_back(place.stub);
+            }
         }
+    }
+    std::vector<Box2d> boxes(mEntities.size());
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (const Piece& piece : curvesOf(mEntities[i]).pieces) {
+            boxes[i].add(piece.box);
+        }
+    }
+    mEntityIndex = BoxIndex(boxes);
+    mHasEntityIndex = true;
+}
+
+std::vector<AcDbStub*> CurveNet::entitiesIn(const Box2d& box) {
+    std::vector<AcDbStub*> found;
+    if (mIsPlan) {
+        for (const Placed& place : spatialQuery().overlapping(mBlock, box)) {
+            if (isBoundary(place)) {
+                found.push_back(place.stub);
+            }
+        }
+    } else {
+        findEntities();
+        mEntityIndex.search(box, [&](std::uint32_t index) { found.push_back(mEntities[index]); });
     }
     return found;
 }
@@ -132,12 +165,24 @@ CurveNet::Curves& CurveNet::curvesOf(AcDbStub* stub) {
         const Box2d box = boxOf(piece);
         const bool isPoint = !(std::max(box.width(), box.height()) > mTolerance);
         if (!isPoint && std::isfinite(box.width()) && std::isfinite(box.height())) {
-            curves.pieces.push_back({std::move(piece), box, {}});
+            const AcGePoint2d start = to2d(piece.start());
+            const AcGePoint2d end = to2d(piece.end());
+            curves.pieces.push_back({std::move(piece), start, end, box, {}});
             boxes.push_back(box);
         }
     }
     curves.index = BoxIndex(boxes);
     return curves;
+}
+
+void CurveNet::countPair() {
+    constexpr std::size_t betweenQuestions = 4096;
+    if (++mPairs % betweenQuestions == 0 && acdbHostApplicationServices()->userBreak()) {
+        throw NetUnfinished{true};
+    }
+    if (mPairs > mostPairs) {
+        throw NetUnfinished{false};
+    }
 }
 
 const std::vector<double>& CurveNet::nodesOf(AcDbStub* stub, std::uint32_t index) {
@@ -149,17 +194,21 @@ const std::vector<double>& CurveNet::nodesOf(AcDbStub* stub, std::uint32_t index
     const Box2d box = piece.box.grownBy(mTolerance);
     std::vector<double> cuts;
     forPieces(box, [&](AcDbStub* otherStub, std::uint32_t otherIndex) {
-        if (otherStub == stub && otherIndex == index) {
+        const Piece& other = curvesOf(otherStub).pieces[otherIndex];
+        countPair();
+        if (&other == &piece || areApart(piece, other, mTolerance)) {
             return;
         }
-        const CurvePiece& other = curvesOf(otherStub).pieces[otherIndex].curve;
-        for (const PieceHit& hit : intersect(std::span(&curve, 1), std::span(&other, 1))) {
+        for (const PieceHit& hit : intersect(std::span(&curve, 1), std::span(&other.curve, 1))) {
             cuts.push_back(hit.firstParameter);
         }
         // Ends of the other that lie on this one, where the two share a stretch.
-        for (const AcGePoint3d& end : {other.start(), other.end()}) {
-            const double at = curve.closestParameter(end);
-            if (curve.pointAt(at).distanceTo(end) <= mTolerance) {
+        for (const AcGePoint2d& end : {other.start, other.end}) {
+            if (!box.contains(end)) {
+                continue;
+            }
+            const double at = curve.closestParameter(to3d(end));
+            if (to2d(curve.pointAt(at)).distanceTo(end) <= mTolerance) {
                 cuts.push_back(at);
             }
         }

@@ -32,6 +32,11 @@ struct NetEdgeHash {
     }
 };
 
+/// Thrown when so many curves cross each other that they are not followed any further, or the user stops it.
+struct NetUnfinished {
+    bool isByUser;
+};
+
 class CurveNet {
 public:
     CurveNet(AcDbObjectId block, const AcGeVector3d& normal);
@@ -41,6 +46,7 @@ public:
     /// Pieces with the places along them where others meet them.
     struct Piece {
         CurvePiece curve;
+        AcGePoint2d start, end;
         Box2d box;
         std::vector<double> nodes; ///< ascending, its ends included; empty until asked for
     };
@@ -74,6 +80,8 @@ public:
     }
 
 private:
+    void findEntities();
+    void countPair();
     struct Branch {
         NetEdge edge;
         double angle = 0.0;     ///< of the direction it leaves in
@@ -84,11 +92,12 @@ private:
     Branch branch(const NetEdge& edge);
 
     AcDbObjectId mBlock;              ///< null for a net of given entities
-    std::vector<AcDbStub*> mEntities; ///< the given ones
-    BoxIndex mEntityIndex;
+    std::vector<AcDbStub*> mEntities; ///< the given ones; of a block when the plane is not that of its index
+    BoxIndex mEntityIndex;            ///< of them in the plane
     bool mHasEntityIndex = false;
-    AcGeMatrix3d mToPlane; ///< with Z taken away
-    bool mIsPlan;          ///< the plane is that of the index
+    std::size_t mPairs = 0; ///< of pieces that were compared
+    AcGeMatrix3d mToPlane;  ///< with Z taken away
+    bool mIsPlan;           ///< the plane is that of the index
     double mTolerance = 4e-9;
     std::unordered_map<AcDbStub*, Curves> mCurves;
 };
