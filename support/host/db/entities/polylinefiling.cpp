@@ -130,16 +130,16 @@ Acad::ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler* filer) {
         }
     }
     if ((flags & (hasIdentifierList | hasWidthList)) != 0) {
-        read.extras = std::make_unique<host::PolylineExtras>();
+        read.path.extras = std::make_unique<host::PolylineExtras>();
     }
     if ((flags & hasIdentifierList) != 0) {
         for (Adesk::Int32 index = 0; index < count && get.isGood(); ++index) {
-            get(read.extras->identifiers.emplace_back());
+            get(read.path.extras->identifiers.emplace_back());
         }
     }
     if ((flags & hasWidthList) != 0) {
         for (Adesk::Int32 index = 0; index < count && get.isGood(); ++index) {
-            host::SegmentWidths& widths = read.extras->widths.emplace_back();
+            host::SegmentWidths& widths = read.path.extras->widths.emplace_back();
             get(widths.start, widths.end);
         }
     }
