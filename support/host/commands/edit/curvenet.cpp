@@ -11,8 +11,8 @@ namespace host {
 namespace {
 
 constexpr int deepestReference = 50;
-constexpr std::size_t mostPieces = 5'000'000;  ///< of one entity
-constexpr std::size_t mostPairs = 100'000'000; ///< some seconds of work
+constexpr std::size_t mostPieces = 5'000'000; ///< of one entity
+constexpr std::size_t mostWork = 100'000'000; ///< some seconds
 
 bool isBoundaryKind(const AcDbEntity& entity) {
     return entity.isKindOf(AcDbCurve::desc()) || entity.isKindOf(AcDbMline::desc()) ||
@@ -91,11 +91,38 @@ bool isBeside(const AcGePoint2d& from, const AcGePoint2d& to, const AcGePoint2d&
     return (first > slack && second > slack) || (first < -slack && second < -slack);
 }
 
-/// Lines that do not come near each other, as most of those whose boxes overlap.
+/// Whether the line stays beyond the tolerance outside the circle or within it.
+bool isBeside(const CurveNet::Piece& line, const CurvePiece& circle, double tolerance) {
+    const AcGePoint2d center = to2d(circle.origin);
+    const double radius = circle.radius();
+    const AcGeVector2d along = line.end - line.start;
+    const double distance = std::fabs(along.crossProduct(center - line.start));
+    const double inner = radius - tolerance;
+    return distance > (radius + tolerance) * along.length() ||
+           (center.distanceTo(line.start) < inner && center.distanceTo(line.end) < inner);
+}
+
+/// Pieces that do not come near each other, as most of those whose boxes overlap.
 bool areApart(const CurveNet::Piece& one, const CurveNet::Piece& other, double tolerance) {
-    return one.curve.kind == CurvePiece::Kind::line && other.curve.kind == CurvePiece::Kind::line &&
-           (isBeside(one.start, one.end, other.start, other.end, tolerance) ||
-            isBeside(other.start, other.end, one.start, one.end, tolerance));
+    const bool isLine = one.curve.kind == CurvePiece::Kind::line;
+    const bool isOtherLine = other.curve.kind == CurvePiece::Kind::line;
+    if (isLine && isOtherLine) {
+        return isBeside(one.start, one.end, other.start, other.end, tolerance) ||
+               isBeside(other.start, other.end, one.start, one.end, tolerance);
+    }
+    if (isLine && other.isCircle) {
+        return isBeside(one, other.curve, tolerance);
+    }
+    if (isOtherLine && one.isCircle) {
+        return isBeside(other, one.curve, tolerance);
+    }
+    if (one.isCircle && other.isCircle) {
+        const double distance = to2d(one.curve.origin).distanceTo(to2d(other.curve.origin));
+        const double first = one.curve.radius();
+        const double second = other.curve.radius();
+        return distance > first + second + tolerance || distance + tolerance < std::fabs(first - second);
+    }
+    return false;
 }
 
 double turned(double angle) {
@@ -167,7 +194,8 @@ CurveNet::Curves& CurveNet::curvesOf(AcDbStub* stub) {
         if (!isPoint && std::isfinite(box.width()) && std::isfinite(box.height())) {
             const AcGePoint2d start = to2d(piece.start());
             const AcGePoint2d end = to2d(piece.end());
-            curves.pieces.push_back({std::move(piece), start, end, box, {}});
+            const bool isCircle = piece.isArc() && piece.isCircular();
+            curves.pieces.push_back({std::move(piece), start, end, isCircle, box, {}});
             boxes.push_back(box);
         }
     }
@@ -175,12 +203,16 @@ CurveNet::Curves& CurveNet::curvesOf(AcDbStub* stub) {
     return curves;
 }
 
-void CurveNet::countPair() {
-    constexpr std::size_t betweenQuestions = 4096;
-    if (++mPairs % betweenQuestions == 0 && acdbHostApplicationServices()->userBreak()) {
-        throw NetUnfinished{true};
+void CurveNet::countWork(std::size_t work) {
+    constexpr std::size_t betweenQuestions = 100'000;
+    mWork += work;
+    if (mWork > mNextQuestion) {
+        mNextQuestion = mWork + betweenQuestions;
+        if (acdbHostApplicationServices()->userBreak()) {
+            throw NetUnfinished{true};
+        }
     }
-    if (mPairs > mostPairs) {
+    if (mWork > mostWork) {
         throw NetUnfinished{false};
     }
 }
@@ -195,10 +227,12 @@ const std::vector<double>& CurveNet::nodesOf(AcDbStub* stub, std::uint32_t index
     std::vector<double> cuts;
     forPieces(box, [&](AcDbStub* otherStub, std::uint32_t otherIndex) {
         const Piece& other = curvesOf(otherStub).pieces[otherIndex];
-        countPair();
+        countWork(1);
         if (&other == &piece || areApart(piece, other, mTolerance)) {
             return;
         }
+        constexpr std::size_t workOfIntersection = 20;
+        countWork(workOfIntersection);
         for (const PieceHit& hit : intersect(std::span(&curve, 1), std::span(&other.curve, 1))) {
             cuts.push_back(hit.firstParameter);
         }

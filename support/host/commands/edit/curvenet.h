@@ -47,6 +47,7 @@ public:
     struct Piece {
         CurvePiece curve;
         AcGePoint2d start, end;
+        bool isCircle = false; ///< an arc of one
         Box2d box;
         std::vector<double> nodes; ///< ascending, its ends included; empty until asked for
     };
@@ -81,7 +82,7 @@ public:
 
 private:
     void findEntities();
-    void countPair();
+    void countWork(std::size_t work);
     struct Branch {
         NetEdge edge;
         double angle = 0.0;     ///< of the direction it leaves in
@@ -95,9 +96,10 @@ private:
     std::vector<AcDbStub*> mEntities; ///< the given ones; of a block when the plane is not that of its index
     BoxIndex mEntityIndex;            ///< of them in the plane
     bool mHasEntityIndex = false;
-    std::size_t mPairs = 0; ///< of pieces that were compared
-    AcGeMatrix3d mToPlane;  ///< with Z taken away
-    bool mIsPlan;           ///< the plane is that of the index
+    std::size_t mWork = 0; ///< in pieces looked at
+    std::size_t mNextQuestion = 0;
+    AcGeMatrix3d mToPlane; ///< with Z taken away
+    bool mIsPlan;          ///< the plane is that of the index
     double mTolerance = 4e-9;
     std::unordered_map<AcDbStub*, Curves> mCurves;
 };
