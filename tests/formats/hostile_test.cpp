@@ -247,7 +247,7 @@ TEST(DxfHostile, numbersOutOfRange) {
     EXPECT_EQ(drawing.model().size(), 1U);
     EXPECT_EQ(drawing.result.report.count(), 3U) << drawing.report();
     EXPECT_EQ(failure("AutoCAD Binary DXF\r\n\x1A\0\0SEC\nTION\0"s),
-              "第 0x16 字节: 应为 SECTION 或 EOF, 而是 \"SEC TION\"");
+              "第 0x16 字节: 应为 SECTION 或 EOF, 而是 \"SEC^JTION\"");
     EXPECT_EQ(failure("0\nSECTION\n2\nENTITIES\n1072\nx\n"), "第 5 行: 组码 1072 超出范围");
     EXPECT_EQ(failure("0\nSECTION\n2\nENTITIES\n-5\nx\n"), "第 5 行: 组码 -5 超出范围");
 }

@@ -70,9 +70,7 @@ bool FileFiler::nextRecord() {
         return false;
     }
     mRecordName = withoutControls(mDecoder.text(trimmed(mToken.text)));
-    // In a binary file a name can hold what would break the lines of a text file and of messages.
-    std::ranges::replace_if(
-        mRecordName, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    encodeLineEnds(mRecordName);
     mRecordLine = mTokenLine;
     mRecordPosition = mTokenPosition;
     resetRecord();
@@ -206,6 +204,11 @@ bool FileFiler::convert() {
 
 void FileFiler::takeText() {
     mGroup.text = isNameCode(mToken.code) ? mDecoder.name(mToken.text) : mDecoder.text(mToken.text);
+    if (mToken.binary && mGroup.text.find_first_of("\n\r") != mGroup.text.npos) {
+        mText = mGroup.text;
+        encodeLineEnds(mText);
+        mGroup.text = mText;
+    }
     switch (mToken.code) {
     case 2:
         if (mRecordName == "INSERT") {

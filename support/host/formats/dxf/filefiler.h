@@ -141,6 +141,7 @@ private:
     bool mRepeat = false;
 
     std::string mRecordName;
+    std::string mText; ///< of the group, when its line ends were encoded
     std::size_t mRecordLine = 0;
     GroupScanner::Position mRecordPosition;
     std::uint64_t mHandle = 0;

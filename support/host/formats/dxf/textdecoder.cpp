@@ -8,6 +8,12 @@
 
 namespace host::dxf {
 
+void encodeLineEnds(std::string& text) {
+    for (std::size_t at = text.find_first_of("\n\r"); at != text.npos; at = text.find_first_of("\n\r", at)) {
+        text.replace(at, 1, text[at] == '\n' ? "^J" : "^M");
+    }
+}
+
 void TextDecoder::setCodePage(CodePage page) {
     mMode = page == CodePage::utf8 ? Mode::utf8 : Mode::codePage;
     if (page != CodePage::utf8) {
@@ -56,11 +62,13 @@ std::string_view TextDecoder::decoded(std::string_view raw) {
                 return raw;
             }
             mBuffer = toUtf8(resolveEscapes(fromUtf8(raw)));
+            encodeLineEnds(mBuffer);
             return mBuffer;
         }
         mWrongEncoding = mWrongEncoding || mMode == Mode::utf8;
     }
     mBuffer = toUtf8(decodeText(raw, mPage));
+    encodeLineEnds(mBuffer);
     return mBuffer;
 }
 

@@ -10,6 +10,9 @@
 
 namespace host::dxf {
 
+/// Line ends as ^J and ^M, which stand for them in a text file. They come from binary files and escapes.
+void encodeLineEnds(std::string& text);
+
 class TextDecoder {
 public:
     /// Before a version is known: UTF-8 where it is well formed, else the default page (Chinese).
