@@ -21,8 +21,9 @@ public:
     }
     /// The root is always the first of its members.
     void join(std::uint32_t a, std::uint32_t b) {
-        const auto [low, high] = std::minmax(rootOf(a), rootOf(b));
-        mParents[high] = low;
+        const std::uint32_t first = rootOf(a);
+        const std::uint32_t second = rootOf(b);
+        mParents[std::max(first, second)] = std::min(first, second);
     }
     /// Sets of two and more, in the order of their first members.
     std::vector<std::vector<std::uint32_t>> sets() {
