@@ -148,6 +148,7 @@ DrawnContent drawnContent(DrawingSource& source, const Draw& draw) {
     SurveySink sink;
     FlattenOptions flattening;
     flattening.isPlot = true;
+    flattening.regenType = kAcGiForExtents;
     flattening.dashResolution = HUGE_VAL; // linetypes do not change the extents
     Flattener flattener(source, sink, flattening);
     draw(flattener);

@@ -178,7 +178,7 @@ bool askArea(AcApDocument& document, PlotJob& job) {
     };
     static constexpr std::array<Row, 6> rows{{{Area::display, L"Display", L"显示"},
                                               {Area::extents, L"Extents", L"范围"},
-                                              {Area::limits, L"LImits", L"图形界限"},
+                                              {Area::limits, L"Limits", L"图形界限"},
                                               {Area::layout, L"Layout", L"布局"},
                                               {Area::view, L"View", L"视图"},
                                               {Area::window, L"Window", L"窗口"}}};
@@ -187,7 +187,7 @@ bool askArea(AcApDocument& document, PlotJob& job) {
     const Answer answer =
         askKeyword(std::wstring(L"\n输入打印区域 [显示(D)/范围(E)/") + (isModel ? L"图形界限(L)" : L"布局(L)") +
                        L"/视图(V)/窗口(W)] <" + now->text + L">: ",
-                   isModel ? L"Display Extents LImits View Window" : L"Display Extents Layout View Window");
+                   isModel ? L"Display Extents Limits View Window" : L"Display Extents Layout View Window");
     if (answer.kind == Answer::Kind::keyword)
         job.setup.area = std::ranges::find_if(rows, [&](const Row& row) {
                              return answer.isKeyword(row.keyword);
@@ -306,7 +306,10 @@ void runCommandLinePlot() {
     for (const Question question : questions)
         if (!question(*document, *job))
             return;
-    if (askYesNo(L"\n是否继续打印?", true).value_or(false))
+    const std::optional<bool> goesOn = askYesNo(L"\n是否继续打印?", true);
+    if (goesOn && job->keepsSetup)
+        keepPageSetup(*job);
+    if (goesOn.value_or(false))
         plot(*document, *job);
 }
 
@@ -317,8 +320,11 @@ void runPlot() {
         return;
     }
     std::optional<PlotJob> job = plotJobOf(*document);
-    if (job && plotWindows()->ask(*document, *job))
-        plot(*document, *job);
+    if (!job || !plotWindows()->ask(*document, *job))
+        return;
+    if (job->keepsSetup)
+        keepPageSetup(*job);
+    plot(*document, *job);
 }
 
 void runPreview() {

@@ -74,6 +74,8 @@ Adesk::Int16 AcDbViewport::number() const {
     return m.number;
 }
 Acad::ErrorStatus AcDbViewport::setNumber(Adesk::Int16 number) {
+    assertWriteEnabled();
+    m.status = m.status > 0 ? number : m.status; // its place in the stack of viewports that are on
     return put(*this, m.number, number);
 }
 bool AcDbViewport::isSheet() const {
