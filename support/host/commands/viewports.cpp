@@ -258,14 +258,11 @@ void changePicked(const std::function<void(AcDbViewport&)>& apply) {
     const Selection selection = Selection::askEditable();
     int changed = 0;
     for (const AcDbObjectId id : layoutViewports(currentDatabase())) {
-        const auto* shown = peek<AcDbViewport>(id);
-        const ReadAccess access(*shown);
-        const AcDbObjectId clip = shown->nonRectClipEntityId();
-        if (!selection.ids().contains(id) && (clip.isNull() || !selection.ids().contains(clip))) {
-            continue;
-        }
-        const Opened<AcDbViewport> viewport(id, AcDb::kForWrite);
-        if (viewport) {
+        const Opened<AcDbViewport> viewport(id, AcDb::kForRead);
+        const AcDbObjectId clip = viewport ? viewport->nonRectClipEntityId() : AcDbObjectId();
+        const bool isPicked =
+            selection.ids().contains(id) || (!clip.isNull() && selection.ids().contains(clip));
+        if (viewport && isPicked && viewport->upgradeOpen() == Acad::eOk) {
             apply(*viewport.get());
             ++changed;
         }
