@@ -124,7 +124,9 @@ private:
         connect(browse, &QPushButton::clicked, this, [this] { chooseFile(); });
         line->addWidget(mFile, 1);
         line->addWidget(browse);
-        form->addRow(tr("文件(&F):"), line);
+        auto* name = new QLabel(tr("文件(&F):"));
+        name->setBuddy(mFile);
+        form->addRow(name, line);
         mPaper = new QComboBox;
         mPaper->setEditable(true);
         for (const host::PaperSize& size : host::paperSizes()) {
