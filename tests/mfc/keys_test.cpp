@@ -8,9 +8,9 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
-#include <QLocale>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLocale>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <algorithm>

@@ -42,8 +42,8 @@ void appendChords(const Arc& arc, double deviation, std::vector<AcGePoint3d>& po
 
 namespace {
 
-// How far at most a cubic curve over an angle up to 120 degrees strays from its arc, as a share of the radius:
-// 2/27 sin^6 / cos^2 of a quarter of the angle, which its sixth power is near to.
+// How far at most a cubic curve over an angle up to 120 degrees strays from its arc, as a share of the
+// radius: 2/27 sin^6 / cos^2 of a quarter of the angle, which its sixth power is near to.
 double curveError(double angle) {
     const double square = angle * angle / 16;
     return 2.0 / 27 * 1.02 * square * square * square;

@@ -102,7 +102,8 @@ void PdfSink::setFill(const Pen& pen) {
     }
 }
 
-// Paths and texts of many points are told from a place of their own: shorter numbers, less to write and to pack.
+// Paths and texts of many points are told from a place of their own: shorter numbers, less to write and to
+// pack.
 SheetPoint PdfSink::beginMoved(const SheetPoint& place, std::size_t count) {
     constexpr std::size_t manyPoints = 12;
     mIsMoved = count >= manyPoints;

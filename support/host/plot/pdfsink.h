@@ -40,8 +40,8 @@ private:
     void strokePath(); // strokes what has been collected
     void spill();      // writes the content so far as a stream when it is long
     void point(const SheetPoint& point, char operation);
-    // Where the coordinates of a path with so many points begin, from here to the end: the place or the sheet's
-    // corner.
+    // Where the coordinates of a path with so many points begin, from here to the end: the place or the
+    // sheet's corner.
     SheetPoint beginMoved(const SheetPoint& place, std::size_t count);
     void endMoved();
     void filledGlyphs(const GlyphRun& run);

@@ -71,9 +71,8 @@ std::span<const PlotDevice> plotDevices() {
 
 const PlotDevice* plotDeviceNamed(std::wstring_view text) {
     const std::wstring folded = fold(text);
-    const auto* found = std::ranges::find_if(devices, [&](const PlotDevice& device) {
-        return folded.find(fold(device.name)) != folded.npos;
-    });
+    const auto* found = std::ranges::find_if(
+        devices, [&](const PlotDevice& device) { return folded.find(fold(device.name)) != folded.npos; });
     return found != std::end(devices) ? found : nullptr;
 }
 
