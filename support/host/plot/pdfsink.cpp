@@ -52,7 +52,7 @@ void PdfSink::color(std::uint32_t rgb, std::string_view operation) {
         for (std::size_t i = 0; i < texts.size(); ++i) {
             TextBuffer text;
             text << std::round(static_cast<double>(i) / 255.0 * 1000) / 1000;
-            texts[i] = text.take();
+            texts[i] = text.text();
         }
         return texts;
     }();
