@@ -143,9 +143,10 @@ void Scene::look(SceneItem& item) const {
     const host::ReadAccess access(*entity);
     item.isDependent = followsOthers(*entity);
     const auto* layer = peek<AcDbLayerTableRecord>(entity->layerId());
-    item.isHidden = entity->visibility() == AcDb::kInvisible ||
-                    (layer != nullptr && ((layer->isFrozen() && !isViewport(*entity)) ||
-                                          (layer->isOff() && !item.isDependent) || isFrozenHere(entity->layerId())));
+    item.isHidden =
+        entity->visibility() == AcDb::kInvisible ||
+        (layer != nullptr && ((layer->isFrozen() && !isViewport(*entity)) ||
+                              (layer->isOff() && !item.isDependent) || isFrozenHere(entity->layerId())));
     AcCmEntityColor color = entity->entityColor();
     if (color.isByLayer() && layer != nullptr) {
         color = layer->entityColor();

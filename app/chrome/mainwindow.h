@@ -3,9 +3,9 @@
 
 #include "app/canvas/canvas.h"
 #include "app/chrome/autosave.h"
-#include "app/chrome/plotdialog.h"
 #include "app/chrome/layerpanel.h"
 #include "app/chrome/modebar.h"
+#include "app/chrome/plotdialog.h"
 #include "app/chrome/propertybar.h"
 #include "app/chrome/propertypanel.h"
 #include "app/chrome/windowdesktop.h"

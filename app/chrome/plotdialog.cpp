@@ -29,7 +29,8 @@ namespace {
 using Area = host::PageSetup::Area;
 
 constexpr double millimetresAnInch = 25.4;
-constexpr std::array scales{"1:1", "1:2", "1:5", "1:10", "1:50", "1:100", "1:200", "1:500", "1:1000", "1:2000"};
+constexpr std::array scales{"1:1",   "1:2",   "1:5",   "1:10",   "1:50",
+                            "1:100", "1:200", "1:500", "1:1000", "1:2000"};
 
 QString tr(const char* text) {
     return QCoreApplication::translate("PlotDialog", text);
@@ -85,9 +86,9 @@ public:
         const std::optional<double> x = number(*mOffsetX);
         const std::optional<double> y = number(*mOffsetY);
         const bool isFitted = mFits->isChecked();
-        const QString fault = !paper                        ? tr("图纸尺寸应为 A3 或 420x297（毫米）。")
-                              : !isFitted && !(scale > 0)   ? tr("打印比例应为 1:500 这样的两个正数。")
-                              : !mCentred->isChecked() && (!x || !y) ? tr("打印偏移应为数字。")
+        const QString fault = !paper ? tr("图纸尺寸应为 A3 或 420x297（毫米）。")
+                              : !isFitted && !(scale > 0) ? tr("打印比例应为 1:500 这样的两个正数。")
+                              : !mCentred->isChecked() && (!x || !y)   ? tr("打印偏移应为数字。")
                               : area() == Area::window && !hasWindow() ? tr("请先指定打印窗口。")
                                                                        : QString();
         mFault->setText(fault);
@@ -124,7 +125,9 @@ private:
         connect(browse, &QPushButton::clicked, this, [this] { chooseFile(); });
         line->addWidget(mFile, 1);
         line->addWidget(browse);
-        form->addRow(tr("文件(&F):"), line);
+        auto* name = new QLabel(tr("文件(&F):"));
+        name->setBuddy(mFile);
+        form->addRow(name, line);
         mPaper = new QComboBox;
         mPaper->setEditable(true);
         for (const host::PaperSize& size : host::paperSizes()) {
@@ -297,8 +300,7 @@ private:
             setup.paper = paper;
         }
         const bool isLandscape = mOrientation->currentIndex() == 1;
-        setup.quarterTurns =
-            (isLandscape != setup.isAcross() ? 1 : 0) | (mUpsideDown->isChecked() ? 2 : 0);
+        setup.quarterTurns = (isLandscape != setup.isAcross() ? 1 : 0) | (mUpsideDown->isChecked() ? 2 : 0);
     }
 
     void previewed();

@@ -600,4 +600,30 @@ TEST_F(GeometryTest, SnapTable) {
     }
 }
 
+// Distances are kept from call to call, and forgotten when the polyline changes.
+TEST(Polylines, DistancesFollowTheVertices) {
+    AcDbPolyline polyline;
+    for (unsigned index = 0; index < 1000; ++index) {
+        polyline.addVertexAt(index, AcGePoint2d(index * 0.3, index % 2), index % 7 == 0 ? 0.5 : 0.0);
+    }
+    double summed = 0.0;
+    for (unsigned index = 0; index < 999; ++index) {
+        double distance = -1.0, parameter = -1.0;
+        ASSERT_EQ(polyline.getDistAtParam(index, distance), Acad::eOk);
+        EXPECT_EQ(distance, summed);
+        ASSERT_EQ(polyline.getDistAtParam(index + 0.25, distance), Acad::eOk);
+        ASSERT_EQ(polyline.getParamAtDist(distance, parameter), Acad::eOk);
+        EXPECT_NEAR(parameter, index + 0.25, 1e-9);
+        summed += host::PathSegment(polyline.bulgePath().segment(static_cast<int>(index))).length();
+    }
+    double whole = 0.0, shorter = 0.0;
+    EXPECT_EQ(polyline.getDistAtParam(999, whole), Acad::eOk);
+    EXPECT_EQ(whole, summed);
+    EXPECT_EQ(polyline.getDistAtParam(999.5, whole), Acad::eInvalidInput);
+    EXPECT_EQ(polyline.getDistAtParam(-0.5, whole), Acad::eInvalidInput);
+    polyline.removeVertexAt(500);
+    EXPECT_EQ(polyline.getDistAtParam(998, shorter), Acad::eOk);
+    EXPECT_LT(shorter, whole);
+}
+
 } // namespace

@@ -203,6 +203,45 @@ TEST_F(LayoutTest, ViewportsShowTheModelToScale) {
     EXPECT_EQ(measured.lines.size(), 1U) << "the model does not widen the sheet";
 }
 
+TEST_F(LayoutTest, DrawingGoesToTheModelWhileAViewportIsActive) {
+    AcDbViewport* made = viewport();
+    add(made, database.paperSpaceId());
+    EXPECT_EQ(database.setActiveViewport(made->objectId()), Acad::eInvalidInput) << "in the model tab";
+    database.setTilemode(false);
+    host::UndoLog& undo = database.undoLog();
+    undo.beginCommand(L"MSPACE");
+    EXPECT_EQ(database.setActiveViewport(made->objectId()), Acad::eOk);
+    undo.endCommand();
+    EXPECT_EQ(database.activeViewportId(), made->objectId());
+    EXPECT_EQ(database.currentSpaceId(), database.modelSpaceId());
+    EXPECT_EQ(current(), "布局1");
+    undo.undo(1);
+    EXPECT_EQ(database.currentSpaceId(), database.paperSpaceId());
+    undo.redo(1);
+    EXPECT_EQ(database.currentSpaceId(), database.modelSpaceId());
+    host::Opened<AcDbViewport>(made->objectId(), AcDb::kForWrite)->setOff();
+    EXPECT_TRUE(database.activeViewportId().isNull()) << "one that is off cannot be";
+    EXPECT_EQ(database.setActiveViewport(made->objectId()), Acad::eInvalidInput);
+    host::Opened<AcDbViewport>(made->objectId(), AcDb::kForWrite)->setOn();
+    layouts->setCurrentLayout(L"Model", &database);
+    layouts->setCurrentLayout(L"布局1", &database);
+    EXPECT_EQ(database.currentSpaceId(), database.paperSpaceId()) << "layouts are entered by the sheet";
+}
+
+// Files number only the viewports of the layout that was shown last.
+TEST_F(LayoutTest, TheFirstUnnumberedViewportIsTheSheets) {
+    AcDbViewport* sheet = viewport();
+    AcDbViewport* shown = viewport();
+    for (AcDbViewport* one : {sheet, shown}) {
+        one->setNumber(0);
+        add(one, database.paperSpaceId());
+    }
+    const host::ReadAccess first(*sheet), second(*shown);
+    EXPECT_TRUE(sheet->isSheet());
+    EXPECT_FALSE(shown->isSheet());
+    EXPECT_TRUE(shown->isOn());
+}
+
 TEST_F(LayoutTest, ViewportsKeepTheirFields) {
     const std::unique_ptr<AcDbViewport> made(viewport());
     made->setLayer(database.layerZero());

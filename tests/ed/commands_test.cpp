@@ -49,6 +49,19 @@ TEST_F(Commands, GlobalAndLocalNamesArePrefixedAsTyped) {
     EXPECT_EQ(transcript.diagnostics, L"第 1 行: 未知命令\"T_点列\"。按 F1 查看帮助。\n");
 }
 
+TEST_F(Commands, NewDrawingsGoByNamesOfTheirOwn) {
+    AcApDocument* first = curDoc();
+    session->newDrawing();
+    const std::wstring title = curDoc()->docTitle();
+    const std::wstring prefix = L"Drawing",
+                       taken = prefix + std::to_wstring(std::stoi(title.substr(prefix.size())) + 1);
+    first->setTitle(taken + L".DWG"); // as a recovered drawing's
+    EXPECT_TRUE(acDocManagerPtr()->hasTitle(taken + L".dwg"));
+    session->newDrawing();
+    EXPECT_NE(std::wstring(curDoc()->docTitle()), taken + L".dwg");
+    EXPECT_NE(std::wstring(curDoc()->docTitle()), title);
+}
+
 TEST_F(Commands, DialogueShowsPromptsAnswersAndNothingElse) {
     EXPECT_TRUE(run("T_POINTS\n1,2\nx\nu\n^C\n"));
     EXPECT_EQ(transcript.shown, L"命令: T_POINTS\n"

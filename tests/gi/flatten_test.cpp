@@ -142,6 +142,35 @@ TEST(Curves, BezierCurvesFollowTheirArc) {
     EXPECT_TRUE(path.points.back().isEqualTo(arc.endPoint(), AcGeTol()));
 }
 
+TEST(Curves, SmallArcsHaveFewCurvesWithinTheDeviation) {
+    constexpr double deviation = 0.005;
+    std::size_t fewest = 100, most = 0;
+    for (const double radius : {0.01, 0.2, 1.0, 3.0, 20.0, 500.0}) {
+        for (const double sweep : {0.2, 1.5, 2.0, -3.5, 2 * pi}) {
+            const Arc arc{{10, 0, 0}, {radius, 0, 0}, {0, radius, 0}, 0.3, sweep};
+            WorldPath path;
+            path.move(arc.startPoint());
+            appendCurves(arc, path, deviation);
+            for (std::size_t i = 0; i + 3 < path.points.size(); i += 3)
+                for (double t = 0.05; t < 1; t += 0.05) {
+                    const double s = 1 - t;
+                    const AcGePoint3d point = AcGePoint3d(path.points[i] * (s * s * s)) +
+                                              path.points[i + 1].asVector() * (3 * s * s * t) +
+                                              path.points[i + 2].asVector() * (3 * s * t * t) +
+                                              path.points[i + 3].asVector() * (t * t * t);
+                    ASSERT_NEAR(point.distanceTo(arc.center), radius, deviation) << radius << ' ' << sweep;
+                }
+            EXPECT_LT(path.points.back().distanceTo(arc.endPoint()), 1e-9 * radius);
+            if (sweep == 2 * pi) {
+                fewest = std::min(fewest, path.verbs.size() - 1);
+                most = std::max(most, path.verbs.size() - 1);
+            }
+        }
+    }
+    EXPECT_EQ(fewest, 3U);
+    EXPECT_GT(most, 6U);
+}
+
 TEST(Looks, AreResolvedByLayerAndByBlock) {
     TestSource source;
     source.layers[0]->color = LayerLook::colorOf(2);

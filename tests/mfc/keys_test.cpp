@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLocale>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <algorithm>
@@ -189,6 +190,12 @@ TEST_F(Keys, TheToolkitsOwnTextsAreChinese) {
         EXPECT_FALSE(isLatin(label->text())) << label->text().toStdString();
     for (const QAbstractButton* button : files.findChildren<QAbstractButton*>())
         EXPECT_FALSE(isLatin(button->text()) || isLatin(button->toolTip())) << button->text().toStdString();
+    // Dates as well, in file dialogs by the system's locale; numbers of the program itself are as ever.
+    const QDate date(2026, 11, 5);
+    EXPECT_EQ(QLocale::system().toString(date, QLocale::ShortFormat).toStdString(), "2026/11/5");
+    EXPECT_EQ(QLocale().standaloneMonthName(11).toStdString(), "十一月");
+    EXPECT_EQ(std::wcstod(L"1.5", nullptr), 1.5);
+    EXPECT_EQ(QString::number(1234.5), "1234.5");
 }
 
 TEST_F(Keys, WindowsOfTheHostAreThereWithoutAWindow) {

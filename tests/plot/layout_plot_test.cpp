@@ -116,6 +116,18 @@ TEST_F(LayoutPlotTest, ViewportsShowTheirPartOfTheModelAndNoMore) {
     EXPECT_EQ(at(image(sheet200x100()), 100, 50), white);
 }
 
+TEST_F(LayoutPlotTest, ExtentsOfALayoutAreThoseOfTheSheet) {
+    square(0, 0, 5000, 1);
+    viewport();
+    PageSetup setup = sheet200x100();
+    setup.area = PageSetup::Area::extents;
+    const PlotWindow window = placementOf(setup, layout()).window;
+    EXPECT_EQ(window.left, 60);
+    EXPECT_EQ(window.right, 140);
+    EXPECT_EQ(window.bottom, 10);
+    EXPECT_EQ(window.top, 90);
+}
+
 TEST_F(LayoutPlotTest, ViewportsAreCutAtTheirClippingEntity) {
     square(0, 0, 80, 1);
     auto* circle = new AcDbCircle({100, 50, 0}, AcGeVector3d::kZAxis, 40);
@@ -127,6 +139,12 @@ TEST_F(LayoutPlotTest, ViewportsAreCutAtTheirClippingEntity) {
     EXPECT_EQ(at(picture, 75, 75), red);
     EXPECT_EQ(at(picture, 64, 86), white) << "a corner outside of the circle";
     EXPECT_EQ(at(picture, 60, 12), white) << "without the rectangle's frame";
+    // Lines that leave the picture far away keep their direction.
+    add(new AcDbLine({-70, 10, 0}, {1e7, 1e6 + 10, 0}), mDatabase.modelSpaceId());
+    add(new AcDbLine({-1e7, 5e6, 0}, {5e6, 1e7, 0}), mDatabase.modelSpaceId());
+    const QImage lines = image(sheet200x100());
+    EXPECT_EQ(at(lines, 80, 50), red);
+    EXPECT_NE(at(lines, 100, 58), red) << "10 + 7, halved, above the middle";
 }
 
 // What a viewport shows follows the layers of the model, frozen for it or for all, not the frame's own.

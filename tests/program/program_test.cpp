@@ -97,6 +97,14 @@ TEST_F(Program, WritesEveryFileAskedFor) {
     EXPECT_NE(contentOf("a.svg").find("<svg"), std::string::npos);
 }
 
+TEST_F(Program, PlotsWhereTheCommandSays) {
+    const Outcome outcome = script("LINE\n0,0\n100,50\n\n-PLOT\nN\n\nPNG\n一 号\nN\nY\n"
+                                   "-PLOT\nN\n布局1\nSVG\n\nN\nY\n");
+    EXPECT_EQ(outcome.code, 0) << outcome.errors;
+    EXPECT_TRUE(contentOf("一 号.png").starts_with("\x89PNG"));
+    EXPECT_TRUE(fs::exists(file("Drawing1-布局1.svg")));
+}
+
 TEST_F(Program, SavedDrawingReadsBackTheSame) {
     for (const char* sample : {"route-map.dxf", "old-r12.dxf"}) {
         const std::string original = std::string("'" QDV_SAMPLES "/") + sample + "'";

@@ -3,6 +3,7 @@
 #include "host/commands/registry.h"
 #include "host/db/dbgroup.h"
 #include "host/db/dblayout.h"
+#include "host/ed/viewports.h"
 
 namespace host {
 namespace {
@@ -240,6 +241,7 @@ std::wstring currentLayout() {
 }
 
 void showLayout(const std::wstring& name) {
+    leaveViewport();
     if (layouts().setCurrentLayout(name.c_str(), &currentDatabase()) != Acad::eOk) {
         acutPrintf(L"\n找不到布局 \"%s\"。", name.c_str());
     }

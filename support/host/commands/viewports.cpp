@@ -1,7 +1,8 @@
 // MVIEW, MSPACE, PSPACE and VPLAYER: windows of a layout onto the model.
+#include "host/ed/viewports.h"
+
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
-#include "host/ed/viewports.h"
 
 #include <algorithm>
 #include <array>
@@ -84,9 +85,7 @@ AcDbObjectIdArray layersFrozenAtFirst() {
 /// The sheet's own view stands before all viewports: programs take the first of a layout for it.
 void ensureSheetViewport() {
     const auto* sheet = peek<AcDbBlockTableRecord>(currentDatabase().paperSpaceId());
-    const auto isViewport = [](AcDbStub* stub) {
-        return peek<AcDbViewport>(AcDbObjectId(stub)) != nullptr;
-    };
+    const auto isViewport = [](AcDbStub* stub) { return peek<AcDbViewport>(AcDbObjectId(stub)) != nullptr; };
     if (std::any_of(sheet->entities().begin(), sheet->entities().end(), isViewport)) {
         return;
     }
@@ -159,7 +158,8 @@ void addParts(const Parts& parts) {
 }
 
 void addTwo() {
-    const Answer answer = askKeyword(L"\n输入视口排列方式 [水平(H)/垂直(V)] <垂直>: ", L"Horizontal Vertical");
+    const Answer answer =
+        askKeyword(L"\n输入视口排列方式 [水平(H)/垂直(V)] <垂直>: ", L"Horizontal Vertical");
     if (!answer.isCancelled()) {
         addParts(answer.isKeyword(L"Horizontal") ? Parts{{0, 0.5, 1, 1}, {0, 0, 1, 0.5}}
                                                  : Parts{{0, 0, 0.5, 1}, {0.5, 0, 1, 1}});
@@ -168,9 +168,8 @@ void addTwo() {
 
 void addThree() {
     constexpr double third = 1.0 / 3.0;
-    const Answer answer =
-        askKeyword(L"\n输入视口排列方式 [水平(H)/垂直(V)/上(A)/下(B)/左(L)/右(R)] <右>: ",
-                   L"Horizontal Vertical Above Below Left Right");
+    const Answer answer = askKeyword(L"\n输入视口排列方式 [水平(H)/垂直(V)/上(A)/下(B)/左(L)/右(R)] <右>: ",
+                                     L"Horizontal Vertical Above Below Left Right");
     if (answer.isCancelled()) {
         return;
     }
@@ -258,14 +257,11 @@ void changePicked(const std::function<void(AcDbViewport&)>& apply) {
     const Selection selection = Selection::askEditable();
     int changed = 0;
     for (const AcDbObjectId id : layoutViewports(currentDatabase())) {
-        const auto* shown = peek<AcDbViewport>(id);
-        const ReadAccess access(*shown);
-        const AcDbObjectId clip = shown->nonRectClipEntityId();
-        if (!selection.ids().contains(id) && (clip.isNull() || !selection.ids().contains(clip))) {
-            continue;
-        }
-        const Opened<AcDbViewport> viewport(id, AcDb::kForWrite);
-        if (viewport) {
+        const Opened<AcDbViewport> viewport(id, AcDb::kForRead);
+        const AcDbObjectId clip = viewport ? viewport->nonRectClipEntityId() : AcDbObjectId();
+        const bool isPicked =
+            selection.ids().contains(id) || (!clip.isNull() && selection.ids().contains(clip));
+        if (viewport && isPicked && viewport->upgradeOpen() == Acad::eOk) {
             apply(*viewport.get());
             ++changed;
         }
@@ -304,9 +300,10 @@ void goToSheet() {
 
 void runMview() {
     goToSheet();
-    const PointAnswer answer = askPoint(L"\n指定视口的角点或\n[开(ON)/关(OFF)/布满(F)/锁定(L)/对象(O)/多边形(P)/"
-                                        L"图层(LA)/2/3/4] <布满>: ",
-                                        L"ON OFF Fit Lock Object Polygonal LAyer 2 3 4");
+    const PointAnswer answer =
+        askPoint(L"\n指定视口的角点或\n[开(ON)/关(OFF)/布满(F)/锁定(L)/对象(O)/多边形(P)/"
+                 L"图层(LA)/2/3/4] <布满>: ",
+                 L"ON OFF Fit Lock Object Polygonal LAyer 2 3 4");
     if (answer.isKeyword(L"ON")) {
         changePicked([](AcDbViewport& viewport) { viewport.setOn(); });
     } else if (answer.isKeyword(L"OFF")) {
@@ -351,9 +348,8 @@ void runPaperSpace() {
 std::optional<AcDbObjectIdArray> askViewports() {
     const AcDbObjectId active = currentDatabase().activeViewportId();
     const Answer answer =
-        active.isNull()
-            ? askKeyword(L"\n指定视口 [全部(A)/选择(S)] <选择>: ", L"All Select")
-            : askKeyword(L"\n指定视口 [全部(A)/选择(S)/当前(C)] <当前>: ", L"All Select Current");
+        active.isNull() ? askKeyword(L"\n指定视口 [全部(A)/选择(S)] <选择>: ", L"All Select")
+                        : askKeyword(L"\n指定视口 [全部(A)/选择(S)/当前(C)] <当前>: ", L"All Select Current");
     AcDbObjectIdArray chosen;
     if (answer.isCancelled()) {
         return std::nullopt;
@@ -434,8 +430,7 @@ void makeFrozenLayers() {
         layer->setVPDFLT(true);
         const Opened<AcDbLayerTable> table(currentDatabase().layerTableId(), AcDb::kForWrite);
         AcDbObjectId id;
-        if (!table || layer->setName(name.c_str()) != Acad::eOk ||
-            table->add(id, layer.get()) != Acad::eOk) {
+        if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
             acutPrintf(L"\n图层名 \"%s\" 无效或已经存在。", name.c_str());
             continue;
         }
@@ -456,8 +451,7 @@ void setFirstVisibility() {
     if (layers.isEmpty()) {
         return;
     }
-    const Answer answer =
-        askKeyword(L"\n输入视口可见性选项 [冻结(F)/解冻(T)] <解冻>: ", L"Freeze Thaw");
+    const Answer answer = askKeyword(L"\n输入视口可见性选项 [冻结(F)/解冻(T)] <解冻>: ", L"Freeze Thaw");
     for (const AcDbObjectId id : answer.isCancelled() ? AcDbObjectIdArray() : layers) {
         if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
             layer->setVPDFLT(answer.isKeyword(L"Freeze"));
@@ -505,11 +499,10 @@ void runViewportLayer() {
     }
 }
 
-constexpr CommandRow rows[] = {
-    {L"MVIEW", L"创建视口", ACRX_CMD_NOTILEMODE, runMview},
-    {L"MSPACE", L"切换到模型空间", ACRX_CMD_NOTILEMODE, runModelSpace},
-    {L"PSPACE", L"切换到图纸空间", ACRX_CMD_NOTILEMODE, runPaperSpace},
-    {L"VPLAYER", L"视口图层", ACRX_CMD_NOTILEMODE, runViewportLayer}};
+constexpr CommandRow rows[] = {{L"MVIEW", L"创建视口", ACRX_CMD_NOTILEMODE, runMview},
+                               {L"MSPACE", L"切换到模型空间", ACRX_CMD_NOTILEMODE, runModelSpace},
+                               {L"PSPACE", L"切换到图纸空间", ACRX_CMD_NOTILEMODE, runPaperSpace},
+                               {L"VPLAYER", L"视口图层", ACRX_CMD_NOTILEMODE, runViewportLayer}};
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include "host/gi/extentssink.h"
 #include "host/gi/flatten.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace host {
@@ -153,18 +154,16 @@ LinetypeLook Source::makeLinetype(AcDbObjectId id) const {
 }
 
 void Source::readLightPolyline(const AcDbPolyline& polyline, LightPolyline& result) const {
-    const unsigned count = polyline.numVerts();
-    result.vertices.clear();
-    result.vertices.reserve(count);
-    for (unsigned index = 0; index < count; ++index) {
-        AcGePoint2d point;
-        double bulge = 0.0;
-        double startWidth = 0.0;
-        double endWidth = 0.0;
-        polyline.getPointAt(index, point);
-        polyline.getBulgeAt(index, bulge);
-        polyline.getWidthsAt(index, startWidth, endWidth);
-        result.vertices.push_back({point.x, point.y, bulge, startWidth, endWidth});
+    const BulgePath& path = polyline.bulgePath();
+    result.vertices.resize(path.vertices.size());
+    std::transform(path.vertices.begin(), path.vertices.end(), result.vertices.begin(),
+                   [](const BulgeVertex& vertex) {
+                       return LightPolyline::Vertex{vertex.point.x, vertex.point.y, vertex.bulge, 0.0, 0.0};
+                   });
+    if (polyline.hasWidth()) {
+        for (unsigned index = 0; index < result.vertices.size(); ++index) {
+            polyline.getWidthsAt(index, result.vertices[index].startWidth, result.vertices[index].endWidth);
+        }
     }
     result.isClosed = polyline.isClosed();
     result.generatesLinetype = polyline.hasPlinegen();

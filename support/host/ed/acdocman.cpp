@@ -192,9 +192,8 @@ Acad::ErrorStatus AcApDocManager::beginExecuteInCommandContext(void (*procedure)
 }
 
 bool AcApDocManager::hasTitle(const std::wstring& title) const {
-    return std::any_of(mDocuments.begin(), mDocuments.end(), [&](const auto& document) {
-        return host::equalNoCase(document->docTitle(), title);
-    });
+    return std::any_of(mDocuments.begin(), mDocuments.end(),
+                       [&](const auto& document) { return host::equalNoCase(document->docTitle(), title); });
 }
 
 AcApDocument* AcApDocManager::adopt(std::unique_ptr<AcDbDatabase> database, const std::wstring& windowsPath) {

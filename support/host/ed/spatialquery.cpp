@@ -269,8 +269,18 @@ bool isSelectable(const AcDbEntity& entity) {
     if (entity.isErased() || entity.visibility() == AcDb::kInvisible) {
         return false;
     }
-    const auto* layer = peek<AcDbLayerTableRecord>(entity.layerId());
-    return layer == nullptr || (!layer->isOff() && !layer->isFrozen());
+    const AcDbObjectId layerId = entity.layerId();
+    const auto* layer = peek<AcDbLayerTableRecord>(layerId);
+    if (layer != nullptr && (layer->isOff() || layer->isFrozen())) {
+        return false;
+    }
+    const AcDbDatabase* database = entity.database();
+    const auto* viewport = database != nullptr ? peek<AcDbViewport>(database->activeViewportId()) : nullptr;
+    if (viewport == nullptr || entity.ownerId() != database->modelSpaceId()) {
+        return true;
+    }
+    const ReadAccess access(*viewport);
+    return !viewport->isLayerFrozenInViewport(layerId);
 }
 
 double pickAperture() {

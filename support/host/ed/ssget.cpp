@@ -143,10 +143,21 @@ Found byCorners(std::wstring_view way, const void* first, const void* second) {
                    rectangleCorners(a, b));
 }
 
-Found lastDrawn() {
+/// The last entity of the current space.
+Found lastDrawn(const AcDbDatabase& database) {
+    const AcDbObjectId space = database.currentSpaceId();
     const AcDbObjectId last = lastMainEntity();
     const auto* entity = peek<AcDbEntity>(last);
-    return entity != nullptr && isSelectable(*entity) ? Found{{last}, nullptr} : Found();
+    if (entity != nullptr && entity->ownerId() == space) {
+        return isSelectable(*entity) ? Found{{last}, nullptr} : Found();
+    }
+    const auto* block = peek<AcDbBlockTableRecord>(space);
+    const auto isThere = [](AcDbStub* stub) { return peek<AcDbEntity>(AcDbObjectId(stub)) != nullptr; };
+    const auto found = std::find_if(block->entities().rbegin(), block->entities().rend(), isThere);
+    if (found == block->entities().rend() || !isSelectable(*peek<AcDbEntity>(AcDbObjectId(*found)))) {
+        return {};
+    }
+    return {{AcDbObjectId(*found)}, nullptr};
 }
 
 /// Ways that need no dialogue; nothing for one that is none of them.
@@ -171,7 +182,7 @@ std::optional<Found> selectDirectly(const SsgetOptions& options, const void* fir
         return Found{impliedSelection().ids, nullptr};
     }
     if (way == L"L") {
-        return lastDrawn();
+        return lastDrawn(*database);
     }
     if (way == L"W" || way == L"C" || way == L"B" || way == L"BOX") {
         return byCorners(way, first, second);

@@ -197,6 +197,9 @@ VariableError setComputedVariable(std::wstring_view name, const VariableValue& v
     AcDbDatabase& database = *document->database();
     if (name == L"CTAB") {
         const auto* layout = std::get_if<std::wstring>(&value);
+        if (document == curDoc()) {
+            leaveViewport();
+        }
         return layout != nullptr && setCurrentLayout(database, *layout) ? VariableError::none
                                                                         : VariableError::refused;
     }

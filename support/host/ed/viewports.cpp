@@ -22,8 +22,7 @@ ShownView viewOf(const AcDbViewport& viewport) {
 
 std::vector<AcDbObjectId> layoutViewports(const AcDbDatabase& database) {
     std::vector<AcDbObjectId> found;
-    const auto* sheet =
-        database.tilemode() ? nullptr : peek<AcDbBlockTableRecord>(database.paperSpaceId());
+    const auto* sheet = database.tilemode() ? nullptr : peek<AcDbBlockTableRecord>(database.paperSpaceId());
     for (AcDbStub* stub : sheet != nullptr ? drawOrder(*sheet) : std::vector<AcDbStub*>()) {
         if (const auto* viewport = peek<AcDbViewport>(AcDbObjectId(stub))) {
             const ReadAccess access(*viewport);

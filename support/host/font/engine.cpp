@@ -153,7 +153,8 @@ ShapedText ShapedText::single(const Glyph& glyph, double scale) {
 }
 
 FontEngine& FontEngine::instance() {
-    static FontEngine engine;
+    // Never destroyed: taking the faces apart is most of a short run's end.
+    static FontEngine& engine = *new FontEngine;
     return engine;
 }
 

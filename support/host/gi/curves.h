@@ -31,8 +31,8 @@ int chordCount(double radius, double sweep, double deviation);
 // Appends the arc's points without its first.
 void appendChords(const Arc& arc, double deviation, std::vector<AcGePoint3d>& points);
 
-// Appends the arc to a path whose current point is its start. A small arc that may lie off by the deviation has
-// fewer curves; otherwise the relative error of the radius is below 5e-6.
+// Appends the arc to a path whose current point is its start. A small arc that may lie off by the deviation
+// has fewer curves; otherwise the relative error of the radius is below 5e-6.
 void appendCurves(const Arc& arc, WorldPath& path, double deviation = 0);
 
 } // namespace host

@@ -9,6 +9,26 @@ namespace {
 
 constexpr double farthest = 1e5; // pixels; beyond it the rasteriser of areas loses precision
 
+// The part of a line within the given distance of the origin along both axes; false when there is none.
+bool cutAtBox(QPointF& start, QPointF& end, double distance) {
+    const QPointF origin = start, along = end - start;
+    double from = 0, to = 1;
+    const auto cut = [&](double at, double step) {
+        if (step == 0) {
+            from = std::abs(at) > distance ? 2 : from;
+            return;
+        }
+        const double a = (-distance - at) / step, b = (distance - at) / step;
+        from = std::max(from, std::min(a, b));
+        to = std::min(to, std::max(a, b));
+    };
+    cut(origin.x(), along.x());
+    cut(origin.y(), along.y());
+    start = origin + along * from;
+    end = origin + along * to;
+    return from <= to;
+}
+
 QImage blank(const Sheet& sheet, double pixelsPerMillimetre) {
     const auto pixels = [&](double millimetres) {
         return std::max(1, static_cast<int>(std::lround(millimetres * pixelsPerMillimetre)));
@@ -48,10 +68,13 @@ void ImageSink::setPen(const Pen& pen) {
 }
 
 void ImageSink::line(const AcGePoint3d& from, const AcGePoint3d& to) {
-    if (mOddClips > 0)
-        mPainter.drawLine(at(from), at(to));
-    else
+    if (mOddClips > 0) {
+        QPointF start(mMap.x(from.x), mMap.y(from.y)), end(mMap.x(to.x), mMap.y(to.y));
+        if (cutAtBox(start, end, farthest))
+            mPainter.drawLine(start, end);
+    } else {
         mRaster.line(mMap.x(from.x), mMap.y(from.y), mMap.x(to.x), mMap.y(to.y));
+    }
 }
 
 void ImageSink::polyline(std::span<const AcGePoint3d> points, const Pen& pen) {

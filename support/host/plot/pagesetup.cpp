@@ -186,8 +186,8 @@ PageSetup pageSetupOf(const AcDbLayout& layout) {
     setup.styleSheet = text.kwszPtr();
     double numerator = 1, denominator = 1;
     layout.getCustomPrintScale(numerator, denominator);
-    const bool isFitted = layout.scalesToFit() || !(setup.paper.width > 0) || !(numerator > 0) ||
-                          !(denominator > 0);
+    const bool isFitted =
+        layout.scalesToFit() || !(setup.paper.width > 0) || !(numerator > 0) || !(denominator > 0);
     setup.scale = isFitted ? 0 : numerator / denominator * (setup.isInches ? millimetresAnInch : 1);
     setup.isCentred = layout.plotCentered() || !(setup.paper.width > 0);
     layout.getPlotOrigin(setup.offsetX, setup.offsetY);
@@ -263,7 +263,8 @@ std::wstring plotTab(const AcDbLayout& layout, const PageSetup& setup, const std
     options.look = setup.look();
     options.longSide = longSide;
     const std::unique_ptr<DrawingSource> source = drawingSource(*layout.database());
-    return plotDrawing(*source, [&](Flattener& flattener) { drawTab(layout, flattener); }, path, options);
+    return plotDrawing(
+        *source, [&](Flattener& flattener) { drawTab(layout, flattener); }, path, options);
 }
 
 } // namespace host

@@ -34,7 +34,7 @@ struct PageSetup {
 // Coordinates are drawing units, lengths on paper millimetres.
 struct PagePlacement {
     Sheet sheet;
-    PlotWindow window;    // the part to draw
+    PlotWindow window;                              // the part to draw
     double printableWidth = 0, printableHeight = 0; // as the sheet is seen
 };
 

@@ -52,7 +52,7 @@ void PdfSink::color(std::uint32_t rgb, std::string_view operation) {
         for (std::size_t i = 0; i < texts.size(); ++i) {
             TextBuffer text;
             text << std::round(static_cast<double>(i) / 255.0 * 1000) / 1000;
-            texts[i] = text.take();
+            texts[i] = text.text();
         }
         return texts;
     }();
@@ -102,45 +102,67 @@ void PdfSink::setFill(const Pen& pen) {
     }
 }
 
+// Paths and texts of many points are told from a place of their own: shorter numbers, less to write and to
+// pack.
+SheetPoint PdfSink::beginMoved(const SheetPoint& place, std::size_t count) {
+    constexpr std::size_t manyPoints = 12;
+    mIsMoved = count >= manyPoints;
+    if (!mIsMoved)
+        return {};
+    strokePath();
+    mContent << "q 1 0 0 1 " << place.x << ' ' << place.y << " cm\n";
+    return place;
+}
+
+void PdfSink::endMoved() {
+    if (mIsMoved) {
+        strokePath();
+        mContent << "Q\n";
+    } else if (mPathPoints > longestPath) {
+        strokePath();
+    }
+    mIsMoved = false;
+}
+
 void PdfSink::polyline(std::span<const AcGePoint3d> points, const Pen& pen) {
     setStroke(pen);
     SheetPoint last = mMap(points.front());
-    point(last, 'm');
+    const SheetPoint place = beginMoved(last, points.size());
+    point(last - place, 'm');
     ++mPathPoints;
     bool isDot = true;
     for (const AcGePoint3d& world : points.subspan(1)) {
         const SheetPoint next = mMap(world);
         if (next == last)
             continue;
-        point(next, 'l');
+        point(next - place, 'l');
         ++mPathPoints;
         last = next;
         isDot = false;
     }
     if (isDot) // some viewers leave a line without length out
-        point({last.x + 1, last.y}, 'l');
-    if (mPathPoints > longestPath)
-        strokePath();
+        point(SheetPoint{last.x + 1, last.y} - place, 'l');
+    endMoved();
     spill();
 }
 
 void PdfSink::path(const WorldPath& path, const Pen& pen) {
     setStroke(pen);
     const AcGePoint3d* next = path.points.data();
+    const SheetPoint place = beginMoved(mMap(*next), path.points.size());
     for (const WorldPath::Verb verb : path.verbs) {
         if (verb == WorldPath::Verb::curve) {
             for (int i = 0; i < 2; ++i) {
-                const SheetPoint control = mMap(*next++);
+                const SheetPoint control = mMap(*next++) - place;
                 mContent << control.x << ' ' << control.y << ' ';
             }
-            point(mMap(*next++), 'c');
+            point(mMap(*next++) - place, 'c');
         } else {
-            point(mMap(*next++), verb == WorldPath::Verb::move ? 'm' : 'l');
+            point(mMap(*next++) - place, verb == WorldPath::Verb::move ? 'm' : 'l');
         }
     }
     mPathPoints += path.points.size();
-    if (mPathPoints > longestPath)
-        strokePath();
+    endMoved();
     spill();
 }
 
@@ -250,19 +272,11 @@ void PdfSink::strokedGlyph(const Glyph& glyph, const At& at) {
     }
 }
 
-// Strokes of many points are told from the text's own place: shorter numbers.
 void PdfSink::strokedGlyphs(const GlyphRun& run) {
-    constexpr std::size_t manyPoints = 12;
     std::size_t count = 0;
     for (const PlacedGlyph& placed : run.text.glyphs)
         count += placed.glyph->filled ? 0 : placed.glyph->polylinePoints().size();
-    SheetPoint place = mMap(run.origin);
-    const bool isMoved = count >= manyPoints;
-    if (isMoved) {
-        strokePath();
-        mContent << "q 1 0 0 1 " << place.x << ' ' << place.y << " cm\n";
-        place = {};
-    }
+    const SheetPoint start = mMap(run.origin), place = start - beginMoved(start, count);
     const double scale = mMap.scale();
     const AcGeVector3d along = run.xAxis * scale, up = run.yAxis * scale;
     const AcGeVector3d across = along * run.text.xx, rise = along * run.text.xy + up * run.text.yy;
@@ -277,10 +291,7 @@ void PdfSink::strokedGlyphs(const GlyphRun& run) {
         strokedGlyph(*placed.glyph, at);
     }
     mPathPoints += count;
-    if (isMoved) {
-        strokePath();
-        mContent << "Q\n";
-    }
+    endMoved();
 }
 
 void PdfSink::pushClip(std::span<const AcGePoint3d> polygon) {

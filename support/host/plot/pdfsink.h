@@ -40,6 +40,10 @@ private:
     void strokePath(); // strokes what has been collected
     void spill();      // writes the content so far as a stream when it is long
     void point(const SheetPoint& point, char operation);
+    // Where the coordinates of a path with so many points begin, from here to the end: the place or the
+    // sheet's corner.
+    SheetPoint beginMoved(const SheetPoint& place, std::size_t count);
+    void endMoved();
     void filledGlyphs(const GlyphRun& run);
     void strokedGlyphs(const GlyphRun& run);
     template <class At>
@@ -53,6 +57,7 @@ private:
     TextBuffer mContent;
     std::vector<int> mContents;  // streams written
     std::size_t mPathPoints = 0; // collected and not yet stroked
+    bool mIsMoved = false;
     std::optional<std::uint32_t> mStrokeColor, mFillColor;
     std::optional<std::int64_t> mStrokeWidth;
     std::unordered_map<std::wstring, std::size_t> mLayerNumbers; // by name

@@ -121,8 +121,7 @@ std::wstring plotImage(DrawingSource& source, const Draw& draw, const std::files
     const std::wstring noMemory = L"内存不足，无法生成图像：" + fromUtf8(path.string());
     if (sink.image().isNull())
         return noMemory;
-    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(),
-                   options.isUpsideDown))
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(), options.isUpsideDown))
         return tooMuch + fromUtf8(path.string());
     const std::string data = pngData(sink.image(), sink.pixelsPerMillimetre());
     if (data.empty())
@@ -136,8 +135,7 @@ template <class Sink>
 std::wstring plotVectors(DrawingSource& source, const Draw& draw, const std::filesystem::path& path,
                          const PlotWindow& window, const Sheet& sheet, const PlotOptions& options) {
     Sink sink(path, sheet, options.look);
-    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(),
-                   options.isUpsideDown))
+    if (!drawSheet(source, draw, sink, sheet, window, options.window.has_value(), options.isUpsideDown))
         return tooMuch + fromUtf8(path.string());
     return sink.finish() ? std::wstring() : sink.errorText();
 }
@@ -148,6 +146,7 @@ DrawnContent drawnContent(DrawingSource& source, const Draw& draw) {
     SurveySink sink;
     FlattenOptions flattening;
     flattening.isPlot = true;
+    flattening.regenType = kAcGiForExtents;
     flattening.dashResolution = HUGE_VAL; // linetypes do not change the extents
     Flattener flattener(source, sink, flattening);
     draw(flattener);

@@ -178,20 +178,19 @@ bool askArea(AcApDocument& document, PlotJob& job) {
     };
     static constexpr std::array<Row, 6> rows{{{Area::display, L"Display", L"显示"},
                                               {Area::extents, L"Extents", L"范围"},
-                                              {Area::limits, L"LImits", L"图形界限"},
+                                              {Area::limits, L"Limits", L"图形界限"},
                                               {Area::layout, L"Layout", L"布局"},
                                               {Area::view, L"View", L"视图"},
                                               {Area::window, L"Window", L"窗口"}}};
     const bool isModel = job.tab().modelType();
     const auto now = std::ranges::find(rows, job.setup.area, &Row::area);
     const Answer answer =
-        askKeyword(std::wstring(L"\n输入打印区域 [显示(D)/范围(E)/") + (isModel ? L"图形界限(L)" : L"布局(L)") +
-                       L"/视图(V)/窗口(W)] <" + now->text + L">: ",
-                   isModel ? L"Display Extents LImits View Window" : L"Display Extents Layout View Window");
+        askKeyword(std::wstring(L"\n输入打印区域 [显示(D)/范围(E)/") +
+                       (isModel ? L"图形界限(L)" : L"布局(L)") + L"/视图(V)/窗口(W)] <" + now->text + L">: ",
+                   isModel ? L"Display Extents Limits View Window" : L"Display Extents Layout View Window");
     if (answer.kind == Answer::Kind::keyword)
-        job.setup.area = std::ranges::find_if(rows, [&](const Row& row) {
-                             return answer.isKeyword(row.keyword);
-                         })->area;
+        job.setup.area =
+            std::ranges::find_if(rows, [&](const Row& row) { return answer.isKeyword(row.keyword); })->area;
     if (answer.isKeyword(L"Window"))
         return askWindow(job);
     return job.setup.area == Area::view && !answer.isCancelled() ? askView(document, job)
@@ -239,7 +238,8 @@ bool askOffset(AcApDocument&, PlotJob& job) {
             setup.offsetY = y * unit;
             return true;
         },
-        [] { acutPrintf(L"\n从可打印区域的左下角算起，例如 10,10。"); }, L"需要偏移 x,y，或 C（布局不能居中）。");
+        [] { acutPrintf(L"\n从可打印区域的左下角算起，例如 10,10。"); },
+        L"需要偏移 x,y，或 C（布局不能居中）。");
 }
 
 bool askStyles(AcApDocument&, PlotJob& job) {
@@ -251,7 +251,9 @@ bool askStyles(AcApDocument&, PlotJob& job) {
     return askLine(
         L"\n输入打印样式表名称或 [?] (输入 . 表示无) <" + job.setup.styleSheet + L">: ",
         [&](const std::wstring& text) {
-            const std::wstring name = text == L"." ? L"" : fold(text).ends_with(L".ctb") ? text : text + L".ctb";
+            const std::wstring name = text == L"."                    ? L""
+                                      : fold(text).ends_with(L".ctb") ? text
+                                                                      : text + L".ctb";
             if (!name.empty() && fold(name) != L"acad.ctb" && fold(name) != L"monochrome.ctb")
                 return false;
             job.setup.styleSheet = name;
@@ -279,9 +281,9 @@ bool askKeeping(AcApDocument&, PlotJob& job) {
 }
 
 constexpr Question briefly[] = {askLayout, askDevice, askFile, askKeeping};
-constexpr Question inDetail[] = {askLayout,      askDevice, askPaper, askUnits,  askOrientation, askUpsideDown,
-                                 askArea,        askScale,  askOffset, askStyles, askLineWeights, askFile,
-                                 askKeeping};
+constexpr Question inDetail[] = {askLayout,      askDevice, askPaper,  askUnits,  askOrientation,
+                                 askUpsideDown,  askArea,   askScale,  askOffset, askStyles,
+                                 askLineWeights, askFile,   askKeeping};
 
 void plot(AcApDocument& document, const PlotJob& job) {
     const PagePlacement placed = placementOf(job.setup, job.tab());
@@ -297,8 +299,7 @@ void plot(AcApDocument& document, const PlotJob& job) {
 void runCommandLinePlot() {
     AcApDocument* document = curDoc();
     std::optional<PlotJob> job = document != nullptr ? plotJobOf(*document) : std::nullopt;
-    const std::optional<bool> isDetailed =
-        job ? askYesNo(L"\n是否需要详细的打印配置?", false) : std::nullopt;
+    const std::optional<bool> isDetailed = job ? askYesNo(L"\n是否需要详细的打印配置?", false) : std::nullopt;
     if (!isDetailed)
         return;
     const std::span<const Question> questions =
@@ -306,7 +307,10 @@ void runCommandLinePlot() {
     for (const Question question : questions)
         if (!question(*document, *job))
             return;
-    if (askYesNo(L"\n是否继续打印?", true).value_or(false))
+    const std::optional<bool> goesOn = askYesNo(L"\n是否继续打印?", true);
+    if (goesOn && job->keepsSetup)
+        keepPageSetup(*job);
+    if (goesOn.value_or(false))
         plot(*document, *job);
 }
 
@@ -317,8 +321,11 @@ void runPlot() {
         return;
     }
     std::optional<PlotJob> job = plotJobOf(*document);
-    if (job && plotWindows()->ask(*document, *job))
-        plot(*document, *job);
+    if (!job || !plotWindows()->ask(*document, *job))
+        return;
+    if (job->keepsSetup)
+        keepPageSetup(*job);
+    plot(*document, *job);
 }
 
 void runPreview() {
@@ -342,7 +349,8 @@ void setPlotWindows(PlotWindows* windows) {
 
 void initializePlotting() {
     for (const CommandRow& row : rows)
-        acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags, row.handler);
+        acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,
+                                       row.handler);
 }
 
 } // namespace host

@@ -71,9 +71,8 @@ std::span<const PlotDevice> plotDevices() {
 
 const PlotDevice* plotDeviceNamed(std::wstring_view text) {
     const std::wstring folded = fold(text);
-    const auto* found = std::ranges::find_if(devices, [&](const PlotDevice& device) {
-        return folded.find(fold(device.name)) != folded.npos;
-    });
+    const auto* found = std::ranges::find_if(
+        devices, [&](const PlotDevice& device) { return folded.find(fold(device.name)) != folded.npos; });
     return found != std::end(devices) ? found : nullptr;
 }
 
@@ -179,13 +178,13 @@ std::wstring runPlotJob(AcApDocument& document, const PlotJob& job) {
     keepViewportView();
     const double longSide = std::max(job.setup.paper.width, job.setup.paper.height);
     const int pixels = std::min(mostPixels, static_cast<int>(std::lround(longSide * pixelsAMillimetre)));
-    std::wstring message = plotTab(job.tab(), job.setup, plotFile(document, job), pixels);
-    if (message.empty() && job.keepsSetup) {
-        const Opened<AcDbLayout> layout(job.layout, AcDb::kForWrite);
-        if (layout)
-            storePageSetup(job.setup, job.device->name, *layout.get());
-    }
-    return message;
+    return plotTab(job.tab(), job.setup, plotFile(document, job), pixels);
+}
+
+void keepPageSetup(const PlotJob& job) {
+    const Opened<AcDbLayout> layout(job.layout, AcDb::kForWrite);
+    if (layout)
+        storePageSetup(job.setup, job.device->name, *layout.get());
 }
 
 } // namespace host

@@ -52,8 +52,9 @@ std::optional<PlotJob> plotJobOf(AcApDocument& document, const std::wstring& lay
 std::wstring plotFileName(const AcApDocument& document, const PlotJob& job);
 // The drawing's file that the answer means: the device's extension is added where it is missing.
 std::filesystem::path plotFile(const AcApDocument& document, const PlotJob& job);
-// Plots, and keeps the setup when that was asked for. The result is empty or one line that says what went
-// wrong.
+// The result is empty or one line that says what went wrong.
 std::wstring runPlotJob(AcApDocument& document, const PlotJob& job);
+// As the layout's own from now on.
+void keepPageSetup(const PlotJob& job);
 
 } // namespace host

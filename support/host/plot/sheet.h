@@ -37,6 +37,7 @@ double readableLongSide(const PlotWindow& window, double margin, double textHeig
 struct SheetPoint {
     std::int64_t x = 0, y = 0;
     bool operator==(const SheetPoint&) const = default;
+    SheetPoint operator-(const SheetPoint& other) const { return {x - other.x, y - other.y}; }
 };
 
 // Maps the drawing to steps on a sheet, from its lower left corner, or from its upper left with y downwards.

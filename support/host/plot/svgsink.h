@@ -1,6 +1,6 @@
 // Draws primitives into an SVG file: one path element for each stretch of lines with the same pen, filled
-// glyphs as uses of symbols that are defined once. Neighbours in the drawing order that lie on one layer are a
-// group that Inkscape knows as a layer.
+// glyphs as uses of symbols that are defined once. Neighbours in the drawing order that lie on one layer are
+// a group that Inkscape knows as a layer.
 #pragma once
 
 #include "host/plot/sheet.h"

@@ -74,6 +74,8 @@ Adesk::Int16 AcDbViewport::number() const {
     return m.number;
 }
 Acad::ErrorStatus AcDbViewport::setNumber(Adesk::Int16 number) {
+    assertWriteEnabled();
+    m.status = m.status > 0 ? number : m.status; // its place in the stack of viewports that are on
     return put(*this, m.number, number);
 }
 bool AcDbViewport::isSheet() const {
@@ -86,10 +88,9 @@ bool AcDbViewport::isSheet() const {
     if (block == nullptr) {
         return false;
     }
-    const auto first =
-        std::find_if(block->entities().begin(), block->entities().end(), [](AcDbStub* stub) {
-            return host::peek<AcDbViewport>(AcDbObjectId(stub)) != nullptr;
-        });
+    const auto first = std::find_if(block->entities().begin(), block->entities().end(), [](AcDbStub* stub) {
+        return host::peek<AcDbViewport>(AcDbObjectId(stub)) != nullptr;
+    });
     return first != block->entities().end() && *first == objectId().stub();
 }
 bool AcDbViewport::isOn() const {
@@ -305,9 +306,8 @@ std::vector<AcGePoint3d> AcDbViewport::clipOutline() const {
     constexpr int bezierChords = 16;
     std::vector<AcGePoint3d> outline;
     for (const host::CurvePiece& piece : pieces) {
-        const int chords =
-            piece.isArc() ? host::chordCount(1.0, piece.to - piece.from, within)
-                          : (piece.isBezier() ? bezierChords : 1);
+        const int chords = piece.isArc() ? host::chordCount(1.0, piece.to - piece.from, within)
+                                         : (piece.isBezier() ? bezierChords : 1);
         for (int chord = 0; chord < chords; ++chord) {
             outline.push_back(piece.pointAt(std::lerp(piece.from, piece.to, chord / double(chords))));
         }

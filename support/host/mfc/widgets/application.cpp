@@ -89,6 +89,7 @@ QApplication& application() {
         if (!hasDisplay())
             qputenv("QT_QPA_PLATFORM", "offscreen");
         qInstallMessageHandler(tellFaults);
+        localizeToolkit();
         // Lives until the process ends: widgets of modules may outlast every scope here.
         auto* made = new GuardedApplication(argumentCount, arguments);
         made->setApplicationName("qdvhost");

@@ -1,6 +1,7 @@
 #include "host/mfc/widgets/toolkittexts.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QTranslator>
 #include <string_view>
 #include <unordered_map>
@@ -105,6 +106,20 @@ public:
 };
 
 } // namespace
+
+// File dialogs go by the system's locale, which the toolkit reads from the environment once.
+void localizeToolkit() {
+    constexpr char variable[] = "LC_ALL";
+    const bool wasSet = qEnvironmentVariableIsSet(variable);
+    const QByteArray before = qgetenv(variable);
+    qputenv(variable, "zh_CN.UTF-8");
+    QLocale::system().name();
+    if (wasSet)
+        qputenv(variable, before);
+    else
+        qunsetenv(variable);
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+}
 
 void translateToolkit(QApplication& application) {
     QCoreApplication::installTranslator(new Texts(&application));
