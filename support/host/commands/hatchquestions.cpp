@@ -160,7 +160,7 @@ void putInHatchOrder(AcDbObjectId id, int order) {
         // One entry alone: just before the lowest, behind whatever has that number itself.
         AcDbHandle lowest;
         table->getSortHandle(*std::ranges::min_element(sources, isBelow), lowest);
-        table->sortAs(id, AcDbHandle(lowest.value() - 1));
+        table->sortAs(id, AcDbHandle(Adesk::UInt64{lowest} - 1));
     } else {
         table->moveAbove(moved, *std::ranges::max_element(sources, isBelow));
     }
