@@ -64,9 +64,12 @@ void wipeByPolyline() {
         return;
     }
     std::vector<AcGePoint3d> corners;
-    const FlatPath path = *flatPathOf(*peek<AcDbEntity>(picked.id));
-    for (const BulgeVertex& vertex : path.shape.path.vertices) {
-        corners.push_back(path.toWorld(vertex.point));
+    {
+        const Opened<AcDbEntity> polyline(picked.id, AcDb::kForRead);
+        const FlatPath path = *flatPathOf(*polyline.get());
+        for (const BulgeVertex& vertex : path.shape.path.vertices) {
+            corners.push_back(path.toWorld(vertex.point));
+        }
     }
     if (appendWipeout(corners) && *erases) {
         eraseEntity(picked.id);

@@ -138,7 +138,7 @@ void SplineEditing::toggleClosed() {
 
 void SplineEditing::moveVertices() {
     walkPoints(false, L"\n指定新位置或", [this](int index, const AcGePoint3d& place) {
-        change([&](AcDbSpline& spline) { return spline.setControlPointAt(index, place); });
+        change([&](AcDbSpline& spline) { return moveControlPoint(spline, index, place); });
     });
 }
 
@@ -153,7 +153,7 @@ void SplineEditing::askWeights() {
                         L") 或 [下一个(N)/上一个(P)/选择点(S)/退出(X)] <下一个>: ",
                     L"Next Previous Select eXit", RSG_NOZERO | RSG_NONEG);
         if (answer.isValue()) {
-            change([&](AcDbSpline& spline) { return spline.setWeightAt(index, answer.value); });
+            change([&](AcDbSpline& spline) { return weighControlPoint(spline, index, answer.value); });
         } else if (answer.isKeyword(L"Select")) {
             index = askIndex(L"\n选择点: ", false).value_or(index);
         } else if (answer.isKeyword(L"Previous")) {

@@ -246,16 +246,22 @@ bool forAnnotation(Entity& entity, Act&& act) {
 } // namespace
 
 std::optional<DimVariables> dimVariablesOf(const AcDbEntity& entity) {
+    const ReadAccess access(entity);
     std::optional<DimVariables> variables;
     forAnnotation(entity, [&](const auto& annotation) { variables = annotation.dimVariables(); });
     return variables;
 }
 
 void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
+    const auto isStandardText = [&](const DimVariables& before, std::size_t index) {
+        // A style that names no text style means the standard one.
+        return dimVariables()[index].code == textStyleCode && before.txsty.isNull() &&
+               (values.txsty.isNull() || equalNoCase(recordName(values.txsty), L"Standard"));
+    };
     forAnnotation(entity, [&](auto& annotation) {
         const DimVariables before = annotation.dimVariables();
         for (std::size_t index = 0; index < dimVariables().size(); ++index) {
-            if (!equalDimVariable(before, values, index)) {
+            if (!equalDimVariable(before, values, index) && !isStandardText(before, index)) {
                 annotation.setDimVariable(values, index);
             }
         }
@@ -265,14 +271,32 @@ void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
     }
 }
 
+void overrideByCurrent(AcDbEntity& entity, const AcDbDatabase& database) {
+    const std::optional<DimVariables> own = dimVariablesOf(entity);
+    DimVariables current = currentDimVariables(database);
+    for (std::size_t index = 0; own && index < dimVariables().size(); ++index) {
+        const auto* reference = std::get_if<AcDbObjectId V::*>(&dimVariables()[index].member);
+        if (reference != nullptr && (current.**reference).isNull()) {
+            copyDimVariable(current, *own, index);
+        }
+    }
+    overrideDimVariables(entity, current);
+}
+
 void clearDimOverrides(AcDbEntity& entity) {
-    // The list DSTYLE of the application ACAD, up to its closing brace.
+    // The list DSTYLE of the application ACAD, up to its closing brace; the name with something else only.
     GroupList kept;
+    std::optional<GroupList::Group> name;
     bool inList = false;
     for (const GroupList::Group& group : entity.xdataGroups()) {
-        const bool begins = group.code == 1000 && group.text == "DSTYLE";
-        inList = inList || begins;
-        if (!inList) {
+        inList = inList || (group.code == 1000 && group.text == "DSTYLE");
+        if (group.code == 1001) {
+            name = group;
+        } else if (!inList) {
+            if (name) {
+                kept.add(name->code, name->text);
+                name.reset();
+            }
             kept.add(group.code, group.text);
         } else if (group.code == 1002 && group.text == "}") {
             inList = false;
@@ -285,6 +309,7 @@ void clearDimOverrides(AcDbEntity& entity) {
 }
 
 AcDbObjectId dimensionStyleOf(const AcDbEntity& entity) {
+    const ReadAccess access(entity);
     AcDbObjectId style;
     forAnnotation(entity, [&](const auto& annotation) { style = annotation.dimensionStyle(); });
     return style;

@@ -1,6 +1,8 @@
 // A closed curve has its first control points once more at its end, over knots that go on evenly.
 #include "host/commands/edit/editspline.h"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 
@@ -41,7 +43,28 @@ Acad::ErrorStatus changeFitPoints(AcDbSpline& spline, bool closes) {
     return spline.setFitData(points, degree, tolerance, start, end);
 }
 
+/// The same point once more; the index itself where there is none.
+int copyOf(const AcDbSpline& spline, int index) {
+    const int around = spline.numControlPoints() - spline.degree();
+    return !spline.isPeriodic()      ? index
+           : index < spline.degree() ? index + around
+           : index >= around         ? index - around
+                                     : index;
+}
+
 } // namespace
+
+Acad::ErrorStatus moveControlPoint(AcDbSpline& spline, int index, const AcGePoint3d& point) {
+    const int copy = copyOf(spline, index);
+    const Acad::ErrorStatus status = spline.setControlPointAt(index, point);
+    return status == Acad::eOk && copy != index ? spline.setControlPointAt(copy, point) : status;
+}
+
+Acad::ErrorStatus weighControlPoint(AcDbSpline& spline, int index, double weight) {
+    const int copy = copyOf(spline, index);
+    const Acad::ErrorStatus status = spline.setWeightAt(index, weight);
+    return status == Acad::eOk && copy != index ? spline.setWeightAt(copy, weight) : status;
+}
 
 Acad::ErrorStatus closeSpline(AcDbSpline& spline) {
     if (spline.isClosed()) {
