@@ -1,5 +1,5 @@
-// COPYCLIP, COPYBASE, CUTCLIP and PASTECLIP, PASTEORIG, PASTEBLOCK: parts of drawings over the clipboard, between
-// the documents of the program and, where there is a desktop, between programs.
+// COPYCLIP, COPYBASE, CUTCLIP and PASTECLIP, PASTEORIG, PASTEBLOCK: parts of drawings over the clipboard,
+// between the documents of the program and, where there is a desktop, between programs.
 #include "host/commands/ask.h"
 #include "host/commands/edit/clip.h"
 #include "host/commands/edit/editing.h"

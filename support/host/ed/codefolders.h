@@ -20,8 +20,8 @@ std::vector<std::filesystem::path> codeFolders(AcApDocument* document);
 /// The absolute path with links resolved, so that neither .. nor a link leads out of a folder.
 std::filesystem::path resolvedPath(const std::wstring& name, const std::vector<std::filesystem::path>& bases);
 bool isInsideAny(const std::filesystem::path& file, const std::vector<std::filesystem::path>& folders);
-/// The file in one of the folders, with the extension (".lsp") when it is given without; nothing when there is
-/// none.
+/// The file in one of the folders, with the extension (".lsp") when it is given without; nothing when there
+/// is none.
 std::optional<std::filesystem::path> fileInside(const std::wstring& name, const wchar_t* extension,
                                                 const std::vector<std::filesystem::path>& folders);
 

@@ -81,7 +81,8 @@ int pasteClip(AcDbDatabase& clip, AcDbObjectId block, const AcGeMatrix3d& placin
 std::unique_ptr<AcDbEntity> blockOfClip(AcDbDatabase& clip, AcDbDatabase& drawing) {
     const auto* blocks = peek<AcDbBlockTable>(drawing.blockTableId());
     std::wstring name;
-    for (Adesk::UInt64 number = drawing.impl().nextHandle(); name.empty() || blocks->has(name.c_str()); ++number) {
+    for (Adesk::UInt64 number = drawing.impl().nextHandle(); name.empty() || blocks->has(name.c_str());
+         ++number) {
         name = formatted(L"A$C%08X", static_cast<unsigned>(number));
     }
     AcDbObjectId block;
