@@ -18,6 +18,8 @@ public:
     /// The DXF file that another program has offered since; nothing when the last offer was our own, or there
     /// is no drawing.
     virtual std::optional<std::string> offeredDrawing() { return std::nullopt; }
+    /// The text that another program has put there since; nothing when there is none, or a drawing beside it.
+    virtual std::optional<std::wstring> offeredText() { return std::nullopt; }
     /// Shows or hides the panel of properties; false when there is none.
     virtual bool showProperties(bool /*visible*/) { return false; }
     /// Lets time pass, with events taking place meanwhile; false when the user wants what runs to stop.

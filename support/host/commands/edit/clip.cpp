@@ -94,4 +94,27 @@ std::unique_ptr<AcDbEntity> blockOfClip(AcDbDatabase& clip, AcDbDatabase& drawin
     return reference;
 }
 
+std::wstring mtextContents(std::wstring_view plain) {
+    plain = plain.substr(0, plain.find_last_not_of(L"\r\n") + 1);
+    std::wstring contents;
+    for (const wchar_t c : plain) {
+        switch (c) {
+        case L'\\':
+        case L'{':
+        case L'}':
+            contents += L'\\';
+            contents += c;
+            break;
+        case L'\n':
+            contents += L"\\P";
+            break;
+        default:
+            if (c >= L' ' || c == L'\t') {
+                contents += c;
+            }
+        }
+    }
+    return contents;
+}
+
 } // namespace host

@@ -5,6 +5,7 @@
 #include "host/db/db.h"
 
 #include <memory>
+#include <string>
 
 namespace host {
 
@@ -23,5 +24,9 @@ int pasteClip(AcDbDatabase& clip, AcDbObjectId block, const AcGeMatrix3d& placin
 /// Makes the clip a block with a name of its own, and gives a reference to it that stands where the clip was,
 /// in no drawing yet. Null when it can't be made.
 std::unique_ptr<AcDbEntity> blockOfClip(AcDbDatabase& clip, AcDbDatabase& drawing);
+
+/// Plain text as the contents of a multi-line text: what would mean a code there stands for itself. Line ends
+/// at the end are dropped.
+std::wstring mtextContents(std::wstring_view plain);
 
 } // namespace host
