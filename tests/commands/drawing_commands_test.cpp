@@ -32,8 +32,8 @@ TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
           host::blockCommands,     host::inquiryCommands,  host::settingsCommands,  host::renameCommands,
           host::trimCommands,      host::breakCommands,    host::filletCommands,    host::stretchCommands,
           host::shapeCommands,     host::joinCommands,     host::findCommands,      host::clipboardCommands,
-          host::selectingCommands, host::overkillCommands, host::namedViewCommands, host::scriptCommands,
-          host::statusCommands}) {
+          host::selectingCommands, host::overkillCommands, host::namedViewCommands, host::viewportCommands,
+          host::scriptCommands,    host::statusCommands}) {
         for (const host::CommandRow& row : family()) {
             const AcEdCommand* byLocal = host::findCommand(row.localName);
             ASSERT_NE(byLocal, nullptr) << host::toUtf8(row.globalName);

@@ -187,4 +187,42 @@ TEST_F(SessionCommands, TimesAndStatusAreTold) {
     EXPECT_TRUE(showed(L"X: 10  Y: 5"));
 }
 
+TEST_F(SessionCommands, ViewportsShowTheModelOnTheSheet) {
+    addLine(1000, 2000, 1400, 2100);
+    run("MVIEW\n");
+    EXPECT_TRUE(showed(L"不能在模型选项卡中使用"));
+    run("LAYOUT S\nLayout1\n");
+    ASSERT_NE(database().currentSpaceId(), database().modelSpaceId()) << host::toUtf8(transcript.shown);
+    const std::string before = host::dumpDrawing(database());
+    EXPECT_TRUE(run("MVIEW\n10,10 10,20 110,60\n")) << host::toUtf8(transcript.shown);
+    EXPECT_TRUE(showed(L"视口没有大小"));
+    auto viewports = entities<AcDbViewport>();
+    ASSERT_EQ(viewports.size(), 2U) << "that of the sheet comes along";
+    EXPECT_EQ(viewports[0]->data().number, 1);
+    {
+        // The model's width fills the frame's.
+        const Read<AcDbViewport> viewport(viewports[1]);
+        EXPECT_EQ(viewport->number(), 2);
+        EXPECT_TRUE(
+            (viewport->modelToPaper() * AcGePoint3d(1000, 2050, 0)).isEqualTo(AcGePoint3d(10, 35, 0)));
+        EXPECT_TRUE(
+            (viewport->modelToPaper() * AcGePoint3d(1400, 2050, 0)).isEqualTo(AcGePoint3d(110, 35, 0)));
+    }
+    run("MVIEW S\nL\n\nX\n1:-5\n1:2\nMVIEW OFF\nL\n\nMVIEW L\nON\nL\n\n");
+    EXPECT_DOUBLE_EQ(Read(viewports[1])->customScale(), 0.5);
+    EXPECT_FALSE(Read(viewports[1])->isOn());
+    EXPECT_TRUE(Read(viewports[1])->isLocked());
+    run("MVIEW ON\nALL\n\nMVIEW 4\nF\nMVIEW 3\nH\n0,0 30,90\n");
+    EXPECT_TRUE(Read(viewports[1])->isOn());
+    viewports = entities<AcDbViewport>();
+    ASSERT_EQ(viewports.size(), 9U);
+    EXPECT_EQ(Read(viewports[8])->number(), 9);
+    EXPECT_EQ(Read(viewports[8])->centerPoint(), AcGePoint3d(15, 15, 0));
+    AcDbDatabase again(false);
+    const host::ReadResult read = host::readDxfText(again, host::writeDxfText(database()));
+    EXPECT_TRUE(read.report.empty()) << host::toUtf8(read.report.text());
+    run("U\nU\nU\nU\nU\nU\nU\n");
+    EXPECT_EQ(host::dumpDrawing(database()), before);
+}
+
 } // namespace

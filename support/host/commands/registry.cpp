@@ -19,7 +19,7 @@ void initializeCommands() {
         dimensionChainCommands(), hatchCommands(),     mlineCommands(),     mtextCommands(),
         slideCommands(),          attributeCommands(), textEditCommands(),  draftingCommands(),
         clipboardCommands(),      selectingCommands(), overkillCommands(),  namedViewCommands(),
-        scriptCommands(),         statusCommands()};
+        viewportCommands(),       scriptCommands(),    statusCommands()};
     for (const std::span<const CommandRow> family : families) {
         for (const CommandRow& row : family) {
             acedCommandStack()->addCommand(ACED_HOST_GROUP, row.globalName, row.localName, row.flags,
