@@ -6,6 +6,8 @@
 #include "host/ed/desktop.h"
 #include "host/formats/formats.h"
 
+#include <set>
+
 namespace {
 
 using commandtest::CommandTest;
@@ -85,6 +87,17 @@ TEST_F(Clipboard, DefinitionsOfTheDrawingWin) {
     const auto& parts = host::peek<AcDbBlockTableRecord>(tree)->entities();
     ASSERT_EQ(parts.size(), 1U);
     EXPECT_NE(host::peek<AcDbCircle>(parts.front()), nullptr);
+}
+
+TEST_F(Clipboard, DimensionsKeepPicturesOfTheirOwn) {
+    run("DIMLINEAR 0,0 10,0 5,5\n");
+    EXPECT_TRUE(run("COPYCLIP ALL\n\nPASTECLIP 0,50\nPASTECLIP 0,100\n"));
+    std::set<AcDbObjectId> pictures;
+    for (AcDbDimension* dimension : entities<AcDbDimension>()) {
+        pictures.insert(Read(dimension)->dimBlockId());
+    }
+    EXPECT_EQ(pictures.size(), 3U);
+    EXPECT_FALSE(pictures.contains(AcDbObjectId()));
 }
 
 TEST_F(Clipboard, CuttingSparesLockedLayersAndPastingReachesThem) {
