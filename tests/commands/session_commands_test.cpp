@@ -191,8 +191,9 @@ TEST_F(SessionCommands, ViewportsShowTheModelOnTheSheet) {
     addLine(1000, 2000, 1400, 2100);
     run("MVIEW\n");
     EXPECT_TRUE(showed(L"不能在模型选项卡中使用"));
-    run("LAYOUT S\nLayout1\n");
+    run("LAYOUT S\n布局1\n");
     ASSERT_NE(database().currentSpaceId(), database().modelSpaceId()) << host::toUtf8(transcript.shown);
+    database().updateExt();
     const std::string before = host::dumpDrawing(database());
     EXPECT_TRUE(run("MVIEW\n10,10 10,20 110,60\n")) << host::toUtf8(transcript.shown);
     EXPECT_TRUE(showed(L"视口没有大小"));
