@@ -53,6 +53,7 @@ void MainWindow::addPromptRows(QMenu& menu) {
         addCommand(menu, tr("缩放(&L)"), "_.SCALE", "scale");
         addCommand(menu, tr("特性匹配(&T)"), "_.MATCHPROP", "matchprop");
         menu.addSeparator();
+        addCommand(menu, tr("选择类似对象(&N)"), "_.SELECTSIMILAR", nullptr);
         addCommand(menu, tr("剪切(&X)"), "@cut", nullptr);
         addCommand(menu, tr("复制到剪贴板(&C)"), "@copy", nullptr);
         menu.addAction(tr("全部不选(&A)"), this, [this] { mInput->cancel(); });

@@ -72,6 +72,14 @@ std::optional<std::string> WindowDesktop::offeredDrawing() {
     return data->data(drawingType()).toStdString();
 }
 
+std::optional<std::wstring> WindowDesktop::offeredText() {
+    const QMimeData* data = QApplication::clipboard()->mimeData();
+    if (data == nullptr || ownOffer() != nullptr || data->hasFormat(drawingType()) || !data->hasText()) {
+        return std::nullopt;
+    }
+    return data->text().toStdWString();
+}
+
 bool WindowDesktop::showProperties(bool visible) {
     mWindow.showProperties(visible);
     return true;

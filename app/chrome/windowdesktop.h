@@ -20,6 +20,7 @@ public:
     // Desktop.
     void offerDrawing(std::function<std::string()> drawing) override;
     std::optional<std::string> offeredDrawing() override;
+    std::optional<std::wstring> offeredText() override;
     bool showProperties(bool visible) override;
     bool wait(std::chrono::milliseconds time) override;
 

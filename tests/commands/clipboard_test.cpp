@@ -1,8 +1,12 @@
 // The clipboard: between drawings, with what entities are made of, in the UCS, and over the desktop.
 #include "commandtest.h"
 
+#include "host/commands/edit/clip.h"
+#include "host/db/entities/mtextcontent.h"
 #include "host/ed/desktop.h"
 #include "host/formats/formats.h"
+
+#include <set>
 
 namespace {
 
@@ -19,6 +23,7 @@ public:
         foreign.reset();
     }
     std::optional<std::string> offeredDrawing() override { return foreign; }
+    std::optional<std::wstring> offeredText() override { return text; }
     bool showProperties(bool visible) override {
         shown = visible;
         return true;
@@ -27,6 +32,7 @@ public:
 
     std::function<std::string()> offer;
     std::optional<std::string> foreign;
+    std::optional<std::wstring> text;
     bool shown = false;
     int waits = 0;
     int patience = 1000000;
@@ -81,6 +87,17 @@ TEST_F(Clipboard, DefinitionsOfTheDrawingWin) {
     const auto& parts = host::peek<AcDbBlockTableRecord>(tree)->entities();
     ASSERT_EQ(parts.size(), 1U);
     EXPECT_NE(host::peek<AcDbCircle>(parts.front()), nullptr);
+}
+
+TEST_F(Clipboard, DimensionsKeepPicturesOfTheirOwn) {
+    run("DIMLINEAR 0,0 10,0 5,5\n");
+    EXPECT_TRUE(run("COPYCLIP ALL\n\nPASTECLIP 0,50\nPASTECLIP 0,100\n"));
+    std::set<AcDbObjectId> pictures;
+    for (AcDbDimension* dimension : entities<AcDbDimension>()) {
+        pictures.insert(Read(dimension)->dimBlockId());
+    }
+    EXPECT_EQ(pictures.size(), 3U);
+    EXPECT_FALSE(pictures.contains(AcDbObjectId()));
 }
 
 TEST_F(Clipboard, CuttingSparesLockedLayersAndPastingReachesThem) {
@@ -148,6 +165,22 @@ TEST_F(Clipboard, TheDesktopCarriesItBetweenPrograms) {
     desktop.offer = nullptr;
     run("COPYCLIP\n\n");
     EXPECT_FALSE(desktop.offer);
+}
+
+TEST_F(Clipboard, TextOfAnotherProgramBecomesParagraphs) {
+    TestDesktop desktop;
+    const std::wstring plain = L"路段\t长度\nA{1}\\B ^I \\P %\n\n12^3";
+    desktop.text = plain + L"\r\n";
+    EXPECT_TRUE(run("TEXTSIZE 4\nUCS O\n100,0\nPASTECLIP 5,6\n"));
+    ASSERT_EQ(entities<AcDbMText>().size(), 1U);
+    const Read text(entities<AcDbMText>()[0]);
+    EXPECT_EQ(text->location(), AcGePoint3d(105, 6, 0));
+    EXPECT_DOUBLE_EQ(text->textHeight(), 4.0);
+    std::wstring shown = host::plainMText(host::mtextContents(*desktop.text));
+    EXPECT_EQ(shown, plain);
+    desktop.text = L"\r\n";
+    run("PASTECLIP\n");
+    EXPECT_EQ(entities().size(), 1U) << "an empty text is none";
 }
 
 TEST_F(Clipboard, ThePanelOfPropertiesIsShownAndHidden) {

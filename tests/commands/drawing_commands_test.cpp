@@ -24,14 +24,16 @@ protected:
 
 TEST_F(DrawingCommands, EveryCommandIsFoundByBothItsNames) {
     for (const auto family :
-         {host::fileCommands,     host::drawCommands,     host::polylineCommands, host::textCommands,
-          host::insertCommands,   host::modifyCommands,   host::undoCommands,     host::layerCommands, host::layerToolCommands,
-          host::linetypeCommands, host::viewCommands,     host::variableCommands, host::transformCommands,
-          host::arrayCommands,    host::markCommands,     host::offsetCommands,   host::peditCommands,
-          host::propertyCommands, host::purgeCommands,    host::auditCommands,    host::blockCommands,
-          host::inquiryCommands,  host::settingsCommands, host::renameCommands,   host::trimCommands,
-          host::breakCommands,    host::filletCommands,   host::stretchCommands,  host::shapeCommands,
-          host::joinCommands,     host::findCommands, host::clipboardCommands, host::selectingCommands, host::overkillCommands, host::namedViewCommands, host::scriptCommands, host::statusCommands}) {
+         {host::fileCommands,      host::drawCommands,     host::polylineCommands,  host::textCommands,
+          host::insertCommands,    host::modifyCommands,   host::undoCommands,      host::layerCommands,
+          host::layerToolCommands, host::linetypeCommands, host::viewCommands,      host::variableCommands,
+          host::transformCommands, host::arrayCommands,    host::markCommands,      host::offsetCommands,
+          host::peditCommands,     host::propertyCommands, host::purgeCommands,     host::auditCommands,
+          host::blockCommands,     host::inquiryCommands,  host::settingsCommands,  host::renameCommands,
+          host::trimCommands,      host::breakCommands,    host::filletCommands,    host::stretchCommands,
+          host::shapeCommands,     host::joinCommands,     host::findCommands,      host::clipboardCommands,
+          host::selectingCommands, host::overkillCommands, host::namedViewCommands, host::viewportCommands,
+          host::scriptCommands,    host::statusCommands}) {
         for (const host::CommandRow& row : family()) {
             const AcEdCommand* byLocal = host::findCommand(row.localName);
             ASSERT_NE(byLocal, nullptr) << host::toUtf8(row.globalName);

@@ -41,8 +41,8 @@ protected:
         return found;
     }
 
-    /// A block with a line on A and an attribute on B, referred to from layer C; a polyline of the heavy kind on
-    /// C with vertices on A; a line on the locked layer D whose extended data name A.
+    /// A block with a line on A and an attribute on B, referred to from layer C; a polyline of the heavy kind
+    /// on C with vertices on A; a line on the locked layer D whose extended data name A.
     void draw() {
         for (const wchar_t* name : {L"A", L"B", L"C", L"D"}) {
             addLayer(name);

@@ -72,7 +72,8 @@ TEST_F(Overkill, DifferencesKeepBoth) {
 TEST_F(Overkill, AttributesTellReferencesApart) {
     run("-ATTDEF\n\nNO\nNO?\n\n0,0\n1\n0\n-BLOCK B\n0,0\nL\n\n");
     for (const char* value : {"1", "2", "1"}) {
-        EXPECT_TRUE(run("-INSERT B\n5,5 1 1 0\n" + std::string(value) + "\n")) << host::toUtf8(transcript.shown);
+        EXPECT_TRUE(run("-INSERT B\n5,5 1 1 0\n" + std::string(value) + "\n"))
+            << host::toUtf8(transcript.shown);
     }
     ASSERT_EQ(entities<AcDbBlockReference>().size(), 3U);
     EXPECT_EQ(clean().duplicates, 1);

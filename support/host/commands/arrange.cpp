@@ -59,6 +59,7 @@ AcDbObjectId askGroup() {
             for (const AcDbDictionary::Entry& entry : groupDictionary().entries()) {
                 const auto* group = peek<AcDbGroup>(entry.id);
                 if (group != nullptr) {
+                    const ReadAccess access(*group);
                     acutPrintf(L"\n  %s  %s  %d", entry.name.kwszPtr(), group->description(),
                                static_cast<int>(group->numEntities()));
                 }

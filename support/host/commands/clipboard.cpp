@@ -1,8 +1,9 @@
-// COPYCLIP, COPYBASE, CUTCLIP and PASTECLIP, PASTEORIG, PASTEBLOCK: parts of drawings over the clipboard, between
-// the documents of the program and, where there is a desktop, between programs.
+// COPYCLIP, COPYBASE, CUTCLIP and PASTECLIP, PASTEORIG, PASTEBLOCK: parts of drawings over the clipboard,
+// between the documents of the program and, where there is a desktop, between programs.
 #include "host/commands/ask.h"
 #include "host/commands/edit/clip.h"
 #include "host/commands/edit/editing.h"
+#include "host/commands/edit/textplacing.h"
 #include "host/commands/erasing.h"
 #include "host/commands/registry.h"
 #include "host/ed/desktop.h"
@@ -94,7 +95,30 @@ void paste(AcDbDatabase& clip, const AcGeMatrix3d& placing) {
     }
 }
 
+void pasteText(const std::wstring& contents) {
+    const PointAnswer place = askPoint(L"\n指定插入点: ", nullptr, nullptr, RSG_NONULL);
+    if (!place.isValue()) {
+        return;
+    }
+    const AcDbTextStyleTableRecord& style = currentTextStyle();
+    auto* text = new AcDbMText;
+    text->setDatabaseDefaults();
+    text->setTextStyle(style.objectId());
+    text->setTextHeight(style.textSize() > 0.0 ? style.textSize() : currentDatabase().textsize());
+    text->setLocation(place.ucs);
+    text->setContents(contents.c_str());
+    transformFromUcs(*text);
+    appendToCurrentSpace(text);
+}
+
+/// What was copied last counts, here or in another program: a drawing, or a text.
 void runPasteClip() {
+    if (const std::optional<std::wstring> text = desktop().offeredText()) {
+        if (const std::wstring contents = mtextContents(*text); !contents.empty()) {
+            pasteText(contents);
+            return;
+        }
+    }
     const std::shared_ptr<AcDbDatabase> clip = clipToPaste();
     if (clip == nullptr) {
         return;

@@ -1,6 +1,7 @@
 // LAYISO, LAYOFF, LAYFRZ, LAYLCK and the other tools that take layers by picking what stands on them.
-#include "host/commands/ask.h"
 #include "host/commands/edit/layertools.h"
+
+#include "host/commands/ask.h"
 #include "host/commands/registry.h"
 #include "host/commands/tables.h"
 #include "host/ed/acdocman.h"
@@ -35,10 +36,9 @@ bool isolatesByOff() {
 }
 
 void askIsolation() {
-    const Answer answer = askKeyword(
-        std::wstring(L"\n输入未隔离图层的设置 [关闭(O)/锁定和淡入(L)] <") +
-            (isolatesByOff() ? L"关闭" : L"锁定和淡入") + L">: ",
-        L"Off Lockandfade");
+    const Answer answer = askKeyword(std::wstring(L"\n输入未隔离图层的设置 [关闭(O)/锁定和淡入(L)] <") +
+                                         (isolatesByOff() ? L"关闭" : L"锁定和淡入") + L">: ",
+                                     L"Off Lockandfade");
     if (answer.isKeyword(L"Off")) {
         acedSetEnv(isolationSetting, L"Off");
     } else if (answer.isKeyword(L"Lockandfade")) {
@@ -47,9 +47,10 @@ void askIsolation() {
     if (answer.isCancelled() || isolatesByOff()) {
         return;
     }
-    const IntegerAnswer fade = askInteger(
-        L"\n输入淡入度值 (0-90) <" + std::to_wstring(std::abs(systemVariableInteger(L"LAYLOCKFADECTL"))) + L">: ",
-        nullptr, RSG_NONEG);
+    const IntegerAnswer fade =
+        askInteger(L"\n输入淡入度值 (0-90) <" +
+                       std::to_wstring(std::abs(systemVariableInteger(L"LAYLOCKFADECTL"))) + L">: ",
+                   nullptr, RSG_NONEG);
     if (fade.isValue()) {
         setSystemVariable(L"LAYLOCKFADECTL", std::min(fade.value, 90));
     }
@@ -304,7 +305,8 @@ std::optional<std::wstring> askTargetName() {
     }
 }
 
-/// The name of the layer that something goes to, by an object on it or by name; nothing when the user gives up.
+/// The name of the layer that something goes to, by an object on it or by name; nothing when the user gives
+/// up.
 std::optional<std::wstring> askTarget() {
     const EntityAnswer pick = askEntity(L"\n选择目标图层上的对象或 [名称(N)]: ", L"Name");
     if (pick.isKeyword(L"Name")) {
@@ -380,7 +382,9 @@ void addByName(ChosenLayers& chosen, const std::wstring& what) {
         forEachMatch(
             *peek<AcDbLayerTable>(currentDatabase().layerTableId()), answer.text,
             [&](AcDbObjectId id) { chosen.add(id); },
-            [](const std::wstring& pattern) { acutPrintf(L"\n找不到匹配的图层名 \"%s\"。", pattern.c_str()); });
+            [](const std::wstring& pattern) {
+                acutPrintf(L"\n找不到匹配的图层名 \"%s\"。", pattern.c_str());
+            });
         return;
     }
 }
@@ -447,7 +451,8 @@ void runMerge() {
             return;
         }
         const auto& sources = chosen.order();
-        if (std::ranges::none_of(sources, [&](AcDbObjectId id) { return equalNoCase(recordName(id), *target); })) {
+        if (std::ranges::none_of(sources,
+                                 [&](AcDbObjectId id) { return equalNoCase(recordName(id), *target); })) {
             remove(chosen, target);
             return;
         }

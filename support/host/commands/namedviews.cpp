@@ -1,6 +1,7 @@
 // VIEW: views kept under names.
-#include "host/commands/ask.h"
 #include "host/commands/edit/namedviews.h"
+
+#include "host/commands/ask.h"
 #include "host/commands/registry.h"
 #include "host/commands/tables.h"
 #include "host/commands/viewing.h"
@@ -110,7 +111,8 @@ void saveShown() {
 
 void saveWindow() {
     const std::optional<std::wstring> name = askNewName();
-    const PointAnswer first = name ? askPoint(L"\n指定第一个角点: ", nullptr, nullptr, RSG_NONULL) : PointAnswer();
+    const PointAnswer first =
+        name ? askPoint(L"\n指定第一个角点: ", nullptr, nullptr, RSG_NONULL) : PointAnswer();
     if (!first.isValue()) {
         return;
     }
@@ -134,8 +136,11 @@ void runView() {
         const wchar_t* keyword;
         void (*run)();
     };
-    constexpr Option options[] = {
-        {L"?", list}, {L"Delete", remove}, {L"Restore", restore}, {L"Save", saveShown}, {L"Window", saveWindow}};
+    constexpr Option options[] = {{L"?", list},
+                                  {L"Delete", remove},
+                                  {L"Restore", restore},
+                                  {L"Save", saveShown},
+                                  {L"Window", saveWindow}};
     const Answer answer =
         askKeyword(L"\n输入选项 [?/删除(D)/恢复(R)/保存(S)/窗口(W)]: ", L"? Delete Restore Save Window");
     for (const Option& option : options) {

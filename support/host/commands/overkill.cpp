@@ -1,6 +1,7 @@
 // OVERKILL: takes out what lies there twice.
-#include "host/commands/ask.h"
 #include "host/commands/edit/overkill.h"
+
+#include "host/commands/ask.h"
 #include "host/commands/registry.h"
 #include "host/rx/text.h"
 
@@ -70,9 +71,9 @@ std::wstring toleranceText(double value) {
 /// False for Escape.
 bool askOptions(OverkillOptions& options) {
     for (;;) {
-        acutPrintf(L"\n当前设置: 忽略=%s, 公差=%s, 合并重叠=%s, 合并端点对齐=%s", ignoredNames(options).c_str(),
-                   toleranceText(options.tolerance).c_str(), yesNo(options.mergesOverlaps),
-                   yesNo(options.mergesEnds));
+        acutPrintf(L"\n当前设置: 忽略=%s, 公差=%s, 合并重叠=%s, 合并端点对齐=%s",
+                   ignoredNames(options).c_str(), toleranceText(options.tolerance).c_str(),
+                   yesNo(options.mergesOverlaps), yesNo(options.mergesEnds));
         const Answer answer = askKeyword(
             L"\n输入要修改的设置 [忽略(I)/公差(T)/合并重叠的对象(O)/合并端点对齐的对象(E)] <完成>: ",
             L"Ignore Tolerance Overlap End");
@@ -90,7 +91,8 @@ bool askOptions(OverkillOptions& options) {
         } else {
             bool& value = answer.isKeyword(L"Overlap") ? options.mergesOverlaps : options.mergesEnds;
             const std::optional<bool> wanted = askYesNo(
-                answer.isKeyword(L"Overlap") ? L"\n合并部分重叠的共线对象?" : L"\n合并端点对齐的共线对象?", value);
+                answer.isKeyword(L"Overlap") ? L"\n合并部分重叠的共线对象?" : L"\n合并端点对齐的共线对象?",
+                value);
             value = wanted.value_or(value);
             goesOn = wanted.has_value();
         }

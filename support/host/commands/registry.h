@@ -30,6 +30,7 @@ std::span<const CommandRow> clipboardCommands();
 std::span<const CommandRow> selectingCommands();
 std::span<const CommandRow> overkillCommands();
 std::span<const CommandRow> namedViewCommands();
+std::span<const CommandRow> viewportCommands();
 std::span<const CommandRow> scriptCommands();
 std::span<const CommandRow> statusCommands();
 std::span<const CommandRow> linetypeCommands();
@@ -71,6 +72,5 @@ std::span<const CommandRow> offsetCommands();
 std::span<const CommandRow> peditCommands();
 std::span<const CommandRow> propertyCommands();
 std::span<const CommandRow> slideCommands();
-std::span<const CommandRow> viewportCommands();
 
 } // namespace host

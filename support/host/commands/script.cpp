@@ -74,7 +74,9 @@ public:
         }
         return mUser == nullptr || mUser->atEnd();
     }
-    bool echoesItself() const override { return !mIsLastFromFile && mUser != nullptr && mUser->echoesItself(); }
+    bool echoesItself() const override {
+        return !mIsLastFromFile && mUser != nullptr && mUser->echoesItself();
+    }
     std::wstring position() const override {
         if (isPlaying()) {
             return L"脚本 " + mFile.filename().wstring() + L" " + mScript->position();
@@ -82,9 +84,9 @@ public:
         return mUser != nullptr ? mUser->position() : std::wstring();
     }
     std::optional<std::wstring> takeDialogLine() override {
-        return isPlaying()         ? mScript->takeDialogLine()
+        return isPlaying()        ? mScript->takeDialogLine()
                : mUser != nullptr ? mUser->takeDialogLine()
-                                   : std::nullopt;
+                                  : std::nullopt;
     }
     bool worksDialogs() const override { return mUser != nullptr && mUser->worksDialogs(); }
     void close() override {

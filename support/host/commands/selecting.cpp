@@ -18,9 +18,9 @@ struct Comparable {
     Likeness::Bit bit;
 };
 constexpr Comparable comparables[] = {
-    {L"Color", L"颜色", Likeness::color},           {L"LAyer", L"图层", Likeness::layer},
-    {L"Linetype", L"线型", Likeness::linetype},     {L"Scale", L"线型比例", Likeness::linetypeScale},
-    {L"LWeight", L"线宽", Likeness::lineWeight},    {L"Object", L"对象样式", Likeness::style},
+    {L"Color", L"颜色", Likeness::color},        {L"LAyer", L"图层", Likeness::layer},
+    {L"Linetype", L"线型", Likeness::linetype},  {L"Scale", L"线型比例", Likeness::linetypeScale},
+    {L"LWeight", L"线宽", Likeness::lineWeight}, {L"Object", L"对象样式", Likeness::style},
     {L"Name", L"名称", Likeness::name}};
 
 int mode() {
@@ -34,10 +34,11 @@ bool askSettings() {
         for (const Comparable& one : comparables) {
             compared += (mode() & one.bit) != 0 ? L"," + std::wstring(one.name) : L"";
         }
-        const Answer answer = askKeyword(
-            L"\n当前比较: " + compared +
-                L"\n输入要更改的特性 [颜色(C)/图层(LA)/线型(L)/线型比例(S)/线宽(LW)/对象样式(O)/名称(N)] <完成>: ",
-            L"Color LAyer Linetype Scale LWeight Object Name");
+        const Answer answer =
+            askKeyword(L"\n当前比较: " + compared +
+                           L"\n输入要更改的特性 "
+                           L"[颜色(C)/图层(LA)/线型(L)/线型比例(S)/线宽(LW)/对象样式(O)/名称(N)] <完成>: ",
+                       L"Color LAyer Linetype Scale LWeight Object Name");
         if (answer.kind != Answer::Kind::keyword) {
             return answer.isNone();
         }

@@ -14,8 +14,11 @@ namespace host {
 namespace {
 
 std::wstring clockText(long long milliseconds) {
-    const auto part = [&](long long unit, int count) { return static_cast<int>(milliseconds / unit % count); };
-    return formatted(L"%02d:%02d:%02d:%03d", part(3600000, 24), part(60000, 60), part(1000, 60), part(1, 1000));
+    const auto part = [&](long long unit, int count) {
+        return static_cast<int>(milliseconds / unit % count);
+    };
+    return formatted(L"%02d:%02d:%02d:%03d", part(3600000, 24), part(60000, 60), part(1000, 60),
+                     part(1, 1000));
 }
 
 std::wstring dateText(double julian) {
@@ -43,7 +46,8 @@ void showTimes() {
     acutPrintf(L"\n  创建时间:        %s", dateText(times.created).c_str());
     acutPrintf(L"\n  上次更新时间:    %s", dateText(times.updated).c_str());
     acutPrintf(L"\n  累计编辑时间:    %s", lengthText(times.edited).c_str());
-    acutPrintf(L"\n  消耗时间计时器 (%s): %s", times.timerRuns ? L"开" : L"关", lengthText(times.timer).c_str());
+    acutPrintf(L"\n  消耗时间计时器 (%s): %s", times.timerRuns ? L"开" : L"关",
+               lengthText(times.timer).c_str());
 }
 
 void runTime() {
@@ -84,9 +88,9 @@ std::size_t entityCount(AcDbObjectId block) {
 
 std::wstring snapNames() {
     constexpr std::pair<int, const wchar_t*> names[] = {
-        {AcDb::kOsMaskEnd, L"端点"},   {AcDb::kOsMaskMid, L"中点"},   {AcDb::kOsMaskCen, L"圆心"},
+        {AcDb::kOsMaskEnd, L"端点"},   {AcDb::kOsMaskMid, L"中点"},    {AcDb::kOsMaskCen, L"圆心"},
         {AcDb::kOsMaskNode, L"节点"},  {AcDb::kOsMaskQuad, L"象限点"}, {AcDb::kOsMaskInt, L"交点"},
-        {AcDb::kOsMaskIns, L"插入点"}, {AcDb::kOsMaskPerp, L"垂足"},  {AcDb::kOsMaskTan, L"切点"},
+        {AcDb::kOsMaskIns, L"插入点"}, {AcDb::kOsMaskPerp, L"垂足"},   {AcDb::kOsMaskTan, L"切点"},
         {AcDb::kOsMaskNear, L"最近点"}};
     const int modes = systemVariableInteger(L"OSMODE");
     std::wstring text;
@@ -103,8 +107,9 @@ void runStatus() {
     const bool model = database.tilemode();
     acutPrintf(L"\n\"%s\" 的当前空间中有 %d 个对象", curDoc()->docTitle(),
                static_cast<int>(entityCount(database.currentSpaceId())));
-    acutPrintf(L"\n图形界限:      %s (%s)\n               %s", planPoint(systemVariable(L"LIMMIN").get()).c_str(),
-               onOff(L"LIMCHECK"), planPoint(systemVariable(L"LIMMAX").get()).c_str());
+    acutPrintf(L"\n图形界限:      %s (%s)\n               %s",
+               planPoint(systemVariable(L"LIMMIN").get()).c_str(), onOff(L"LIMCHECK"),
+               planPoint(systemVariable(L"LIMMAX").get()).c_str());
     if (model) {
         const bool any = database.updateExt() == Acad::eOk && database.extmin().x <= database.extmax().x;
         acutPrintf(L"\n图形使用范围:  %s",

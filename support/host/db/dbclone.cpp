@@ -214,10 +214,12 @@ void Cloner::copyRecord(AcDbObjectId source) {
     if (anonymous) {
         // Numbers of anonymous blocks are the destination's own.
         auto* block = static_cast<AcDbBlockTableRecord*>(copy.stub()->object);
-        const std::wstring prefix = std::wstring(block->name().kwszPtr()).substr(0, 2);
-        for (std::size_t number = table->records().size(); table->has(block->name().kwszPtr()); ++number) {
-            block->setName((prefix + std::to_wstring(number)).c_str());
+        std::wstring name = block->name().kwszPtr();
+        const std::wstring prefix = name.substr(0, 2);
+        for (std::size_t number = table->records().size(); table->has(name.c_str()); ++number) {
+            name = prefix + std::to_wstring(number);
         }
+        block->setName(name.c_str());
         mRenamed.emplace_back(block, block->name());
     }
     table->adopt(copy.stub());

@@ -81,7 +81,8 @@ int pasteClip(AcDbDatabase& clip, AcDbObjectId block, const AcGeMatrix3d& placin
 std::unique_ptr<AcDbEntity> blockOfClip(AcDbDatabase& clip, AcDbDatabase& drawing) {
     const auto* blocks = peek<AcDbBlockTable>(drawing.blockTableId());
     std::wstring name;
-    for (Adesk::UInt64 number = drawing.impl().nextHandle(); name.empty() || blocks->has(name.c_str()); ++number) {
+    for (Adesk::UInt64 number = drawing.impl().nextHandle(); name.empty() || blocks->has(name.c_str());
+         ++number) {
         name = formatted(L"A$C%08X", static_cast<unsigned>(number));
     }
     AcDbObjectId block;
@@ -91,6 +92,29 @@ std::unique_ptr<AcDbEntity> blockOfClip(AcDbDatabase& clip, AcDbDatabase& drawin
     auto reference = std::make_unique<AcDbBlockReference>(clip.insbase(), block);
     reference->setDatabaseDefaults(&drawing);
     return reference;
+}
+
+std::wstring mtextContents(std::wstring_view plain) {
+    plain = plain.substr(0, plain.find_last_not_of(L"\r\n") + 1);
+    std::wstring contents;
+    for (const wchar_t c : plain) {
+        switch (c) {
+        case L'\\':
+        case L'{':
+        case L'}':
+            contents += L'\\';
+            contents += c;
+            break;
+        case L'\n':
+            contents += L"\\P";
+            break;
+        default:
+            if (c >= L' ' || c == L'\t') {
+                contents += c;
+            }
+        }
+    }
+    return contents;
 }
 
 } // namespace host

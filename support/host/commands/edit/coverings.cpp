@@ -71,7 +71,8 @@ constexpr double binWidth = CircleArc::full / 2.0 / binCount;
 
 class SegmentBin {
 public:
-    explicit SegmentBin(int bin) : mCos(std::cos((bin + 0.5) * binWidth)), mSin(std::sin((bin + 0.5) * binWidth)) {}
+    explicit SegmentBin(int bin)
+        : mCos(std::cos((bin + 0.5) * binWidth)), mSin(std::sin((bin + 0.5) * binWidth)) {}
     void add(std::uint32_t item, const Segment& segment, const AcGePoint3d& origin, double margin) {
         Box2d box;
         box.add(turned(segment.start - origin));
@@ -105,7 +106,9 @@ private:
 /// The segment from one end of all members to the other; nothing when one of them is not on it (a chain of
 /// small deviations).
 bool span(const std::vector<Segment>& segments, SegmentCover& cover, double tolerance) {
-    const auto length = [&](std::uint32_t item) { return (segments[item].end - segments[item].start).length(); };
+    const auto length = [&](std::uint32_t item) {
+        return (segments[item].end - segments[item].start).length();
+    };
     const std::uint32_t longest =
         *std::ranges::max_element(cover.members, {}, [&](std::uint32_t item) { return length(item); });
     const AcGePoint3d origin = segments[longest].start;
@@ -236,7 +239,8 @@ std::vector<ArcCover> coverArcs(std::vector<CircleArc> arcs, const CoverOptions&
     for (CircleArc& arc : arcs) {
         arc.start -= std::floor(arc.start / CircleArc::full) * CircleArc::full;
     }
-    // Circles that are the same stand together: a box around each centre, and those of near radius among them.
+    // Circles that are the same stand together: a box around each centre, and those of near radius among
+    // them.
     std::vector<Box2d> boxes;
     for (const CircleArc& arc : arcs) {
         const AcGePoint2d place(arc.center.x + arc.radius, arc.center.y);

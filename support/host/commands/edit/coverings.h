@@ -22,8 +22,8 @@ struct SegmentCover {
     std::vector<std::uint32_t> members;
     AcGePoint3d start, end; ///< in the direction of the first member
 };
-/// Covers of two members and more. Segments without a length in the plan have no part in it. O(n log n) and the
-/// pairs that touch.
+/// Covers of two members and more. Segments without a length in the plan have no part in it. O(n log n) and
+/// the pairs that touch.
 std::vector<SegmentCover> coverSegments(const std::vector<Segment>& segments, const CoverOptions& options);
 
 struct CircleArc {

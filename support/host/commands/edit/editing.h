@@ -27,8 +27,8 @@ private:
 std::vector<AcDbObjectId> copyEntities(const AcDbObjectIdArray& ids, AcDbObjectId owner);
 /// Transforms each; gives how many could not be (locked, or not possible for the kind).
 int transformEntities(const AcDbObjectIdArray& ids, const AcGeMatrix3d& transform);
-/// Transforms copies just made, those on locked layers too. One that can't be transformed is taken back; gives
-/// how many.
+/// Transforms copies just made, those on locked layers too. One that can't be transformed is taken back;
+/// gives how many.
 int placeCopies(const std::vector<AcDbObjectId>& copies, const AcGeMatrix3d& transform);
 /// Copies under a transform into the block. A copy that can't be transformed is taken back; gives how many.
 int copyTransformed(const AcDbObjectIdArray& ids, AcDbObjectId owner, const AcGeMatrix3d& transform);

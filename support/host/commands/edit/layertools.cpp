@@ -16,7 +16,8 @@ std::vector<LayerChange> isolateLayers(AcDbDatabase& database, const LayerSet& k
         if (kept.contains(layer.objectId().stub())) {
             return;
         }
-        LayerChange change{layer.objectId(), layer.isOff(), layer.isLocked(), layer.isOff(), layer.isLocked()};
+        LayerChange change{layer.objectId(), layer.isOff(), layer.isLocked(), layer.isOff(),
+                           layer.isLocked()};
         bool& state = how == Isolation::off ? change.isOff : change.isLocked;
         if (!std::exchange(state, true)) {
             how == Isolation::off ? layer.setIsOff(true) : layer.setIsLocked(true);
@@ -65,7 +66,8 @@ namespace {
 /// Reads an object's fields again with other ids in the place of the layers'.
 class ReplacingFiler : public MemoryDwgFiler {
 public:
-    ReplacingFiler(AcDbDatabase* database, std::string_view bytes, const LayerSet& layers, AcDbObjectId target)
+    ReplacingFiler(AcDbDatabase* database, std::string_view bytes, const LayerSet& layers,
+                   AcDbObjectId target)
         : MemoryDwgFiler(AcDb::kDeepCloneFiler, database, bytes), mLayers(layers), mTarget(target) {}
 
 protected:
@@ -120,7 +122,8 @@ public:
 
 private:
     static bool isPointer(const IdCollector::Reference& reference) {
-        return reference.kind != ReferenceKind::hardOwnership && reference.kind != ReferenceKind::softOwnership;
+        return reference.kind != ReferenceKind::hardOwnership &&
+               reference.kind != ReferenceKind::softOwnership;
     }
 
     bool namesThem(const GroupList& xdata) const {
@@ -148,10 +151,11 @@ private:
             const ReadAccess access(object);
             object.dwgOutFields(&mCollector);
         }
-        return std::any_of(mCollector.references.begin(), mCollector.references.end(), [&](const auto& reference) {
-            return isPointer(reference) && mLayers.contains(reference.id.stub()) &&
-                   reference.id != object.ownerId();
-        });
+        return std::any_of(mCollector.references.begin(), mCollector.references.end(),
+                           [&](const auto& reference) {
+                               return isPointer(reference) && mLayers.contains(reference.id.stub()) &&
+                                      reference.id != object.ownerId();
+                           });
     }
 
     void change(AcDbStub* stub) {

@@ -19,8 +19,7 @@ int restoreLayers(const std::vector<LayerChange>& changes);
 /// Calls change(record) for every layer of the drawing, open for writing.
 template <class Change>
 void forEachLayer(const AcDbDatabase& database, Change&& change) {
-    for (AcDbStub* stub :
-         std::vector<AcDbStub*>(peek<AcDbLayerTable>(database.layerTableId())->records())) {
+    for (AcDbStub* stub : std::vector<AcDbStub*>(peek<AcDbLayerTable>(database.layerTableId())->records())) {
         if (const Opened<AcDbLayerTableRecord> layer(stub, AcDb::kForWrite); layer) {
             change(*layer.get());
         }
@@ -34,9 +33,9 @@ struct LayerRemoval {
     std::size_t layers = 0;
     std::size_t entities = 0; ///< erased or moved, attributes and the contents of blocks among them
 };
-/// Takes layers out of the drawing: their entities, in blocks too and on locked layers, go with them or, with a
-/// target, onto that one. One pass over all objects; whatever else names the layers (viewports, extended data,
-/// kept data) names the target then, or nothing.
+/// Takes layers out of the drawing: their entities, in blocks too and on locked layers, go with them or, with
+/// a target, onto that one. One pass over all objects; whatever else names the layers (viewports, extended
+/// data, kept data) names the target then, or nothing.
 LayerRemoval removeLayers(AcDbDatabase& database, const LayerSet& layers, AcDbObjectId target = {});
 
 } // namespace host

@@ -9,8 +9,8 @@
 namespace host {
 namespace {
 
-using Traits = std::tuple<const AcRxClass*, std::string, Adesk::UInt32, AcDbStub*, AcDbStub*, double, int, AcDbStub*,
-                          AcDbStub*>;
+using Traits = std::tuple<const AcRxClass*, std::string, Adesk::UInt32, AcDbStub*, AcDbStub*, double, int,
+                          AcDbStub*, AcDbStub*>;
 
 AcDbObjectId styleOf(const AcDbEntity& entity) {
     if (const auto* text = AcDbText::cast(&entity)) {

@@ -21,7 +21,8 @@ struct Likeness {
     };
 };
 
-/// Entities of the block, in drawing order, that are like one of the samples in all that the bits say. One pass.
+/// Entities of the block, in drawing order, that are like one of the samples in all that the bits say. One
+/// pass.
 std::vector<AcDbObjectId> entitiesLike(const AcDbObjectIdArray& samples, AcDbObjectId block, int bits);
 
 } // namespace host

@@ -42,9 +42,11 @@ std::optional<NamedView> namedView(AcDbObjectId id) {
                          numbers[heightCode],
                          numbers[widthCode],
                          (record->standardFlags() & paperFlag) != 0};
-    const bool isFromAbove = direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0 && numbers[twistCode] == 0.0;
-    const bool isSane = view.height > 0.0 && view.height < farthest && view.width >= 0.0 && view.width < farthest &&
-                        std::fabs(view.centre.x) < farthest && std::fabs(view.centre.y) < farthest;
+    const bool isFromAbove =
+        direction.x == 0.0 && direction.y == 0.0 && direction.z > 0.0 && numbers[twistCode] == 0.0;
+    const bool isSane = view.height > 0.0 && view.height < farthest && view.width >= 0.0 &&
+                        view.width < farthest && std::fabs(view.centre.x) < farthest &&
+                        std::fabs(view.centre.y) < farthest;
     return isFromAbove && isSane ? std::optional(view) : std::nullopt;
 }
 

@@ -13,8 +13,8 @@
 namespace host {
 namespace {
 
-/// What an entity files of its own, real numbers apart from all else: two entities are equal when the numbers are
-/// near each other and the rest is the same.
+/// What an entity files of its own, real numbers apart from all else: two entities are equal when the numbers
+/// are near each other and the rest is the same.
 class Fields : public MemoryDwgFiler {
 public:
     explicit Fields(const AcDbEntity& entity) : MemoryDwgFiler(AcDb::kFileFiler, entity.database()) {
@@ -187,7 +187,8 @@ class PropertyNumbers {
 public:
     explicit PropertyNumbers(unsigned ignored) : mIgnored(ignored) {}
     int operator()(const AcDbEntity& entity, double thickness) {
-        return mNumbers.try_emplace({Properties(entity, mIgnored), thickness}, static_cast<int>(mNumbers.size()))
+        return mNumbers
+            .try_emplace({Properties(entity, mIgnored), thickness}, static_cast<int>(mNumbers.size()))
             .first->second;
     }
 
@@ -243,8 +244,8 @@ int mergeArcs(const std::vector<AcDbObjectId>& ids, const OverkillOptions& optio
         if (const auto* arc = peek<AcDbArc>(id)) {
             const ReadAccess access(*arc);
             arcs.push_back(id);
-            shapes.push_back({arc->center(), arc->normal(), arc->radius(), arc->startAngle(), arc->totalAngle(),
-                              numbers(*arc, arc->thickness())});
+            shapes.push_back({arc->center(), arc->normal(), arc->radius(), arc->startAngle(),
+                              arc->totalAngle(), numbers(*arc, arc->thickness())});
         } else if (const auto* circle = peek<AcDbCircle>(id)) {
             const ReadAccess access(*circle);
             arcs.push_back(id);

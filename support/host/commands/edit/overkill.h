@@ -1,5 +1,5 @@
-// Finding what lies in a drawing twice: equal entities, and collinear lines and arcs of one circle that overlap or
-// go on from each other.
+// Finding what lies in a drawing twice: equal entities, and collinear lines and arcs of one circle that
+// overlap or go on from each other.
 #pragma once
 
 #include "host/db/db.h"
@@ -8,8 +8,8 @@ namespace host {
 
 struct OverkillOptions {
     enum Property : unsigned { color = 1, layer = 2, linetype = 4, linetypeScale = 8, lineWeight = 16 };
-    unsigned ignored = 0;      ///< properties in which duplicates may differ
-    double tolerance = 1e-6;   ///< drawing units; angles in radians
+    unsigned ignored = 0;    ///< properties in which duplicates may differ
+    double tolerance = 1e-6; ///< drawing units; angles in radians
     bool mergesOverlaps = true;
     bool mergesEnds = true; ///< collinear ones that touch end to end too
 };
@@ -19,8 +19,8 @@ struct OverkillResult {
     int overlaps = 0;   ///< erased since others cover them now
 };
 
-/// The first of equals stays. Costs O(n log n) for n entities as they are in drawings: lines are compared with
-/// those whose boxes touch in a system turned into their direction.
+/// The first of equals stays. Costs O(n log n) for n entities as they are in drawings: lines are compared
+/// with those whose boxes touch in a system turned into their direction.
 OverkillResult removeDuplicates(const AcDbObjectIdArray& entities, const OverkillOptions& options);
 
 } // namespace host
