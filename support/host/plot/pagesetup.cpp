@@ -199,7 +199,7 @@ PageSetup pageSetupOf(const AcDbLayout& layout) {
 void storePageSetup(const PageSetup& setup, const std::wstring& device, AcDbLayout& layout) {
     using Settings = AcDbPlotSettings;
     layout.setPlotCfgName(device.c_str());
-    const std::wstring medium = formatted(L"(%.2f_x_%.2f_MM)", setup.paper.width, setup.paper.height);
+    const std::wstring medium = formatted(L"ISO_(%.2f_x_%.2f_MM)", setup.paper.width, setup.paper.height);
     layout.setCanonicalMediaName(medium.c_str());
     layout.setPlotPaperSize(setup.paper.width, setup.paper.height);
     layout.setPlotPaperMargins(setup.margins.left, setup.margins.bottom, setup.margins.right,
