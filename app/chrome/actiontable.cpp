@@ -81,6 +81,13 @@ constexpr ActionRow rows[] = {
     {view, T("范围缩放(&E)"), "@zoomextents", "zoomextents", nullptr, standardBar},
     separator(view),
     {view, T("命名视图(&N)..."), "_.-VIEW", nullptr, nullptr, nullptr},
+    separator(view),
+    {view, T("模型(&M)"), "_.MODEL", nullptr, nullptr, nullptr},
+    {view, T("布局(&L)"), "_.LAYOUT", nullptr, nullptr, nullptr},
+    {view, T("新建视口(&V)"), "_.MVIEW", nullptr, nullptr, nullptr},
+    {view, T("在视口中工作(&S)"), "_.MSPACE", nullptr, nullptr, nullptr},
+    {view, T("回到图纸(&H)"), "_.PSPACE", nullptr, nullptr, nullptr},
+    separator(view),
     {view, T("文本窗口(&T)"), "@textwindow", nullptr, "F2", nullptr},
     {view, T("工具栏和面板(&B)"), "@panels", nullptr, nullptr, nullptr},
 

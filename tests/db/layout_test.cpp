@@ -226,6 +226,14 @@ TEST_F(LayoutTest, DrawingGoesToTheModelWhileAViewportIsActive) {
     layouts->setCurrentLayout(L"Model", &database);
     layouts->setCurrentLayout(L"布局1", &database);
     EXPECT_EQ(database.currentSpaceId(), database.paperSpaceId()) << "layouts are entered by the sheet";
+    AcDbViewport* sheet = viewport();
+    sheet->setNumber(1);
+    add(sheet, database.paperSpaceId());
+    database.setActiveViewport(made->objectId());
+    database.setActiveViewport({});
+    const auto* layout = host::peek<AcDbLayout>(layouts->findLayoutNamed(L"布局1", &database));
+    EXPECT_EQ(layout->activeViewportId(), sheet->objectId()) << "files name the sheet's own";
+    EXPECT_TRUE(database.activeViewportId().isNull());
 }
 
 // Files number only the viewports of the layout that was shown last.

@@ -9,6 +9,7 @@
 
 #include <QImage>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace host {
 namespace {
@@ -235,6 +236,36 @@ TEST_F(LayoutPlotTest, SheetsOfLayoutsLieAsTheirSetupSays) {
     setup.offsetX = 1;
     placed = placementOf(setup, layout());
     EXPECT_NEAR((1000 - placed.sheet.originX) * placed.sheet.scale, 8.5, 1e-9);
+}
+
+// What files may hold: views and setups that are none.
+TEST_F(LayoutPlotTest, HostileViewportsAndSetupsGiveAWholePicture) {
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    square(0, 0, 1e200, 1);
+    add(new AcDbCircle({0, 0, 0}, AcGeVector3d::kZAxis, 30), mDatabase.modelSpaceId());
+    for (const double bad : {0.0, none, 1e300, -5.0}) {
+        AcDbViewport* shown = viewport();
+        change(shown, [&](AcDbViewport& open) {
+            open.setViewCenter({bad, 0});
+            open.setViewTarget({bad, bad, bad});
+            open.setTwistAngle(bad);
+            open.setCenterPoint({bad, 50, 0});
+        });
+    }
+    auto* line = new AcDbLine({0, 0, 0}, {10, 10, 0}); // encloses nothing
+    add(line, mDatabase.paperSpaceId());
+    change(viewport(), [&](AcDbViewport& open) { open.setNonRectClipEntityId(line->objectId()); });
+    PageSetup setup = sheet200x100();
+    EXPECT_EQ(image(setup).size(), QSize(200, 100));
+    setup.area = PageSetup::Area::window;
+    setup.window = {none, 0, 1e300, none};
+    setup.scale = 0;
+    EXPECT_EQ(image(setup).size(), QSize(200, 100));
+    {
+        const Opened<AcDbLayout> open(layout().objectId(), AcDb::kForWrite);
+        open->setPlotPaperSize(1e300, 1e300);
+    }
+    EXPECT_EQ(pageSetupOf(layout()).paper.width, 0);
 }
 
 TEST_F(LayoutPlotTest, UpsideDownIsHalfATurn) {

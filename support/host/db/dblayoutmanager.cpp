@@ -87,6 +87,20 @@ bool canBeActive(AcDbObjectId id, const AcDbDatabase& database) {
     return viewport->ownerId() == database.paperSpaceId() && viewport->isOn() && !viewport->isSheet();
 }
 
+/// The view of the sheet itself; null before a layout was shown.
+AcDbObjectId sheetViewport(const AcDbDatabase& database) {
+    const auto* sheet = host::peek<AcDbBlockTableRecord>(database.paperSpaceId());
+    for (AcDbStub* stub : sheet != nullptr ? sheet->entities() : std::vector<AcDbStub*>()) {
+        if (const auto* viewport = host::peek<AcDbViewport>(AcDbObjectId(stub))) {
+            const host::ReadAccess access(*viewport);
+            if (viewport->isSheet()) {
+                return viewport->objectId();
+            }
+        }
+    }
+    return {};
+}
+
 /// The block of the tab that is shown.
 AcDbObjectId shownBlock(const AcDbDatabase& database) {
     return database.tilemode() ? database.modelSpaceId() : database.paperSpaceId();
@@ -125,7 +139,8 @@ Acad::ErrorStatus AcDbDatabase::setActiveViewport(AcDbObjectId viewport) {
         return Acad::eInvalidInput;
     }
     const host::Opened<AcDbLayout> layout(now->objectId(), AcDb::kForWrite);
-    return layout ? layout->setActiveViewportId(viewport) : layout.status();
+    return layout ? layout->setActiveViewportId(viewport.isNull() ? sheetViewport(*this) : viewport)
+                  : layout.status();
 }
 
 AcDbObjectId AcDbLayoutManager::findLayoutNamed(const ACHAR* name, const AcDbDatabase* database) const {

@@ -26,7 +26,7 @@ bool cutAtBox(QPointF& start, QPointF& end, double distance) {
     cut(origin.y(), along.y());
     start = origin + along * from;
     end = origin + along * to;
-    return from <= to;
+    return from <= to && std::isfinite(start.x() + start.y() + end.x() + end.y());
 }
 
 QImage blank(const Sheet& sheet, double pixelsPerMillimetre) {

@@ -16,7 +16,8 @@ namespace host {
 namespace {
 
 constexpr double millimetresAnInch = 25.4;
-constexpr double freeMargin = 10; // where no device says what it can print
+constexpr double longestSide = 1e5; // of paper that can be meant
+constexpr double freeMargin = 10;   // where no device says what it can print
 
 AcDbObjectId blockOf(const AcDbLayout& layout) {
     return layout.modelType() ? layout.database()->modelSpaceId() : layout.getBlockTableRecordId();
@@ -164,8 +165,8 @@ PageSetup pageSetupOf(const AcDbLayout& layout) {
     layout.getPlotPaperSize(setup.paper.width, setup.paper.height);
     PageSetup::Margins& margins = setup.margins;
     layout.getPlotPaperMargins(margins.left, margins.bottom, margins.right, margins.top);
-    if (!(setup.paper.width > margins.left + margins.right) ||
-        !(setup.paper.height > margins.bottom + margins.top)) {
+    if (!(setup.paper.width > margins.left + margins.right) || !(setup.paper.width < longestSide) ||
+        !(setup.paper.height > margins.bottom + margins.top) || !(setup.paper.height < longestSide)) {
         setup.paper = {};
         setup.margins = {};
     }
@@ -199,7 +200,7 @@ PageSetup pageSetupOf(const AcDbLayout& layout) {
 void storePageSetup(const PageSetup& setup, const std::wstring& device, AcDbLayout& layout) {
     using Settings = AcDbPlotSettings;
     layout.setPlotCfgName(device.c_str());
-    const std::wstring medium = formatted(L"(%.2f_x_%.2f_MM)", setup.paper.width, setup.paper.height);
+    const std::wstring medium = formatted(L"ISO_(%.2f_x_%.2f_MM)", setup.paper.width, setup.paper.height);
     layout.setCanonicalMediaName(medium.c_str());
     layout.setPlotPaperSize(setup.paper.width, setup.paper.height);
     layout.setPlotPaperMargins(setup.margins.left, setup.margins.bottom, setup.margins.right,
