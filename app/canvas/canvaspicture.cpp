@@ -73,6 +73,7 @@ void Canvas::bringUpToDate() {
     }
     mLook.pixelRatio = ratio() > 1.25 ? ratio() : 1.0;
     mLook.showsLineWeights = host::systemVariableInteger(L"LWDISPLAY") != 0;
+    mLook.lockedFade = host::systemVariableInteger(L"LAYLOCKFADECTL"); // below zero: switched off
     constexpr int manyRects = 24;
     if (mStaleParts.rectCount() > manyRects) {
         mStaleParts = mStaleParts.boundingRect();

@@ -20,7 +20,18 @@ constexpr double legible = 4;            ///< pixels of a text height that are d
 } // namespace
 
 std::uint32_t Renderer::colorOf(bool isForeground, std::uint32_t color) const {
-    return isForeground ? mLook.foreground : 0xFF000000 | color;
+    const std::uint32_t own = isForeground ? mLook.foreground : 0xFF000000 | color;
+    if (!mIsFaded || mLook.lockedFade <= 0) {
+        return own;
+    }
+    const auto fade = static_cast<std::uint32_t>(mLook.lockedFade);
+    std::uint32_t mixed = 0xFF000000;
+    for (const int shift : {0, 8, 16}) {
+        const std::uint32_t channel =
+            ((own >> shift & 0xFF) * (100 - fade) + (mLook.background >> shift & 0xFF) * fade) / 100;
+        mixed |= channel << shift;
+    }
+    return mixed;
 }
 
 void Renderer::setPen(const ScreenPen& pen, Raster& raster) const {
@@ -72,6 +83,7 @@ bool Renderer::draw(QImage& image, const QRect& clip, double seconds) {
                                 ? HUGE_VAL
                                 : static_cast<double>(std::max(item.box.width(), item.box.height())) * mScale;
         mIsHighlighted = item.isHighlighted;
+        mIsFaded = item.isFaded;
         const auto standIn = [&] {
             raster.setColor(mIsHighlighted ? mLook.highlight : colorOf(item.isForeground, item.color));
             const double x = originX + 0.5 * static_cast<double>(item.box.left + item.box.right) * mScale;

@@ -15,6 +15,7 @@ struct CanvasLook {
     std::uint32_t highlight = 0xFF4CA6FF;
     double pixelRatio = 1; ///< device pixels a pixel
     bool showsLineWeights = false;
+    int lockedFade = 0; ///< per cent of the background in what lies on locked layers
 };
 
 class Renderer {
@@ -50,6 +51,7 @@ private:
     double mScale = 1;                 ///< pixels a unit
     double mChordTolerance = 0.2;      ///< pixels
     bool mIsHighlighted = false;
+    bool mIsFaded = false;
     std::vector<PixelPoint> mPoints;
     std::vector<std::uint32_t> mEnds;
 };

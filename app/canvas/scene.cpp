@@ -153,6 +153,7 @@ void Scene::look(SceneItem& item) const {
     }
     item.isForeground = color.isByBlock() || color.isForeground();
     item.color = item.isForeground ? 0 : color.trueColor();
+    item.isFaded = layer != nullptr && layer->isLocked();
     if (entity->isA() == AcDbBlockReference::desc()) {
         const_cast<Scene*>(this)->use(
             static_cast<const AcDbBlockReference*>(entity)->blockTableRecord().stub());

@@ -30,6 +30,7 @@ struct SceneItem {
     bool isUnbounded : 1 = false; ///< an infinite line
     bool isDependent : 1 = false; ///< drawn with other objects: a block's, a style's
     bool isHighlighted : 1 = false;
+    bool isFaded : 1 = false; ///< on a locked layer
 };
 
 /// What has to be painted again.

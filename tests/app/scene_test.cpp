@@ -185,3 +185,28 @@ TEST_F(DrawnScene, ALinetypeShowsItsGapsWhenThereIsRoom) {
     far.unitsPerPixel = 10;
     EXPECT_GE(litPixels(pictureOf(database(), far)), 9) << "a whole line";
 }
+
+TEST_F(DrawnScene, WhatIsLockedIsPaler) {
+    script("-LAYER M\nRED\nC\n1\nRED\n\nLINE 0,50 100,50\n\n");
+    app::Scene scene(database());
+    app::CanvasLook look;
+    look.background = 0xFF000000;
+    const auto brightest = [&] {
+        scene.update();
+        QImage image(view.width, view.height, QImage::Format_RGB32);
+        image.fill(look.background);
+        app::Renderer(scene, view, look).draw(image, image.rect(), 100);
+        int red = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            red = std::max(red, qRed(image.pixel(image.width() / 2, y)));
+        }
+        return red;
+    };
+    const int plain = brightest();
+    look.lockedFade = 60;
+    EXPECT_EQ(brightest(), plain);
+    script("-LAYER LO\nRED\n\n");
+    EXPECT_NEAR(brightest(), plain * 0.4, 4);
+    look.lockedFade = -60; // switched off
+    EXPECT_EQ(brightest(), plain);
+}

@@ -172,6 +172,7 @@ EntityAnswer askEntity(const std::wstring& prompt, const wchar_t* keywords,
         const InitGet init = takeInitGet();
         ValueQuestion question{prompt, {}, L"无效选择。", {}};
         question.options.wantsPoint = true;
+        question.options.picksObjects = true;
         question.take = [&](const InputItem& item) { return takeEntity(item, answer); };
         finish(answer, askValue(init, question));
         if (!answer.isValue()) {

@@ -8,6 +8,7 @@
 #include "host/rx/format.h"
 #include "host/win/clock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace host {
@@ -34,6 +35,8 @@ std::wstring dateText(double julian) {
 
 std::wstring lengthText(double days) {
     constexpr double millisecondsADay = 86400000.0;
+    constexpr double longest = 1e6; // what a file says may be anything
+    days = std::clamp(days, 0.0, longest);
     const auto milliseconds = static_cast<long long>(std::llround(days * millisecondsADay));
     return formatted(L"%d 天 ", static_cast<int>(days)) + clockText(milliseconds);
 }
