@@ -520,6 +520,75 @@ TEST_F(SplineTest, InfiniteLinesHaveNoExtents) {
     EXPECT_EQ(xline.setUnitDir({0, 0, 0}), Acad::eInvalidInput);
 }
 
+/// The greatest distance from the points to the curve.
+double farthest(const AcDbSpline& spline, const AcGePoint3dArray& points) {
+    double most = 0.0;
+    for (const AcGePoint3d& point : points) {
+        AcGePoint3d closest;
+        spline.getClosestPointTo(point, closest);
+        most = std::max(most, closest.distanceTo(point));
+    }
+    return most;
+}
+
+TEST_F(SplineTest, FitToleranceSparesControlPoints) {
+    Numbers random(7);
+    for (const int count : {5, 12, 200, 3000}) {
+        AcGePoint3dArray points;
+        for (int i = 0; i < count; ++i) {
+            points.append({3.0 * i, 20.0 * std::sin(0.05 * i) + random(-0.4, 0.4), random(-0.1, 0.1)});
+        }
+        AcDbSpline spline(points, {1, 1, 0}, {1, 0, 0});
+        EXPECT_EQ(spline.numControlPoints(), count + 2);
+        EXPECT_LT(farthest(spline, points), 1e-6);
+        int before = spline.numControlPoints();
+        for (const double tolerance : {0.2, 1.0, 30.0}) {
+            ASSERT_EQ(spline.setFitTol(tolerance), Acad::eOk);
+            EXPECT_LE(spline.numControlPoints(), before) << count << " points within " << tolerance;
+            before = spline.numControlPoints();
+            EXPECT_LE(farthest(spline, points), tolerance * (1.0 + 1e-9));
+            AcGePoint3d end;
+            spline.getStartPoint(end);
+            EXPECT_EQ(end, points.first());
+            spline.getEndPoint(end);
+            EXPECT_EQ(end, points.last());
+            AcGeVector3d along;
+            double start = 0.0;
+            spline.getStartParam(start);
+            spline.getFirstDeriv(start, along);
+            EXPECT_LT(along.angleTo({1, 1, 0}), 1e-9);
+            EXPECT_EQ(spline.numFitPoints(), count) << "the points are kept";
+        }
+        EXPECT_LT(before, 40) << count;
+        ASSERT_EQ(spline.setFitTol(0.0), Acad::eOk);
+        EXPECT_LT(farthest(spline, points), 1e-6);
+    }
+    EXPECT_EQ(AcDbSpline().setFitTol(-1.0), Acad::eInvalidInput);
+}
+
+TEST_F(SplineTest, ClosedWithinATolerance) {
+    AcGePoint3dArray points;
+    for (int i = 0; i <= 60; ++i) {
+        const double angle = 2.0 * pi * (i % 60) / 60;
+        const double radius = 10.0 + (i % 2 == 0 ? 0.01 : -0.01);
+        points.append({radius * std::cos(angle), radius * std::sin(angle), 0.0});
+    }
+    points.last() = points.first();
+    const AcDbSpline spline(points, 4, 0.05);
+    EXPECT_TRUE(spline.isClosed());
+    EXPECT_LT(spline.numControlPoints(), 20);
+    EXPECT_LE(farthest(spline, points), 0.05);
+    double start = 0.0;
+    double end = 0.0;
+    AcGeVector3d leaving;
+    AcGeVector3d arriving;
+    spline.getStartParam(start);
+    spline.getEndParam(end);
+    spline.getFirstDeriv(start, leaving);
+    spline.getFirstDeriv(end, arriving);
+    EXPECT_LT(leaving.angleTo(arriving), 1e-9) << "no corner where it closes";
+}
+
 TEST_F(SplineTest, FacesHideEdges) {
     AcDbFace face({0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 4, 0}, true, false, true, true);
     std::vector<host::CurvePiece> pieces;

@@ -25,6 +25,7 @@ private:
 
     HatchSettings mSettings = currentHatchSettings();
     std::vector<HatchOutline> mOutlines;
+    int mOrder = 0; ///< as HPDRAWORDER
 };
 
 void Hatching::run() {
@@ -60,8 +61,8 @@ bool Hatching::takeOption(const Answer& option) {
     if (option.isKeyword(L"Origin")) {
         return askOrigin();
     }
-    const std::optional<int> order = askHatchOrder(systemVariableInteger(L"HPDRAWORDER"));
-    setSystemVariable(L"HPDRAWORDER", order.value_or(systemVariableInteger(L"HPDRAWORDER")));
+    const std::optional<int> order = askHatchOrder(mOrder);
+    mOrder = order.value_or(mOrder);
     return order.has_value();
 }
 
@@ -130,6 +131,7 @@ void Hatching::make() {
     if (systemVariableInteger(L"HPASSOC") != 0 && hasSources) {
         associate(id, mOutlines);
     }
+    putInHatchOrder(id, mOrder);
 }
 
 void runHatch() {

@@ -2,8 +2,10 @@
 #include "host/commands/ask.h"
 #include "host/commands/hatchquestions.h"
 #include "host/commands/registry.h"
+#include "host/db/entities/curvepiece.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace host {
 namespace {
@@ -106,54 +108,71 @@ void addBoundaries(AcDbObjectId id) {
     addOutlines(id, outlines);
 }
 
-/// Loops that were made from the objects selected; of a hatch that follows nothing those that run through a
-/// place that is picked.
-void removeBoundaries(AcDbObjectId id) {
-    const std::vector<HatchLoop>& loops = peek<AcDbHatch>(id)->data().loops;
-    const auto hasSources = [](const HatchLoop& loop) { return !loop.sources.empty(); };
-    if (std::ranges::none_of(loops, hasSources)) {
-        acutPrintf(L"\n图案填充不关联，没有边界对象可删除。");
-        return;
-    }
-    const Selection selection = Selection::askWith(L"\n选择要删除的边界对象: ");
-    std::vector<int> removed;
-    for (std::size_t i = 0; i < loops.size(); ++i) {
-        if (std::ranges::any_of(loops[i].sources,
-                                [&](AcDbObjectId source) { return selection.ids().contains(source); })) {
-            removed.push_back(static_cast<int>(i));
-        }
-    }
-    if (removed.size() == loops.size()) {
-        acutPrintf(L"\n图案填充至少要有一个边界。");
-        return;
-    }
-    if (removed.empty()) {
-        acutPrintf(L"\n没有选择图案填充的边界。");
-        return;
-    }
-    std::vector<AcDbObjectId> before;
-    std::vector<AcDbObjectId> after;
-    {
-        const Opened<AcDbHatch> opened(id, AcDb::kForWrite);
-        AcDbObjectIdArray ids;
-        opened->getAssocObjIds(ids);
-        before.assign(ids.begin(), ids.end());
-        std::for_each(removed.rbegin(), removed.rend(), [&](int index) { opened->removeLoopAt(index); });
-        ids.setLogicalLength(0);
-        opened->getAssocObjIds(ids);
-        after.assign(ids.begin(), ids.end());
-    }
-    for (const AcDbObjectId source : before) {
-        const auto* object = peek<AcDbObject>(source);
-        if (std::ranges::find(after, source) == after.end() && object != nullptr &&
-            object->hasPersistentReactor(id)) {
-            if (AcDbObject* opened = openForNote(source)) {
-                opened->removePersistentReactor(id);
-                opened->close();
+/// The loop that runs nearest to a place.
+std::size_t nearestLoop(const HatchData& data, const AcGePoint3d& world) {
+    const AcGePoint2d place = to2d(toObject(data.normal, world));
+    std::size_t nearest = 0;
+    double least = HUGE_VAL;
+    for (std::size_t i = 0; i < data.loops.size(); ++i) {
+        for (const BoundaryPiece& piece : boundaryPieces(data.loops[i])) {
+            const CurvePiece curve = piece.isArc ? CurvePiece::arc(to3d(piece.center), to3d(piece.u),
+                                                                   to3d(piece.v), piece.from, piece.to)
+                                                 : CurvePiece::line(to3d(piece.start), to3d(piece.end));
+            const double distance =
+                to2d(curve.pointAt(curve.closestParameter(to3d(place)))).distanceTo(place);
+            if (distance < least) {
+                least = distance;
+                nearest = i;
             }
         }
     }
-    acutPrintf(L"\n已删除 %d 个边界。", static_cast<int>(removed.size()));
+    return nearest;
+}
+
+/// Objects that no loop comes from any more are not followed.
+void forgetSources(AcDbObjectId id, const AcDbObjectIdArray& before) {
+    AcDbObjectIdArray after;
+    {
+        const Opened<AcDbHatch> hatch(id, AcDb::kForRead);
+        hatch->getAssocObjIds(after);
+    }
+    for (const AcDbObjectId source : before) {
+        const auto* object = peek<AcDbObject>(source);
+        if (after.contains(source) || object == nullptr || !object->hasPersistentReactor(id)) {
+            continue;
+        }
+        if (AcDbObject* opened = openForNote(source)) {
+            opened->removePersistentReactor(id);
+            opened->close();
+        }
+    }
+}
+
+/// Boundaries near the places that are picked; one stays.
+void removeBoundaries(AcDbObjectId id) {
+    for (;;) {
+        const PointAnswer place = askPoint(L"\n在要删除的边界上指定点 <退出>: ");
+        if (!place.isValue()) {
+            return;
+        }
+        const HatchData& data = peek<AcDbHatch>(id)->data();
+        if (data.loops.size() < 2) {
+            acutPrintf(L"\n图案填充至少要有一个边界。");
+            return;
+        }
+        const int index = static_cast<int>(nearestLoop(data, place.world));
+        AcDbObjectIdArray before;
+        {
+            const Opened<AcDbHatch> hatch(id, AcDb::kForWrite);
+            if (!hatch) {
+                return;
+            }
+            hatch->getAssocObjIds(before);
+            hatch->removeLoopAt(index);
+        }
+        forgetSources(id, before);
+        acutPrintf(L"\n已删除 1 个边界。");
+    }
 }
 
 /// A closed polyline along each loop; the hatch may follow them from then on.

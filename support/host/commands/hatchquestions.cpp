@@ -157,7 +157,10 @@ void putInHatchOrder(AcDbObjectId id, int order) {
     if (order == 1 || order == 2) {
         order == 1 ? table->moveToBottom(moved) : table->moveToTop(moved);
     } else if (order == 3) {
-        table->moveBelow(moved, *std::ranges::min_element(sources, isBelow));
+        // One entry alone: just before the lowest, behind whatever has that number itself.
+        AcDbHandle lowest;
+        table->getSortHandle(*std::ranges::min_element(sources, isBelow), lowest);
+        table->sortAs(id, AcDbHandle(Adesk::UInt64{lowest} - 1));
     } else {
         table->moveAbove(moved, *std::ranges::max_element(sources, isBelow));
     }

@@ -118,7 +118,7 @@ private:
 
     bool pointsRight() const { return mPoints.back().x >= mPoints[mPoints.size() - 2].x; }
     /// One that does not come in level gets a hook line towards its annotation.
-    double hookLength() const;
+    double hookLength(bool toText) const;
     std::unique_ptr<AcDbMText> newText(const std::wstring& contents) const;
     std::unique_ptr<AcDbFcf> newFrame(const std::wstring& text) const;
     void make(std::unique_ptr<AcDbEntity> annotation);
@@ -132,11 +132,12 @@ private:
     int mMostPoints = 3;
 };
 
-double LeaderDrawing::hookLength() const {
+double LeaderDrawing::hookLength(bool toText) const {
     const DimVariables variables = currentDimVariables(currentDatabase());
     const AcGeVector3d arrival = mPoints.back() - mPoints[mPoints.size() - 2];
     const bool isLevel = std::fabs(arrival.x) >= std::cos(15.0 * pi / 180.0) * arrival.length();
-    return isLevel || mIsSplined || variables.tad != 0 ? 0.0 : variables.asz * annotationScale(variables);
+    const bool isBelowText = toText && variables.tad != 0;
+    return isLevel || mIsSplined || isBelowText ? 0.0 : variables.asz * annotationScale(variables);
 }
 
 std::unique_ptr<AcDbMText> LeaderDrawing::newText(const std::wstring& contents) const {
@@ -157,7 +158,7 @@ std::unique_ptr<AcDbMText> LeaderDrawing::newText(const std::wstring& contents) 
     text->setAttachment(above ? (right ? AcDbMText::kBottomLeft : AcDbMText::kBottomRight)
                               : (right ? AcDbMText::kMiddleLeft : AcDbMText::kMiddleRight));
     text->setLocation(mPoints.back() +
-                      AcGeVector3d((right ? 1.0 : -1.0) * (hookLength() + gap), above ? gap : 0.0, 0.0));
+                      AcGeVector3d((right ? 1.0 : -1.0) * (hookLength(true) + gap), above ? gap : 0.0, 0.0));
     text->setWidth(mTextWidth);
     text->setContents(contents.c_str());
     return text;
@@ -170,7 +171,7 @@ std::unique_ptr<AcDbFcf> LeaderDrawing::newFrame(const std::wstring& text) const
     AcGePoint3dArray corners;
     frame->getBoundingPoints(corners);
     const auto [low, high] = std::ranges::minmax(corners, {}, &AcGePoint3d::x);
-    const double side = pointsRight() ? hookLength() : low.x - high.x - hookLength();
+    const double side = pointsRight() ? hookLength(false) : low.x - high.x - hookLength(false);
     frame->setLocation(mPoints.back() + AcGeVector3d(side, 0.0, 0.0));
     return frame;
 }
@@ -197,7 +198,7 @@ void LeaderDrawing::make(std::unique_ptr<AcDbEntity> annotation) {
     if (const auto* text = AcDbMText::cast(annotation.get())) {
         offset.set(0.0, mPoints.back().y - text->location().y, 0.0);
     } else if (const auto* frame = AcDbFcf::cast(annotation.get())) {
-        const double hook = pointsRight() ? hookLength() : -hookLength();
+        const double hook = pointsRight() ? hookLength(false) : -hookLength(false);
         offset = mPoints.back() + AcGeVector3d(hook, 0.0, 0.0) - frame->location();
     }
     leader->setAnnotationOffset(offset);
@@ -357,9 +358,10 @@ void LeaderDrawing::run() {
 
 bool LeaderDrawing::askSettings() {
     for (;;) {
-        const Answer option = askKeyword(L"\n输入引线设置选项 [注释(A)/点数(P)/线型(L)/箭头(AR)] <退出>: ",
-                                         L"Annotation Points Line ARrow");
-        if (option.kind != Answer::Kind::keyword) {
+        const Answer option =
+            askKeyword(L"\n输入引线设置选项 [注释(A)/点数(P)/线型(L)/箭头(AR)/退出(X)] <退出>: ",
+                       L"Annotation Points Line ARrow eXit");
+        if (option.kind != Answer::Kind::keyword || option.isKeyword(L"eXit")) {
             return !option.isCancelled();
         }
         if (option.isKeyword(L"Annotation")) {

@@ -22,7 +22,8 @@ void initializeCommands() {
         joinCommands(),          findCommands(),           arrangeCommands(),
         curveDrawCommands(),     dimensionCommands(),      dimensionChainCommands(),
         hatchCommands(),         hatchEditCommands(),      leaderCommands(),
-        dimensionEditCommands(), dimensionStyleCommands(), mlineCommands(),
+        dimensionEditCommands(), dimensionStyleCommands(), areaCommands(),
+        revcloudCommands(),      splineEditCommands(),     mlineCommands(),
         mtextCommands(),         slideCommands(),          attributeCommands(),
         textEditCommands(),      draftingCommands()};
     for (const std::span<const CommandRow> family : families) {

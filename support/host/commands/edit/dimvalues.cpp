@@ -4,7 +4,6 @@
 #include "host/commands/tables.h"
 #include "host/db/dbents.h"
 #include "host/db/entities/arrowheads.h"
-#include "host/db/entities/recordlookup.h"
 #include "host/ed/colornames.h"
 #include "host/ed/ed.h"
 #include "host/ed/units.h"
@@ -136,8 +135,9 @@ std::optional<Adesk::Int16> integerOf(const std::wstring& text, short code) {
 std::optional<AcDbObjectId> recordOf(AcDbDatabase& database, const std::wstring& text, short code) {
     const bool isStandard = text.empty() || text == L".";
     if (code == textStyleCode) {
-        const AcDbObjectId style(findRecord<AcDbTextStyleTable>(database.textStyleTableId(), text.c_str()));
-        return style.isNull() ? std::nullopt : std::optional(style);
+        AcDbObjectId style;
+        const auto* styles = peek<AcDbTextStyleTable>(database.textStyleTableId());
+        return styles->getAt(text.c_str(), style) == Acad::eOk ? std::optional(style) : std::nullopt;
     }
     if (isStandard) {
         return AcDbObjectId();
@@ -178,7 +178,7 @@ std::wstring shownDimValue(const DimVariables& variables, std::size_t index) {
     if (const auto* id = std::get_if<AcDbObjectId V::*>(&variable.member)) {
         const AcDbObjectId record = variables.**id;
         const std::wstring_view arrow = standardArrowName(record);
-        return arrow.empty() ? recordName(record).kwszPtr() : std::wstring(arrow);
+        return arrow.empty() ? recordName(record) : std::wstring(arrow);
     }
     const Adesk::Int16 number = variables.*std::get<Adesk::Int16 V::*>(variable.member);
     if (isSwitch(variable.code)) {
@@ -246,16 +246,22 @@ bool forAnnotation(Entity& entity, Act&& act) {
 } // namespace
 
 std::optional<DimVariables> dimVariablesOf(const AcDbEntity& entity) {
+    const ReadAccess access(entity);
     std::optional<DimVariables> variables;
     forAnnotation(entity, [&](const auto& annotation) { variables = annotation.dimVariables(); });
     return variables;
 }
 
 void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
+    const auto isStandardText = [&](const DimVariables& before, std::size_t index) {
+        // A style that names no text style means the standard one.
+        return dimVariables()[index].code == textStyleCode && before.txsty.isNull() &&
+               (values.txsty.isNull() || equalNoCase(recordName(values.txsty), L"Standard"));
+    };
     forAnnotation(entity, [&](auto& annotation) {
         const DimVariables before = annotation.dimVariables();
         for (std::size_t index = 0; index < dimVariables().size(); ++index) {
-            if (!equalDimVariable(before, values, index)) {
+            if (!equalDimVariable(before, values, index) && !isStandardText(before, index)) {
                 annotation.setDimVariable(values, index);
             }
         }
@@ -266,30 +272,32 @@ void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
 }
 
 void clearDimOverrides(AcDbEntity& entity) {
-    const ResbufList data(entity.xData(L"ACAD"));
-    ResbufBuilder kept;
+    // The list DSTYLE of the application ACAD, up to its closing brace; the name with something else only.
+    GroupList kept;
+    std::optional<GroupList::Group> name;
     bool inList = false;
-    for (const resbuf* buffer = data.get(); buffer != nullptr; buffer = buffer->rbnext) {
-        const bool isText =
-            buffer->restype == AcDb::kDxfXdAsciiString || buffer->restype == AcDb::kDxfXdControlString;
-        const std::wstring text = isText ? buffer->resval.rstring : L"";
-        if (text == L"DSTYLE") {
-            inList = true;
+    for (const GroupList::Group& group : entity.xdataGroups()) {
+        inList = inList || (group.code == 1000 && group.text == "DSTYLE");
+        if (group.code == 1001) {
+            name = group;
         } else if (!inList) {
-            kept.take(copyResbuf(*buffer).release());
-        } else if (text == L"}") {
+            if (name) {
+                kept.add(name->code, name->text);
+                name.reset();
+            }
+            kept.add(group.code, group.text);
+        } else if (group.code == 1002 && group.text == "}") {
             inList = false;
         }
     }
-    if (data.get() != nullptr) {
-        entity.setXData(kept.release().get());
-    }
+    entity.setXdataGroups(std::move(kept));
     if (auto* dimension = AcDbDimension::cast(&entity)) {
         dimension->recomputeDimBlock();
     }
 }
 
 AcDbObjectId dimensionStyleOf(const AcDbEntity& entity) {
+    const ReadAccess access(entity);
     AcDbObjectId style;
     forAnnotation(entity, [&](const auto& annotation) { style = annotation.dimensionStyle(); });
     return style;

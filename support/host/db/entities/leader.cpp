@@ -259,6 +259,7 @@ Acad::ErrorStatus AcDbLeader::evaluateLeader() {
         m.annotationWidth = text->actualWidth();
     } else if (const auto* frame = AcDbFcf::cast(entity)) {
         last = frame->location() + m.annotationOffset;
+        m.hookAlongHorizontal = (last - before).dotProduct(m.horizontal) < 0.0;
     } else if (const auto* block = AcDbBlockReference::cast(entity)) {
         last = block->position() + m.blockOffset;
     }

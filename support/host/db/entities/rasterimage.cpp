@@ -4,6 +4,7 @@
 #include "host/db/dbdatabase.h"
 #include "host/db/entities/curvepiece.h"
 #include "host/db/entities/transforms.h"
+#include "host/db/entities/wipeoutframes.h"
 #include "host/gi/gi.h"
 
 #include <algorithm>
@@ -302,5 +303,13 @@ bool AcDbWipeout::subWorldDraw(AcGiWorldDraw* draw) {
     const auto count = static_cast<Adesk::UInt32>(corners.size());
     draw->subEntityTraits().setTrueColor(AcCmEntityColor(AcCmEntityColor::kNone)); // the background's
     draw->geometry().polyPolygon(1, &count, corners.data());
+    const int frames = database() != nullptr ? host::wipeoutFrames(*database()) : 0;
+    if (frames == 1 ||
+        (frames == 2 && (draw->context() == nullptr || !draw->context()->isPlotGeneration()))) {
+        std::vector<AcGePoint3d> frame = corners;
+        frame.push_back(corners.front());
+        draw->subEntityTraits().setTrueColor(entityColor());
+        draw->geometry().polyline(count + 1, frame.data());
+    }
     return true;
 }

@@ -5,6 +5,7 @@
 #include "host/db/entities/fields.h"
 #include "host/db/entities/polyline.h"
 #include "host/db/entities/polyline3d.h"
+#include "host/db/entities/splineapproximation.h"
 #include "host/db/entities/splineflags.h"
 #include "host/db/entities/transforms.h"
 #include "host/gi/gi.h"
@@ -82,6 +83,14 @@ void AcDbSpline::setCurve(const AcGeNurbCurve3d& curve) {
 }
 
 bool AcDbSpline::fit(SplineData& data) const {
+    constexpr double through = 1e-8; // a curve through the points
+    if (data.fitTolerance > through) {
+        if (const std::optional<AcGeNurbCurve3d> near = host::approximatingCurve(
+                data.fitPoints, data.startTangent, data.endTangent, data.fitTolerance)) {
+            data.curve = *near;
+            return true;
+        }
+    }
     if ((data.flags & SplineFlag::periodic) != 0) {
         data.curve = AcGeNurbCurve3d::throughClosed(data.fitPoints);
     } else {
@@ -235,6 +244,11 @@ double AcDbSpline::fitTolerance() const {
 Acad::ErrorStatus AcDbSpline::setFitTol(double tolerance) {
     if (!(tolerance >= 0.0) || !std::isfinite(tolerance)) {
         return Acad::eInvalidInput;
+    }
+    if (hasFitData()) {
+        SplineData changed = m;
+        changed.fitTolerance = tolerance;
+        return changeFit(changed);
     }
     assertWriteEnabled();
     m.fitTolerance = tolerance;
