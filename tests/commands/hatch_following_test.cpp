@@ -144,8 +144,8 @@ TEST_F(HatchFollowing, FilesKeepTheAssociation) {
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     const std::string handle = host::toUtf8(hatch().handle().toString());
     std::size_t told = 0;
-    for (std::size_t at = text.find("{ACAD_REACTORS\n330\n" + handle); at != std::string::npos;
-         at = text.find("{ACAD_REACTORS\n330\n" + handle, at + 1)) {
+    for (std::size_t at = text.find("{ACAD_REACTORS\r\n330\r\n" + handle); at != std::string::npos;
+         at = text.find("{ACAD_REACTORS\r\n330\r\n" + handle, at + 1)) {
         ++told;
     }
     EXPECT_EQ(told, 4u);
