@@ -533,7 +533,7 @@ double farthest(const AcDbSpline& spline, const AcGePoint3dArray& points) {
 
 TEST_F(SplineTest, FitToleranceSparesControlPoints) {
     Numbers random(7);
-    for (const int count : {5, 12, 200, 3000}) {
+    for (const int count : {5, 12, 150}) {
         AcGePoint3dArray points;
         for (int i = 0; i < count; ++i) {
             points.append({3.0 * i, 20.0 * std::sin(0.05 * i) + random(-0.4, 0.4), random(-0.1, 0.1)});
@@ -559,7 +559,7 @@ TEST_F(SplineTest, FitToleranceSparesControlPoints) {
             EXPECT_LT(along.angleTo({1, 1, 0}), 1e-9);
             EXPECT_EQ(spline.numFitPoints(), count) << "the points are kept";
         }
-        EXPECT_LT(before, 40) << count;
+        EXPECT_LT(before, 12) << count;
         ASSERT_EQ(spline.setFitTol(0.0), Acad::eOk);
         EXPECT_LT(farthest(spline, points), 1e-6);
     }

@@ -129,7 +129,6 @@ void restore() {
 void apply() {
     const Selection selection = Selection::askEditable();
     const AcDbObjectId style = currentDatabase().dimstyle();
-    const DimVariables current = currentDimVariables(currentDatabase());
     int changed = 0;
     for (const AcDbObjectId id : selection.ids()) {
         const auto* known = peek<AcDbEntity>(id);
@@ -140,7 +139,7 @@ void apply() {
         if (entity) {
             setDimensionStyleOf(*entity.get(), style);
             clearDimOverrides(*entity.get());
-            overrideDimVariables(*entity.get(), current);
+            overrideByCurrent(*entity.get(), currentDatabase());
             ++changed;
         }
     }

@@ -84,7 +84,7 @@ template <class Annotation>
 void setCurrentStyle(Annotation& annotation) {
     annotation.setDatabaseDefaults();
     annotation.setDimensionStyle(currentDatabase().dimstyle());
-    overrideDimVariables(annotation, currentDimVariables(currentDatabase()));
+    overrideByCurrent(annotation, currentDatabase());
 }
 
 /// Words, line by line; nothing for Escape, empty when none were typed.

@@ -271,6 +271,18 @@ void overrideDimVariables(AcDbEntity& entity, const DimVariables& values) {
     }
 }
 
+void overrideByCurrent(AcDbEntity& entity, const AcDbDatabase& database) {
+    const std::optional<DimVariables> own = dimVariablesOf(entity);
+    DimVariables current = currentDimVariables(database);
+    for (std::size_t index = 0; own && index < dimVariables().size(); ++index) {
+        const auto* reference = std::get_if<AcDbObjectId V::*>(&dimVariables()[index].member);
+        if (reference != nullptr && (current.**reference).isNull()) {
+            copyDimVariable(current, *own, index);
+        }
+    }
+    overrideDimVariables(entity, current);
+}
+
 void clearDimOverrides(AcDbEntity& entity) {
     // The list DSTYLE of the application ACAD, up to its closing brace; the name with something else only.
     GroupList kept;

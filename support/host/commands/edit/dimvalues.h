@@ -22,6 +22,8 @@ bool takeDimValue(AcDbDatabase& database, const std::wstring& text, std::size_t 
 std::optional<DimVariables> dimVariablesOf(const AcDbEntity& entity);
 /// The entity, open for writing, gets values that differ from those it has as overrides.
 void overrideDimVariables(AcDbEntity& entity, const DimVariables& values);
+/// The same with the drawing's current values; what they name no record for stays the style's.
+void overrideByCurrent(AcDbEntity& entity, const AcDbDatabase& database);
 /// Takes all overrides off an entity that is open for writing.
 void clearDimOverrides(AcDbEntity& entity);
 AcDbObjectId dimensionStyleOf(const AcDbEntity& entity);
