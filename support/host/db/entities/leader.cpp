@@ -266,9 +266,11 @@ Acad::ErrorStatus AcDbLeader::evaluateLeader() {
     m.vertices.back() = last;
     const AcGeVector3d arrival = last - before;
     const double level = std::fabs(arrival.dotProduct(m.horizontal));
-    // A leader that comes in level needs no hook line; nor does a spline.
+    // A leader that comes in level needs no hook line, save one that goes on below its text; nor does a
+    // spline.
+    const bool isBelowText = variables.tad != 0 && m.annotationType == kMText;
     m.hookLine = m.annotationType != kBlockRef && !m.splined && arrival.length() > 0.0 &&
-                 level < std::cos(15.0 * host::pi / 180.0) * arrival.length();
+                 (isBelowText || level < std::cos(15.0 * host::pi / 180.0) * arrival.length());
     return Acad::eOk;
 }
 
