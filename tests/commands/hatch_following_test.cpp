@@ -155,6 +155,30 @@ TEST_F(HatchFollowing, FilesKeepTheAssociation) {
     EXPECT_NEAR(area(), 150.0, 1e-9);
 }
 
+TEST_F(HatchFollowing, DrawingsOfTheirOwnKeepWhatIsWhole) {
+    rectangleWithCircle();
+    AcDbObjectIdArray all;
+    for (const AcDbEntity* entity : entities()) {
+        all.append(entity->objectId());
+    }
+    for (const bool isWhole : {true, false}) {
+        AcDbObjectIdArray written = all;
+        if (!isWhole) {
+            written.removeAt(1); // without the island
+        }
+        AcDbDatabase* made = nullptr;
+        ASSERT_EQ(database().wblock(made, written, AcGePoint3d::kOrigin), Acad::eOk);
+        const std::unique_ptr<AcDbDatabase> output(made);
+        const auto* space = host::peek<AcDbBlockTableRecord>(output->modelSpaceId());
+        const auto* outer = host::peek<AcDbPolyline>(AcDbObjectId(space->entities().front()));
+        const auto* copy = host::peek<AcDbHatch>(AcDbObjectId(space->entities().back()));
+        ASSERT_TRUE(outer != nullptr && copy != nullptr);
+        EXPECT_EQ(copy->data().associative, isWhole);
+        EXPECT_EQ(outer->persistentReactors().size(), isWhole ? 1u : 0u);
+        EXPECT_EQ(copy->data().loops.front().sources.size(), isWhole ? 1u : 0u);
+    }
+}
+
 TEST_F(HatchFollowing, ArcsOfEllipsesAreGoneAlongBackwards) {
     run("ELLIPSE C 0,0 10,0 5\nLINE -20,0 20,0\n\n-HATCH 0,2\n\n");
     EXPECT_NEAR(area(), host::pi * 25.0, 1e-6);

@@ -185,23 +185,37 @@ int DatabaseImpl::classNumber(const ProxyData& proxy) {
     return first + static_cast<int>(classes.size()) - 1;
 }
 
+namespace {
+
+/// Calls tell(reactor) for each, some of which may remove themselves meanwhile; a few without memory of their
+/// own, as this happens for every object of every command.
+template <class Tell>
+void tellAll(const std::vector<AcDbDatabaseReactor*>& reactors, Tell&& tell) {
+    std::array<AcDbDatabaseReactor*, 4> few{};
+    if (reactors.size() <= few.size()) {
+        const auto last = std::copy(reactors.begin(), reactors.end(), few.begin());
+        std::for_each(few.begin(), last, [&](AcDbDatabaseReactor* reactor) { tell(*reactor); });
+        return;
+    }
+    for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
+        tell(*reactor);
+    }
+}
+
+} // namespace
+
 void DatabaseImpl::notifyAppended(const AcDbObject& object) {
     places.touch(object.objectId().stub());
-    for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
-        reactor->objectAppended(&mDatabase, &object);
-    }
+    tellAll(reactors, [&](AcDbDatabaseReactor& reactor) { reactor.objectAppended(&mDatabase, &object); });
 }
 void DatabaseImpl::notifyModified(const AcDbObject& object) {
     places.touch(object.objectId().stub());
-    for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
-        reactor->objectModified(&mDatabase, &object);
-    }
+    tellAll(reactors, [&](AcDbDatabaseReactor& reactor) { reactor.objectModified(&mDatabase, &object); });
 }
 void DatabaseImpl::notifyErased(const AcDbObject& object, bool erased) {
     places.touch(object.objectId().stub());
-    for (AcDbDatabaseReactor* reactor : std::vector(reactors)) {
-        reactor->objectErased(&mDatabase, &object, erased);
-    }
+    tellAll(reactors,
+            [&](AcDbDatabaseReactor& reactor) { reactor.objectErased(&mDatabase, &object, erased); });
 }
 
 bool isOnLockedLayer(const AcDbObject& object) {

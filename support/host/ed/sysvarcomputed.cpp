@@ -1,6 +1,7 @@
 // Making the values of computed system variables.
 #include "host/ed/sysvarcomputed.h"
 
+#include "host/db/entities/wipeoutframes.h"
 #include "host/ed/acdocman.h"
 #include "host/ed/commandrunner.h"
 #include "host/ed/input.h"
@@ -138,6 +139,7 @@ const std::map<std::wstring_view, DrawingMaker>& drawingMakers() {
          [](Document d) { return Value(d.isNamedDrawing() ? std::wstring(d.fileName()) : std::wstring()); }},
         {L"UNDOCTL", [](Document d) { return Value(undoControl(*d.database())); }},
         {L"UNDOMARKS", [](Document d) { return Value(d.database()->undoLog().markCount()); }},
+        {L"WIPEOUTFRAME", [](Document d) { return Value(wipeoutFrames(*d.database())); }},
         {L"WORLDUCS", [](Document d) { return Value(isWorldUcs(*d.database()) ? 1 : 0); }},
     };
     return table;
@@ -185,6 +187,14 @@ VariableError setComputedVariable(std::wstring_view name, const VariableValue& v
         const auto* layout = std::get_if<std::wstring>(&value);
         return layout != nullptr && setCurrentLayout(database, *layout) ? VariableError::none
                                                                         : VariableError::refused;
+    }
+    if (name == L"WIPEOUTFRAME") {
+        const auto* frames = std::get_if<int>(&value);
+        if (frames == nullptr) {
+            return VariableError::wrongType;
+        }
+        setWipeoutFrames(database, *frames);
+        return VariableError::none;
     }
     if (name == L"CVPORT") {
         const auto* number = std::get_if<int>(&value);

@@ -454,7 +454,7 @@ constexpr SessionVariable variables[] = {
     {L"WHIPARC", T::shortInteger, C::settings, L"0", 0, 1},
     {L"WHIPTHREAD", T::shortInteger, C::settings, L"1", 0, 3},
     {L"WINDOWAREACOLOR", T::shortInteger, C::settings, L"150", 1, 255},
-    {L"WIPEOUTFRAME", T::shortInteger, C::document, L"1", 0, 2},
+    {L"WIPEOUTFRAME", T::shortInteger, C::computed, L"", 0, 2},
     {L"WMFBKGND", T::shortInteger, C::settings, L"0", 0, 1},
     {L"WMFFOREGND", T::shortInteger, C::settings, L"0", 0, 1},
     {L"WORLDUCS", T::shortInteger, C::computed, L"", 0.0, -1.0, true},
