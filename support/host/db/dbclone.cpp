@@ -295,38 +295,34 @@ void Cloner::settleAssociations() {
         copies.insert(copy.object->objectId().stub());
     }
     for (const Copy& copy : mCopies) {
-        if (AcDbEntity::cast(copy.object) == nullptr) {
-            continue;
-        }
-        for (const AcDbObjectId reactor : std::vector(copy.object->persistentReactors())) {
-            if (!mCrossing && !copies.contains(reactor.stub())) {
-                copy.object->removePersistentReactor(reactor);
-            }
-        }
-    }
-    for (const Copy& copy : mCopies) {
         const AcDbObjectId id = copy.object->objectId();
         const auto isFollowed = [&](AcDbObjectId source) {
             const auto* object = peek<AcDbObject>(source);
             return object != nullptr && object->hasPersistentReactor(id);
         };
+        AcDbObjectIdArray sources;
+        if (auto* hatch = AcDbHatch::cast(copy.object);
+            hatch != nullptr && hatch->associative() && hatch->getAssocObjIds(sources) == Acad::eOk &&
+            (sources.isEmpty() || !std::ranges::all_of(sources, isFollowed))) {
+            hatch->removeAssocObjIds();
+        }
         if (auto* leader = AcDbLeader::cast(copy.object);
             leader != nullptr && !leader->annotationObjId().isNull() &&
             !copies.contains(leader->annotationObjId().stub())) {
             leader->detachAnnotation();
         }
-        auto* hatch = AcDbHatch::cast(copy.object);
-        AcDbObjectIdArray sources;
-        if (hatch == nullptr || !hatch->associative() || hatch->getAssocObjIds(sources) != Acad::eOk ||
-            (!sources.isEmpty() && std::ranges::all_of(sources, isFollowed))) {
+    }
+    for (const Copy& copy : mCopies) {
+        if (AcDbEntity::cast(copy.object) == nullptr) {
             continue;
         }
-        for (const AcDbObjectId source : sources) {
-            if (isFollowed(source)) {
-                peek<AcDbObject>(source)->removePersistentReactor(id);
+        for (const AcDbObjectId reactor : std::vector(copy.object->persistentReactors())) {
+            const auto* hatch = peek<AcDbHatch>(reactor);
+            if ((!mCrossing && !copies.contains(reactor.stub())) ||
+                (hatch != nullptr && !hatch->data().associative)) {
+                copy.object->removePersistentReactor(reactor);
             }
         }
-        hatch->removeAssocObjIds();
     }
 }
 
