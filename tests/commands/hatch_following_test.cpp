@@ -12,6 +12,7 @@ using commandtest::CommandTest;
 
 class HatchFollowing : public CommandTest {
 protected:
+    HatchFollowing() { host::setSystemVariable(L"HPNAME", L"SOLID"); }
     AcDbHatch& hatch(std::size_t index = 0) { return *entities<AcDbHatch>().at(index); }
     double area(std::size_t index = 0) {
         const host::ReadAccess access(hatch(index));

@@ -46,7 +46,8 @@ void listVariables(const DimVariables& variables, const DimVariables* standard) 
     for (std::size_t i = 0; i < order.size(); ++i) {
         order[i] = i;
     }
-    std::ranges::sort(order, {}, [](std::size_t index) { return dimVariables()[index].name; });
+    std::ranges::sort(order, {},
+                      [](std::size_t index) { return std::string_view(dimVariables()[index].name); });
     for (const std::size_t index : order) {
         const bool differs = standard != nullptr && !equalDimVariable(variables, *standard, index);
         acutPrintf(L"\nDIM%-13s %-16s %s%s", fromUtf8(dimVariables()[index].name).c_str(),

@@ -5,9 +5,11 @@
 #include "host/commands/edit/hatchoutline.h"
 #include "host/db/dbents.h"
 #include "host/ed/ed.h"
+#include "host/rx/text.h"
 
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace host {
 namespace {
@@ -37,6 +39,9 @@ public:
     void goodbye(const AcDbDatabase*) override { mDatabase = nullptr; }
 
 private:
+    /// Where hatches were.
+    using Places = std::unordered_map<AcDbStub*, AcDbExtents>;
+
     bool isListening() const { return !mIsMaking && !mDatabase->undoLog().isApplying(); }
     static AcDbExtents extentsOf(const AcDbHatch& hatch) {
         const ReadAccess access(hatch);
@@ -56,11 +61,12 @@ private:
         }
     }
     bool wentAway(const AcDbHatch& hatch, const AcDbExtents& before) const;
+    int bringUpToDate(const std::vector<AcDbObjectId>& changed, const Places& moved);
 
     AcDbDatabase* mDatabase;
-    std::unordered_set<AcDbStub*> mNoted;              ///< whose sources changed
-    std::vector<AcDbObjectId> mOrder;                  ///< the same in the order of the changes
-    std::unordered_map<AcDbStub*, AcDbExtents> mMoved; ///< that were changed themselves, where they were
+    std::unordered_set<AcDbStub*> mNoted; ///< whose sources changed
+    std::vector<AcDbObjectId> mOrder;     ///< the same in the order of the changes
+    Places mMoved;                        ///< those that were changed themselves
     bool mIsMaking = false;
 };
 
@@ -90,30 +96,46 @@ bool HatchFollower::wentAway(const AcDbHatch& hatch, const AcDbExtents& before) 
     return there.numLoops() == std::ssize(hatch.data().loops) && !near(now, extentsOf(there));
 }
 
-void HatchFollower::stepEnds() {
-    if (mDatabase == nullptr || (mOrder.empty() && mMoved.empty())) {
-        return;
-    }
-    mIsMaking = true;
-    int lost = 0;
-    for (const AcDbObjectId id : mOrder) {
+/// Which of the hatches follow nothing any more.
+int HatchFollower::bringUpToDate(const std::vector<AcDbObjectId>& changed, const Places& moved) {
+    // One that a program holds open is its own business.
+    const auto isFollowing = [](AcDbObjectId id) {
         const auto* hatch = peek<AcDbHatch>(id);
-        if (hatch != nullptr && hatch->data().associative && !remakeLoops(id)) {
+        return hatch != nullptr && hatch->data().associative && !id.stub()->openForWrite &&
+               id.stub()->readers == 0;
+    };
+    int lost = 0;
+    for (const AcDbObjectId id : changed) {
+        if (isFollowing(id) && !remakeLoops(id)) {
             dissociate(id);
             ++lost;
         }
     }
-    for (const auto& [stub, before] : mMoved) {
-        const auto* hatch = peek<AcDbHatch>(AcDbObjectId(stub));
-        if (hatch != nullptr && hatch->data().associative && !mNoted.contains(stub) &&
-            wentAway(*hatch, before)) {
-            dissociate(AcDbObjectId(stub));
+    const std::unordered_set<AcDbObjectId> done(changed.begin(), changed.end());
+    for (const auto& [stub, before] : moved) {
+        const AcDbObjectId id(stub);
+        if (!done.contains(id) && isFollowing(id) && wentAway(*peek<AcDbHatch>(id), before)) {
+            dissociate(id);
             ++lost;
         }
     }
+    return lost;
+}
+
+void HatchFollower::stepEnds() {
+    if (mDatabase == nullptr || (mOrder.empty() && mMoved.empty())) {
+        return;
+    }
     mNoted.clear();
-    mOrder.clear();
-    mMoved.clear();
+    const std::vector<AcDbObjectId> changed = std::exchange(mOrder, {});
+    const Places moved = std::exchange(mMoved, {});
+    int lost = 0;
+    mIsMaking = true;
+    try {
+        lost = bringUpToDate(changed, moved);
+    } catch (const std::exception& error) {
+        reportFailure(L"图案填充无法更新: " + fromUtf8(error.what()));
+    }
     mIsMaking = false;
     if (lost == 1) {
         acutPrintf(L"\n图案填充边界的关联性已删除。");
