@@ -45,7 +45,7 @@ QString plain(const QString& text) {
 
 MainWindow::MainWindow()
     : mCanvas(new Canvas), mCommandLine(new CommandLine), mProperties(nullptr), mModes(nullptr),
-      mTabs(new QTabBar), mAutosave(host::settingsFolder() / "recovery") {
+      mTabs(new QTabBar), mLayouts(new LayoutBar), mAutosave(host::settingsFolder() / "recovery") {
     applyStyle(*this);
     setWindowIcon(icon("app"));
     setObjectName(QStringLiteral("mainWindow"));
@@ -59,10 +59,15 @@ MainWindow::MainWindow()
     mTabs->setFocusPolicy(Qt::NoFocus);
     layout->addWidget(mTabs);
     layout->addWidget(mCanvas, 1);
+    layout->addWidget(mLayouts);
     setCentralWidget(middle);
     mModes = new ModeBar(this);
     setStatusBar(mModes);
     mInput = std::make_unique<WindowInput>(*mCanvas, *mCommandLine);
+    mLayouts->run = [this](const QString& text) {
+        mInput->run(text);
+        mCanvas->setFocus();
+    };
     mInput->asking = [this](const host::InputRequest& request) { followQuestion(request); };
     mInput->cursorMoved = [this](const Aimed& aimed) { mModes->showPoint(aimed.point); };
     mInput->menu = [this](const QPoint& onScreen, bool snaps) { showContextMenu(onScreen, snaps); };
@@ -212,6 +217,7 @@ void MainWindow::followQuestion(const host::InputRequest&) {
     mPropertyPanel->follow();
     mAutosave.setInterval(host::systemVariableInteger(L"SAVETIME"));
     followDocuments();
+    mLayouts->follow();
     if (mTextWindow != nullptr && mTextWindow->isVisible()) {
         showTextWindow();
     }

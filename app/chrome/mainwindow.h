@@ -4,6 +4,7 @@
 #include "app/canvas/canvas.h"
 #include "app/chrome/autosave.h"
 #include "app/chrome/layerpanel.h"
+#include "app/chrome/layoutbar.h"
 #include "app/chrome/modebar.h"
 #include "app/chrome/plotdialog.h"
 #include "app/chrome/propertybar.h"
@@ -40,6 +41,7 @@ public:
     host::UserInput& input() { return *mInput; }
     WindowInput& windowInput() { return *mInput; }
     Canvas& canvas() { return *mCanvas; }
+    LayoutBar& layouts() { return *mLayouts; }
     CommandLine& commandLine() { return *mCommandLine; }
     /// What a menu or a tool button does; see ActionRow::command.
     void trigger(const char* command, bool transparent);
@@ -93,6 +95,7 @@ private:
     LayerPanel* mLayerPanel = nullptr;
     PropertyPanel* mPropertyPanel = nullptr;
     QTabBar* mTabs;
+    LayoutBar* mLayouts;
     QMenu* mRecent = nullptr;
     QMenu* mPanels = nullptr;
     std::map<std::string, QToolBar*> mBars;

@@ -411,3 +411,25 @@ TEST(ContextMenu, OffersWhatCanBeDoneAtThePromptAndInACommand) {
                 }});
     host::setSystemVariable(L"SHORTCUTMENU", 27);
 }
+
+TEST(LayoutTabs, ShowTheDrawingsLayoutsAndChooseOne) {
+    Driver driver;
+    app::LayoutBar& tabs = driver.window().layouts();
+    const auto click = [&](int index) { emit tabs.tabBarClicked(index); };
+    driver.run({[](Driver& d) { d.type(QStringLiteral("LAYOUT N\n\"平 面 图\"\n")); },
+                [&](Driver&) {
+                    EXPECT_EQ(tabs.currentIndex(), 0);
+                    EXPECT_EQ(tabs.tabText(tabs.count() - 1), QStringLiteral("平 面 图"));
+                    click(tabs.count() - 1);
+                },
+                [&](Driver& d) {
+                    EXPECT_EQ(host::systemVariableText(L"CTAB"), L"平 面 图");
+                    EXPECT_EQ(tabs.currentIndex(), tabs.count() - 1);
+                    d.type(QStringLiteral("LAYOUT D\n\"平 面 图\"\n"));
+                },
+                [&](Driver&) {
+                    EXPECT_FALSE(tabs.tabText(tabs.count() - 1).contains(QStringLiteral("平")));
+                    click(0);
+                },
+                [](Driver&) { EXPECT_EQ(host::systemVariableText(L"CTAB"), L"Model"); }});
+}
