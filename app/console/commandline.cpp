@@ -168,7 +168,9 @@ void CommandLine::showPrompt() {
 }
 
 bool CommandLine::spaceEnds() const {
-    return mMode == host::ReadMode::token && !isLispBegun(mEdit->text());
+    const QString text = mEdit->text();
+    const bool isInQuotes = text.startsWith(QLatin1Char('"')) && text.count(QLatin1Char('"')) % 2 != 0;
+    return mMode == host::ReadMode::token && !isInQuotes && !isLispBegun(text);
 }
 
 void CommandLine::submit() {
