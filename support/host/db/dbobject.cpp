@@ -5,7 +5,6 @@
 #include "host/rx/text.h"
 
 #include <algorithm>
-#include <ranges>
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObject, AcGiDrawable)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObjectReactor, AcRxObject)
@@ -475,8 +474,10 @@ Acad::ErrorStatus AcDbObject::dxfOutFields(AcDbDxfFiler* filer) const {
     const auto isThere = [](AcDbObjectId reactor) { return !reactor.isErased(); };
     if (mExtras != nullptr && std::ranges::any_of(mExtras->reactors, isThere)) {
         filer->writeText(102, "{ACAD_REACTORS");
-        for (AcDbObjectId reactor : mExtras->reactors | std::views::filter(isThere)) {
-            filer->writeReference(330, reactor.stub());
+        for (const AcDbObjectId reactor : mExtras->reactors) {
+            if (isThere(reactor)) {
+                filer->writeReference(330, reactor.stub());
+            }
         }
         filer->writeText(102, "}");
     }
