@@ -22,6 +22,8 @@ int chordCount(double radius, double sweep, double deviation) {
         return 1;
     const double share = std::clamp(1 - deviation / radius, -1.0, 1.0);
     const double step = std::min(2 * std::acos(share), std::numbers::pi / 4);
+    if (!(step >= 0) || !std::isfinite(angle))
+        return 1; // nothing that can be shown has such a size
     const double count = std::ceil(angle / std::max(step, 1e-9));
     return static_cast<int>(std::clamp(count, 1.0, static_cast<double>(most)));
 }

@@ -193,8 +193,11 @@ bool FileFiler::convert() {
         if (parseHandle(mToken.text, handle) && handle <= greatestHandle) {
             mGroup.integer = static_cast<Adesk::Int64>(handle);
             mHandle = own ? handle : mHandle;
-        } else if (own) {
-            mBadHandle = true;
+        } else {
+            mText = withoutControls(mToken.text);
+            encodeLineEnds(mText);
+            mGroup.text = mText;
+            mBadHandle = mBadHandle || own;
         }
         return true;
     }
