@@ -176,13 +176,15 @@ bool AcDbPolyline::takeDxfGroup(AcDbDxfFiler*, const host::DxfGroup& group, std:
         return true;
     case 40:
     case 41:
-        if (!vertices.empty() && (group.real != 0.0 || (m.path.extras != nullptr && !m.path.extras->widths.empty()))) {
+        if (!vertices.empty() &&
+            (group.real != 0.0 || (m.path.extras != nullptr && !m.path.extras->widths.empty()))) {
             if (m.path.extras == nullptr) {
                 m.path.extras = std::make_unique<host::PolylineExtras>();
             }
             // Widths that came before were zero.
             m.path.extras->widths.resize(vertices.size());
-            (group.code == 40 ? m.path.extras->widths.back().start : m.path.extras->widths.back().end) = group.real;
+            (group.code == 40 ? m.path.extras->widths.back().start : m.path.extras->widths.back().end) =
+                group.real;
         }
         return true;
     case 91:
