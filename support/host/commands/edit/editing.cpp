@@ -115,7 +115,12 @@ AcGePoint2d FlatPath::toPlane(const AcGePoint3d& point) const {
 
 std::optional<FlatPath> flatPathOf(const AcDbEntity& entity) {
     if (const auto* light = AcDbPolyline::cast(&entity)) {
-        FlatPath path{{light->bulgePath(), {}}, light->normal(), light->elevation()};
+        // Member by member: an object that is not open throws, half a braced list is cleaned up twice by
+        // GCC 12.
+        FlatPath path;
+        path.normal = light->normal();
+        path.elevation = light->elevation();
+        path.shape.path = light->bulgePath();
         if (light->hasWidth()) {
             for (int i = 0; i < path.shape.path.segmentCount(); ++i) {
                 SegmentWidths& widths = path.shape.widths.emplace_back();
@@ -125,7 +130,11 @@ std::optional<FlatPath> flatPathOf(const AcDbEntity& entity) {
         return path;
     }
     if (const auto* heavy = AcDb2dPolyline::cast(&entity)) {
-        return FlatPath{heavy->shape(), heavy->normal(), heavy->elevation()};
+        FlatPath path;
+        path.normal = heavy->normal();
+        path.elevation = heavy->elevation();
+        path.shape = heavy->shape();
+        return path;
     }
     return std::nullopt;
 }
