@@ -125,6 +125,37 @@ bool areApart(const CurveNet::Piece& one, const CurveNet::Piece& other, double t
     return false;
 }
 
+/// Tells cheaply of most points that they do not lie on a curve. A point whose image under the map of an
+/// ellipse to the unit circle is d off the circle is at least d times the ellipse's least radius away.
+class NearCurve {
+public:
+    NearCurve(const CurvePiece& curve, double tolerance)
+        : mIsArc(curve.isArc()), mCenter(to2d(curve.origin)), mU(to2d(curve.u)), mV(to2d(curve.v)),
+          mTolerance(tolerance) {
+        mDeterminant = mU.crossProduct(mV);
+        const double sum = mU.lengthSqrd() + mV.lengthSqrd();
+        const double root = std::sqrt(std::max(sum * sum - 4.0 * mDeterminant * mDeterminant, 0.0));
+        mLeastRadius = std::sqrt(std::max((sum - root) / 2.0, 0.0));
+    }
+    bool isPossible(const AcGePoint2d& point) const {
+        if (!mIsArc || mDeterminant == 0.0) {
+            return true;
+        }
+        const AcGeVector2d way = point - mCenter;
+        const double along = way.crossProduct(mV) / mDeterminant;
+        const double across = mU.crossProduct(way) / mDeterminant;
+        return std::fabs(std::hypot(along, across) - 1.0) * mLeastRadius <= 2.0 * mTolerance;
+    }
+
+private:
+    bool mIsArc;
+    AcGePoint2d mCenter;
+    AcGeVector2d mU, mV;
+    double mTolerance;
+    double mDeterminant = 0.0;
+    double mLeastRadius = 0.0;
+};
+
 double turned(double angle) {
     return angle - twoPi * std::floor(angle / twoPi);
 }
@@ -224,6 +255,7 @@ const std::vector<double>& CurveNet::nodesOf(AcDbStub* stub, std::uint32_t index
     }
     const CurvePiece& curve = piece.curve;
     const Box2d box = piece.box.grownBy(mTolerance);
+    const NearCurve near(curve, mTolerance);
     std::vector<double> cuts;
     forPieces(box, [&](AcDbStub* otherStub, std::uint32_t otherIndex) {
         const Piece& other = curvesOf(otherStub).pieces[otherIndex];
@@ -231,14 +263,16 @@ const std::vector<double>& CurveNet::nodesOf(AcDbStub* stub, std::uint32_t index
         if (&other == &piece || areApart(piece, other, mTolerance)) {
             return;
         }
-        constexpr std::size_t workOfIntersection = 20;
-        countWork(workOfIntersection);
+        constexpr std::size_t workOfLines = 20, workOfCurves = 200;
+        const bool areLines =
+            curve.kind == CurvePiece::Kind::line && other.curve.kind == CurvePiece::Kind::line;
+        countWork(areLines ? workOfLines : workOfCurves);
         for (const PieceHit& hit : intersect(std::span(&curve, 1), std::span(&other.curve, 1))) {
             cuts.push_back(hit.firstParameter);
         }
         // Ends of the other that lie on this one, where the two share a stretch.
         for (const AcGePoint2d& end : {other.start, other.end}) {
-            if (!box.contains(end)) {
+            if (!box.contains(end) || !near.isPossible(end)) {
                 continue;
             }
             const double at = curve.closestParameter(to3d(end));
