@@ -231,6 +231,10 @@ TEST(DxfHostile, whatIsKeptStaysTheSameWhenWrittenAgain) {
     survives(entities(groups(
                  {{0, "POINT"}, {8, "0"}, {102, "{^J A"}, {1, "x"}, {102, "^J}"}, {100, "^J AcDbOdd ^M"}})) +
              eof);
+    survives(
+        section("OBJECTS",
+                groups({{0, "DICTIONARY"}, {5, "C"}, {330, "0"}, {100, "AcDbDictionary"}, {330, "1F"}})) +
+        eof);
     survives(header("AC1032", groups({{9, "$DWGCODEPAGE"},
                                       {3, "ANSI_\0\x1B"
                                           "936"s}})) +

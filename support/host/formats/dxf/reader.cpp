@@ -309,6 +309,10 @@ void Reader::readObjects() {
         // The first dictionary is the root; it alone has no owner.
         if (mImpl.containers.namedObjects.isNull() && isDictionary && owner == nullptr) {
             mImpl.containers.namedObjects = AcDbObjectId(stub);
+            if (!stub->object->ownerId().isNull()) { // a second owner behind the null one
+                setOwner(*stub, nullptr);
+                report(L"DICTIONARY 是根字典, 不能有所有者", Done::repaired, 0, stub->handle);
+            }
         }
     }
 }
