@@ -9,6 +9,11 @@
 namespace host {
 namespace {
 
+/// Of the plane that hatches and boundaries are made in.
+double ucsElevation() {
+    return toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z;
+}
+
 class Hatching {
 public:
     void run();
@@ -113,7 +118,7 @@ void Hatching::make() {
     auto hatch = std::make_unique<AcDbHatch>();
     hatch->setDatabaseDefaults();
     hatch->setNormal(ucsNormal());
-    hatch->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
+    hatch->setElevation(ucsElevation());
     hatch->setHatchStyle(static_cast<AcDbHatch::HatchStyle>(systemVariableInteger(L"HPISLANDDETECTION")));
     for (const HatchOutline& outline : mOutlines) {
         appendOutline(*hatch, outline);
@@ -138,18 +143,10 @@ void runHatch() {
     Hatching().run();
 }
 
-void appendOutlinePolyline(const HatchOutline& outline) {
+void appendBoundary(const HatchOutline& outline) {
     AcDbHatch measure;
     appendOutline(measure, outline);
-    auto polyline = std::make_unique<AcDbPolyline>();
-    polyline->setDatabaseDefaults();
-    polyline->setNormal(ucsNormal());
-    polyline->setElevation(toObject(ucsNormal(), ucsToWorld(AcGePoint3d::kOrigin)).z);
-    for (const BulgeVertex& vertex : pathOf(measure.data().loops.front()).vertices) {
-        polyline->addVertexAt(polyline->numVerts(), vertex.point, vertex.bulge);
-    }
-    polyline->setClosed(true);
-    appendToCurrentSpace(polyline.release());
+    appendOutlinePolyline(pathOf(measure.data().loops.front()), ucsNormal(), ucsElevation());
 }
 
 /// The option that says whether islands come along; false for Escape.
@@ -182,7 +179,7 @@ void runBoundary() {
             std::ranges::move(outlines, std::back_inserter(found));
         }
     }
-    std::ranges::for_each(found, appendOutlinePolyline);
+    std::ranges::for_each(found, appendBoundary);
     if (!found.empty()) {
         acutPrintf(L"\nBOUNDARY 已创建 %d 个多段线。", static_cast<int>(found.size()));
     }

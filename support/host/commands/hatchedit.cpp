@@ -137,13 +137,8 @@ void forgetSources(AcDbObjectId id, const AcDbObjectIdArray& before) {
         hatch->getAssocObjIds(after);
     }
     for (const AcDbObjectId source : before) {
-        const auto* object = peek<AcDbObject>(source);
-        if (after.contains(source) || object == nullptr || !object->hasPersistentReactor(id)) {
-            continue;
-        }
-        if (AcDbObject* opened = openForNote(source)) {
-            opened->removePersistentReactor(id);
-            opened->close();
+        if (!after.contains(source)) {
+            forgetFollower(source, id);
         }
     }
 }
@@ -184,18 +179,11 @@ void recreateBoundary(AcDbObjectId id) {
     const AcDbHatch& hatch = *peek<AcDbHatch>(id);
     std::vector<HatchOutline> outlines;
     for (const HatchLoop& loop : hatch.data().loops) {
-        auto polyline = std::make_unique<AcDbPolyline>();
-        polyline->setDatabaseDefaults();
-        polyline->setNormal(hatch.data().normal);
-        polyline->setElevation(hatch.data().elevation);
         HatchOutline& outline = outlines.emplace_back();
         outline.path = pathOf(loop);
         outline.type = loop.type & ~HatchLoop::polylineFlag;
-        for (const BulgeVertex& vertex : outline.path.vertices) {
-            polyline->addVertexAt(polyline->numVerts(), vertex.point, vertex.bulge);
-        }
-        polyline->setClosed(true);
-        outline.sources.push_back(appendToCurrentSpace(polyline.release()));
+        outline.sources.push_back(
+            appendOutlinePolyline(outline.path, hatch.data().normal, hatch.data().elevation));
     }
     if (*follows) {
         dissociate(id);

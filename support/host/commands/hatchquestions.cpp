@@ -167,6 +167,18 @@ void putInHatchOrder(AcDbObjectId id, int order) {
     table->close();
 }
 
+AcDbObjectId appendOutlinePolyline(const BulgePath& path, const AcGeVector3d& normal, double elevation) {
+    auto polyline = std::make_unique<AcDbPolyline>();
+    polyline->setDatabaseDefaults();
+    polyline->setNormal(normal);
+    polyline->setElevation(elevation);
+    for (const BulgeVertex& vertex : path.vertices) {
+        polyline->addVertexAt(polyline->numVerts(), vertex.point, vertex.bulge);
+    }
+    polyline->setClosed(true);
+    return appendToCurrentSpace(polyline.release());
+}
+
 std::vector<HatchOutline> outlinesAround(const AcGePoint3d& world) {
     const AcGeVector3d normal = ucsNormal();
     const TracedBoundary boundary =

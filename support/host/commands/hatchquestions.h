@@ -31,6 +31,9 @@ std::optional<AcDbHatch::HatchStyle> askHatchStyle(AcDbHatch::HatchStyle standar
 std::optional<int> askHatchOrder(int standard);
 void putInHatchOrder(AcDbObjectId hatch, int order);
 
+/// Appends a closed polyline in the plane with this elevation.
+AcDbObjectId appendOutlinePolyline(const BulgePath& path, const AcGeVector3d& normal, double elevation);
+
 /// Outlines around a place, in the UCS plane; tells when there are none.
 std::vector<HatchOutline> outlinesAround(const AcGePoint3d& world);
 /// Outlines of objects that are selected now; tells how many are part of none.

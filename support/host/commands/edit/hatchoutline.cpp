@@ -75,6 +75,27 @@ std::vector<BoundaryPiece> piecesOf(const HatchOutline& outline) {
                                       : boundaryPieces(hatch.data().loops.front());
 }
 
+/// Opens an object for writing on a locked layer too, for what is noted on it; null while it is open
+/// elsewhere. To be closed.
+AcDbObject* openForNote(AcDbObjectId id) {
+    AcDbObject* object = nullptr;
+    if (id.isNull() || id.isErased() || (id.stub()->object != nullptr && id.stub()->readers > 0) ||
+        acdbOpenAcDbObject(object, id, AcDb::kForNotify) != Acad::eOk) {
+        return nullptr;
+    }
+    object->upgradeOpen();
+    return object;
+}
+
+/// What a loop comes from is noted with it.
+void setSources(AcDbHatch& hatch, int loop, const HatchOutline& outline) {
+    AcDbObjectIdArray sources;
+    for (const AcDbObjectId source : outline.sources) {
+        sources.append(source);
+    }
+    hatch.setAssocObjIdsAt(loop, sources);
+}
+
 /// The way that is most like the loop that was there.
 std::optional<HatchOutline> likeliest(const HatchLoop& loop, const AcGeVector3d& normal) {
     const std::vector<BoundaryPiece> old = boundaryPieces(loop);
@@ -210,16 +231,6 @@ BulgePath pathOf(const HatchLoop& loop) {
     return path;
 }
 
-AcDbObject* openForNote(AcDbObjectId id) {
-    AcDbObject* object = nullptr;
-    if (id.isNull() || id.isErased() || (id.stub()->object != nullptr && id.stub()->readers > 0) ||
-        acdbOpenAcDbObject(object, id, AcDb::kForNotify) != Acad::eOk) {
-        return nullptr;
-    }
-    object->upgradeOpen();
-    return object;
-}
-
 void associate(AcDbObjectId id, const std::vector<HatchOutline>& outlines) {
     for (const HatchOutline& outline : outlines) {
         for (const AcDbObjectId source : outline.sources) {
@@ -236,14 +247,20 @@ void associate(AcDbObjectId id, const std::vector<HatchOutline>& outlines) {
     if (auto* hatch = AcDbHatch::cast(openForNote(id))) {
         const int first = hatch->numLoops() - static_cast<int>(outlines.size());
         for (int i = 0; i < static_cast<int>(outlines.size()); ++i) {
-            AcDbObjectIdArray sources;
-            for (const AcDbObjectId source : outlines[static_cast<std::size_t>(i)].sources) {
-                sources.append(source);
-            }
-            hatch->setAssocObjIdsAt(first + i, sources);
+            setSources(*hatch, first + i, outlines[static_cast<std::size_t>(i)]);
         }
         hatch->setAssociative(true);
         hatch->close();
+    }
+}
+
+void forgetFollower(AcDbObjectId source, AcDbObjectId hatch) {
+    const auto* object = peek<AcDbObject>(source);
+    AcDbObject* opened =
+        object != nullptr && object->hasPersistentReactor(hatch) ? openForNote(source) : nullptr;
+    if (opened != nullptr) {
+        opened->removePersistentReactor(hatch);
+        opened->close();
     }
 }
 
@@ -255,13 +272,7 @@ void dissociate(AcDbObjectId id) {
         hatch->close();
     }
     for (const AcDbObjectId source : sources) {
-        const auto* object = peek<AcDbObject>(source);
-        if (object != nullptr && object->hasPersistentReactor(id)) {
-            if (AcDbObject* opened = openForNote(source)) {
-                opened->removePersistentReactor(id);
-                opened->close();
-            }
-        }
+        forgetFollower(source, id);
     }
 }
 
@@ -302,11 +313,7 @@ bool remakeLoops(AcDbObjectId id) {
     // New loops come behind those without sources; the old ones go.
     for (const HatchOutline& outline : *outlines) {
         if (!outline.sources.empty() && appendOutline(*hatch, outline) == Acad::eOk) {
-            AcDbObjectIdArray sources;
-            for (const AcDbObjectId source : outline.sources) {
-                sources.append(source);
-            }
-            hatch->setAssocObjIdsAt(hatch->numLoops() - 1, sources);
+            setSources(*hatch, hatch->numLoops() - 1, outline);
         }
     }
     for (int i = static_cast<int>(outlines->size()) - 1; i >= 0; --i) {

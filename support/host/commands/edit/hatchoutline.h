@@ -25,6 +25,8 @@ BulgePath pathOf(const HatchLoop& loop);
 
 /// The hatch, which is closed, follows the sources from now on: one list for each of its last loops.
 void associate(AcDbObjectId hatch, const std::vector<HatchOutline>& outlines);
+/// The source, which is closed, tells the hatch of its changes no more.
+void forgetFollower(AcDbObjectId source, AcDbObjectId hatch);
 /// The hatch, which is closed, follows nothing any more.
 void dissociate(AcDbObjectId hatch);
 /// The outlines that the sources of the hatch make now, a loop each, empty for loops without sources; nothing
@@ -32,9 +34,5 @@ void dissociate(AcDbObjectId hatch);
 std::optional<std::vector<HatchOutline>> remadeOutlines(const AcDbHatch& hatch);
 /// Gives the hatch, which is closed, the outlines its sources make now; false when there are none.
 bool remakeLoops(AcDbObjectId hatch);
-
-/// Opens an object for writing on a locked layer too, for what is noted on it; null while it is open
-/// elsewhere. To be closed.
-AcDbObject* openForNote(AcDbObjectId id);
 
 } // namespace host
