@@ -69,23 +69,31 @@ std::optional<AcDbObjectId> askLinetype(const std::wstring& prompt, AcDbObjectId
     return askNamed(currentDatabase().linetypeTableId(), prompt, L"线型", current, linetypeNamed);
 }
 
+AcDbObjectId makeLayer(const std::wstring& name) {
+    AcDbObjectId id;
+    auto layer = std::make_unique<AcDbLayerTableRecord>();
+    const Opened<AcDbLayerTable> table(currentDatabase().layerTableId(), AcDb::kForWrite);
+    layer->setLinetypeObjectId(currentDatabase().continuousLinetype());
+    if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
+        return {};
+    }
+    layer.release()->close();
+    return id;
+}
+
 AcDbObjectId layerNamed(const std::wstring& name, bool* created) {
-    AcDbDatabase& database = currentDatabase();
     AcDbObjectId id;
     if (created != nullptr) {
         *created = false;
     }
-    if (peek<AcDbLayerTable>(database.layerTableId())->getAt(name.c_str(), id) == Acad::eOk) {
+    if (peek<AcDbLayerTable>(currentDatabase().layerTableId())->getAt(name.c_str(), id) == Acad::eOk) {
         return id;
     }
-    auto layer = std::make_unique<AcDbLayerTableRecord>();
-    const Opened<AcDbLayerTable> table(database.layerTableId(), AcDb::kForWrite);
-    layer->setLinetypeObjectId(database.continuousLinetype());
-    if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
+    id = makeLayer(name);
+    if (id.isNull()) {
         acutPrintf(L"\n图层名 \"%s\" 无效。", name.c_str());
         return {};
     }
-    layer.release()->close();
     if (created != nullptr) {
         *created = true;
     }

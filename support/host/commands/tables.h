@@ -14,6 +14,8 @@ std::optional<AcDbObjectId> askLinetype(const std::wstring& prompt, AcDbObjectId
 /// The linetype of that name, loaded when necessary; null when there is none.
 AcDbObjectId linetypeNamed(const std::wstring& name);
 
+/// A new layer; null when the name is invalid or taken.
+AcDbObjectId makeLayer(const std::wstring& name);
 /// The layer of that name, made when there is none; null with a line told when it can't be.
 AcDbObjectId layerNamed(const std::wstring& name, bool* created = nullptr);
 

@@ -3,6 +3,7 @@
 
 #include "host/commands/ask.h"
 #include "host/commands/registry.h"
+#include "host/commands/tables.h"
 
 #include <algorithm>
 #include <array>
@@ -425,16 +426,13 @@ void makeFrozenLayers() {
         const std::size_t end = std::min(names.text.find(L',', begin), names.text.size());
         const std::wstring name = names.text.substr(begin, end - begin);
         begin = end + 1;
-        auto layer = std::make_unique<AcDbLayerTableRecord>();
-        layer->setLinetypeObjectId(currentDatabase().continuousLinetype());
-        layer->setVPDFLT(true);
-        const Opened<AcDbLayerTable> table(currentDatabase().layerTableId(), AcDb::kForWrite);
-        AcDbObjectId id;
-        if (!table || layer->setName(name.c_str()) != Acad::eOk || table->add(id, layer.get()) != Acad::eOk) {
+        const AcDbObjectId id = makeLayer(name);
+        if (const Opened<AcDbLayerTableRecord> layer(id, AcDb::kForWrite); layer) {
+            layer->setVPDFLT(true);
+        } else {
             acutPrintf(L"\n图层名 \"%s\" 无效或已经存在。", name.c_str());
             continue;
         }
-        layer.release()->close();
         for (const AcDbObjectId viewportId : layoutViewports(currentDatabase())) {
             if (const Opened<AcDbViewport> viewport(viewportId, AcDb::kForWrite); viewport) {
                 AcDbObjectIdArray one;
