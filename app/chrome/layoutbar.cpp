@@ -5,7 +5,6 @@
 #include "host/ed/sysvars.h"
 
 #include <QMenu>
-#include <QSignalBlocker>
 
 namespace app {
 namespace {

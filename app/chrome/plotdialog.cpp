@@ -28,7 +28,6 @@ namespace {
 
 using Area = host::PageSetup::Area;
 
-constexpr double millimetresAnInch = 25.4;
 constexpr std::array scales{"1:1",   "1:2",   "1:5",   "1:10",   "1:50",
                             "1:100", "1:200", "1:500", "1:1000", "1:2000"};
 
@@ -81,7 +80,7 @@ public:
     bool take() {
         host::PageSetup& setup = mJob.setup;
         const std::optional<host::Paper> paper = host::paperNamed(mPaper->currentText().toStdWString());
-        const double unit = setup.isInches ? millimetresAnInch : 1;
+        const double unit = setup.isInches ? host::millimetresAnInch : 1;
         const double scale = host::plotScale(mScale->currentText().toStdWString());
         const std::optional<double> x = number(*mOffsetX);
         const std::optional<double> y = number(*mOffsetY);
@@ -227,7 +226,7 @@ private:
 
     void fill() {
         const host::PageSetup& setup = mJob.setup;
-        const double unit = setup.isInches ? millimetresAnInch : 1;
+        const double unit = setup.isInches ? host::millimetresAnInch : 1;
         mDevice->setCurrentIndex(static_cast<int>(mJob.device - host::plotDevices().data()));
         mFile->setText(text(mJob.file.empty() ? host::plotFileName(mDocument, mJob) : mJob.file));
         mPaper->setEditText(text(host::paperText(setup.paper)));

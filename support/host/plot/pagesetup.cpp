@@ -15,7 +15,6 @@ namespace host {
 
 namespace {
 
-constexpr double millimetresAnInch = 25.4;
 constexpr double longestSide = 1e5; // of paper that can be meant
 constexpr double freeMargin = 10;   // where no device says what it can print
 

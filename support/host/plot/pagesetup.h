@@ -7,6 +7,8 @@ class AcDbLayout;
 
 namespace host {
 
+inline constexpr double millimetresAnInch = 25.4;
+
 struct PageSetup {
     enum class Area { display, extents, limits, view, window, layout };
     struct Margins { // millimetres, that the device cannot print on

@@ -19,8 +19,6 @@ PlotWindows*& plotWindows() {
     return windows;
 }
 
-constexpr double millimetresAnInch = 25.4;
-
 // A question of the configuration: false when the user gave up.
 using Question = bool (*)(AcApDocument& document, PlotJob& job);
 

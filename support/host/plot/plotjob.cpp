@@ -22,7 +22,7 @@ constexpr PaperSize sizes[] = {{L"A4", {210, 297}}, {L"A3", {297, 420}},  {L"A2"
                                {L"A1", {594, 841}}, {L"A0", {841, 1189}}, {L"B4", {250, 353}},
                                {L"B5", {176, 250}}};
 constexpr const PaperSize& usualSize = sizes[1];
-constexpr double millimetresAnInch = 25.4, longestSide = 20000;
+constexpr double longestSide = 20000; // of paper, millimetres
 
 // The number at the start of the text, which is cut off.
 std::optional<double> takeNumber(std::wstring_view& text) {

@@ -27,7 +27,7 @@ struct SegmentCover {
 std::vector<SegmentCover> coverSegments(const std::vector<Segment>& segments, const CoverOptions& options);
 
 struct CircleArc {
-    static constexpr double full = 6.283185307179586;
+    static constexpr double full = twoPi;
     AcGePoint3d center;
     AcGeVector3d normal;
     double radius = 0.0;
