@@ -283,6 +283,19 @@ AcGeVector3d ucsNormal() {
     return currentDatabase().ucsxdir().crossProduct(currentDatabase().ucsydir()).normal();
 }
 
+std::optional<AcGePoint3d> askOppositeCorner(const wchar_t* prompt, const AcGePoint3d& ucs) {
+    ads_point base;
+    ads_point opposite;
+    setPoint(base, ucs);
+    acedInitGet(RSG_NONULL, nullptr);
+    return acedGetCorner(base, prompt, opposite) == RTNORM ? std::optional(ucsToWorld(asPoint3d(opposite)))
+                                                           : std::nullopt;
+}
+
+const wchar_t* lockedRefusal(const AcDbEntity& entity) {
+    return isOnLockedLayer(entity) ? L"对象在锁定的图层上。" : nullptr;
+}
+
 void transformFromUcs(AcDbEntity& entity) {
     if (const AcGeMatrix3d matrix = ucsMatrix(); matrix != AcGeMatrix3d::kIdentity) {
         entity.transformBy(matrix);

@@ -64,6 +64,12 @@ struct EntityAnswer : Answer {
 EntityAnswer askEntity(const std::wstring& prompt, const wchar_t* keywords = nullptr,
                        const std::function<const wchar_t*(const AcDbEntity&)>& refusal = {});
 
+/// The corner of a rectangle opposite to one in UCS coordinates, in world coordinates; nothing when the user
+/// gives up.
+std::optional<AcGePoint3d> askOppositeCorner(const wchar_t* prompt, const AcGePoint3d& ucs);
+/// The line that refuses what stands on a locked layer; null for the rest.
+const wchar_t* lockedRefusal(const AcDbEntity& entity);
+
 /// A selection made by the user, or what was picked before the command; freed at the end of the scope.
 class Selection {
 public:

@@ -14,7 +14,7 @@ const wchar_t* refuseUnlessCurve(const AcDbEntity& entity) {
     if (AcDbCurve::cast(&entity) == nullptr) {
         return L"不能打断该对象。";
     }
-    return isOnLockedLayer(entity) ? L"对象在锁定的图层上。" : nullptr;
+    return lockedRefusal(entity);
 }
 
 /// Two points on the curve; the second may be the first one again.

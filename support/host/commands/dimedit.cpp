@@ -109,9 +109,7 @@ void runDimEdit() {
 }
 
 const wchar_t* refuseUnlessDimension(const AcDbEntity& entity) {
-    return AcDbDimension::cast(&entity) == nullptr ? L"选定的对象不是标注。"
-           : isOnLockedLayer(entity)               ? L"对象在锁定的图层上。"
-                                                   : nullptr;
+    return AcDbDimension::cast(&entity) == nullptr ? L"选定的对象不是标注。" : lockedRefusal(entity);
 }
 
 /// Beside the extension line to the left, to the right, or in the middle between them.

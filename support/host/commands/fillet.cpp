@@ -24,7 +24,7 @@ const wchar_t* refuseUnlessCornered(const AcDbEntity& entity) {
     if (!fits) {
         return L"不能对该对象倒角。";
     }
-    return isOnLockedLayer(entity) ? L"对象在锁定的图层上。" : nullptr;
+    return lockedRefusal(entity);
 }
 
 const wchar_t* refuseUnlessPolyline(const AcDbEntity& entity) {

@@ -11,9 +11,7 @@ namespace host {
 namespace {
 
 const wchar_t* refuseUnlessHatch(const AcDbEntity& entity) {
-    return AcDbHatch::cast(&entity) == nullptr ? L"选定的对象不是图案填充。"
-           : isOnLockedLayer(entity)           ? L"对象在锁定的图层上。"
-                                               : nullptr;
+    return AcDbHatch::cast(&entity) == nullptr ? L"选定的对象不是图案填充。" : lockedRefusal(entity);
 }
 
 HatchSettings settingsOf(const AcDbHatch& hatch) {

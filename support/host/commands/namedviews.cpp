@@ -116,14 +116,11 @@ void saveWindow() {
     if (!first.isValue()) {
         return;
     }
-    ads_point base;
-    ads_point opposite;
-    setPoint(base, first.ucs);
-    acedInitGet(RSG_NONULL, nullptr);
-    if (acedGetCorner(base, L"\n指定对角点: ", opposite) != RTNORM) {
+    const std::optional<AcGePoint3d> opposite = askOppositeCorner(L"\n指定对角点: ", first.ucs);
+    if (!opposite) {
         return;
     }
-    const AcGeVector3d diagonal = ucsToWorld(asPoint3d(opposite)) - first.world;
+    const AcGeVector3d diagonal = *opposite - first.world;
     if (diagonal.x == 0.0 || diagonal.y == 0.0) {
         acutPrintf(L"\n窗口没有大小。");
         return;

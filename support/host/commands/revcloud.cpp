@@ -191,9 +191,7 @@ void CloudDrawing::alongObject() {
     const auto refuse = [](const AcDbEntity& entity) -> const wchar_t* {
         const bool isCurve = AcDbCurve::cast(&entity) != nullptr && AcDbRay::cast(&entity) == nullptr &&
                              AcDbXline::cast(&entity) == nullptr && AcDbLeader::cast(&entity) == nullptr;
-        return !isCurve ? L"需要直线、圆、圆弧、椭圆、多段线或样条曲线。"
-               : isOnLockedLayer(entity) ? L"对象在锁定的图层上。"
-                                         : nullptr;
+        return !isCurve ? L"需要直线、圆、圆弧、椭圆、多段线或样条曲线。" : lockedRefusal(entity);
     };
     const EntityAnswer picked = askEntity(L"\n选择对象: ", nullptr, refuse);
     if (!picked.isValue()) {

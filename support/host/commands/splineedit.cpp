@@ -11,9 +11,7 @@ namespace host {
 namespace {
 
 const wchar_t* refuseUnlessSpline(const AcDbEntity& entity) {
-    return AcDbSpline::cast(&entity) == nullptr ? L"选定的对象不是样条曲线。"
-           : isOnLockedLayer(entity)            ? L"对象在锁定的图层上。"
-                                                : nullptr;
+    return AcDbSpline::cast(&entity) == nullptr ? L"选定的对象不是样条曲线。" : lockedRefusal(entity);
 }
 
 class SplineEditing {

@@ -108,12 +108,8 @@ void zoomWindow(const PointAnswer& first) {
     if (!corner.isValue()) {
         return;
     }
-    ads_point base;
-    ads_point opposite;
-    setPoint(base, corner.ucs);
-    acedInitGet(1, nullptr);
-    if (acedGetCorner(base, L"\n指定对角点: ", opposite) == RTNORM) {
-        setWindow(ucsToWorld(corner.ucs), ucsToWorld(asPoint3d(opposite)));
+    if (const std::optional<AcGePoint3d> opposite = askOppositeCorner(L"\n指定对角点: ", corner.ucs)) {
+        setWindow(ucsToWorld(corner.ucs), *opposite);
     }
 }
 

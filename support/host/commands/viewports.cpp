@@ -130,16 +130,12 @@ std::optional<Frame> askFrame(const PointAnswer& first) {
     if (!first.isValue()) {
         return std::nullopt;
     }
-    ads_point base;
-    ads_point opposite;
-    setPoint(base, first.ucs);
-    acedInitGet(1, nullptr);
-    if (acedGetCorner(base, L"\n指定对角点: ", opposite) != RTNORM) {
+    const std::optional<AcGePoint3d> corner = askOppositeCorner(L"\n指定对角点: ", first.ucs);
+    if (!corner) {
         return std::nullopt;
     }
-    const AcGePoint3d corner = ucsToWorld(asPoint3d(opposite));
-    return Frame{{std::min(first.world.x, corner.x), std::min(first.world.y, corner.y)},
-                 {std::max(first.world.x, corner.x), std::max(first.world.y, corner.y)}};
+    return Frame{{std::min(first.world.x, corner->x), std::min(first.world.y, corner->y)},
+                 {std::max(first.world.x, corner->x), std::max(first.world.y, corner->y)}};
 }
 
 std::optional<Frame> askFrame() {

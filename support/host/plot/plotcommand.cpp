@@ -135,15 +135,12 @@ bool askWindow(PlotJob& job) {
     if (!first.isValue())
         return false;
     for (;;) {
-        ads_point base, opposite;
-        setPoint(base, first.ucs);
-        acedInitGet(1, nullptr);
-        if (acedGetCorner(base, L"\n输入窗口的对角点: ", opposite) != RTNORM)
+        const std::optional<AcGePoint3d> second = askOppositeCorner(L"\n输入窗口的对角点: ", first.ucs);
+        if (!second)
             return false;
-        const AcGePoint3d second = ucsToWorld(asPoint3d(opposite));
-        if (second.x != first.world.x && second.y != first.world.y) {
-            job.setup.window = {std::min(first.world.x, second.x), std::min(first.world.y, second.y),
-                                std::max(first.world.x, second.x), std::max(first.world.y, second.y)};
+        if (second->x != first.world.x && second->y != first.world.y) {
+            job.setup.window = {std::min(first.world.x, second->x), std::min(first.world.y, second->y),
+                                std::max(first.world.x, second->x), std::max(first.world.y, second->y)};
             return true;
         }
         acutPrintf(L"\n窗口的宽度和高度必须大于零。");
